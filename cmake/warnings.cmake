@@ -1,0 +1,16 @@
+# The compiler's settings that every target of this project shares. Warnings are errors.
+add_library(kestrel_settings INTERFACE)
+target_compile_options(kestrel_settings INTERFACE
+  -Wall -Wextra -Wpedantic -Werror
+  -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual
+  -Wnon-virtual-dtor -Woverloaded-virtual -Wduplicated-cond -Wlogical-op -Wuseless-cast
+  -Wdouble-promotion -Wformat=2 -Wimplicit-fallthrough)
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+  # These three are known to GCC alone.
+  target_compile_options(kestrel_settings INTERFACE -Wno-unknown-warning-option)
+endif()
+if(KESTREL_SANITIZE)
+  target_compile_options(kestrel_settings INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kestrel_settings INTERFACE -fsanitize=address,undefined)
+endif()

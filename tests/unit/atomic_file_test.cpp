@@ -1,0 +1,93 @@
+#include "platform/atomic_file.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+
+#include "platform/runtime_error.h"
+#include "support/temporary_folder.h"
+
+namespace kestrel {
+namespace {
+
+namespace fs = std::filesystem;
+
+TEST(AtomicFile, replacesTheWholeFileAndKeepsItsPermissions) {
+  const test::TemporaryFolder folder;
+  const fs::path file = folder / "image.bin";
+  writeFileAtomically(file, "a longer first content");
+  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
+  writeFileAtomically(file, "second");
+  EXPECT_EQ(readWholeTextFile(file), "second");
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST(AtomicFile, followsALinkInsteadOfReplacingIt) {
+  const test::TemporaryFolder folder;
+  writeFileAtomically(folder / "real", "old");
+  fs::create_symlink("real", folder / "link");
+  writeFileAtomically(folder / "link", "new");
+  EXPECT_TRUE(fs::is_symlink(folder / "link"));
+  EXPECT_EQ(readWholeTextFile(folder / "real"), "new");
+}
+
+TEST(AtomicFile, writesIntoADeviceDirectly) {
+  writeFileAtomically("/dev/null", "lost");
+  EXPECT_TRUE(fs::is_character_file("/dev/null"));
+}
+
+TEST(AtomicFile, aFullDiskIsToldWithTheFileAndTheReason) {
+  try {
+    writeFileAtomically("/dev/full", "content");
+    FAIL() << "a write to a full device went through";
+  } catch (const FileError& error) {
+    EXPECT_EQ(error.number(), kDiskFullError);
+    EXPECT_EQ(std::string(error.what()), "Cannot write /dev/full: No space left on device");
+  }
+}
+
+TEST(AtomicFile, refusesWhatCannotBeReadOrWritten) {
+  const test::TemporaryFolder folder;
+  EXPECT_THROW((void)readWholeFile(folder / "missing", 10), FileError);
+  EXPECT_THROW((void)readWholeFile(folder.path(), 10), FileError);
+  EXPECT_THROW(writeFileAtomically(folder.path(), "x"), FileError);
+  EXPECT_THROW(writeFileAtomically(folder / "no-such-folder/x", "x"), FileError);
+  EXPECT_THROW(writeFileAtomically("", "x"), FileError);
+}
+
+TEST(AtomicFile, readsUpToTheLimitAndNotAByteMore) {
+  const test::TemporaryFolder folder;
+  writeFileAtomically(folder / "ten", "0123456789");
+  EXPECT_EQ(readWholeFile(folder / "ten", 10).size(), 10U);
+  EXPECT_THROW((void)readWholeFile(folder / "ten", 9), FileError);
+}
+
+// A writer that is killed at any moment leaves one of the two contents, never a part of one.
+TEST(AtomicFile, aKilledWriterLeavesAWholeFile) {
+  const test::TemporaryFolder folder;
+  const fs::path file = folder / "image.bin";
+  const std::string first(200'000, 'a');
+  const std::string second(200'000, 'b');
+  writeFileAtomically(file, first);
+  for (int delayUs = 0; delayUs < 20'000; delayUs += 1'000) {
+    const pid_t writer = ::fork();
+    if (writer == 0) {
+      for (;;) {
+        writeFileAtomically(file, second);
+        writeFileAtomically(file, first);
+      }
+    }
+    ::usleep(static_cast<useconds_t>(delayUs));
+    ::kill(writer, SIGKILL);
+    ::waitpid(writer, nullptr, 0);
+    const std::string now = readWholeTextFile(file);
+    EXPECT_TRUE(now == first || now == second);
+  }
+}
+
+}  // namespace
+}  // namespace kestrel
