@@ -42,7 +42,9 @@ class FileError : public RuntimeError {
 /// The person at the screen, or a signal, ended the running command.
 class OperationStopped : public std::exception {
  public:
-  [[nodiscard]] const char* what() const noexcept override { return "Operation stopped by operator"; }
+  [[nodiscard]] const char* what() const noexcept override {
+    return "Operation stopped by operator";
+  }
 };
 
 [[noreturn]] void throwOverflow();

@@ -22,6 +22,9 @@ class Screen {
 
   /// Closes the window opened last; never called for the main window.
   virtual void closeLastWindow() = 0;
+
+  /// Closes the main window, which ends the program.
+  virtual void closeMainWindow() = 0;
 };
 
 }  // namespace kestrel

@@ -1,0 +1,43 @@
+#pragma once
+
+#include <string_view>
+
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "platform/clock.h"
+#include "platform/folders.h"
+#include "platform/screen.h"
+#include "platform/sound_player.h"
+
+namespace kestrel {
+
+/// How every operation reports: the system log, a sound for the outcome, the progress bar.
+class Reporting {
+ public:
+  Reporting(ProgrammerState& state, Controls& controls, const Clock& clock, SoundPlayer& sounds,
+            Screen& screen, const Folders& folders);
+
+  /// Appends a line break, the time of day, ">  " and the message to the system log. The log is
+  /// never trimmed.
+  void LogMessage(std::string_view message);
+
+  /// Plays the sound of the event word: "INIT", "ERROR", "DONE", "SLIDE", "OK" (case-sensitive);
+  /// any other word is an error. Returns at once.
+  void PlaySoundEvent(std::string_view eventWord);
+
+  /// Counts one call; every `ProgressStep` calls the progress bar moves by one.
+  void GoProgressiveBar1();
+
+  /// Moves the progress bar by one, or more, and lets it be seen.
+  void advanceProgress(int by = 1);
+
+ private:
+  ProgrammerState& state_;
+  Controls& controls_;
+  const Clock& clock_;
+  SoundPlayer& sounds_;
+  Screen& screen_;
+  const Folders& folders_;
+};
+
+}  // namespace kestrel
