@@ -1,0 +1,91 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "simulator/findings.h"
+#include "simulator/package.h"
+#include "simulator/pins.h"
+
+namespace kestrel::sim {
+
+/// What stands on a chip's own package pins from `now` on.
+struct PinInput {
+  PinLevels high = 0;     ///< bit p-1: pin p is high; a pin at VPP is high too
+  PinLevels vppPins = 0;  ///< the pins that are tied to the programming supply
+  int vppMillivolts = 0;  ///< level of that supply
+  Nanoseconds now = 0;    ///< never goes back
+};
+
+/// What a chip does to its own package pins. Everything outside `driven` is high impedance.
+struct PinOutput {
+  PinLevels driven = 0;            ///< the pins it drives
+  PinLevels high = 0;              ///< levels of the driven pins; 0 elsewhere
+  PinLevels openDrain = 0;         ///< driven pins that only pull low: no conflict with a driver
+  Nanoseconds changesAt = kNever;  ///< when this may change by itself, the levels staying
+};
+
+/// One chip: its cells, its state, and what its pins do. It knows no socket, board or file.
+///
+/// A chip acts on levels and time alone. `evaluate` is called with the new levels whenever a level
+/// on the board changed (not always one of this chip's), and now and then with the old ones when
+/// time has passed; between two calls the levels of the earlier one stood. So pulses, load windows
+/// and write cycles are settled lazily: first what the time since the last call brought about, then
+/// the edges. The data pins in `PinInput` show what the rest of the board puts on them, without the
+/// chip's own drive; a chip that listens to a line which it pulls low itself adds that.
+/// A chip is in the socket unpowered first: before the first call all levels were low.
+class Chip {
+ public:
+  virtual ~Chip() = default;
+
+  virtual PinOutput evaluate(const PinInput& pins, Findings& findings) = 0;
+
+  [[nodiscard]] const std::string& typeName() const { return typeName_; }
+  [[nodiscard]] Package package() const { return package_; }
+
+  /// The cells, address 0 first.
+  [[nodiscard]] std::span<const std::uint8_t> contents() const { return cells_; }
+
+  /// Puts contents into the cells past all pins, as a chip programmed elsewhere would come.
+  /// Throws std::invalid_argument unless the size is the chip's.
+  void load(std::span<const std::uint8_t> contents);
+
+  /// All cells to FFh, as delivered.
+  void blank();
+
+  /// A byte that never takes new contents. Throws std::out_of_range past the end.
+  void fitWeakCell(std::uint32_t address);
+
+  /// True for windowed parts: the lamp erases them, and nothing else does.
+  [[nodiscard]] virtual bool isUvErasable() const { return false; }
+
+  /// The programming voltage that the part wants, in millivolts; 0 if it needs none.
+  [[nodiscard]] virtual int wantedVppMillivolts() const { return 0; }
+
+ protected:
+  Chip(std::string_view typeName, Package package, std::size_t sizeBytes);
+  Chip(const Chip&) = default;
+  Chip& operator=(const Chip&) = default;
+
+  [[nodiscard]] std::uint8_t cell(std::uint32_t address) const { return cells_[address]; }
+
+  /// Gives a cell new contents unless it is weak.
+  void setCell(std::uint32_t address, std::uint8_t value);
+
+  [[nodiscard]] bool isWeak(std::uint32_t address) const;
+
+  /// Called after the cells were replaced from outside: drop what was under way.
+  virtual void contentsReplaced() {}
+
+ private:
+  std::string typeName_;
+  Package package_;
+  std::vector<std::uint8_t> cells_;
+  std::vector<std::uint32_t> weakCells_;
+};
+
+}  // namespace kestrel::sim
