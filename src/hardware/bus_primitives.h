@@ -1,0 +1,79 @@
+#pragma once
+
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "hardware/registers.h"
+#include "platform/clock.h"
+#include "platform/port_access.h"
+
+namespace kestrel {
+
+/// The signals of the board that every device routine is made of: chip enable, output enable, the
+/// programming voltage of 24-pin parts, the address, the byte that the device drives, the waits.
+class BusPrimitives {
+ public:
+  BusPrimitives(ProgrammerState& state, Controls& controls, Registers& registers, PortAccess& port,
+                Clock& clock);
+
+  // Chip enable and output enable, both active low. OEON and VPP24_OFF also take the programming
+  // voltage off pin 24; OEOFF leaves it as it is.
+  void CEON();
+  void CEOFF();
+  void OEON();
+  void OEOFF();
+  void CEOEON();
+  void CEOEOFF();
+  void VPP24_ON();
+  void VPP24_OFF();
+
+  /// Splits LinearAddress into AddrHigh, AddrMid and AddrLow.
+  void Endereco2Adr();
+
+  /// The next address; SETADR puts it on the pins.
+  void IncADR();
+
+  /// Puts the current address on the pins: latches 1, 2 and 3, all three each time. Throws
+  /// RuntimeError 9 for an address byte above 255.
+  void SETADR();
+
+  /// SETADR as the flash routines call it.
+  void SETADR_FLASH() { SETADR(); }
+
+  /// The address of 28-pin EEPROMs and the AT29C256: a latch is loaded only when it changes.
+  void SETADR_XICOR();
+
+  /// The board's idle state: outputs off, voltages off, address 0, chip deselected; the progress
+  /// bar at its start and EraseMode off. Latch 4 is not touched.
+  void Reset();
+
+  /// The byte that the device drives, into ReadByte, in two halves over the status lines. The chip
+  /// is selected and the bus released before. No model, no access.
+  void GetNibbles();
+
+  /// One read of the upper half, for the serial chips' SDA (bit 7 of ReadByte).
+  void GetNibbles24CXX();
+
+  /// Busy loop of SettleFactor x 100 counts, counted in LoopIndex.
+  void WaitSettlingTime();
+
+  void Delay2Seconds() { clock_.Sleep(2000); }
+  void ShortDelay20() { clock_.Spin(20); }
+  void ShortDelay10() { clock_.Spin(10); }
+
+  /// Real-time wait of so many milliseconds.
+  void sleepMs(std::int32_t milliseconds) { clock_.Sleep(milliseconds); }
+
+  /// Busy loop of so many counts.
+  void spin(std::int64_t counts) { clock_.Spin(counts); }
+
+ private:
+  [[nodiscard]] std::uint8_t readStatus(std::int16_t nibbleSelect);
+
+  ProgrammerState& state_;
+  Controls& controls_;
+  Registers& registers_;
+  PortAccess& port_;
+  Clock& clock_;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "app/state/programmer_state.h"
+
+namespace kestrel {
+
+/// Start-up tables: the status-port decoding of each board family, the identity address maps and
+/// the characters that the hex/ASCII display shows as themselves.
+void BuildDecodeTables(ProgrammerState& state);
+
+/// Both address maps: entry i = i.
+void resetAddressMaps(ProgrammerState& state);
+
+}  // namespace kestrel
