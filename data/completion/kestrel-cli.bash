@@ -1,0 +1,66 @@
+# Completion of kestrel-cli for bash. The device names are asked of the program itself.
+
+# One word for each available device, such as 27C256: the first word of its name with a digit in it.
+_kestrel_cli_devices() {
+  "$1" devices 2>/dev/null |
+    awk '/N\/A/ { next }
+         { for (i = 1; i <= NF; ++i) if ($i ~ /^[A-Z]*[0-9]+[A-Z]+[0-9]*[A-Z]?$|^27[0-9]+$/) { print $i; next } }'
+}
+
+_kestrel_cli() {
+  local program=${COMP_WORDS[0]}
+  local current=${COMP_WORDS[COMP_CWORD]}
+  local previous=${COMP_WORDS[COMP_CWORD - 1]}
+  local commands="devices detect read blank verify program erase display save-setup safe"
+  local options="-d -i -o --simulate --model --lpt --chip --board-vpp --fault --port --setup --speed
+    --vpp --lane --blank-check --verify --page --show --trace --home --count-ns --yes --quiet
+    --version --help"
+  COMPREPLY=()
+
+  # "--chip 27C256=FILE" and "--port 378=DEVICE" reach this function split at the equals sign.
+  if [[ $current == "=" ]]; then
+    previous="=" current=""
+  fi
+  case $previous in
+    -d | --chip)
+      mapfile -t COMPREPLY < <(compgen -W "$(_kestrel_cli_devices "$program")" -- "${current^^}")
+      return ;;
+    -i | -o | --trace | =)
+      compopt -o filenames
+      mapfile -t COMPREPLY < <(compgen -f -- "$current")
+      return ;;
+    --home)
+      compopt -o filenames
+      mapfile -t COMPREPLY < <(compgen -d -- "$current")
+      return ;;
+    --model) mapfile -t COMPREPLY < <(compgen -W "4 5 6" -- "$current"); return ;;
+    --lpt) mapfile -t COMPREPLY < <(compgen -W "378 278 3BC" -- "$current"); return ;;
+    --port)
+      compopt -o nospace
+      mapfile -t COMPREPLY < <(compgen -W "378= 278= 3BC=" -- "$current")
+      return ;;
+    --vpp | --board-vpp)
+      mapfile -t COMPREPLY < <(compgen -W "12.5 21 25" -- "$current")
+      return ;;
+    --lane) mapfile -t COMPREPLY < <(compgen -W "all odd even" -- "$current"); return ;;
+    --setup | save-setup) mapfile -t COMPREPLY < <(compgen -W "1 2 3 4" -- "$current"); return ;;
+    --speed) mapfile -t COMPREPLY < <(compgen -W "{1..20}" -- "$current"); return ;;
+    --fault)
+      compopt -o nospace
+      mapfile -t COMPREPLY < <(compgen -W "weak: stuck: unplug: empty" -- "$current")
+      return ;;
+    --page | --count-ns) return ;;
+  esac
+
+  if [[ $current == -* ]]; then
+    mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
+    return
+  fi
+  local word
+  for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
+    [[ " $commands " == *" $word "* ]] && return  # the command is there already
+  done
+  mapfile -t COMPREPLY < <(compgen -W "$commands" -- "$current")
+}
+
+complete -F _kestrel_cli kestrel-cli
