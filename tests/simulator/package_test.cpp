@@ -2,76 +2,77 @@
 
 #include <gtest/gtest.h>
 
-#include <stdexcept>
+#include <utility>
 #include <vector>
 
-#include "simulator/chip.h"
+#include "simulator/rig.h"
 
 namespace kestrel::sim {
 namespace {
 
 TEST(Package, smallerChipsSitAtTheBottomOfTheSocket) {
-  EXPECT_EQ(chipPins(Package::dip24, pin(5)), pin(1));
-  EXPECT_EQ(chipPins(Package::dip24, pin(28)), pin(24));
+  EXPECT_EQ(chipPins(Package::dip24, pin(5) | pin(28)), pin(1) | pin(24));
   EXPECT_EQ(chipPins(Package::dip24, pin(4) | pin(29) | pin(32)), 0U);
-  EXPECT_EQ(chipPins(Package::dip28, pin(3)), pin(1));
-  EXPECT_EQ(chipPins(Package::dip28, pin(30)), pin(28));
+  EXPECT_EQ(chipPins(Package::dip28, pin(3) | pin(30)), pin(1) | pin(28));
   EXPECT_EQ(chipPins(Package::dip28, pin(2) | pin(31)), 0U);
   EXPECT_EQ(chipPins(Package::dip32, pin(1) | pin(32)), pin(1) | pin(32));
 }
 
 TEST(Package, serialChipSitsAroundTheDataAndEnableLines) {
-  EXPECT_EQ(chipPins(Package::serial8, pin(9)), pin(1));
-  EXPECT_EQ(chipPins(Package::serial8, pin(12)), pin(4));
-  EXPECT_EQ(chipPins(Package::serial8, pin(21)), pin(5));
-  EXPECT_EQ(chipPins(Package::serial8, pin(24)), pin(8));
+  EXPECT_EQ(chipPins(Package::serial8, pin(9) | pin(12)), pin(1) | pin(4));
+  EXPECT_EQ(chipPins(Package::serial8, pin(21) | pin(24)), pin(5) | pin(8));
   EXPECT_EQ(chipPins(Package::serial8, pin(8) | pin(13) | pin(20) | pin(25)), 0U);
-  EXPECT_EQ(socketPins(Package::serial8, pin(5)), pin(21));
-  EXPECT_EQ(socketPins(Package::serial8, pin(1)), pin(9));
+  EXPECT_EQ(socketPins(Package::serial8, pin(1) | pin(5)), pin(9) | pin(21));
 }
 
-TEST(PinBus, gathersAndScattersScatteredPins) {
-  const std::vector<std::uint8_t> pins{11, 12, 13, 15, 16, 17, 18, 19, 31};
-  const PinBus bus(pins);
-  EXPECT_EQ(bus.value(pin(11) | pin(15) | pin(31)), 0x109U);
-  EXPECT_EQ(bus.value(pin(14) | pin(32) | pin(1)), 0U);
-  EXPECT_EQ(bus.levels(0x81), pin(11) | pin(19));
-}
-
-class TwoBytes final : public Chip {
+// A serial chip that notes the levels of SDA (pin 5) and SCL (pin 6) and does what it is told.
+class Probe final : public Chip {
  public:
-  TwoBytes() : Chip("TwoBytes", Package::dip24, 2) {}
-  PinOutput evaluate(const PinInput& pins, Findings& findings) override {
-    findings.report(FindingKind::busConflict, pins.high != 0 ? "high" : "low", pins.now);
-    setCell(0, 0x12);
-    setCell(1, 0x34);
-    return {};
+  Probe() : Chip("probe", Package::serial8, 1) {}
+  PinOutput evaluate(const PinInput& pins, Findings&) override {
+    const std::pair seen{(pins.high & pin(5)) != 0, (pins.high & pin(6)) != 0};
+    if (lines.empty() || lines.back() != seen) lines.push_back(seen);
+    return pins.now < output.changesAt ? output : PinOutput{};
   }
+  std::vector<std::pair<bool, bool>> lines;
+  PinOutput output;
 };
 
-TEST(Chip, takesContentsOfItsOwnSizeOnlyAndKeepsWeakCells) {
-  TwoBytes chip;
-  EXPECT_THROW(chip.load(std::vector<std::uint8_t>(3)), std::invalid_argument);
-  EXPECT_THROW(chip.fitWeakCell(2), std::out_of_range);
-  chip.load(std::vector<std::uint8_t>{0xAB, 0xCD});
-  chip.fitWeakCell(1);
-  Findings findings;
-  chip.evaluate({}, findings);
-  EXPECT_EQ(chip.contents()[0], 0x12);
-  EXPECT_EQ(chip.contents()[1], 0xCD);
+class ProbeRig : public test::Rig {
+ public:
+  ProbeRig() { board.insert(std::unique_ptr<Chip>(&probe_)); }
+  ~ProbeRig() { board.takeOut().release(); }
+  Probe& probe() { return probe_; }
+
+ private:
+  Probe probe_;
+};
+
+TEST(Socket, clockMovesBeforeTheDataLineOfTheSameLatchLoad) {
+  ProbeRig rig;  // latch 4 holds SDA low, SCL is low
+  rig.load(3, 0xC0);
+  rig.load(3, 0x00);
+  const std::vector<std::pair<bool, bool>> expected{
+      {false, false}, {false, true}, {true, true}, {true, false}, {false, false}};
+  EXPECT_EQ(rig.probe().lines, expected);
 }
 
-TEST(Findings, identicalOnesAreCountedAndKeepTheirFirstTime) {
-  TwoBytes chip;
-  Findings findings;
-  chip.evaluate({.now = microseconds(3)}, findings);
-  chip.evaluate({.now = microseconds(7)}, findings);
-  chip.evaluate({.high = pin(1), .now = microseconds(9)}, findings);
-  ASSERT_EQ(findings.all().size(), 2U);
-  EXPECT_EQ(findings.all()[0].count, 2U);
-  EXPECT_EQ(findings.all()[0].firstAt, 3'000);
-  EXPECT_EQ(findings.count(FindingKind::busConflict), 3U);
-  EXPECT_EQ(findings.count(FindingKind::wrongVpp), 0U);
+TEST(Socket, openDrainPullsTheLineLowUntilItsTimeWithoutAQuarrel) {
+  ProbeRig rig;
+  rig.load(3, 0x00);
+  rig.probe().output = {.driven = pin(5), .openDrain = pin(5), .changesAt = milliseconds(5)};
+  rig.load(4, 0xFF);
+  EXPECT_EQ(rig.readBus(), 0x7F);
+  EXPECT_TRUE(rig.bench.findings().empty());
+  rig.probe().output.openDrain = 0;
+  rig.load(4, 0xFE);
+  EXPECT_EQ(rig.bench.findings().count(FindingKind::busConflict), 1U);
+  rig.bench.wait(milliseconds(5));
+  EXPECT_EQ(rig.readBus(), 0xFE);  // no latch moved: the time alone
+  rig.board.stickDataLine(7, true);
+  rig.probe().output.changesAt = kNever;
+  rig.load(4, 0xFF);
+  EXPECT_EQ(rig.readBus(), 0xFF);
 }
 
 }  // namespace
