@@ -10,7 +10,7 @@ enum class Answer { Ok, Cancel };
 
 struct MessageBox {
   std::string text;
-  std::string title;
+  std::string title = {};
   MessageIcon icon = MessageIcon::None;
   MessageButtons buttons = MessageButtons::Ok;
   Answer defaultAnswer = Answer::Ok;

@@ -38,7 +38,7 @@ void Reporting::PlaySoundEvent(std::string_view eventWord) {
   for (const auto& [word, wordFile] : kSoundFiles) {
     if (word == eventWord) file = wordFile;
   }
-  sounds_.play(folders_.data / file);
+  sounds_.play(folders_.data / "sounds" / file);
 }
 
 void Reporting::GoProgressiveBar1() {

@@ -40,8 +40,9 @@ std::string hexText(std::int32_t value, std::size_t digits) {
 }
 
 std::string printForm(double value) {
-  std::array<char, 32> digits{};
-  const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+  std::array<char, 330> digits{};  // the longest double without an exponent
+  const auto result =
+      std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::fixed);
   const std::string text(digits.data(), result.ptr);
   return value < 0 ? text : " " + text;
 }

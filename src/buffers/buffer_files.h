@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "app/state/controls.h"
+#include "app/state/operation_buttons.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "display/memory_display.h"
+#include "hardware/lamps.h"
+#include "platform/dialogs.h"
+#include "platform/runtime_error.h"
+
+namespace kestrel {
+
+/// The shared pieces that the file commands are built on.
+struct BufferParts {
+  ProgrammerState& state;
+  Controls& controls;
+  Reporting& reporting;
+  OperationButtons& buttons;
+  Lamps& lamps;
+  MemoryDisplay& display;
+  Dialogs& dialogs;
+};
+
+/// Raw binary files into the code and the data buffer and out of them. A file that cannot be read
+/// or written is told in a message box and the log, and nothing else has changed then.
+class BufferFiles {
+ public:
+  explicit BufferFiles(const BufferParts& parts) : p_(parts) {}
+
+  void mnuFileOpenCode_Click();
+  void mnuFileOpenData_Click();
+  void mnuFileSaveCode_Click();
+  void mnuFileSaveCodeAs_Click();
+  void mnuFileSaveData_Click();
+  void mnuFileSaveDataAs_Click();
+  void mnuFileClose_Click();
+
+  /// Erase_button: the buffers that CheckCode and CheckData select.
+  void Erase_button_Click();
+
+  /// Loads the file named by CodeFileName; false when it was refused.
+  bool ReadBinaryFile();
+
+  /// Loads the file named by DataFileName; false when it was refused.
+  bool ReadBinaryFileData();
+
+  /// Loads a code file; CodeFileName keeps the earlier name when the file is refused.
+  void openCodeFile(const std::string& name);
+
+  /// Fills the first 1 MB and one byte of the code buffer with FFh, whatever its length.
+  void EraseCodeBuffer();
+
+  /// Fills the data buffer up to index 8192 with FFh.
+  void EraseDataBuffer();
+
+ private:
+  /// Runs the steps; a FileError is told and gives false.
+  bool tried(const char* title, const std::function<void()>& steps);
+  void startOpening();
+  void openDataFile(const std::string& name);
+  void storeCode();
+  void showCodeLoaded();
+  void refuseDataFile(std::uintmax_t length);
+  void storeData();
+  void showDataLoaded();
+  void finishLoading();
+  void saveCodeAs(const std::string& name);
+  bool writeCode();
+  bool writeData(const std::string& path);
+  void disableForErased(Button& verifyEntry, Button& programEntry);
+
+  BufferParts p_;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "platform/clock.h"
+#include "platform/folders.h"
+
+namespace kestrel {
+
+/// The StatCode of an export: the sum of the bytes of its text, line-break characters included.
+[[nodiscard]] double statCode(std::string_view text);
+
+/// Copies of what is on screen: KESTREL.BUF and KESTREL.LOG in the working folder. A file that
+/// cannot be written throws FileError and leaves the earlier one whole.
+class Exports {
+ public:
+  Exports(ProgrammerState& state, Controls& controls, Reporting& reporting, const Clock& clock,
+          const Folders& folders);
+
+  void BufferDisplay_DblClick();
+  void SystemLog_DblClick();
+
+ private:
+  struct Heading {
+    const char* title;
+    const char* contents;
+  };
+
+  void save(const char* fileName, const Heading& heading, const std::string& text);
+
+  ProgrammerState& state_;
+  Controls& controls_;
+  Reporting& reporting_;
+  const Clock& clock_;
+  const Folders& folders_;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,72 @@
+#include "display/memory_display.h"
+
+#include <algorithm>
+
+#include "display/hex_line.h"
+
+namespace kestrel {
+namespace {
+
+constexpr const char* kShowCode = "Show Code";
+constexpr const char* kShowData = "Show Data";
+
+/// As many of the 16 bytes at the address as the buffer has.
+std::span<const std::uint8_t> lineOf(std::span<const std::uint8_t> buffer, std::int32_t address) {
+  const std::size_t begin = std::min(static_cast<std::size_t>(address), buffer.size());
+  return buffer.subspan(begin, std::min<std::size_t>(kLineBytes, buffer.size() - begin));
+}
+
+}  // namespace
+
+MemoryDisplay::MemoryDisplay(ProgrammerState& state, Controls& controls, BusPrimitives& bus)
+    : state_(state), controls_(controls), bus_(bus) {}
+
+void MemoryDisplay::drawPage(TextBox& box, std::int32_t page,
+                             std::span<const std::uint8_t> buffer) {
+  state_.LinearAddress = page * kPageBytes;
+  bus_.Endereco2Adr();
+  const ShownCharacters shown = charactersIn(state_.PrintableChars);
+  for (state_.LoopIndex = 0; state_.LoopIndex < kPageLines; ++state_.LoopIndex) {
+    const std::int32_t address = page * kPageBytes + state_.LoopIndex * kLineBytes;
+    const std::span<const std::uint8_t> bytes = lineOf(buffer, address);
+    if (!bytes.empty()) box.append(hexLine(address, bytes, shown));
+  }
+}
+
+void MemoryDisplay::DisplayCodeMemory() {
+  controls_.Frame3.setCaption("Code Buffer Hex/Ascii Display");
+  controls_.BufferDisplay.setText("");
+  drawPage(controls_.BufferDisplay, controls_.VScroll1.value(), state_.CodeBuffer);
+}
+
+void MemoryDisplay::DisplayDataMemory() {
+  controls_.Frame3.setCaption("Data Buffer Hex/Ascii Display");
+  controls_.BufferDisplay.setText("             *** BUFFER DATA ***");
+  drawPage(controls_.BufferDisplay, controls_.VScroll1.value(), state_.DataBuffer);
+}
+
+void MemoryDisplay::DisplayPageMemory() {
+  if (captionDecides_ && controls_.Show_button.caption() == kShowCode) {
+    DisplayDataMemory();
+  } else {
+    DisplayCodeMemory();
+  }
+}
+
+void MemoryDisplay::Show_button_Click() {
+  const bool toCode = controls_.Show_button.caption() == kShowCode;
+  controls_.Show_button.setCaption(toCode ? kShowData : kShowCode);
+  letCaptionDecide();
+  state_.DisplayMode = "Read";
+  DisplayPageMemory();
+}
+
+void MemoryDisplay::Command1_Click() {
+  SecondaryDisplay& second = controls_.frmDisplay1;
+  second.window.setVisible(true);
+  second.VScroll1.setValue(0);
+  second.BufferDisplay.setText("");
+  drawPage(second.BufferDisplay, second.VScroll1.value(), state_.CodeBuffer);
+}
+
+}  // namespace kestrel

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "hardware/bus_primitives.h"
+
+namespace kestrel {
+
+/// Pages of the code and the data buffer as hex/ASCII lines.
+class MemoryDisplay {
+ public:
+  MemoryDisplay(ProgrammerState& state, Controls& controls, BusPrimitives& bus);
+
+  /// The page of the code buffer that the scroll bar names.
+  void DisplayCodeMemory();
+
+  /// The page of the data buffer, under a heading line, as far as the buffer reaches.
+  void DisplayDataMemory();
+
+  /// The page of the buffer that is on view.
+  void DisplayPageMemory();
+
+  /// Switches to the buffer that the button's caption names; the caption then names the other.
+  void Show_button_Click();
+
+  /// Page 0 of the code buffer in the secondary window, which is created if need be.
+  void Command1_Click();
+
+  /// The code buffer is on view until Show_button is pressed, whatever its caption says.
+  void putCodeBufferOnView() { captionDecides_ = false; }
+
+  /// The caption of Show_button names the buffer that is not on view.
+  void letCaptionDecide() { captionDecides_ = true; }
+
+ private:
+  void drawPage(TextBox& box, std::int32_t page, std::span<const std::uint8_t> buffer);
+
+  ProgrammerState& state_;
+  Controls& controls_;
+  BusPrimitives& bus_;
+  bool captionDecides_ = true;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include "operations/operation_parts.h"
+
+namespace kestrel {
+
+/// The walk over a parallel device that read, blank check and verify share.
+///
+/// It covers whole pages of 256 bytes, and the same middle bytes for every high byte: sizes that
+/// are a power of two are covered exactly, others as the bounds of CodeLength give. A length of 0
+/// still covers one page.
+class DeviceWalk {
+ public:
+  explicit DeviceWalk(const OperationParts& parts) : p_(parts) {}
+
+  /// Sees the byte in ReadByte and the address that stands on the pins; false ends the walk.
+  using Visit = std::function<bool(std::int32_t address)>;
+
+  /// Reads every byte; the chip is selected, its outputs are enabled and the bus is released
+  /// before. True when no visit ended it.
+  bool readAll(const Visit& visit);
+
+ private:
+  void setBounds();
+  bool readPage(std::int32_t pageAddress, const Visit& visit);
+
+  OperationParts p_;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "operations/operation_parts.h"
+#include "operations/protection.h"
+
+namespace kestrel {
+
+/// The maker and device code of a parallel flash, and the commands that ask for it.
+class FlashIdentification {
+ public:
+  FlashIdentification(const OperationParts& parts, ProtectionSequences& atmel)
+      : p_(parts), atmel_(atmel) {}
+
+  /// Sends the three-cycle command sequence with FlashCmd as its last byte; the AT29C256 has its
+  /// own form.
+  void FlashCommand();
+  void FlashCommandAtmel();
+
+  void WEON_FLASH();
+  void WEOFF_FLASH();
+
+  /// Reads FlashMakerID and FlashDeviceID and logs the chip's name; records its page geometry, 0
+  /// for an unknown code. Only for family letter "F".
+  void ReadFlashID();
+
+  /// One identify exchange with its result thrown away.
+  void ProbeFlashID();
+
+  /// "Show Flash Code ID#".
+  void menuFlashShowCodeID_Click();
+
+  /// "ResetFlash": one write cycle of F0h at the address that is latched.
+  void ResetFlash_Click();
+
+ private:
+  void fastCycle(std::uint8_t mid, std::uint8_t low, std::uint8_t data);
+  void sendCommand(std::int16_t command);
+  std::uint8_t readHere();
+  std::uint8_t readNext();
+  void nameChip();
+
+  OperationParts p_;
+  ProtectionSequences& atmel_;
+};
+
+}  // namespace kestrel

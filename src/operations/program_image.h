@@ -1,0 +1,26 @@
+#pragma once
+
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+
+namespace kestrel {
+
+/// The image that is programmed and compared, made from the code buffer by the byte lane: all
+/// bytes, or the odd or even ones alone for one of the two chips of a 16-bit system.
+class ProgramImage {
+ public:
+  ProgramImage(ProgrammerState& state, const Controls& controls)
+      : state_(state), controls_(controls) {}
+
+  /// Builds ProgramBuffer and ProgramLength; the length is the device's size or half of it,
+  /// whatever CodeLength is.
+  void PrepareProgramBuffer();
+
+ private:
+  void takeLane(std::int32_t offset);
+
+  ProgrammerState& state_;
+  const Controls& controls_;
+};
+
+}  // namespace kestrel

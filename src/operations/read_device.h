@@ -1,0 +1,43 @@
+#pragma once
+
+#include "app/state/operation_buttons.h"
+#include "display/memory_display.h"
+#include "operations/device_walk.h"
+#include "operations/failure_reports.h"
+#include "operations/operation_parts.h"
+#include "operations/serial_eeprom.h"
+#include "platform/dialogs.h"
+
+namespace kestrel {
+
+/// The chip's contents into the code buffer.
+class ReadDevice {
+ public:
+  ReadDevice(const OperationParts& parts, OperationButtons& buttons, MemoryDisplay& display,
+             SerialEeprom& serial, FailureReports& reports, Dialogs& dialogs);
+
+  /// Read_button: the memories that CheckCode and CheckData select.
+  void Read_button_Click();
+
+  /// By the kind of the device: parallel, serial, or a message that there is no routine.
+  void ReadCode();
+  void ReadParallel();
+  void ReadSerial();
+
+  /// The data memory of the microcontroller has no routine: announced, then a message.
+  void ReadData();
+
+ private:
+  void showBuffer();
+  void finishReading();
+
+  OperationParts p_;
+  OperationButtons& buttons_;
+  MemoryDisplay& display_;
+  SerialEeprom& serial_;
+  FailureReports& reports_;
+  Dialogs& dialogs_;
+  DeviceWalk walk_;
+};
+
+}  // namespace kestrel

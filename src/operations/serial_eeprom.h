@@ -1,0 +1,48 @@
+#pragma once
+
+#include <functional>
+
+#include "operations/failure_reports.h"
+#include "operations/i2c_bus.h"
+#include "operations/operation_parts.h"
+
+namespace kestrel {
+
+/// The 24Cxx chips: pages and addresses over the two-wire bus. A missing acknowledge ends a
+/// procedure at once with I2CError set and no stop condition; the caller reports it.
+class SerialEeprom {
+ public:
+  SerialEeprom(const OperationParts& parts, FailureReports& reports)
+      : p_(parts), reports_(reports), i2c_(parts) {}
+
+  /// 24C08 and 24C16: pages of 16 bytes from 300h on, one address byte, the block in the select
+  /// byte. With EraseMode FFh instead of the code buffer.
+  void Write24CXX();
+
+  /// 24C32: pages of 32 bytes from 0 on, two address bytes.
+  void Write24C32();
+
+  /// CodeLength bytes into the code buffer.
+  void Read24CXX();
+
+  /// CodeLength bytes against the code buffer; the first difference is reported.
+  void Verify24CXX();
+
+ private:
+  struct Writer;
+
+  void write(const Writer& writer);
+  bool writePage(const Writer& writer, std::int32_t& address);
+  void waitForWriteCycle(std::uint8_t select);
+  bool send(int byte);
+  bool startReading();
+
+  /// Reads CodeLength bytes; the visit sees each in ReadByte and ends the reading with false.
+  void readAll(const std::function<bool(std::int32_t index)>& visit);
+
+  OperationParts p_;
+  FailureReports& reports_;
+  I2cBus i2c_;
+};
+
+}  // namespace kestrel
