@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <memory>
 
 #include "app/state/controls.h"
@@ -42,7 +41,6 @@ class frmMain {
 
  private:
   struct Units;
-  class Boundary;
 
   std::unique_ptr<Units> units_;
 };

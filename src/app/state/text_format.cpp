@@ -80,7 +80,10 @@ double leadingNumber(std::string_view text) {
   if (unsignedPart.empty() || !(isDigit(unsignedPart[0]) || unsignedPart[0] == '.')) return 0;
   double value = 0;
   const auto result = std::from_chars(text.data(), text.data() + text.size(), value);
-  if (result.ec == std::errc::result_out_of_range) throwOverflow();
+  if (result.ec == std::errc::result_out_of_range) {
+    const bool isTiny = std::string_view(text.data(), result.ptr).find('-', 1) != text.npos;
+    if (!isTiny) value = std::copysign(HUGE_VAL, text[0] == '-' ? -1.0 : 1.0);
+  }
   return value;
 }
 
@@ -98,6 +101,11 @@ std::int16_t roundedInt16(double value) {
 
 std::int32_t roundedInt32(double value) {
   return static_cast<std::int32_t>(roundedWithin(value, INT32_MIN, INT32_MAX));
+}
+
+std::int32_t clampedInt32(double value) {
+  return static_cast<std::int32_t>(
+      std::clamp(std::nearbyint(value), double{INT32_MIN}, double{INT32_MAX}));
 }
 
 }  // namespace kestrel

@@ -25,7 +25,8 @@ namespace kestrel {
 /// The lines of a text whose lines end with CR LF, CR or LF.
 [[nodiscard]] std::vector<std::string> linesOf(std::string_view text);
 
-/// The decimal number at the beginning of the text, leading blanks skipped; 0 if there is none.
+/// The decimal number at the beginning of the text, leading blanks skipped; 0 if there is none,
+/// infinite if it is too large for a double.
 [[nodiscard]] double leadingNumber(std::string_view text);
 
 /// The hexadecimal number at the beginning of the text as a 16-bit pattern ("FFFF" is -1), leading
@@ -36,5 +37,8 @@ namespace kestrel {
 /// it.
 [[nodiscard]] std::int16_t roundedInt16(double value);
 [[nodiscard]] std::int32_t roundedInt32(double value);
+
+/// The same with the nearest end of the range for what does not fit.
+[[nodiscard]] std::int32_t clampedInt32(double value);
 
 }  // namespace kestrel

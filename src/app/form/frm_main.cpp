@@ -1,0 +1,21 @@
+#include "app/form/frm_main.h"
+
+#include "app/form/units.h"
+
+namespace kestrel {
+
+frmMain::frmMain(const Machine& machine) : units_(std::make_unique<Units>(machine)) {
+  units_->connectAll();
+}
+
+frmMain::~frmMain() = default;
+
+Controls& frmMain::controls() { return units_->controls; }
+
+ProgrammerState& frmMain::state() { return units_->state; }
+
+bool frmMain::isRunning() const { return units_->boundary.isRunning(); }
+
+frmMain::Outcome frmMain::lastOutcome() const { return units_->boundary.lastOutcome(); }
+
+}  // namespace kestrel

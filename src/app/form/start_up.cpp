@@ -1,0 +1,85 @@
+#include "app/form/units.h"
+#include "app/form/window_place.h"
+#include "devices/device_table.h"
+#include "hardware/decode_tables.h"
+
+namespace kestrel {
+
+void frmMain::Form_Load() {
+  Units& u = *units_;
+  ProgrammerState& s = u.state;
+  s.KestrelModel = 0;
+  restoreWindowPlace(u.controls.frmMain, u.machine.settings);
+  u.controls.Frame3.setHeight(241);
+  u.controls.Frame3.setTop(72);
+  u.controls.Frame3.setWidth(481);
+  s.Pow16Table = {1, 16, 256, 65536};
+  s.SettleFactor = 5;
+  s.SpeedFactorB = 100;
+  s.SpeedFactorA = 500;
+  u.memoryDisplay.DisplayPageMemory();
+  BuildDecodeTables(s);
+  u.showNoBoardYet();
+  s.DetectedPort = 0;
+  s.PortBase = 0;
+  u.registers.InitControlTables();
+  u.findBoard();
+  s.CrLf = "\r\n";
+  u.boundary.tell([&u] {
+    u.lamps.DataFlowLampOff();
+    u.lamps.ProgramLampOff();
+    u.lamps.ErrorLampOff();
+  });
+  u.controls.SystemLog.setText("");
+  u.controls.VScroll1.setValue(0);
+  BuildDeviceTable(s);
+  FillDeviceList(s, u.controls.Device);
+  u.boundary.tell([&u] { u.bus.Reset(); });
+  u.reporting.PlaySoundEvent("INIT");
+}
+
+void frmMain::Units::showNoBoardYet() {
+  controls.KestrelHardwareFound.setCaption("NO HARDWARE FOUND !!!");
+  controls.Ready_label.setColour(Colour::Red);
+  controls.Ready_label.setCaption("NotReady");
+  controls.PortSelected.setText("None");
+  for (OptionButton& button : controls.LPTSelection) button.setValue(false);
+}
+
+// The window always comes up: an error in kestrel6.ini or of the port is told, and the board is
+// looked for as if there were no file.
+void frmMain::Units::findBoard() {
+  const auto testIfNoPort = [this] {
+    if (state.PortBase == 0) detection.TestHardware_button_Click();
+  };
+  const bool isFound = boundary.tell([&] {
+    detection.LoadHardwareConfig();
+    testIfNoPort();
+    registers.ApplyPortAndModel();
+  });
+  if (!isFound) {
+    state.PortBase = 0;
+    boundary.tell(testIfNoPort);
+    boundary.tell([this] { registers.ApplyPortAndModel(); });
+  }
+  // The start-up caption stays when nothing answers; a later hardware test words it without the
+  // exclamation marks.
+  if (controls.KestrelHardwareFound.caption() == "NO HARDWARE FOUND") {
+    controls.KestrelHardwareFound.setCaption("NO HARDWARE FOUND !!!");
+  }
+}
+
+// The board comes first; a port that has gone must not keep the window from closing.
+void frmMain::Form_Unload() {
+  Units& u = *units_;
+  u.machine.stop.reset();
+  try {
+    u.bus.Reset();
+  } catch (const std::exception&) {
+    // There is nothing left to switch off, and nobody to tell.
+  }
+  while (u.machine.screen.openWindows() > 1) u.machine.screen.closeLastWindow();
+  saveWindowPlace(u.controls.frmMain, u.machine.settings);
+}
+
+}  // namespace kestrel

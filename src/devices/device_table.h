@@ -1,0 +1,28 @@
+#pragma once
+
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+
+namespace kestrel {
+
+// Columns of DeviceTable.
+inline constexpr std::size_t kNameColumn = 0;
+inline constexpr std::size_t kLetterColumn = 1;
+inline constexpr std::size_t kSubCodeColumn = 2;
+inline constexpr std::size_t kSizeKBColumn = 3;
+inline constexpr std::size_t kReg1FixedColumn = 4;
+inline constexpr std::size_t kReg3FixedColumn = 5;
+inline constexpr std::size_t kVppClassColumn = 6;
+inline constexpr std::size_t kListedColumn = 7;
+
+/// What stands before the name of a row that is not offered.
+inline constexpr const char* kNotAvailable = "N/A - ";
+
+/// Writes the catalogue into rows 1 to 40 of DeviceTable; row 0 and the rows above stay empty.
+void BuildDeviceTable(ProgrammerState& state);
+
+/// One list entry for every row from 0 to the last one with a name, so that the position in the
+/// list is the row.
+void FillDeviceList(const ProgrammerState& state, DropDownList& list);
+
+}  // namespace kestrel

@@ -1,0 +1,197 @@
+#include "setups/named_setups.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+#include <utility>
+
+#include "app/state/text_format.h"
+#include "platform/atomic_file.h"
+#include "platform/runtime_error.h"
+
+namespace kestrel {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t kSlotDigit = 7;   // of "KSSetup1.INI"
+constexpr std::size_t kNameStart = 12;  // behind "SetupName = "
+constexpr const char* kRule = ">>>>>>>>>>>>";
+
+std::string fileNameOf(std::size_t slot) { return "KSSetup" + std::to_string(slot) + ".INI"; }
+
+const char* wordOf(bool value) { return value ? "True" : "False"; }
+
+/// True and False in any case, or a number; nothing for any other text.
+std::optional<bool> booleanIn(std::string_view text) {
+  const std::string word = upperCase(trimmed(text));
+  if (word == "TRUE") return true;
+  if (word == "FALSE") return false;
+  const bool isNumber = !word.empty() && word.find_first_not_of("+-.0123456789E") == word.npos &&
+                        word.find_first_of("0123456789") != word.npos;
+  if (isNumber) return leadingNumber(word) != 0;
+  return std::nullopt;
+}
+
+std::int32_t integerIn(std::string_view text) { return clampedInt32(leadingNumber(text)); }
+
+void setOption(OptionButton& button, std::string_view value) {
+  if (const std::optional<bool> on = booleanIn(value)) button.setValue(*on);
+}
+
+void setCheck(CheckBox& box, std::string_view value) {
+  box.setValue(std::clamp(integerIn(value), 0, 2));
+}
+
+/// What follows the key, if the first `length` characters of the line are the key.
+std::optional<std::string_view> valueOf(std::string_view line, std::string_view key,
+                                        std::size_t length) {
+  if (line.substr(0, length) != key) return std::nullopt;
+  return line.substr(length);
+}
+
+}  // namespace
+
+NamedSetups::NamedSetups(ProgrammerState& state, Controls& controls, Reporting& reporting,
+                         BufferFiles& files, Dialogs& dialogs, const Folders& folders)
+    : state_(state),
+      controls_(controls),
+      reporting_(reporting),
+      files_(files),
+      dialogs_(dialogs),
+      folders_(folders) {}
+
+void NamedSetups::SaveSetup_Click(std::size_t slot) { SaveSetupRot(fileNameOf(slot)); }
+
+void NamedSetups::LoadSetup_Click(std::size_t slot) { RestoreSetup(fileNameOf(slot)); }
+
+// The look-up ignores case, so that a slot never has two files.
+fs::path NamedSetups::pathOf(const std::string& fileName) const {
+  const fs::path exact = folders_.working / fileName;
+  std::error_code error;
+  if (fs::exists(exact, error)) return exact;
+  for (const fs::directory_entry& entry : fs::directory_iterator(folders_.working, error)) {
+    const std::string name = entry.path().filename().string();
+    if (upperCase(name) == upperCase(fileName)) return entry.path();
+  }
+  return exact;
+}
+
+std::string NamedSetups::setupText(const std::string& name) const {
+  const Controls& c = controls_;
+  std::string text;
+  const auto line = [&text](const std::string& key, const std::string& value) {
+    text += key + " = " + value + "\r\n";
+  };
+  line("SetupName", name);
+  line("sFILE", state_.CodeFileName);
+  line("Device.Index", std::to_string(c.Device.position()));
+  // Written in small letters and read in capitals; this is intended.
+  for (const OptionButton& button : c.Voltage_button) {
+    line(button.name() + ".value", wordOf(button.value()));
+  }
+  for (const CheckBox* const box : {&c.CheckBlankPriorProgramming, &c.VerifyAfterProgramming}) {
+    line(box->name() + ".Value", std::to_string(box->value()));
+  }
+  for (const OptionButton& button : c.LPTSelection) {
+    line(button.name() + ".Value", wordOf(button.value()));
+  }
+  line("PortSelected.Text", c.PortSelected.text());
+  for (const OptionButton& button : c.HiLow_button) {
+    line(button.name() + ".Value", wordOf(button.value()));
+  }
+  line("Slider1.Value", std::to_string(c.Slider1.value()));
+  for (const CheckBox* const box : {&c.CheckCode, &c.CheckData}) {
+    line(box->name() + ".Value", std::to_string(box->value()));
+  }
+  return text;
+}
+
+void NamedSetups::SaveSetupRot(const std::string& fileName) {
+  std::string name = dialogs_.inputBox("Please input a NAME for this Setup", "Saving Name Input");
+  if (name.empty()) name = std::string("No Name Setup ") + fileName.at(kSlotDigit);
+  writeFileAtomically(pathOf(fileName), setupText(name));
+  reporting_.LogMessage("Setup Saved as " + fileName + ", named:" + name);
+}
+
+void NamedSetups::RestoreSetup(const std::string& fileName) {
+  reporting_.LogMessage(kRule);
+  reporting_.LogMessage("RESTORING SETUP FROM " + fileName);
+  const std::vector<std::string> lines = linesOf(readWholeTextFile(pathOf(fileName)));
+  const std::string earlierFile = state_.CodeFileName;
+  const std::string earlierCaption = controls_.FileNameCodeText.caption();
+  for (const std::string& line : lines) restoreLine(line);
+  controls_.FrameVoltageSelection.setEnabled(true);
+  controls_.Frame5.setEnabled(true);
+  controls_.FileNameCodeText.setCaption(state_.CodeFileName);
+  if (!state_.CodeFileName.empty() && !files_.ReadBinaryFile()) {
+    state_.CodeFileName = earlierFile;
+    controls_.FileNameCodeText.setCaption(earlierCaption);
+  }
+  reporting_.LogMessage("SETUP RESTORED FROM " + fileName);
+  reporting_.LogMessage(kRule);
+}
+
+// The key of the blank-check box has 35 characters and is compared with 19 of the line, so it never
+// matches; this is intended.
+void NamedSetups::restoreLine(std::string_view line) {
+  Controls& c = controls_;
+  if (const auto value = valueOf(line, "sFILE = ", 8)) state_.CodeFileName = *value;
+  if (const auto value = valueOf(line, "Device.Index = ", 15)) restoreDevice(*value);
+  for (OptionButton& button : c.Voltage_button) {
+    if (const auto value = valueOf(line, button.name() + ".Value = ", 26)) {
+      setOption(button, *value);
+    }
+  }
+  if (const auto value = valueOf(line, "CheckBlankPriorProgramming.Value = ", 19)) {
+    setCheck(c.CheckBlankPriorProgramming, *value);
+  }
+  if (const auto value = valueOf(line, "VerifyAfterProgramming.Value = ", 31)) {
+    setCheck(c.VerifyAfterProgramming, *value);
+  }
+  for (OptionButton& button : c.LPTSelection) {
+    if (const auto value = valueOf(line, button.name() + ".Value = ", 24)) {
+      setOption(button, *value);
+    }
+  }
+  if (const auto value = valueOf(line, "PortSelected.Text = ", 20)) {
+    c.PortSelected.setText(std::string(*value));
+  }
+  for (OptionButton& button : c.HiLow_button) {
+    if (const auto value = valueOf(line, button.name() + ".Value = ", 24)) {
+      setOption(button, *value);
+    }
+  }
+  if (const auto value = valueOf(line, "Slider1.Value = ", 16))
+    c.Slider1.setValue(integerIn(*value));
+  if (const auto value = valueOf(line, "CheckCode.Value = ", 18)) setCheck(c.CheckCode, *value);
+  if (const auto value = valueOf(line, "CheckData.Value = ", 18)) setCheck(c.CheckData, *value);
+}
+
+// A position that the list does not have is passed over.
+void NamedSetups::restoreDevice(std::string_view value) {
+  const std::int32_t position = std::max(integerIn(value), -1);
+  if (std::cmp_less(position, controls_.Device.items().size())) {
+    controls_.Device.setPosition(position);
+  }
+}
+
+void NamedSetups::Setup_Click() {
+  for (Button& entry : controls_.LoadSetup) entry.setEnabled(false);
+  for (std::size_t slot = 1; slot <= controls_.LoadSetup.size(); ++slot) {
+    const fs::path path = pathOf("KSSETUP" + std::to_string(slot) + ".INI");
+    std::error_code error;
+    if (!fs::is_regular_file(path, error)) continue;
+    try {
+      const std::vector<std::string> lines = linesOf(readWholeTextFile(path));
+      const std::string first = lines.empty() ? std::string() : lines.front();
+      Button& entry = controls_.LoadSetup[slot - 1];
+      entry.setCaption(first.substr(std::min(kNameStart, first.size())));
+      entry.setEnabled(true);
+    } catch (const FileError&) {
+      continue;  // not readable: the slot stays disabled
+    }
+  }
+}
+
+}  // namespace kestrel
