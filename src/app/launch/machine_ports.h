@@ -1,0 +1,47 @@
+#pragma once
+
+#include <fstream>
+#include <memory>
+#include <string_view>
+
+#include "app/launch/option_values.h"
+#include "app/launch/simulated_bench.h"
+#include "hardware/ports/attended_port.h"
+#include "hardware/ports/lpt_ports.h"
+#include "hardware/ports/monotonic_clock.h"
+#include "hardware/ports/tracing_port.h"
+#include "platform/screen.h"
+#include "platform/stop_switch.h"
+#include "simulator/simulated_port.h"
+
+namespace kestrel {
+
+/// The ports and the clock that the options ask for, in their layers:
+/// trace (if asked for) over the attended port over the real ports or the simulated board.
+class MachinePorts {
+ public:
+  /// The switch and the screen outlive this. `defaultChip` is in the simulated socket when no
+  /// --chip is given. Throws UsageError, and FileError for a chip or trace file.
+  MachinePorts(const LaunchOptions& options, std::string_view defaultChip, const StopSwitch& stop,
+               Screen& screen);
+
+  [[nodiscard]] PortAccess& port();
+  [[nodiscard]] Clock& clock();
+
+  /// The simulated machine; nullptr with real ports.
+  [[nodiscard]] SimulatedBench* simulated() { return simulated_.get(); }
+
+ private:
+  PortAccess& lowestPort(const LaunchOptions& options);
+  Clock& lowestClock();
+
+  std::unique_ptr<SimulatedBench> simulated_;
+  std::unique_ptr<sim::SimulatedPort> simulatedPort_;
+  LptPorts lptPorts_;
+  MonotonicClock monotonic_;
+  AttendedPort attended_;
+  std::ofstream traceFile_;
+  std::unique_ptr<TracingPort> trace_;
+};
+
+}  // namespace kestrel

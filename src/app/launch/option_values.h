@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/clock.h"
+#include "simulator/model.h"
+
+namespace kestrel {
+
+/// An option that cannot be used as it was given. The text names the option, what is wrong with it
+/// and what would be right.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// --chip TYPE[=FILE]: a chip for the simulated socket; an empty file name keeps it in memory only.
+struct ChipChoice {
+  std::string type;
+  std::filesystem::path file;
+};
+
+/// --fault: what is wrong with the simulated board or its chip.
+struct Fault {
+  enum class Kind { WeakCell, StuckDataLine, Unplug, EmptySocket };
+  Kind kind = Kind::EmptySocket;
+  std::uint64_t value = 0;  ///< address, data line 0 to 7, or port accesses after start-up
+};
+
+/// --port BASE=DEVICE: the device file behind one of the three port addresses.
+struct PortChoice {
+  std::uint16_t base = 0;
+  std::string device;
+};
+
+/// The options that choose the machine; the window and the command line take the same.
+struct LaunchOptions {
+  bool simulate = false;
+  std::optional<sim::Model> model;        ///< of the simulated board; model 5 if not given
+  std::optional<std::uint16_t> lpt;       ///< its port; 378h if not given
+  std::optional<ChipChoice> chip;         ///< what is in its socket
+  std::optional<int> boardVppMillivolts;  ///< set by hand on a simulated model 4
+  std::vector<Fault> faults;
+  std::vector<PortChoice> ports;
+  std::filesystem::path home;   ///< empty: the user's configuration folder
+  std::filesystem::path trace;  ///< empty: no trace
+  std::int64_t countNs = kDefaultCountNs;
+};
+
+// One function an option. Each throws UsageError for a text that is no value of its option.
+
+[[nodiscard]] sim::Model parseModel(std::string_view text);
+[[nodiscard]] std::uint16_t parseLpt(std::string_view text);
+[[nodiscard]] ChipChoice parseChip(std::string_view text);
+[[nodiscard]] int parseBoardVpp(std::string_view text);
+[[nodiscard]] Fault parseFault(std::string_view text);
+[[nodiscard]] PortChoice parsePort(std::string_view text);
+[[nodiscard]] std::int64_t parseCountNs(std::string_view text);
+
+/// Throws UsageError for options that exclude or need one another.
+void checkTogether(const LaunchOptions& options);
+
+}  // namespace kestrel

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "app/launch/option_values.h"
+#include "platform/folders.h"
+
+namespace kestrel {
+
+/// Where this start's files are.
+///
+/// Configuration: `--home`, else the folder "kestrel" in the user's configuration folder
+/// (XDG_CONFIG_HOME, ~/.config); a simulated board has its own below it, "simulator/MODEL-PORT", so
+/// that it is never taken for a real or for another simulated one. The folder is created; a failure
+/// shows when something is written there.
+///
+/// Data: "../share/kestrel" beside an installed program, else the "data" folder of the source tree
+/// that the program was built in.
+[[nodiscard]] Folders programFolders(const LaunchOptions& options);
+
+}  // namespace kestrel

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "app/launch/option_values.h"
+#include "simulator/bench.h"
+
+namespace kestrel {
+
+/// The simulated machine as the options describe it: one board, its chip and its faults.
+class SimulatedBench {
+ public:
+  /// `defaultChip` is the type in the socket when no --chip is given; blank. Throws UsageError for
+  /// options that do not fit the chip, FileError for a chip file that cannot be read.
+  SimulatedBench(const LaunchOptions& options, std::string_view defaultChip);
+
+  [[nodiscard]] sim::Bench& bench() { return bench_; }
+  [[nodiscard]] std::uint16_t base() const { return base_; }
+
+  /// The file that the chip's contents are written back to; empty if none.
+  [[nodiscard]] const std::filesystem::path& chipFile() const { return chipFile_; }
+
+  /// Start-up is over: from here the accesses to an unplugging count.
+  void startUpDone();
+
+  /// Writes the contents of the --chip back to its file, if they changed or there is no such file
+  /// yet. Throws FileError.
+  void saveChip();
+
+  /// The chip of the options is about to leave the socket for good: its file is written a last
+  /// time and what comes next has none. Throws FileError; the file is let go even so.
+  void releaseChip();
+
+ private:
+  void insertChip(const LaunchOptions& options, std::string_view defaultChip);
+  void fitFault(const Fault& fault);
+
+  sim::Bench bench_;
+  std::uint16_t base_;
+  std::filesystem::path chipFile_;
+  std::vector<std::uint8_t> fileContents_;  ///< as last read or written; empty: no file yet
+  std::vector<std::uint64_t> unplugAfter_;
+};
+
+/// The simulated chip that fits a device of the catalogue ("Eprom 27C256": "27C256"); empty when
+/// the simulator has none.
+[[nodiscard]] std::string chipTypeForDevice(std::string_view deviceName);
+
+}  // namespace kestrel
