@@ -1,0 +1,126 @@
+#pragma once
+
+#include <algorithm>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "app/form/frm_main.h"
+#include "hardware/ports/attended_port.h"
+#include "hardware/ports/tracing_port.h"
+#include "simulator/bench.h"
+#include "simulator/chip_factory.h"
+#include "simulator/simulated_port.h"
+#include "support/fakes.h"
+#include "support/temporary_folder.h"
+
+namespace kestrel::test {
+
+/// The form over any port and clock, with scripted surroundings and its own folders.
+struct FormRig {
+  FormRig(PortAccess& port, Clock& clock)
+      : form({.port = port,
+              .clock = clock,
+              .sounds = sounds,
+              .settings = settings,
+              .help = help,
+              .dialogs = dialogs,
+              .screen = screen,
+              .stop = stop,
+              .folders = {.configuration = folder / "config",
+                          .data = folder / "data",
+                          .working = folder.path()}}),
+        controls(form.controls()),
+        state(form.state()) {}
+
+  /// The log's messages without their time stamps.
+  [[nodiscard]] std::vector<std::string> log() const {
+    std::vector<std::string> messages;
+    std::istringstream lines(controls.SystemLog.text());
+    for (std::string line; std::getline(lines, line);) {
+      if (line.ends_with('\r')) line.pop_back();
+      const std::size_t start = line.find(">  ");
+      if (start != std::string::npos) messages.push_back(line.substr(start + 3));
+    }
+    return messages;
+  }
+  [[nodiscard]] bool logged(const std::string& message) const {
+    return std::ranges::count(log(), message) > 0;
+  }
+  void clearLog() { controls.SystemLog.setText(""); }
+
+  /// Chooses the device by its whole name, such as "Eprom 27C256", "N/A" or not.
+  void select(const std::string& name) {
+    const auto& items = controls.Device.items();
+    for (std::size_t i = 0; i < items.size(); ++i) {
+      if ((items[i] + " ").find(name + " ") != std::string::npos) {
+        controls.Device.setPosition(static_cast<std::int32_t>(i));
+        return;
+      }
+    }
+    throw std::invalid_argument("no device " + name);
+  }
+
+  /// Presses a control by name; false when it is disabled.
+  bool press(const std::string& name) {
+    return dynamic_cast<Button&>(*controls.find(name)).press();
+  }
+
+  TemporaryFolder folder;
+  RecordingSounds sounds;
+  MemorySettings settings;
+  RecordingHelp help;
+  ScriptedDialogs dialogs;
+  FakeScreen screen;
+  StopSwitch stop;
+  frmMain form;
+  Controls& controls;
+  ProgrammerState& state;
+};
+
+/// The form on a bench with one board, traced. start() runs the start-up.
+struct SimulatedForm {
+  explicit SimulatedForm(sim::Model model = sim::Model::kestrel5, std::uint16_t base = 0x378)
+      : board(&bench.plug(model, base)), rig(traced, traced) {}
+
+  sim::Bench bench;
+  sim::Board* board;
+  sim::SimulatedPort port{bench};
+  std::ostringstream trace;
+  TracingPort traced{port, port, trace};
+  FormRig rig;
+
+  /// Start-up; the findings of switching on (a chip beside latches at 0) are not the program's.
+  void start() {
+    rig.form.Form_Load();
+    if (board->model() == sim::Model::kestrel6) rig.press("TestHardware_button");
+    rig.clearLog();
+    bench.findings().clear();
+    trace.str("");
+  }
+  /// A chip of the type with the contents, or a blank one.
+  void insert(const std::string& type, const std::vector<std::uint8_t>& contents = {}) {
+    board->insert(sim::makeChip(type));
+    if (contents.empty()) {
+      board->blankChip();
+    } else {
+      board->loadChip(contents);
+    }
+  }
+  [[nodiscard]] std::vector<std::uint8_t> chipContents() {
+    const auto cells = board->chip()->contents();
+    return {cells.begin(), cells.end()};
+  }
+};
+
+/// Bytes that look random and are the same in every run.
+[[nodiscard]] inline std::vector<std::uint8_t> randomBytes(std::size_t count, std::uint32_t seed) {
+  std::vector<std::uint8_t> bytes(count);
+  for (std::uint8_t& byte : bytes) {
+    seed = seed * 1664525U + 1013904223U;
+    byte = static_cast<std::uint8_t>(seed >> 24U);
+  }
+  return bytes;
+}
+
+}  // namespace kestrel::test
