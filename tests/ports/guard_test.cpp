@@ -1,0 +1,137 @@
+#include "hardware/ports/guard.h"
+
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <exception>
+#include <fstream>
+#include <random>
+#include <stdexcept>
+#include <string>
+
+#include "ports/victim.h"
+
+namespace kestrel {
+namespace {
+
+using namespace std::chrono_literals;
+using test::Death;
+
+constexpr std::array kModels{sim::Model::kestrel4, sim::Model::kestrel5, sim::Model::kestrel6};
+
+void expectSafe(const Death& death, const std::string& how) {
+  EXPECT_TRUE(death.endedInTime) << how << ": the guard did not end";
+  EXPECT_EQ(death.latch0, 0x40) << how;
+  EXPECT_EQ(death.vppPins, 0U) << how;
+}
+
+class Killed : public testing::TestWithParam<int> {};
+
+TEST_P(Killed, programLeavesTheBoardOffAtAnyMoment) {
+  std::mt19937 random(static_cast<unsigned>(GetParam()));
+  std::uniform_int_distribution<int> moment(0, 2000);
+  std::chrono::microseconds slowest{};
+  for (int i = 0; i < 100; ++i) {
+    const auto runsFor = std::chrono::microseconds(moment(random));
+    // To the whole process group, as the terminal does it.
+    const Death death = test::dieWhileProgramming(
+        kModels[static_cast<std::size_t>(i) % kModels.size()], runsFor,
+        [](int process) { kill(-process, GetParam()); }, nullptr);
+    expectSafe(death, "after " + std::to_string(runsFor.count()) + " us");
+    slowest = std::max(slowest, death.guardTook);
+  }
+  RecordProperty("slowestMicroseconds", std::to_string(slowest.count()));
+}
+
+INSTANTIATE_TEST_SUITE_P(EverySignal, Killed,
+                         testing::Values(SIGTERM, SIGINT, SIGHUP, SIGABRT, SIGSEGV, SIGKILL),
+                         [](const auto& signal) { return sigabbrev_np(signal.param); });
+
+struct Ending {
+  const char* name;
+  void (*end)();
+};
+
+unsigned overflowStack(unsigned depth) {
+  volatile char frame[4096];
+  frame[depth % sizeof frame] = 1;
+  return depth == ~0U ? 0 : overflowStack(depth + 1) + static_cast<unsigned>(frame[0]);
+}
+
+void failToCatch() { throw std::runtime_error("nobody catches this"); }
+
+class Ended : public testing::TestWithParam<Ending> {};
+
+TEST_P(Ended, programLeavesTheBoardOff) {
+  expectSafe(test::dieWhileProgramming(sim::Model::kestrel5, 1ms, nullptr, GetParam().end),
+             GetParam().name);
+}
+
+INSTANTIATE_TEST_SUITE_P(InManyWays, Ended,
+                         testing::Values(Ending{"withoutAWord", [] { _exit(0); }},
+                                         Ending{"byAnUncaughtException", failToCatch},
+                                         Ending{"byOverflowOfItsStack",
+                                                [] { _exit(static_cast<int>(overflowStack(0))); }},
+                                         Ending{"byCtrlBackslash", [] { raise(SIGQUIT); }}),
+                         [](const auto& ending) { return ending.param.name; });
+
+struct Guarded {
+  test::Tape* tape = test::Tape::make();
+  test::TapeKernel kernel{*tape};
+  ParportDevice port{kernel, "/dev/parport0", 0x378};
+
+  ~Guarded() { test::Tape::discard(tape); }
+  [[nodiscard]] static std::string nameOf(pid_t process) {
+    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
+    std::string name;
+    std::getline(file, name);
+    return name;
+  }
+};
+
+TEST(Guard, doesNothingAndGoesAfterAGoodBye) {
+  Guarded guarded;
+  pid_t process = 0;
+  {
+    const Guard guard(guarded.port);
+    process = guard.process();
+    EXPECT_EQ(Guarded::nameOf(process), "vpp-guard");
+    EXPECT_NE(getsid(process), getsid(0));
+  }
+  EXPECT_EQ(kill(process, 0), -1) << "still there";
+  EXPECT_EQ(guarded.tape->written, 0U);
+}
+
+TEST(Guard, switchesOffAtAnAlarmAndStays) {
+  Guarded guarded;
+  const Guard guard(guarded.port);
+  alarmGuards();
+  for (int i = 0; i < 1000 && guarded.tape->written < 7; ++i) usleep(1000);
+  EXPECT_EQ(guarded.tape->written, 7U);
+  EXPECT_EQ(kill(guard.process(), 0), 0);
+}
+
+TEST(Guard, thatWasKilledItselfDoesNotHoldUpTheProgram) {
+  Guarded guarded;
+  const Guard guard(guarded.port);
+  kill(guard.process(), SIGKILL);
+  alarmGuards();
+}
+
+TEST(Guard, keepsNoFileOpenButItsOwn) {
+  Guarded guarded;
+  int ends[2];
+  ASSERT_EQ(pipe(ends), 0);
+  const Guard guard(guarded.port);
+  close(ends[1]);
+  char nothing = 0;
+  EXPECT_EQ(read(ends[0], &nothing, 1), 0) << "the guard holds the other end of the pipe";
+  close(ends[0]);
+}
+
+}  // namespace
+}  // namespace kestrel

@@ -1,0 +1,88 @@
+#pragma once
+
+#include <linux/ppdev.h>
+#include <sys/ioctl.h>
+#include <sys/mman.h>
+
+#include <array>
+#include <atomic>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <new>
+
+#include "hardware/ports/parport_device.h"
+#include "hardware/ports/system_calls.h"
+#include "simulator/bench.h"
+
+namespace kestrel::test {
+
+/// What was written to a port, in memory that the processes of a test share: it outlives the one
+/// that wrote it.
+class Tape {
+ public:
+  static Tape* make() {
+    void* const memory = mmap(nullptr, sizeof(Tape), PROT_READ | PROT_WRITE,
+                              MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    return new (memory) Tape;
+  }
+  static void discard(Tape* tape) { munmap(tape, sizeof(Tape)); }
+
+  void write(unsigned offset, std::uint8_t value) noexcept {
+    const std::size_t at = written.fetch_add(1);
+    if (at < entries.size()) entries[at] = static_cast<std::uint16_t>(offset << 8 | value);
+  }
+
+  /// Plays the tape to a simulated board.
+  void playTo(sim::Bench& bench) const {
+    for (std::size_t i = 0; i < written && i < entries.size(); ++i) {
+      bench.portOut(static_cast<std::uint16_t>(0x378 + (entries[i] >> 8)),
+                    static_cast<std::uint8_t>(entries[i] & 0xFF));
+    }
+  }
+
+  std::atomic<std::size_t> written{0};
+  std::atomic<bool> isRunning{false};
+  std::array<std::uint16_t, 1 << 20> entries;
+};
+
+/// A driver that writes its ports' lines onto a tape, an access a microsecond as on a real port.
+class TapeKernel final : public SystemCalls {
+ public:
+  explicit TapeKernel(Tape& tape) : tape_(tape) {}
+
+  int open(const char* /*path*/, int /*flags*/) noexcept override { return 900; }
+  int close(int /*descriptor*/) noexcept override { return 0; }
+  int ioctl(int /*descriptor*/, unsigned long request, void* argument) noexcept override {
+    if (request == PPCLAIM) tape_.write(2, 0x0C);
+    if (request == PPWDATA) tape_.write(0, *static_cast<std::uint8_t*>(argument));
+    if (request == PPWCONTROL) tape_.write(2, *static_cast<std::uint8_t*>(argument));
+    const auto end = std::chrono::steady_clock::now() + std::chrono::microseconds(1);
+    while (std::chrono::steady_clock::now() < end) {
+    }
+    return 0;
+  }
+  int ioperm(unsigned long, unsigned long, bool) noexcept override { return -1; }
+  void outByte(std::uint16_t, std::uint8_t) noexcept override {}
+  std::uint8_t inByte(std::uint16_t) noexcept override { return 0xFF; }
+
+ private:
+  Tape& tape_;
+};
+
+/// How a program that runs a programming sequence on a board came to its end.
+struct Death {
+  bool endedInTime = false;  // program and guard are gone
+  std::chrono::microseconds guardTook{};
+  std::uint8_t latch0 = 0;
+  sim::PinLevels vppPins = 0;
+};
+
+/// Runs a programming sequence in a process of its own until `kill` (called in the test) or
+/// `end` (called in the program when it has written for `runsFor`) ends it.
+Death dieWhileProgramming(sim::Model model, std::chrono::microseconds runsFor,
+                          const std::function<void(int process)>& kill,
+                          const std::function<void()>& end);
+
+}  // namespace kestrel::test
