@@ -172,6 +172,8 @@ bool Board::eraseUnderLamp() {
 
 void Board::fitWeakCell(std::uint32_t address) { settledChip().fitWeakCell(address); }
 
+void Board::setChip(const ChipSettings& settings) { settledChip().apply(settings); }
+
 void Board::setVppByHand(std::optional<int> millivolts) {
   catchUp();
   handMillivolts_ = millivolts;

@@ -68,6 +68,10 @@ class Board {
 
   // Settings and faults.
 
+  /// What the part in the socket has to set, see Chip::apply; std::logic_error if it is empty.
+  /// The settings as they are: chip()->settings().
+  void setChip(const ChipSettings& settings);
+
   /// Model 4: the VPP level set by hand; nullopt = what the chip in the socket wants.
   void setVppByHand(std::optional<int> millivolts);
 

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -27,6 +28,14 @@ struct PinOutput {
   PinLevels high = 0;              ///< levels of the driven pins; 0 elsewhere
   PinLevels openDrain = 0;         ///< driven pins that only pull low: no conflict with a driver
   Nanoseconds changesAt = kNever;  ///< when this may change by itself, the levels staying
+};
+
+/// What can be set on a chip beside its contents. What a part does not have is empty.
+struct ChipSettings {
+  std::optional<Nanoseconds> writeCycle{};   ///< how long it writes a page
+  std::optional<bool> softwareProtection{};  ///< the part refuses loads without a command
+  /// A serial memory acknowledges so many more bytes, then none; empty = it never tires.
+  std::optional<std::uint64_t> acknowledgeLimit{};
 };
 
 /// One chip: its cells, its state, and what its pins do. It knows no socket, board or file.
@@ -65,6 +74,12 @@ class Chip {
 
   /// The programming voltage that the part wants, in millivolts; 0 if it needs none.
   [[nodiscard]] virtual int wantedVppMillivolts() const { return 0; }
+
+  [[nodiscard]] virtual ChipSettings settings() const { return {}; }
+
+  /// Takes over what the part has. Empty fields leave a setting as it is, but for the acknowledge
+  /// limit, which they lift.
+  virtual void apply(const ChipSettings& /*settings*/) {}
 
  protected:
   Chip(std::string_view typeName, Package package, std::size_t sizeBytes);

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <string>
 
+#include "simulator/page_write_memory.h"
 #include "simulator/uv_eprom.h"
 
 namespace kestrel::sim {
@@ -19,7 +20,14 @@ std::unique_ptr<Chip> makeUvEprom(std::string_view upperName) {
   return nullptr;
 }
 
-constexpr Maker kFamilies[]{&makeUvEprom};
+std::unique_ptr<Chip> makePageWriteMemory(std::string_view upperName) {
+  for (const PageWriteType& type : pageWriteTypes()) {
+    if (type.name == upperName) return std::make_unique<PageWriteMemory>(type);
+  }
+  return nullptr;
+}
+
+constexpr Maker kFamilies[]{&makeUvEprom, &makePageWriteMemory};
 
 }  // namespace
 
@@ -36,6 +44,7 @@ std::unique_ptr<Chip> makeChip(std::string_view typeName) {
 std::vector<std::string_view> chipTypeNames() {
   std::vector<std::string_view> names;
   for (const UvEpromType& type : uvEpromTypes()) names.push_back(type.name);
+  for (const PageWriteType& type : pageWriteTypes()) names.push_back(type.name);
   return names;
 }
 
