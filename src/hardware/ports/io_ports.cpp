@@ -4,18 +4,10 @@
 #include <sys/file.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <cstdio>
 
 namespace kestrel {
 namespace {
-
-std::string hexName(std::uint16_t address) {
-  std::array<char, 8> text{};
-  std::snprintf(text.data(), text.size(), "%Xh", address);
-  return text.data();
-}
 
 // The lock is the open file's, so the guard process, which inherits the file, keeps it as well
 // until it has switched off.
@@ -36,7 +28,7 @@ IoPorts::IoPorts(SystemCalls& calls, std::uint16_t address, std::uint16_t base,
     : RealPort(base),
       calls_(calls),
       address_(address),
-      name_(hexName(address)),
+      name_("0x" + hexText(address)),
       lock_(openLock(lockFolder, name_)) {
   try {
     lockAndPermit();

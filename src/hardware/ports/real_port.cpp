@@ -1,5 +1,7 @@
 #include "hardware/ports/real_port.h"
 
+#include <array>
+#include <cstdio>
 #include <cstring>
 
 namespace kestrel {
@@ -13,6 +15,12 @@ std::string reasonFor(PortProblem problem, int errorNumber) {
 }
 
 }  // namespace
+
+std::string hexText(std::uint16_t address) {
+  std::array<char, 8> text{};
+  std::snprintf(text.data(), text.size(), "%X", address);
+  return text.data();
+}
 
 PortError::PortError(PortProblem problem, const std::string& device, int errorNumber)
     : RuntimeError(

@@ -9,6 +9,9 @@
 
 namespace kestrel {
 
+/// An I/O address in upper-case hex, with nothing before or behind: 378.
+[[nodiscard]] std::string hexText(std::uint16_t address);
+
 /// Why a port could not be taken.
 enum class PortProblem {
   NoDevice,      // no such device file: the driver that makes it is not loaded
