@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "hardware/ports/guard.h"
+#include "hardware/ports/lpt_ports.h"
+#include "hardware/ports/port_choice.h"
+#include "hardware/ports/port_diagnosis.h"
+#include "hardware/ports/real_port.h"
+#include "hardware/ports/system_calls.h"
+
+namespace kestrel {
+
+struct PortOptions {
+  std::vector<PortChoice> choices;                 // --port; the last one of a base counts
+  std::filesystem::path root = "/";                // where the kernel's folders are
+  std::filesystem::path lockFolder = "/run/lock";  // for direct access
+};
+
+/// The parallel ports of this machine, each taken for this program alone, with its voltages
+/// switched off and a guard process beside it. They are given back, switched off again, when this
+/// ends. A port that cannot be taken is as if it were not there; diagnosis() tells why.
+class RealPorts {
+ public:
+  /// The calls outlive the ports. Does not throw for a port that cannot be taken.
+  RealPorts(SystemCalls& calls, PortOptions options);
+  ~RealPorts();
+  RealPorts(const RealPorts&) = delete;
+  RealPorts& operator=(const RealPorts&) = delete;
+
+  /// The access to all of them, with everything else filtered away. Throws RuntimeError 68 when a
+  /// port has vanished.
+  [[nodiscard]] PortAccess& port() { return filter_; }
+
+  /// The bases behind which a port works.
+  [[nodiscard]] std::vector<std::uint16_t> taken() const;
+
+  /// Tries once more what could not be taken, and takes anew what has vanished: before a hardware
+  /// test, so that a port that was plugged in or freed meanwhile is found.
+  void takeMissing();
+
+  /// Writes the switch-off sequence to every port by hand; true if there was one and all took it.
+  bool switchOff() noexcept;
+
+  /// What was found and what helps, a line a matter, for when no board answers.
+  [[nodiscard]] std::vector<std::string> diagnosis() const;
+
+ private:
+  struct Slot {
+    std::uint16_t base = 0;
+    std::string device;  // empty: nothing to take
+    bool isDirect = false;
+    std::uint16_t address = 0;
+    std::unique_ptr<RealPort> port;
+    std::unique_ptr<Guard> guard;
+    std::optional<PortProblem> problem;
+    std::string reason;
+  };
+
+  void find(Slot& slot, const std::vector<ListedPort>& listed) const;
+  void take(Slot& slot, const std::vector<ListedPort>& listed);
+  void giveBack(Slot& slot);
+  [[nodiscard]] std::unique_ptr<RealPort> open(const Slot& slot,
+                                               const std::vector<ListedPort>& listed);
+  [[nodiscard]] bool isChosen(const std::string& device) const;
+  [[nodiscard]] PortFinding findingOf(const Slot& slot) const;
+
+  SystemCalls& calls_;
+  PortOptions options_;
+  LptPorts filter_;
+  std::vector<Slot> slots_;
+};
+
+/// Finds and takes the machine's ports.
+[[nodiscard]] std::unique_ptr<RealPorts> openRealPorts(SystemCalls& calls, PortOptions options);
+
+}  // namespace kestrel
