@@ -5,6 +5,7 @@
 #include <string>
 
 #include "simulator/page_write_memory.h"
+#include "simulator/serial_eeprom.h"
 #include "simulator/uv_eprom.h"
 
 namespace kestrel::sim {
@@ -27,7 +28,14 @@ std::unique_ptr<Chip> makePageWriteMemory(std::string_view upperName) {
   return nullptr;
 }
 
-constexpr Maker kFamilies[]{&makeUvEprom, &makePageWriteMemory};
+std::unique_ptr<Chip> makeSerialEeprom(std::string_view upperName) {
+  for (const SerialEepromType& type : serialEepromTypes()) {
+    if (type.name == upperName) return std::make_unique<SerialEeprom>(type);
+  }
+  return nullptr;
+}
+
+constexpr Maker kFamilies[]{&makeUvEprom, &makePageWriteMemory, &makeSerialEeprom};
 
 }  // namespace
 
@@ -45,6 +53,7 @@ std::vector<std::string_view> chipTypeNames() {
   std::vector<std::string_view> names;
   for (const UvEpromType& type : uvEpromTypes()) names.push_back(type.name);
   for (const PageWriteType& type : pageWriteTypes()) names.push_back(type.name);
+  for (const SerialEepromType& type : serialEepromTypes()) names.push_back(type.name);
   return names;
 }
 
