@@ -5,6 +5,7 @@
 #include "platform/folders.h"
 #include "platform/help_viewer.h"
 #include "platform/port_access.h"
+#include "platform/port_care.h"
 #include "platform/screen.h"
 #include "platform/settings_store.h"
 #include "platform/sound_player.h"
@@ -24,6 +25,7 @@ struct Machine {
   Screen& screen;
   StopSwitch& stop;
   Folders folders;
+  PortCare* care = nullptr;  ///< for real ports
 };
 
 }  // namespace kestrel

@@ -1,6 +1,7 @@
 #include "app/form/command_boundary.h"
 
 #include <new>
+#include <string>
 
 #include "platform/runtime_error.h"
 
@@ -33,11 +34,14 @@ void CommandBoundary::run(const std::function<void()>& handler) {
   const Running running(running_);
   stop_.reset();
   keepBuffer();
+  care_.beginCommand();
   outcome_ = runToOutcome(handler);
   if (outcome_ != frmMain::Outcome::Done) {
     restoreBuffer();
     tell([this] { putToRest(); });
   }
+  care_.endCommand();
+  tellStretchedPulses();
 }
 
 bool CommandBoundary::tell(const std::function<void()>& step) {
@@ -62,6 +66,13 @@ frmMain::Outcome CommandBoundary::runToOutcome(const std::function<void()>& step
   return frmMain::Outcome::RunTimeError;
 }
 
+void CommandBoundary::tellStretchedPulses() {
+  const std::uint64_t pulses = care_.takeStretchedPulses();
+  if (pulses == 0) return;
+  p_.reporting.LogMessage(std::to_string(pulses) +
+                          " pulses lasted more than twice their time, the computer was busy");
+}
+
 void CommandBoundary::keepBuffer() {
   keptBuffer_ = p_.state.CodeBuffer;
   keptLength_ = p_.state.CodeLength;
@@ -72,8 +83,8 @@ void CommandBoundary::restoreBuffer() {
   p_.state.CodeLength = keptLength_;
 }
 
-// What is on the form first: a port that has gone may end the reset. The stop that ended the command
-// must not end this too.
+// What is on the form first: a port that has gone may end the reset. The stop that ended the
+// command must not end this too.
 void CommandBoundary::putToRest() {
   stop_.reset();
   p_.controls.Verify_button.setColour(Colour::ButtonFace);

@@ -7,6 +7,7 @@
 #include "app/form/frm_main.h"
 #include "app/state/error_report.h"
 #include "operations/operation_parts.h"
+#include "platform/port_care.h"
 #include "platform/stop_switch.h"
 
 namespace kestrel {
@@ -16,8 +17,9 @@ namespace kestrel {
 /// that a command itself causes belong to that command.
 class CommandBoundary {
  public:
-  CommandBoundary(const OperationParts& parts, ErrorReport& errors, StopSwitch& stop)
-      : p_(parts), errors_(errors), stop_(stop) {}
+  CommandBoundary(const OperationParts& parts, ErrorReport& errors, StopSwitch& stop,
+                  PortCare& care)
+      : p_(parts), errors_(errors), stop_(stop), care_(care) {}
 
   void run(const std::function<void()>& handler);
 
@@ -32,10 +34,12 @@ class CommandBoundary {
   void keepBuffer();
   void restoreBuffer();
   void putToRest();
+  void tellStretchedPulses();
 
   OperationParts p_;
   ErrorReport& errors_;
   StopSwitch& stop_;
+  PortCare& care_;
   std::vector<std::uint8_t> keptBuffer_;
   std::int32_t keptLength_ = 0;
   bool running_ = false;

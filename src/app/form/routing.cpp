@@ -22,7 +22,6 @@ void frmMain::Units::connectButtons() {
   onPress(c.Show_button, memoryDisplay, &MemoryDisplay::Show_button_Click);
   onPress(c.Command1, memoryDisplay, &MemoryDisplay::Command1_Click);
   onPress(c.Error_label, alert, &ErrorAlert::Error_label_Click);
-  onPress(c.TestHardware_button, detection, &BoardDetection::TestHardware_button_Click);
   onPress(c.BufferDisplay_DblClick, exports, &Exports::BufferDisplay_DblClick);
   onPress(c.SystemLog_DblClick, exports, &Exports::SystemLog_DblClick);
 }
@@ -64,7 +63,9 @@ void frmMain::Units::connectMenus() {
 
 void frmMain::Units::connectHardwareMenu() {
   Controls& c = controls;
-  onPress(c.menuTestHardware, detection, &BoardDetection::TestHardware_button_Click);
+  for (Button* const test : {&c.TestHardware_button, &c.menuTestHardware}) {
+    test->onPress([this] { boundary.run([this] { testHardware(); }); });
+  }
   onPress(c.ForceKestrel4, detection, &BoardDetection::ForceKestrel4);
   onPress(c.ForceKestrel5, detection, &BoardDetection::ForceKestrel5);
   onPress(c.ForceKestrel6, detection, &BoardDetection::ForceKestrel6);
@@ -93,6 +94,12 @@ void frmMain::Units::connectValues() {
   for (OptionButton& button : c.LPTSelection) {
     button.onClick([this] { boundary.run([this] { detection.LPTSelection_Click(); }); });
   }
+}
+
+void frmMain::Units::testHardware() {
+  care().takeMissing();
+  detection.TestHardware_button_Click();
+  tellDiagnosis();
 }
 
 void frmMain::Units::VScroll1_Change() {

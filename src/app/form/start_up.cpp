@@ -62,11 +62,18 @@ void frmMain::Units::findBoard() {
     boundary.tell(testIfNoPort);
     boundary.tell([this] { registers.ApplyPortAndModel(); });
   }
+  tellDiagnosis();
   // The start-up caption stays when nothing answers; a later hardware test words it without the
   // exclamation marks.
   if (controls.KestrelHardwareFound.caption() == "NO HARDWARE FOUND") {
     controls.KestrelHardwareFound.setCaption("NO HARDWARE FOUND !!!");
   }
+}
+
+// Why a real port may have no board behind it.
+void frmMain::Units::tellDiagnosis() {
+  if (state.KestrelModel != 0) return;
+  for (const std::string& line : care().diagnosis()) reporting.LogMessage(line);
 }
 
 // The board comes first; a port that has gone must not keep the window from closing.

@@ -34,6 +34,7 @@ struct frmMain::Units {
   explicit Units(const Machine& given) : machine(given) {}
 
   Machine machine;
+  PortCare noCare;
   ProgrammerState state;
   Controls controls;
 
@@ -101,7 +102,7 @@ struct frmMain::Units {
   DeviceSelection devices{parts, buttons, memoryDisplay, flashIdentification};
   NamedSetups setups{state, controls, reporting, files, machine.dialogs, machine.folders};
   HelpCommands help{machine.help, machine.dialogs, machine.folders};
-  CommandBoundary boundary{parts, errors, machine.stop};
+  CommandBoundary boundary{parts, errors, machine.stop, care()};
 
   // Start-up and shut-down.
   void showNoBoardYet();
@@ -116,10 +117,13 @@ struct frmMain::Units {
   void connectToolbar();
 
  private:
+  [[nodiscard]] PortCare& care() { return machine.care != nullptr ? *machine.care : noCare; }
   template <typename Unit>
   void onPress(Button& button, Unit& unit, void (Unit::*handler)()) {
     button.onPress([this, &unit, handler] { boundary.run([&] { (unit.*handler)(); }); });
   }
+  void testHardware();
+  void tellDiagnosis();
   void VScroll1_Change();
   void tbToolBar_ButtonClick(const std::string& key);
 };
