@@ -90,6 +90,23 @@ TEST(SimulatedBench, theBoardIsTheOneOfTheOptions) {
   EXPECT_EQ(simulated.bench().board(0x378), nullptr);
 }
 
+TEST(SimulatedBench, anotherBoardTakesOverTheChip) {
+  SimulatedBench simulated(withChip("2764", {}), "");
+  simulated.plug(sim::Model::kestrel4, 0x278);
+  EXPECT_FALSE(simulated.bench().isPlugged(0x378));
+  EXPECT_TRUE(simulated.bench().isPlugged(0x278));
+  EXPECT_EQ(simulated.board().chip()->typeName(), "2764");
+  EXPECT_TRUE(simulated.wasExchanged());
+}
+
+TEST(SimulatedBench, theSameBoardPluggedInAgainIsNoOther) {
+  SimulatedBench simulated(withChip("2764", {}), "");
+  simulated.bench().unplug(0x378);
+  simulated.plug(sim::Model::kestrel5, 0x378);
+  EXPECT_TRUE(simulated.bench().isPlugged(0x378));
+  EXPECT_FALSE(simulated.wasExchanged());
+}
+
 TEST(ChipTypeForDevice, isAWordOfTheDevicesName) {
   EXPECT_EQ(chipTypeForDevice("Eprom 27C256                  "), "27C256");
   EXPECT_EQ(chipTypeForDevice("Eprom 2732A"), "2732A");

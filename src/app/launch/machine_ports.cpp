@@ -1,7 +1,6 @@
 #include "app/launch/machine_ports.h"
 
 #include <cerrno>
-#include <utility>
 
 #include "platform/runtime_error.h"
 
@@ -27,13 +26,7 @@ MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaul
 }
 
 PortAccess& MachinePorts::lowestPort(const LaunchOptions& options) {
-  if (!simulated_) {
-    lockMemory();
-    PortOptions portOptions;
-    portOptions.choices = options.ports;
-    realPorts_ = openRealPorts(calls_, std::move(portOptions));
-    return realPorts_->port();
-  }
+  if (!simulated_) return lptPorts_;
   simulatedPort_ = std::make_unique<sim::SimulatedPort>(simulated_->bench(), options.countNs);
   return *simulatedPort_;
 }
@@ -41,24 +34,6 @@ PortAccess& MachinePorts::lowestPort(const LaunchOptions& options) {
 Clock& MachinePorts::lowestClock() {
   if (simulatedPort_) return *simulatedPort_;
   return monotonic_;
-}
-
-void MachinePorts::beginCommand() {
-  if (realPorts_) priority_.emplace();
-}
-
-void MachinePorts::takeMissing() {
-  if (realPorts_) realPorts_->takeMissing();
-}
-
-std::vector<std::string> MachinePorts::diagnosis() const {
-  return realPorts_ ? realPorts_->diagnosis() : std::vector<std::string>();
-}
-
-std::uint64_t MachinePorts::takeStretchedPulses() {
-  const std::uint64_t pulses = monotonic_.stretchedPulses();
-  monotonic_.resetStretchedPulses();
-  return pulses;
 }
 
 PortAccess& MachinePorts::port() {

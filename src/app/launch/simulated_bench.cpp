@@ -65,6 +65,14 @@ void SimulatedBench::fitFault(const Fault& fault) {
   }
 }
 
+void SimulatedBench::plug(sim::Model model, std::uint16_t base) {
+  exchanged_ = exchanged_ || model != board().model() || base != base_;
+  auto chip = board().takeOut();
+  bench_.unplug(base_);
+  bench_.plug(model, base).insert(std::move(chip));
+  base_ = base;
+}
+
 void SimulatedBench::startUpDone() {
   if (!unplugAfter_.empty()) bench_.unplugAfter(std::ranges::min(unplugAfter_));
 }

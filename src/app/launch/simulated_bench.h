@@ -20,6 +20,14 @@ class SimulatedBench {
 
   [[nodiscard]] sim::Bench& bench() { return bench_; }
   [[nodiscard]] std::uint16_t base() const { return base_; }
+  [[nodiscard]] sim::Board& board() { return *bench_.board(base_); }
+
+  /// Connects a board of the model at the base in place of the present one. The chip moves over;
+  /// the board is switched on anew.
+  void plug(sim::Model model, std::uint16_t base);
+
+  /// True once the board is not the one of the options any more.
+  [[nodiscard]] bool wasExchanged() const { return exchanged_; }
 
   /// The file that the chip's contents are written back to; empty if none.
   [[nodiscard]] const std::filesystem::path& chipFile() const { return chipFile_; }
@@ -41,6 +49,7 @@ class SimulatedBench {
 
   sim::Bench bench_;
   std::uint16_t base_;
+  bool exchanged_ = false;
   std::filesystem::path chipFile_;
   std::vector<std::uint8_t> fileContents_;  ///< as last read or written; empty: no file yet
   std::vector<std::uint64_t> unplugAfter_;
