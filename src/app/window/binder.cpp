@@ -1,0 +1,87 @@
+#include "app/window/binder.h"
+
+#include <QSignalBlocker>
+
+#include "app/window/theme.h"
+
+namespace kestrel {
+namespace {
+
+/// A radio button of a group that may be all clear lets itself be cleared only while it is not
+/// exclusive.
+void setChecked(QRadioButton& button, bool on) {
+  const QSignalBlocker quiet(button);
+  button.setAutoExclusive(false);
+  button.setChecked(on);
+  button.setAutoExclusive(true);
+}
+
+}  // namespace
+
+void Binder::common(const Control& control, QWidget& widget) const {
+  widget.setObjectName(kestrel::text(control.name()));
+  mirror_.bind(control, [&control, &widget] {
+    widget.setEnabled(control.enabled());
+    widget.setVisible(control.visible());
+  });
+}
+
+void Binder::button(Button& control, QAbstractButton& widget) const {
+  common(control, widget);
+  mirror_.bind(control, [&control, &widget] {
+    widget.setText(kestrel::text(control.caption()));
+    setButtonColour(widget, control.colour());
+  });
+  QObject::connect(&widget, &QAbstractButton::clicked, &widget,
+                   [this, &control] { gate_.run([&control] { control.press(); }); });
+}
+
+void Binder::action(Button& control, QAction& action) const {
+  action.setObjectName(kestrel::text(control.name()));
+  mirror_.bind(control, [&control, &action] {
+    if (!control.caption().empty()) action.setText(kestrel::text(control.caption()));
+    action.setEnabled(control.enabled());
+    action.setVisible(control.visible());
+  });
+  QObject::connect(&action, &QAction::triggered, &action,
+                   [this, &control] { gate_.run([&control] { control.press(); }); });
+}
+
+void Binder::check(CheckBox& control, QCheckBox& widget) const {
+  common(control, widget);
+  mirror_.bind(control, [&control, &widget] {
+    const QSignalBlocker quiet(widget);
+    widget.setText(kestrel::text(control.caption()));
+    widget.setCheckState(control.value() == 2 ? Qt::PartiallyChecked
+                         : control.isTicked() ? Qt::Checked
+                                              : Qt::Unchecked);
+  });
+  QObject::connect(&widget, &QCheckBox::clicked, &widget, [this, &control] {
+    gate_.run([&control] { control.press(); });
+    mirror_.touch(control);
+  });
+}
+
+void Binder::option(OptionButton& control, QRadioButton& widget) const {
+  common(control, widget);
+  mirror_.bind(control, [&control, &widget] {
+    widget.setText(kestrel::text(control.caption()));
+    setChecked(widget, control.value());
+  });
+  QObject::connect(&widget, &QRadioButton::clicked, &widget, [this, &control] {
+    gate_.run([&control] { control.press(); });
+    mirror_.touch(control);
+  });
+}
+
+void Binder::caption(const Control& control, QLabel& widget) const {
+  common(control, widget);
+  mirror_.bind(control, [&control, &widget] { widget.setText(kestrel::text(control.caption())); });
+}
+
+void Binder::text(const TextBox& control, QLabel& widget) const {
+  common(control, widget);
+  mirror_.bind(control, [&control, &widget] { widget.setText(kestrel::text(control.text())); });
+}
+
+}  // namespace kestrel

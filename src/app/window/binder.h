@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QCheckBox>
+#include <QLabel>
+#include <QRadioButton>
+#include <QWidget>
+#include <string>
+
+#include "app/state/controls.h"
+#include "app/window/command_gate.h"
+#include "app/window/mirror.h"
+
+namespace kestrel {
+
+[[nodiscard]] inline QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
+
+/// Joins one widget to one control: the widget takes the control's name as its object name, shows
+/// what the control is, and reports its presses through the gate.
+class Binder {
+ public:
+  Binder(Mirror& mirror, CommandGate& gate) : mirror_(mirror), gate_(gate) {}
+
+  [[nodiscard]] Mirror& mirror() const { return mirror_; }
+  [[nodiscard]] CommandGate& gate() const { return gate_; }
+
+  /// Name, enabled and visible: what every control has.
+  void common(const Control& control, QWidget& widget) const;
+
+  void button(Button& control, QAbstractButton& widget) const;
+  void action(Button& control, QAction& action) const;
+  void check(CheckBox& control, QCheckBox& widget) const;
+  void option(OptionButton& control, QRadioButton& widget) const;
+  void caption(const Control& control, QLabel& widget) const;
+  void text(const TextBox& control, QLabel& widget) const;
+
+ private:
+  Mirror& mirror_;
+  CommandGate& gate_;
+};
+
+}  // namespace kestrel

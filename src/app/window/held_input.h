@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QEvent>
+#include <QObject>
+#include <QPointer>
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QWidget;
+
+namespace kestrel {
+
+/// Keeps user input back while a command runs, and delivers it when the command has ended. Only
+/// the Stop button and Esc get through.
+///
+/// Everything else that the event loop does (painting, timers, moves of the pointer) goes on. Input
+/// is held where it enters the program, at the native window, so that what is delivered later meets
+/// the widgets as they are then.
+class HeldInput final : public QObject {
+ public:
+  HeldInput();
+
+  /// The button that stays alive, and what Esc runs.
+  void setStop(QWidget& button, std::function<void()> stop);
+
+  void hold(bool on) { holding_ = on; }
+  [[nodiscard]] bool isHolding() const { return holding_; }
+
+  /// Sends everything that was held on its way, in the order in which it came.
+  void release();
+
+  bool eventFilter(QObject* receiver, QEvent* event) override;
+
+ private:
+  struct Held {
+    QPointer<QObject> receiver;
+    std::unique_ptr<QEvent> event;
+  };
+
+  [[nodiscard]] bool isForStop(QObject* receiver, QEvent* event) const;
+  void keep(QObject* receiver, const QEvent& event);
+
+  bool holding_ = false;
+  QWidget* stopButton_ = nullptr;
+  std::function<void()> stop_;
+  std::vector<Held> held_;
+};
+
+}  // namespace kestrel

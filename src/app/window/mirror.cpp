@@ -1,0 +1,37 @@
+#include "app/window/mirror.h"
+
+#include <utility>
+
+#include "app/state/value_controls.h"
+
+namespace kestrel {
+
+Mirror::Mirror() {
+  wake_.setSingleShot(true);
+  wake_.setInterval(0);
+  QObject::connect(&wake_, &QTimer::timeout, &wake_, [this] { refresh(); });
+}
+
+void Mirror::bind(const Control& control, Show show) {
+  show();
+  entries_[&control].shows.push_back(std::move(show));
+}
+
+void Mirror::controlChanged(const Control& control) {
+  const auto found = entries_.find(&control);
+  if (found == entries_.end() || found->second.dirty) return;
+  found->second.dirty = true;
+  if (dirty_.empty()) wake_.start();
+  dirty_.push_back(&found->second);
+}
+
+void Mirror::textAppended(const TextBox& box, std::string_view) { controlChanged(box); }
+
+void Mirror::refresh() {
+  for (Entry* const entry : std::exchange(dirty_, {})) {
+    entry->dirty = false;
+    for (const Show& show : entry->shows) show();
+  }
+}
+
+}  // namespace kestrel

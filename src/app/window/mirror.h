@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QTimer>
+#include <functional>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "app/state/control.h"
+
+namespace kestrel {
+
+/// Keeps the widgets like the controls. A change only marks the control; what a person sees of it
+/// is brought up to date by the next refresh, so that a control which changes a thousand times
+/// between two looks at the screen costs one update.
+class Mirror final : public ControlListener {
+ public:
+  using Show = std::function<void()>;
+
+  Mirror();
+
+  /// `show` brings a widget up to date; it runs at once, and again after the control has changed.
+  void bind(const Control& control, Show show);
+
+  /// Shows the control again although it has not changed: its widget moved on its own.
+  void touch(const Control& control) { controlChanged(control); }
+
+  /// Shows everything that has changed.
+  void refresh();
+
+  void controlChanged(const Control& control) override;
+  void textAppended(const TextBox& box, std::string_view piece) override;
+
+ private:
+  struct Entry {
+    std::vector<Show> shows;
+    bool dirty = false;
+  };
+
+  std::unordered_map<const Control*, Entry> entries_;
+  std::vector<Entry*> dirty_;
+  QTimer wake_;  // refreshes from the event loop what no command's turn has shown
+};
+
+}  // namespace kestrel

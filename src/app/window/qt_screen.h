@@ -1,0 +1,43 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QPointer>
+#include <QWidget>
+#include <vector>
+
+#include "app/window/command_gate.h"
+#include "app/window/held_input.h"
+#include "app/window/mirror.h"
+#include "platform/screen.h"
+
+namespace kestrel {
+
+/// The screen of a running command: repaints and lets the event loop have its turn.
+class QtScreen final : public Screen {
+ public:
+  QtScreen(Mirror& mirror, CommandGate& gate, HeldInput& input);
+
+  void setMainWindow(QWidget& window) { main_ = &window; }
+
+  /// A further window of the program was opened.
+  void opened(QWidget& window);
+
+  void repaint() override;
+  void turn() override;
+  [[nodiscard]] std::size_t openWindows() const override;
+  void closeLastWindow() override;
+  void closeMainWindow() override;
+
+ private:
+  void giveTurn();
+
+  Mirror& mirror_;
+  CommandGate& gate_;
+  HeldInput& input_;
+  QElapsedTimer sinceTurn_;
+  bool inTurn_ = false;
+  QPointer<QWidget> main_;
+  std::vector<QPointer<QWidget>> others_;  // in the order in which they were opened
+};
+
+}  // namespace kestrel
