@@ -1,0 +1,161 @@
+#include "app/window/display_panel.h"
+
+#include <QEvent>
+#include <QFontMetricsF>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QToolTip>
+#include <QVBoxLayout>
+#include <QWheelEvent>
+#include <cmath>
+
+#include "app/window/elided_label.h"
+#include "app/window/range_reporter.h"
+#include "app/window/theme.h"
+
+namespace kestrel {
+namespace {
+
+constexpr int kPageBytes = 256;
+constexpr int kPageLines = 17;    // an empty first line, then sixteen of sixteen bytes
+constexpr int kPageColumns = 62;  // address, four groups of eight digits, sixteen characters
+constexpr double kLargestFont = 1.6;
+
+}  // namespace
+
+QSize hexPageSize(const QPlainTextEdit& view, const QFont& font) {
+  const QFontMetricsF metrics(font);
+  const double margins = 2 * view.document()->documentMargin() + 2 * view.frameWidth();
+  return {static_cast<int>(std::ceil(kPageColumns * metrics.horizontalAdvance('0') + margins + 2)),
+          static_cast<int>(std::ceil(kPageLines * std::ceil(metrics.lineSpacing()) + margins + 2))};
+}
+
+DisplayPanel::DisplayPanel(Controls& controls, const Binder& binder, QWidget* parent)
+    : QWidget(parent), controls_(controls), binder_(binder) {
+  binder.common(controls.Frame3, *this);
+  auto* const column = new QVBoxLayout(this);
+  column->setContentsMargins(0, 0, 8, 0);
+  buildHeader(*column);
+  buildPage(*column);
+}
+
+void DisplayPanel::buildHeader(QBoxLayout& column) {
+  auto* const row = new QHBoxLayout;
+  column.addLayout(row);
+  auto* const title = new ElidedLabel(Qt::ElideRight, this);
+  QFont bold = title->font();
+  bold.setBold(true);
+  title->setFont(bold);
+  title->setObjectName("displayTitle");
+  binder_.mirror().bind(controls_.Frame3,
+                        [this, title] { title->setText(text(controls_.Frame3.caption())); });
+  auto* const show = new QPushButton(this);
+  binder_.button(controls_.Show_button, *show);
+  show->setToolTip("Switch to the other buffer");
+  auto* const second = new QPushButton(this);
+  binder_.button(controls_.Command1, *second);
+  second->setToolTip("Draw the first page of the code buffer in a window of its own");
+  row->addWidget(title, 1);
+  row->addWidget(show);
+  row->addWidget(second);
+}
+
+void DisplayPanel::buildPage(QBoxLayout& column) {
+  auto* const row = new QHBoxLayout;
+  row->setSpacing(0);
+  column.addLayout(row, 1);
+  page_ = new QPlainTextEdit(this);
+  page_->setReadOnly(true);
+  page_->setUndoRedoEnabled(false);
+  page_->setLineWrapMode(QPlainTextEdit::NoWrap);
+  page_->setFont(fixedFont());
+  page_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  page_->setMinimumSize(hexPageSize(*page_, fixedFont()));
+  page_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  page_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  page_->setAccessibleName("Hex display");
+  page_->setToolTip("Double click saves the display to KESTREL.BUF");
+  page_->installEventFilter(this);
+  page_->viewport()->installEventFilter(this);
+  binder_.common(controls_.BufferDisplay, *page_);
+  binder_.mirror().bind(controls_.BufferDisplay, [this] { showPage(); });
+  row->addWidget(page_, 1);
+  buildScrollBar(*row);
+}
+
+void DisplayPanel::buildScrollBar(QBoxLayout& row) {
+  constexpr int kLargeStep = 16;
+  auto* const bar = new QScrollBar(Qt::Vertical, this);
+  bar->setSingleStep(1);
+  bar->setPageStep(kLargeStep);
+  bar->setFocusPolicy(Qt::NoFocus);
+  bar->setAccessibleName("Page of the display");
+  scroll_ = new RangeReporter(controls_.VScroll1, *bar, binder_);
+  QObject::connect(bar, &QScrollBar::sliderMoved, bar, [bar](int pageNumber) {
+    const QString address = QString("%1").arg(pageNumber * kPageBytes, 6, 16, QChar('0')).toUpper();
+    QToolTip::showText(QCursor::pos(), address, bar);
+  });
+  row.addWidget(bar);
+}
+
+void DisplayPanel::showPage() {
+  QString shown = text(controls_.BufferDisplay.text());
+  shown.remove('\r');
+  page_->setPlainText(shown);
+}
+
+bool DisplayPanel::turnPage(int key) {
+  const QAbstractSlider& bar = scroll_->slider();
+  switch (key) {
+    case Qt::Key_PageUp:
+      scroll_->goTo(bar.value() - 1);
+      return true;
+    case Qt::Key_PageDown:
+      scroll_->goTo(bar.value() + 1);
+      return true;
+    case Qt::Key_Home:
+      scroll_->goTo(bar.minimum());
+      return true;
+    case Qt::Key_End:
+      scroll_->goTo(bar.maximum());
+      return true;
+    default:
+      return false;
+  }
+}
+
+// A larger window shows the page in larger letters.
+void DisplayPanel::fitFont() {
+  const QFont smallest = fixedFont();
+  const QSize needed = hexPageSize(*page_, smallest);
+  const double scale = std::min({double(page_->width()) / needed.width(),
+                                 double(page_->height()) / needed.height(), kLargestFont});
+  QFont font = smallest;
+  const double steps = std::floor(smallest.pointSizeF() * std::max(1.0, scale) * 2.0);
+  font.setPointSizeF(std::max(smallest.pointSizeF(), steps / 2.0));
+  if (font != page_->font()) page_->setFont(font);
+}
+
+bool DisplayPanel::eventFilter(QObject* receiver, QEvent* event) {
+  switch (event->type()) {
+    case QEvent::KeyPress:
+      return turnPage(static_cast<QKeyEvent*>(event)->key());
+    case QEvent::Wheel:
+      scroll_->turnWheel(static_cast<QWheelEvent*>(event)->angleDelta().y());
+      return true;
+    case QEvent::MouseButtonDblClick:
+      if (receiver != page_->viewport()) return false;
+      binder_.gate().run([this] { controls_.BufferDisplay_DblClick.press(); });
+      return true;
+    case QEvent::Resize:
+      if (receiver == page_) fitFont();
+      return false;
+    default:
+      return false;
+  }
+}
+
+}  // namespace kestrel

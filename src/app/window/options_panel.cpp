@@ -1,0 +1,266 @@
+#include "app/window/options_panel.h"
+
+#include <QEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QScreen>
+#include <QScrollBar>
+#include <QSlider>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "app/window/device_box.h"
+#include "app/window/elided_label.h"
+#include "app/window/lamp.h"
+#include "app/window/range_reporter.h"
+
+namespace kestrel {
+namespace {
+
+constexpr int kAroundPanel = 200;  // menus, toolbar, status strip and the desktop's own bars
+
+QLabel* heading(const QString& text, QWidget* parent) {
+  auto* const label = new QLabel(text, parent);
+  QFont font = label->font();
+  font.setBold(true);
+  label->setFont(font);
+  return label;
+}
+
+/// What comes and goes leaves its place free, so that nothing jumps.
+void keepPlace(QWidget& widget) {
+  QSizePolicy policy = widget.sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  widget.setSizePolicy(policy);
+}
+
+QHBoxLayout* row(QBoxLayout& column) {
+  auto* const line = new QHBoxLayout;
+  column.addLayout(line);
+  return line;
+}
+
+}  // namespace
+
+OptionsPanel::OptionsPanel(Controls& controls, const Binder& binder, IconSet& icons,
+                           QWidget* parent)
+    : QScrollArea(parent), controls_(controls), binder_(binder), icons_(icons) {
+  setObjectName("optionsPanel");
+  setFrameShape(QFrame::NoFrame);
+  setWidgetResizable(true);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setFocusPolicy(Qt::NoFocus);
+  auto* const content = new QWidget(this);
+  auto* const column = new QVBoxLayout(content);
+  column->setContentsMargins(8, 6, 8, 6);
+  setWidget(content);
+  buildDevice(*column);
+  buildFile(*column);
+  buildDataFile(*column);
+  column->addSpacing(6);
+  column->addWidget(heading("3  Options", content));
+  buildVoltage(*column);
+  buildLane(*column);
+  buildChecks(*column);
+  buildSpeed(*column);
+  column->addStretch(1);
+  buildHardware(*column);
+}
+
+// All of it can be seen unless the screen is too low for that.
+QSize OptionsPanel::minimumSizeHint() const {
+  const QSize content = widget()->minimumSizeHint();
+  const int highest = screen()->availableSize().height() - kAroundPanel;
+  return {content.width() + verticalScrollBar()->sizeHint().width(),
+          std::min(content.height(), highest)};
+}
+
+bool OptionsPanel::eventFilter(QObject* receiver, QEvent* event) {
+  if (receiver == widget() && event->type() == QEvent::LayoutRequest) updateGeometry();
+  return QScrollArea::eventFilter(receiver, event);
+}
+
+void OptionsPanel::buildDevice(QBoxLayout& column) {
+  auto* const label = heading("1  De&vice", widget());
+  auto* const device = new DeviceBox(controls_.Device, binder_, widget());
+  device->setToolTip("The chip in the socket. Type a part of its name to find it.");
+  device->setAccessibleName("Device");
+  label->setBuddy(device);
+  column.addWidget(label);
+  column.addWidget(device);
+}
+
+void OptionsPanel::buildFile(QBoxLayout& column) {
+  column.addSpacing(6);
+  QHBoxLayout* const top = row(column);
+  top->addWidget(heading("2  Code file", widget()), 1);
+  auto* const open = new QPushButton("Open...", widget());
+  open->setObjectName("openCodeFile");
+  open->setToolTip("Open a code file");
+  open->setAccessibleName("Open code file");
+  icons_.add(*open, "open-code");
+  QObject::connect(open, &QPushButton::clicked, open,
+                   [this] { binder_.gate().run([this] { controls_.mnuFileOpenCode.press(); }); });
+  top->addWidget(open);
+  QHBoxLayout* const file = row(column);
+  auto* const name = new ElidedLabel(Qt::ElideMiddle, widget());
+  auto* const size = new QLabel(widget());
+  binder_.caption(controls_.FileNameCodeText, *name);
+  binder_.caption(controls_.FileNameCodeSize, *size);
+  name->setAccessibleName("Code file name");
+  file->addWidget(name, 1);
+  file->addWidget(size);
+}
+
+void OptionsPanel::buildDataFile(QBoxLayout& column) {
+  QHBoxLayout* const line = row(column);
+  auto* const label = new QLabel(widget());
+  auto* const name = new ElidedLabel(Qt::ElideMiddle, widget());
+  auto* const size = new QLabel(widget());
+  binder_.caption(controls_.FileNameDataLabel, *label);
+  binder_.caption(controls_.FileNameDataText, *name);
+  binder_.caption(controls_.FileNameDataSize, *size);
+  line->addWidget(label);
+  line->addWidget(name, 1);
+  line->addWidget(size);
+}
+
+// The prompt and the voltages share a place: the one gives way to the other.
+void OptionsPanel::buildVoltage(QBoxLayout& column) {
+  auto* const place = new QGridLayout;
+  column.addLayout(place);
+  auto* const frame = new QGroupBox(widget());
+  frame->setToolTip("The data sheet decides. A wrong programming voltage destroys a chip.");
+  auto* const buttons = new QHBoxLayout(frame);
+  binder_.common(controls_.FrameVoltageSelection, *frame);
+  binder_.mirror().bind(controls_.FrameVoltageSelection, [this, frame] {
+    frame->setTitle(text(controls_.FrameVoltageSelection.caption()));
+  });
+  for (OptionButton& control : controls_.Voltage_button) {
+    auto* const button = new QRadioButton(frame);
+    binder_.option(control, *button);
+    button->setAccessibleName("Programming voltage " + button->text());
+    buttons->addWidget(button);
+  }
+  keepPlace(*frame);
+  place->addWidget(frame, 0, 0);
+  auto* const prompt = new QLabel(widget());
+  binder_.text(controls_.PleaseSelect, *prompt);
+  prompt->setAlignment(Qt::AlignCenter);
+  place->addWidget(prompt, 0, 0);
+}
+
+void OptionsPanel::buildLane(QBoxLayout& column) {
+  auto* const frame = new QGroupBox("Bytes of the buffer", widget());
+  frame->setToolTip(
+      "Every byte, or those at odd or even addresses: the two halves of a 16-bit pair");
+  auto* const buttons = new QHBoxLayout(frame);
+  for (OptionButton& control : controls_.HiLow_button) {
+    auto* const button = new QRadioButton(frame);
+    binder_.option(control, *button);
+    button->setAccessibleName(button->text() + " bytes");
+    buttons->addWidget(button);
+  }
+  column.addWidget(frame);
+}
+
+void OptionsPanel::buildChecks(QBoxLayout& column) {
+  auto* const frame = new QWidget(widget());
+  binder_.common(controls_.Frame5, *frame);
+  auto* const boxes = new QVBoxLayout(frame);
+  boxes->setContentsMargins(0, 0, 0, 0);
+  for (CheckBox* const control :
+       {&controls_.CheckBlankPriorProgramming, &controls_.VerifyAfterProgramming}) {
+    auto* const box = new QCheckBox(frame);
+    binder_.check(*control, *box);
+    keepPlace(*box);
+    boxes->addWidget(box);
+  }
+  keepPlace(*frame);
+  column.addWidget(frame);
+  QHBoxLayout* const memories = row(column);
+  for (CheckBox* const control : {&controls_.CheckCode, &controls_.CheckData}) {
+    auto* const box = new QCheckBox(widget());
+    binder_.check(*control, *box);
+    box->setToolTip("Which memory the commands work on");
+    memories->addWidget(box);
+  }
+  memories->addStretch(1);
+}
+
+void OptionsPanel::buildSpeed(QBoxLayout& column) {
+  constexpr int kSmallStep = 1;
+  constexpr int kLargeStep = 5;
+  QHBoxLayout* const line = row(column);
+  auto* const label = new QLabel(text(controls_.Slider1.caption()), widget());
+  auto* const slider = new QSlider(Qt::Horizontal, widget());
+  auto* const value = new QLabel(widget());
+  slider->setSingleStep(kSmallStep);
+  slider->setPageStep(kLargeStep);
+  slider->setToolTip("Slow Down or Speed Up Programming Speed");
+  slider->setAccessibleName("Program Speed");
+  slider->setMinimumWidth(80);
+  new RangeReporter(controls_.Slider1, *slider, binder_);
+  value->setMinimumWidth(value->fontMetrics().horizontalAdvance("20"));
+  value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  binder_.mirror().bind(controls_.Slider1,
+                        [this, value] { value->setNum(controls_.Slider1.value()); });
+  QObject::connect(slider, &QSlider::sliderMoved, value, [value](int now) { value->setNum(now); });
+  line->addWidget(label);
+  line->addWidget(slider, 1);
+  line->addWidget(value);
+}
+
+void OptionsPanel::buildHardware(QBoxLayout& column) {
+  QHBoxLayout* const top = row(column);
+  top->addWidget(heading("Hardware", widget()), 1);
+  auto* const ready = new Lamp(widget());
+  ready->setWidestCaption("NotReady");
+  bindLamp(controls_.Ready_label, *ready, binder_);
+  top->addWidget(ready);
+  QHBoxLayout* const line = row(column);
+  hardware_ = new ElidedLabel(Qt::ElideRight, widget());
+  binder_.caption(controls_.KestrelHardwareFound, *hardware_);
+  binder_.mirror().bind(controls_.KestrelHardwareFound, [this] { showHardwareColour(); });
+  auto* const port = new QLabel(widget());
+  binder_.text(controls_.PortSelected, *port);
+  port->setToolTip("The port in use");
+  line->addWidget(hardware_, 1);
+  line->addWidget(port);
+  buildPorts(column);
+}
+
+void OptionsPanel::buildPorts(QBoxLayout& column) {
+  auto* const group = new QWidget(widget());
+  auto* const ports = new QHBoxLayout(group);
+  ports->setContentsMargins(0, 0, 0, 0);
+  for (OptionButton& control : controls_.LPTSelection) {
+    auto* const button = new QRadioButton(group);
+    binder_.option(control, *button);
+    button->setToolTip("Use this port without asking for a board");
+    button->setAccessibleName("Port " + button->text());
+    ports->addWidget(button);
+  }
+  column.addWidget(group);
+  auto* const test = new QPushButton(widget());
+  binder_.button(controls_.TestHardware_button, *test);
+  icons_.add(*test, "test-hardware");
+  test->setToolTip("Search the three ports for a board");
+  column.addWidget(test);
+}
+
+void OptionsPanel::showHardwareColour() {
+  QPalette own = hardware_->palette();
+  own.setColor(QPalette::WindowText, inkColour(controls_.KestrelHardwareFound.colour(), palette()));
+  hardware_->setPalette(own);
+}
+
+void OptionsPanel::changeEvent(QEvent* event) {
+  QScrollArea::changeEvent(event);
+  if (event->type() == QEvent::PaletteChange && hardware_ != nullptr) showHardwareColour();
+}
+
+}  // namespace kestrel

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QScrollArea>
+
+#include "app/state/controls.h"
+#include "app/window/binder.h"
+#include "app/window/theme.h"
+
+class QBoxLayout;
+class QLabel;
+
+namespace kestrel {
+
+/// The left side, from top to bottom in the order of the work: device, file, options; at the foot
+/// the board.
+class OptionsPanel final : public QScrollArea {
+ public:
+  OptionsPanel(Controls& controls, const Binder& binder, IconSet& icons, QWidget* parent);
+
+  [[nodiscard]] QSize sizeHint() const override { return minimumSizeHint(); }
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+ protected:
+  bool eventFilter(QObject* receiver, QEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void buildDevice(QBoxLayout& column);
+  void buildFile(QBoxLayout& column);
+  void buildDataFile(QBoxLayout& column);
+  void buildVoltage(QBoxLayout& column);
+  void buildLane(QBoxLayout& column);
+  void buildChecks(QBoxLayout& column);
+  void buildSpeed(QBoxLayout& column);
+  void buildHardware(QBoxLayout& column);
+  void buildPorts(QBoxLayout& column);
+  void showHardwareColour();
+
+  Controls& controls_;
+  const Binder& binder_;
+  IconSet& icons_;
+  QLabel* hardware_ = nullptr;
+};
+
+}  // namespace kestrel
