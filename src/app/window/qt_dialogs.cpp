@@ -1,0 +1,95 @@
+#include "app/window/qt_dialogs.h"
+
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <utility>
+
+#include "app/window/about_box.h"
+
+namespace kestrel {
+namespace {
+
+QMessageBox::Icon iconOf(MessageIcon icon) {
+  switch (icon) {
+    case MessageIcon::None:
+      return QMessageBox::NoIcon;
+    case MessageIcon::Information:
+      return QMessageBox::Information;
+    case MessageIcon::Question:
+      return QMessageBox::Question;
+    case MessageIcon::Exclamation:
+      return QMessageBox::Warning;
+    case MessageIcon::Critical:
+      return QMessageBox::Critical;
+  }
+  return QMessageBox::NoIcon;
+}
+
+/// The filter's text is shown whole and every file matches: "*.*" as a pattern would leave out the
+/// names without a dot. The last bracket is the pattern and is not shown.
+void setFilter(QFileDialog& dialog, const std::string& filter) {
+  const QString shown = QString::fromStdString(filter).section('|', 0, 0);
+  dialog.setOption(QFileDialog::HideNameFilterDetails);
+  dialog.setNameFilter(shown + " (*)");
+}
+
+std::string chosen(QFileDialog& dialog) {
+  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
+  return dialog.selectedFiles().first().toStdString();
+}
+
+}  // namespace
+
+Answer QtDialogs::messageBox(const MessageBox& box) {
+  mirror_.refresh();
+  QMessageBox dialog(owner_);
+  dialog.setObjectName("messageBox");
+  dialog.setTextFormat(Qt::PlainText);
+  dialog.setText(QString::fromStdString(box.text));
+  dialog.setWindowTitle(box.title.empty() ? "Kestrel" : QString::fromStdString(box.title));
+  dialog.setIcon(iconOf(box.icon));
+  const bool canCancel = box.buttons == MessageButtons::OkCancel;
+  dialog.setStandardButtons(canCancel ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok);
+  const bool cancelFirst = canCancel && box.defaultAnswer == Answer::Cancel;
+  dialog.setDefaultButton(cancelFirst ? QMessageBox::Cancel : QMessageBox::Ok);
+  return dialog.exec() == QMessageBox::Ok ? Answer::Ok : Answer::Cancel;
+}
+
+std::string QtDialogs::inputBox(const std::string& prompt, const std::string& title) {
+  mirror_.refresh();
+  QInputDialog dialog(owner_);
+  dialog.setObjectName("inputBox");
+  dialog.setWindowTitle(QString::fromStdString(title));
+  dialog.setLabelText(QString::fromStdString(prompt));
+  if (dialog.exec() != QDialog::Accepted) return {};
+  return dialog.textValue().toStdString();
+}
+
+std::string QtDialogs::openFile(const std::string& title, const std::string& filter) {
+  if (const auto file = std::exchange(nextOpen_, std::nullopt)) return file->string();
+  mirror_.refresh();
+  QFileDialog dialog(owner_, QString::fromStdString(title));
+  dialog.setObjectName("openFile");
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  setFilter(dialog, filter);
+  return chosen(dialog);
+}
+
+std::string QtDialogs::saveFile(const std::string& title, const std::string& filter) {
+  mirror_.refresh();
+  QFileDialog dialog(owner_, QString::fromStdString(title));
+  dialog.setObjectName("saveFile");
+  dialog.setAcceptMode(QFileDialog::AcceptSave);
+  dialog.setFileMode(QFileDialog::AnyFile);
+  setFilter(dialog, filter);
+  return chosen(dialog);
+}
+
+void QtDialogs::about() {
+  mirror_.refresh();
+  AboutBox box(owner_);
+  box.exec();
+}
+
+}  // namespace kestrel
