@@ -1,0 +1,92 @@
+#include <QApplication>
+#include <QIcon>
+#include <QTimer>
+#include <iostream>
+
+#include "app/launch/machine_ports.h"
+#include "app/launch/program_folders.h"
+#include "app/window/arguments.h"
+#include "app/window/bench_panel.h"
+#include "app/window/main_window.h"
+#include "app/window/qt_help_viewer.h"
+#include "app/window/qt_settings_store.h"
+#include "app/window/qt_sound_player.h"
+
+namespace kestrel {
+namespace {
+
+constexpr const char* kDefaultChip = "27C256";
+
+/// The configuration file of this simulated board must not tell of another one that was plugged in
+/// its place.
+void putAway(SimulatedBench& simulated, const Folders& folders) {
+  std::error_code ignored;
+  if (simulated.wasExchanged())
+    std::filesystem::remove(folders.configuration / "kestrel6.ini", ignored);
+  simulated.saveChip();
+}
+
+/// Puts the program together in the order of its layers and runs it until the window is closed.
+int runProgram(const Arguments& arguments) {
+  Mirror mirror;
+  HeldInput input;
+  CommandGate gate(mirror, input);
+  StopSwitch stop;
+  QtScreen screen(mirror, gate, input);
+  QtDialogs dialogs(mirror);
+  QtSettingsStore settings;
+  QtSoundPlayer sounds;
+  QtHelpViewer help(screen);
+  const Folders folders = programFolders(arguments.launch);
+  MachinePorts ports(arguments.launch, kDefaultChip, stop, screen);
+  frmMain form({.port = ports.port(),
+                .clock = ports.clock(),
+                .sounds = sounds,
+                .settings = settings,
+                .help = help,
+                .dialogs = dialogs,
+                .screen = screen,
+                .stop = stop,
+                .folders = folders});
+  MainWindow window({.form = form,
+                     .mirror = mirror,
+                     .gate = gate,
+                     .input = input,
+                     .screen = screen,
+                     .dialogs = dialogs,
+                     .settings = settings,
+                     .stop = stop});
+  help.setOwner(window);
+  SimulatedBench* const simulated = ports.simulated();
+  if (simulated != nullptr) {
+    window.addSidePanel(*new BenchPanel(*simulated, gate, &window), "Simulated board");
+  }
+  window.start();
+  if (simulated != nullptr) simulated->startUpDone();
+  if (!arguments.codeFile.empty()) {
+    QTimer::singleShot(0, &window, [&] { window.openCodeFile(arguments.codeFile); });
+  }
+  const int result = QApplication::exec();
+  if (simulated != nullptr) putAway(*simulated, folders);
+  return result;
+}
+
+}  // namespace
+}  // namespace kestrel
+
+int main(int argc, char** argv) {
+  const QApplication application(argc, argv);
+  QApplication::setApplicationName("kestrel");
+  QApplication::setApplicationVersion(KESTREL_VERSION);
+  QApplication::setDesktopFileName("kestrel");
+  QApplication::setWindowIcon(QIcon(":/icons/kestrel.svg"));
+  try {
+    return kestrel::runProgram(kestrel::readArguments(QApplication::arguments()));
+  } catch (const kestrel::UsageError& error) {
+    std::cerr << "kestrel: " << error.what() << "\nTry kestrel --help.\n";
+    return 2;
+  } catch (const std::exception& error) {
+    std::cerr << "kestrel: " << error.what() << '\n';
+    return 2;
+  }
+}

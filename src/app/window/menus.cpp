@@ -1,0 +1,176 @@
+#include "app/window/menus.h"
+
+#include <QMenuBar>
+#include <QToolBar>
+#include <QToolButton>
+#include <utility>
+
+namespace kestrel {
+
+Menus::Menus(QMainWindow& window, Controls& controls, const Binder& binder, IconSet& icons,
+             RecentFiles& recent)
+    : QObject(&window),
+      window_(window),
+      controls_(controls),
+      binder_(binder),
+      icons_(icons),
+      recent_(recent) {
+  buildFile();
+  buildDevice();
+  buildBuffer();
+  buildSetup();
+  buildHardware();
+  buildHelp();
+  buildToolbar();
+}
+
+QMenu* Menus::addMenu(const QString& caption, const QString& name) {
+  QMenu* const menu = window_.menuBar()->addMenu(caption);
+  menu->setObjectName(name);
+  return menu;
+}
+
+QAction* Menus::add(QMenu& menu, Button& control, const QString& icon) {
+  auto* const action = new QAction(&window_);
+  binder_.action(control, *action);
+  if (!icon.isEmpty()) icons_.add(*action, icon);
+  menu.addAction(action);
+  return action;
+}
+
+void Menus::addAll(QMenu& menu, std::initializer_list<Button*> controls) {
+  for (Button* const control : controls) add(menu, *control);
+}
+
+void Menus::addSeparator(QMenu& menu, const QString& name) {
+  menu.addSeparator()->setObjectName(name);
+}
+
+void Menus::buildFile() {
+  QMenu& menu = *addMenu("&File", "mnuFile");
+  add(menu, controls_.mnuFileOpenCode, "open-code")->setShortcut(QKeySequence::Open);
+  add(menu, controls_.mnuFileOpenData, "open-data");
+  buildRecent(menu);
+  add(menu, controls_.mnuFileClose);
+  menu.addSeparator();
+  add(menu, controls_.mnuFileSaveCode, "save-code")->setShortcut(QKeySequence::Save);
+  // The key that users know from elsewhere, whatever the desktop's theme defines.
+  add(menu, controls_.mnuFileSaveCodeAs)->setShortcut(QKeySequence("Ctrl+Shift+S"));
+  add(menu, controls_.mnuFileSaveData, "save-data");
+  add(menu, controls_.mnuFileSaveDataAs);
+  menu.addSeparator();
+  add(menu, controls_.BufferDisplay_DblClick)->setText("Export Displa&y to KESTREL.BUF");
+  add(menu, controls_.SystemLog_DblClick)->setText("Export &Log to KESTREL.LOG");
+  menu.addSeparator();
+  add(menu, controls_.mnuFileExit)->setShortcut(QKeySequence("Ctrl+Q"));
+}
+
+void Menus::buildRecent(QMenu& file) {
+  recentMenu_ = file.addMenu("Open &Recent");
+  recentMenu_->setObjectName("recentFiles");
+  connect(&file, &QMenu::aboutToShow, this, [this] { showRecent(); });
+  showRecent();
+}
+
+void Menus::showRecent() {
+  recentMenu_->clear();
+  for (const QString& path : recent_.all()) {
+    QString caption = path;
+    recentMenu_->addAction(caption.replace("&", "&&"), this, [this, path] {
+      if (openRecent_) openRecent_(path.toStdString());
+    });
+  }
+  recentMenu_->setEnabled(!recentMenu_->isEmpty());
+}
+
+void Menus::onOpenRecent(std::function<void(const std::filesystem::path&)> open) {
+  openRecent_ = std::move(open);
+}
+
+void Menus::buildDevice() {
+  QMenu& menu = *addMenu("&Device", "mnuDevice");
+  add(menu, controls_.menuReadCode, "read");
+  add(menu, controls_.menuBlankCheck, "blank-check");
+  add(menu, controls_.menuVerifyCode, "verify");
+  add(menu, controls_.menuProgramCode, "program");
+  add(menu, controls_.menuDisplayCode, "display");
+  addSeparator(menu, "menuCommandBar0");
+  addAll(menu, {&controls_.menuReadData, &controls_.menuVerifyData, &controls_.menuProgramData,
+                &controls_.menuDisplayData});
+  addSeparator(menu, "menuCommandBar2");
+  add(menu, controls_.menuEraseFlash, "erase-chip");
+  addSeparator(menu, "mnuCommandBar3");
+  addAll(menu, {&controls_.menuFlashShowCodeID, &controls_.ResetFlash, &controls_.LoopFlashTest});
+}
+
+void Menus::buildBuffer() {
+  QMenu& menu = *addMenu("&Buffer", "mnuBuffer");
+  add(menu, controls_.menuEraseCode, "erase-buffer");
+  add(menu, controls_.menuEraseData);
+}
+
+void Menus::buildSetup() {
+  QMenu& menu = *addMenu(text(controls_.Setup.caption()), text(controls_.Setup.name()));
+  QMenu& load = *menu.addMenu("&Load Setup");
+  QMenu& save = *menu.addMenu("&Save Setup");
+  load.setObjectName("LoadSetup");
+  save.setObjectName("SaveSetup");
+  for (Button& entry : controls_.LoadSetup) add(load, entry);
+  for (Button& entry : controls_.SaveSetup) add(save, entry);
+  connect(&menu, &QMenu::aboutToShow, this, [this] {
+    binder_.gate().run([this] { controls_.Setup.press(); });
+    binder_.mirror().refresh();
+  });
+}
+
+void Menus::buildHardware() {
+  hardware_ = addMenu("Hard&ware", "mnuHardware");
+  add(*hardware_, controls_.menuTestHardware, "test-hardware");
+  addSeparator(*hardware_, "mnuCommandBar4");
+  addAll(*hardware_,
+         {&controls_.ForceKestrel4, &controls_.ForceKestrel5, &controls_.ForceKestrel6});
+  hardware_->addSeparator();
+  add(*hardware_, controls_.mnuToolsOptions);
+}
+
+void Menus::buildHelp() {
+  QMenu& menu = *addMenu("&Help", "mnuHelp");
+  add(menu, controls_.mnuHelpContents, "help")->setShortcut(QKeySequence("F1"));
+  add(menu, controls_.mnuHelpSearchForHelpOn);
+  addSeparator(menu, "mnuHelpBar0");
+  add(menu, controls_.mnuHelpAbout);
+}
+
+void Menus::buildToolbar() {
+  struct Entry {
+    const char* caption;
+    const char* icon;
+    const char* toolTip;
+  };
+  // In the order of the buttons; the third is the separator before those of the data memory.
+  constexpr std::array<Entry, 5> kEntries{{{"Open", "open-code", "Open a code file (Ctrl+O)"},
+                                           {"Save", "save-code", "Save the code buffer (Ctrl+S)"},
+                                           {"", "", ""},
+                                           {"Open Data", "open-data", "Open a data file"},
+                                           {"Save Data", "save-data", "Save the data buffer"}}};
+  QToolBar& bar = *window_.addToolBar("Files");
+  bar.setObjectName("tbToolBar");
+  bar.setMovable(false);
+  bar.setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  for (std::size_t i = 0; i < kEntries.size(); ++i) {
+    ToolButton& control = controls_.tbToolBar[i];
+    auto* const action = new QAction(&window_);
+    binder_.action(control, *action);
+    action->setSeparator(control.key().empty());
+    action->setIconText(kEntries[i].caption);
+    action->setToolTip(kEntries[i].toolTip);
+    if (!control.key().empty()) icons_.add(*action, kEntries[i].icon);
+    bar.addAction(action);
+    if (QWidget* const button = bar.widgetForAction(action)) {
+      button->setFocusPolicy(Qt::TabFocus);
+      button->setAccessibleName(kEntries[i].toolTip);
+    }
+  }
+}
+
+}  // namespace kestrel
