@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "simulator/chip_factory.h"
 #include "simulator/simulated_port.h"
 #include "support/fakes.h"
+#include "support/log_messages.h"
 #include "support/temporary_folder.h"
 
 namespace kestrel::test {
@@ -34,16 +36,7 @@ struct FormRig {
         state(form.state()) {}
 
   /// The log's messages without their time stamps.
-  [[nodiscard]] std::vector<std::string> log() const {
-    std::vector<std::string> messages;
-    std::istringstream lines(controls.SystemLog.text());
-    for (std::string line; std::getline(lines, line);) {
-      if (line.ends_with('\r')) line.pop_back();
-      const std::size_t start = line.find(">  ");
-      if (start != std::string::npos) messages.push_back(line.substr(start + 3));
-    }
-    return messages;
-  }
+  [[nodiscard]] std::vector<std::string> log() const { return logMessages(controls); }
   [[nodiscard]] bool logged(const std::string& message) const {
     return std::ranges::count(log(), message) > 0;
   }
@@ -59,6 +52,22 @@ struct FormRig {
       }
     }
     throw std::invalid_argument("no device " + name);
+  }
+
+  /// Opens a code file with these contents.
+  void openImage(const std::vector<std::uint8_t>& image) {
+    const std::string name = (folder / "image.bin").string();
+    std::ofstream(name, std::ios::binary)
+        .write(reinterpret_cast<const char*>(image.data()), std::ssize(image));
+    dialogs.files.push_back(name);
+    press("mnuFileOpenCode");
+  }
+  /// Presses Program, or another control that leads there, and says OK to the safety question.
+  bool program(const std::string& control = "Program_button") {
+    dialogs.answers.push_back(Answer::Ok);
+    const bool pressed = press(control);
+    dialogs.answers.clear();
+    return pressed;
   }
 
   /// Presses a control by name; false when it is disabled.

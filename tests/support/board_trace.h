@@ -1,0 +1,178 @@
+#pragma once
+
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace kestrel::test {
+
+/// What a trace of the port says to the board on 378h, worked out from its wiring alone.
+struct BoardEvent {
+  enum class Kind { Load, Low, High, Spin, Sleep };
+  Kind kind{};
+  int latch = 0;     ///< Load: 0 to 4
+  long value = 0;    ///< Load: the byte; Low, High: the status byte; Spin, Sleep: how long
+  bool sda = false;  ///< High: data line 7
+};
+
+/// Latch loads are the data that stands when a strobe goes active; `busDelay` is the wait within
+/// each load, which is left out.
+inline std::vector<BoardEvent> boardEvents(const std::string& trace, int model, long busDelay = 0) {
+  using Kind = BoardEvent::Kind;
+  constexpr std::array<int, 8> kLatchOfCode{3, 1, -1, -1, 2, 0, -1, 4};
+  std::vector<BoardEvent> events;
+  long data = 0;
+  unsigned control = 0;
+  const char* line = trace.c_str();
+  for (const char* end = nullptr; *line != '\0'; line = end + 1) {
+    end = std::strchr(line, '\n');
+    char* rest = nullptr;
+    if (line[0] == 's') {  // "spin 12", "sleep 500"
+      const bool isSpin = line[1] == 'p';
+      const long length = std::strtol(line + (isSpin ? 5 : 6), nullptr, 10);
+      if (!isSpin) events.push_back({.kind = Kind::Sleep, .value = length});
+      if (isSpin && length != busDelay) events.push_back({.kind = Kind::Spin, .value = length});
+      continue;
+    }
+    const bool isRead = line[0] == 'i';  // "in 379 78", "out 378 5A"
+    const long port = std::strtol(line + (isRead ? 3 : 4), &rest, 16);
+    const long value = std::strtol(rest, nullptr, 16);
+    if (isRead) {
+      const bool isHigh = ((control & 4U) != 0) == (model == 4);
+      events.push_back({.kind = isHigh ? Kind::High : Kind::Low,
+                        .value = value,
+                        .sda = (value & (model == 4 ? 0x10 : 0x40)) != 0});
+    } else if (port == 0x378) {
+      data = value;
+    } else {
+      control = static_cast<unsigned>(value);
+      const unsigned nibble = model == 4 ? control : control ^ 0x0FU;
+      const int latch = (nibble & 1U) != 0 ? kLatchOfCode[nibble >> 1U & 7U] : -1;
+      if (latch >= 0) events.push_back({.kind = Kind::Load, .latch = latch, .value = data});
+    }
+  }
+  return events;
+}
+
+/// The events as a short text: "3=86 0=40 spin=20 sleep=5 lo hi".
+inline std::string textOf(const std::vector<BoardEvent>& events) {
+  std::string text;
+  for (const BoardEvent& event : events) {
+    std::array<char, 32> piece{};
+    switch (event.kind) {
+      case BoardEvent::Kind::Load:
+        std::snprintf(piece.data(), piece.size(), "%d=%02lX", event.latch, event.value);
+        break;
+      case BoardEvent::Kind::Low:
+        std::snprintf(piece.data(), piece.size(), "lo");
+        break;
+      case BoardEvent::Kind::High:
+        std::snprintf(piece.data(), piece.size(), "hi");
+        break;
+      case BoardEvent::Kind::Spin:
+        std::snprintf(piece.data(), piece.size(), "spin=%ld", event.value);
+        break;
+      case BoardEvent::Kind::Sleep:
+        std::snprintf(piece.data(), piece.size(), "sleep=%ld", event.value);
+        break;
+    }
+    text += (text.empty() ? "" : " ") + std::string(piece.data());
+  }
+  return text;
+}
+
+/// The values loaded into one latch, such as "40 5C".
+inline std::string loadsOf(int latch, const std::vector<BoardEvent>& events) {
+  std::string text;
+  for (const BoardEvent& event : events) {
+    if (event.kind != BoardEvent::Kind::Load || event.latch != latch) continue;
+    text += (text.empty() ? "" : " ") + textOf({event}).substr(2);
+  }
+  return text;
+}
+
+inline int countOf(BoardEvent::Kind kind, long value, const std::vector<BoardEvent>& events) {
+  int count = 0;
+  for (const BoardEvent& event : events) count += event.kind == kind && event.value == value;
+  return count;
+}
+
+/// The two-wire bus of the serial chips, seen by the edges of its lines: SCL is latch 3 bit 7, SDA
+/// latch 4 bit 7 while latch 3 bit 6 is 0 and otherwise what the last read of it showed.
+///
+///   S start, P stop; a byte with its ninth clock: "A0a" acknowledged by the chip, "A0n" not,
+///   "5AA" acknowledged by the board, "A0" cut off after eight clocks, "+3" after three
+class TwoWireDecoder {
+ public:
+  std::string decode(const std::vector<BoardEvent>& events) {
+    for (const BoardEvent& event : events) {
+      if (event.kind == BoardEvent::Kind::High) {
+        level_ = event.sda;
+        if (scl_ && !bits_.empty() && !bits_.back().driven) bits_.back().level = level_;
+      } else if (event.kind == BoardEvent::Kind::Load && event.latch >= 3) {
+        (event.latch == 3 ? latch3_ : latch4_) = event.value;
+        follow();
+      }
+    }
+    cutOff();
+    return text_;
+  }
+
+ private:
+  struct Bit {
+    bool level = false;
+    bool driven = false;
+  };
+
+  void follow() {
+    const bool scl = (latch3_ & 0x80) != 0;
+    const bool driven = (latch3_ & 0x40) == 0;
+    if (driven != driven_) level_ = true;  // released: the pull-up, until it is read
+    const bool sda = driven ? (latch4_ & 0x80) != 0 : level_;
+    if (scl && !scl_) bits_.push_back({sda, driven});
+    if (!scl && scl_ && bits_.size() == 9) giveByte();
+    if (scl && scl_ && sda != sda_) {
+      if (!bits_.empty()) bits_.pop_back();  // the rise before a start or stop carries no bit
+      cutOff();
+      put(sda ? "P" : "S");
+    }
+    scl_ = scl;
+    driven_ = driven;
+    sda_ = sda;
+  }
+  void giveByte() {
+    const Bit ninth = bits_.back();
+    const char* const yes = ninth.driven ? "A" : "a";
+    const char* const no = ninth.driven ? "N" : "n";
+    put(hexOfEight() + (ninth.level ? no : yes));
+    bits_.clear();
+  }
+  void cutOff() {
+    if (bits_.size() == 8) put(hexOfEight());
+    if (!bits_.empty() && bits_.size() != 8) put("+" + std::to_string(bits_.size()));
+    bits_.clear();
+  }
+  [[nodiscard]] std::string hexOfEight() const {
+    unsigned byte = 0;
+    for (std::size_t i = 0; i < 8; ++i) byte = byte * 2 + (bits_[i].level ? 1 : 0);
+    std::array<char, 4> text{};
+    std::snprintf(text.data(), text.size(), "%02X", byte);
+    return text.data();
+  }
+  void put(const std::string& piece) { text_ += (text_.empty() ? "" : " ") + piece; }
+
+  long latch3_ = 0;  // the board at rest on a serial chip: clock low, data driven low
+  long latch4_ = 0;
+  bool scl_ = false;
+  bool driven_ = true;
+  bool sda_ = false;
+  bool level_ = true;
+  std::vector<Bit> bits_;
+  std::string text_;
+};
+
+}  // namespace kestrel::test

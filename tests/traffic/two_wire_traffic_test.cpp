@@ -1,0 +1,169 @@
+// The two-wire bus of the serial chips, as its lines show it.
+
+#include <gtest/gtest.h>
+
+#include "support/unit_rig.h"
+
+namespace kestrel::test {
+namespace {
+
+constexpr std::uint8_t kYes = 0x00;
+constexpr std::uint8_t kNo = 0x80;
+
+std::string onTheWires(const UnitRig& rig) { return TwoWireDecoder().decode(rig.events()); }
+
+void selectSerial(UnitRig& rig, const char* code, std::int32_t length) {
+  rig.state.FamilyLetter = "S";
+  rig.state.FamilyCode = code;
+  rig.state.CodeLength = length;
+  rig.start(0, 0);
+}
+
+TEST(TwoWireBus, movesTheLinesInTheOrderOfTheConditions) {
+  UnitRig rig;
+  I2cBus bus(rig.parts);
+  rig.start(0, 0);
+  bus.I2CStart();
+  EXPECT_EQ(rig.traffic(), "3=40 4=80 3=00 3=80 4=00 3=00");
+  rig.trace.str("");
+  rig.state.ByteToWrite = 0xA5;
+  rig.port.answer({kNo, kYes});
+  bus.I2CSendByte();
+  EXPECT_EQ(rig.traffic(),
+            "3=00 4=A5 3=80 3=00 4=4A 3=80 3=00 4=94 3=80 3=00 4=28 3=80 3=00 4=50 3=80 3=00 "
+            "4=A0 3=80 3=00 4=40 3=80 3=00 4=80 3=80 3=00 3=40 hi sleep=1 hi 3=C0 3=40");
+  rig.trace.str("");
+  bus.I2CStop();
+  EXPECT_EQ(rig.traffic(), "3=40 4=00 3=00 3=80 4=80 3=00");
+  rig.trace.str("");
+  rig.port.answerBits(0xC3);
+  bus.I2CReadByte();
+  EXPECT_EQ(rig.traffic(),
+            "3=40 3=40 3=C0 hi 3=40 3=C0 hi 3=40 3=C0 hi 3=40 3=C0 hi 3=40 3=C0 hi 3=40 3=C0 hi "
+            "3=40 3=C0 hi 3=40 3=C0 hi 3=40");
+  EXPECT_EQ(rig.state.ReadByte, 0xC3);
+}
+
+TEST(SerialRead, addressesReadsOnAndAcknowledgesTheLastByteToo) {
+  for (const int model : {4, 5}) {
+    for (const char* const code : {"SA", "SC"}) {
+      UnitRig rig(model);
+      selectSerial(rig, code, 2);
+      const bool hasTwoBytes = code == std::string("SC");
+      rig.port.answer(std::vector<std::uint8_t>(hasTwoBytes ? 4 : 3, kYes));
+      rig.port.answerBits(0x5A);
+      rig.port.answerBits(0xC3);
+      rig.serial.Read24CXX();
+      EXPECT_EQ(onTheWires(rig),
+                hasTwoBytes ? "S A0a 00a 00a S A1a 5AA C3A P" : "S A0a 00a S A1a 5AA C3A P");
+      EXPECT_EQ(rig.state.CodeBuffer[0], 0x5A);
+      EXPECT_EQ(rig.state.CodeBuffer[1], 0xC3);
+    }
+  }
+}
+
+TEST(SerialWrite, startsAt300hWithTheBlockInTheSelectByte) {
+  UnitRig rig;
+  selectSerial(rig, "SB", 272);
+  for (std::size_t i = 0x300; i < 0x410; ++i) {
+    rig.state.CodeBuffer[i] = static_cast<std::uint8_t>(i + 1);
+  }
+  // Each page: 18 bytes, a poll while the chip writes, a poll that it answers.
+  for (int page = 0; page < 17; ++page) {
+    rig.port.answer(std::vector<std::uint8_t>(18, kYes));
+    rig.port.answer({kNo, kYes});
+  }
+  rig.serial.Write24CXX();
+  const std::string wires = onTheWires(rig);
+  EXPECT_TRUE(
+      wires.starts_with("S A6a 00a 01a 02a 03a 04a 05a 06a 07a 08a 09a 0Aa 0Ba 0Ca 0Da "
+                        "0Ea 0Fa 10a P S A6 S A6a S A6a 10a 11a"))
+      << wires;
+  EXPECT_NE(wires.find("FFa 00a P S A6 S A6a S A8a 00a 01a"), std::string::npos);
+  EXPECT_TRUE(wires.ends_with("0Fa 10a P S A8 S A8a"));
+  EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 50, rig.events()), 1);
+  EXPECT_TRUE(rig.traffic().ends_with("3=C0 3=40 4=00 3=00"));
+  EXPECT_EQ(rig.state.I2CError, 0);
+}
+
+TEST(SerialWrite, sendsA24C32PagesOf32AtTwoAddressBytes) {
+  UnitRig rig;
+  selectSerial(rig, "SC", 64);
+  rig.state.EraseMode = 1;
+  rig.port.thereafter = kYes;
+  rig.serial.Write24C32();
+  std::string page;
+  for (int i = 0; i < 32; ++i) page += " FFa";
+  EXPECT_EQ(onTheWires(rig), "S A0a 00a 00a" + page + " P S A0a S A0a 00a 20a" + page + " P S A0a");
+  EXPECT_EQ(rig.log(), (std::vector<std::string>{"Erasing Device 24C32",
+                                                 "Program Buffer will not be erased"}));
+}
+
+TEST(SerialWrite, roundsItsPagesToTheNearest) {
+  const auto pagesOf = [](std::int32_t length) {
+    UnitRig rig;
+    selectSerial(rig, "SA", length);
+    rig.port.thereafter = kYes;
+    rig.serial.Write24CXX();
+    const std::string wires = onTheWires(rig);
+    return std::count(wires.begin(), wires.end(), 'P');
+  };
+  EXPECT_EQ(pagesOf(7), 0);
+  EXPECT_EQ(pagesOf(8), 0);  // a half goes to the even number
+  EXPECT_EQ(pagesOf(24), 2);
+  EXPECT_EQ(pagesOf(25), 2);
+  EXPECT_EQ(pagesOf(40), 2);
+}
+
+TEST(AcknowledgePolling, endsAt200ForABusThatIsSilent) {
+  UnitRig rig;
+  selectSerial(rig, "SC", 64);
+  rig.port.thereafter = 0xFF;
+  rig.serial.Read24CXX();
+  EXPECT_EQ(rig.state.I2CError, 200);
+  EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 1, rig.events()), 200);
+  EXPECT_EQ(onTheWires(rig), "S A0n");
+}
+
+TEST(AcknowledgePolling, endsAt50AfterAPageAndGoesOn) {
+  UnitRig rig;
+  selectSerial(rig, "SB", 32);
+  rig.port.answer(std::vector<std::uint8_t>(18, kYes));
+  rig.port.answer(std::vector<std::uint8_t>(50, kNo));
+  rig.port.answer(std::vector<std::uint8_t>(18, kYes));
+  rig.port.thereafter = kNo;
+  rig.serial.Write24CXX();
+  EXPECT_EQ(rig.state.I2CError, 50);
+  EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 2, rig.events()), 100);
+  EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 1, rig.events()), 100);
+  std::string polls;
+  for (int i = 0; i < 49; ++i) polls += " S A6";
+  EXPECT_NE(onTheWires(rig).find("P" + polls + " S A6n S A6a 10a"), std::string::npos);
+}
+
+TEST(AcknowledgePolling, thatFailsOnAByteEndsTheWriteThere) {
+  UnitRig rig;
+  selectSerial(rig, "SC", 64);
+  rig.port.answer(std::vector<std::uint8_t>(5, kYes));
+  rig.port.thereafter = kNo;
+  rig.serial.Write24C32();
+  EXPECT_EQ(onTheWires(rig), "S A0a 00a 00a 00a 00a 00n");
+  EXPECT_EQ(rig.state.I2CError, 200);
+}
+
+TEST(SerialVerify, stopsAtTheFirstDifferenceAndThenTheBus) {
+  UnitRig rig;
+  selectSerial(rig, "SA", 64);
+  rig.state.CodeBuffer[0] = 0x5A;
+  rig.state.CodeBuffer[1] = 0xC2;
+  rig.port.answer({kYes, kYes, kYes});
+  rig.port.answerBits(0x5A);
+  rig.port.answerBits(0xC3);
+  rig.serial.Verify24CXX();
+  EXPECT_EQ(rig.state.ProgramIndex, 1);
+  EXPECT_EQ(rig.log()[2], "Address: 1 ][ Buffer Data: C2 ][ Device Data: C3");
+  EXPECT_TRUE(rig.traffic().ends_with("0=40 1=00 2=00 3=C4 3=44 4=00 3=04 3=84 4=80 3=04"));
+}
+
+}  // namespace
+}  // namespace kestrel::test
