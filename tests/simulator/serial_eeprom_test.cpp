@@ -1,223 +1,133 @@
 #include <gtest/gtest.h>
 
+#include <bitset>
+#include <sstream>
+#include <string>
+
 #include "simulator/rig.h"
 
 namespace kestrel::sim {
 namespace {
 
-using test::Rig;
-
 // A powered serial chip whose wires are moved one latch load at a time: SCL is latch 3 bit 7, SDA
 // latch 4 bit 7 unless latch 3 bit 6 lets it go.
-class WireRig : public Rig {
+class WireRig : public test::Rig {
  public:
   explicit WireRig(const char* type) {
     board.insert(makeChip(type));
-    load(3, 0x00);
+    wires("c");
     load(0, 0x40);
   }
 
-  void sda(bool high) { load(4, high ? 0xFF : 0x7F); }
-  void clock() {
-    load(3, 0x80);
-    load(3, 0x00);
-  }
-  void start() {
-    sda(true);
-    load(3, 0x80);
-    sda(false);
-    load(3, 0x00);
-  }
-  void stop() {
-    sda(false);
-    load(3, 0x80);
-    sda(true);
-    load(3, 0x00);
+  // D, d: SDA high, low. C, c: SCL high, low. R, r: the same with SDA let go. ?: notes SDA.
+  void wires(std::string_view steps) {
+    for (const char step : steps) {
+      if (step == 'D' || step == 'd') load(4, step == 'D' ? 0xFF : 0x7F);
+      if (step == 'C' || step == 'c') load(3, step == 'C' ? 0x80 : 0x00);
+      if (step == 'R' || step == 'r') load(3, step == 'R' ? 0xC0 : 0x40);
+      if (step == '?') seen_ = static_cast<std::uint8_t>(seen_ << 1 | readBus() >> 7);
+    }
   }
 
-  // True if the byte is acknowledged.
-  bool send(unsigned byte) {
-    for (unsigned mask = 0x80; mask != 0; mask >>= 1) {
-      sda((byte & mask) != 0);
-      clock();
+  // S, P: START, STOP. A0: a byte to the chip. r+, r-: one from it, acknowledged or not. Gives +
+  // or - for every byte sent, and what was read in decimal.
+  std::string bus(const std::string& script) {
+    std::istringstream tokens(script);
+    std::string answer;
+    for (std::string token; tokens >> token;) {
+      if (token == "S" || token == "P") {
+        wires(token == "S" ? "DCdc" : "dCDc");
+      } else if (token[0] == 'r') {
+        wires("R?rR?rR?rR?rR?rR?rR?rR?r");
+        wires(token == "r+" ? "dcCcr" : "DcCcr");
+        answer += ' ' + std::to_string(seen_);
+      } else {
+        const std::bitset<8> bits(std::stoul(token, nullptr, 16));
+        for (std::size_t bit = 8; bit-- > 0;) wires(bits[bit] ? "DCc" : "dCc");
+        wires("rR?rc");
+        answer += (seen_ & 1) == 0 ? '+' : '-';
+      }
     }
-    load(3, 0x40);
-    load(3, 0xC0);
-    const bool acknowledged = readBus() == 0x7F;
-    load(3, 0x40);
-    load(3, 0x00);
-    return acknowledged;
+    return answer;
   }
-  bool send(std::initializer_list<unsigned> bytes) {
-    for (const unsigned byte : bytes) {
-      if (!send(byte)) return false;
-    }
-    return true;
+  std::uint8_t finishedCell(std::uint32_t address) {
+    bench.wait(milliseconds(5));
+    return cell(address);
   }
 
-  unsigned receive(bool acknowledge) {
-    unsigned byte = 0;
-    for (int bit = 0; bit < 8; ++bit) {
-      load(3, 0xC0);
-      byte = byte << 1 | (readBus() == 0xFF ? 1U : 0U);
-      load(3, 0x40);
-    }
-    sda(!acknowledge);
-    load(3, 0x00);
-    clock();
-    load(3, 0x40);
-    return byte;
-  }
-
-  bool write(std::initializer_list<unsigned> bytes) {
-    start();
-    const bool acknowledged = send(bytes);
-    stop();
-    return acknowledged;
-  }
-  // Every byte is the low half of its address, then its 256-byte block.
-  void loadPattern() {
-    std::vector<std::uint8_t> contents(board.chip()->contents().size());
-    for (std::size_t i = 0; i < contents.size(); ++i)
-      contents[i] = static_cast<std::uint8_t>(i << 4 | (i >> 8 & 0x0F));
-    board.loadChip(contents);
-  }
+ private:
+  std::uint8_t seen_ = 0;
 };
 
 TEST(SerialEeprom, answersOnlyItsOwnSelectBytes) {
-  const struct {
-    const char* type;
-    unsigned last;
-  } parts[]{{"24C08", 0xA7}, {"24C16", 0xAF}, {"24C32", 0xA1}};
-  for (const auto& part : parts) {
-    WireRig rig(part.type);
-    for (unsigned select = 0; select < 0x100; ++select) {
-      rig.start();
-      EXPECT_EQ(rig.send(select), 0xA0 <= select && select <= part.last) << part.type << select;
-      rig.receive(false);
-      rig.stop();
-    }
-    EXPECT_TRUE(rig.bench.findings().empty());
-  }
+  EXPECT_EQ(WireRig("24C08").bus("S 20 S 9E S A0 S A3 r- S A6 S A8 S B0 S E0"), "--++ 255+---");
+  EXPECT_EQ(WireRig("24C16").bus("S 20 S 9E S A0 S A3 r- S AE S B0 S E0"), "--++ 255+--");
+  EXPECT_EQ(WireRig("24C32").bus("S 20 S 9E S A0 S A1 r- S A2 S A4 S A8 S B0"), "--++ 255----");
+  WireRig rig("24C08");
+  rig.load(2, 0x02);  // E2 high
+  EXPECT_EQ(rig.bus("S A0 S A8"), "-+");
+  EXPECT_TRUE(rig.bench.findings().empty());
 }
 
 TEST(SerialEeprom, writesWrapInsideThePage) {
   WireRig c08("24C08");
-  EXPECT_TRUE(c08.write({0xA6, 0xFE, 0x11, 0x22, 0x33}));
-  WireRig c16("24C16");
-  EXPECT_TRUE(c16.write({0xAE, 0x2F, 0x11, 0x22, 0x33}));
-  WireRig c32("24C32");
-  EXPECT_TRUE(c32.write({0xA0, 0xFA, 0x7E, 0x11, 0x22, 0x33}));  // address bits 12-15 do not count
-  for (WireRig* rig : {&c08, &c16, &c32}) rig->bench.wait(milliseconds(5));
-  EXPECT_EQ(c08.cell(0x3FE), 0x11);
+  EXPECT_EQ(c08.bus("S A6 FE 11 22 33 P"), "+++++");
+  EXPECT_EQ(c08.finishedCell(0x3FE), 0x11);
   EXPECT_EQ(c08.cell(0x3F0), 0x33);
-  EXPECT_EQ(c16.cell(0x72F), 0x11);
-  EXPECT_EQ(c16.cell(0x720), 0x22);
-  EXPECT_EQ(c32.cell(0xA7F), 0x22);
+  WireRig c32("24C32");
+  EXPECT_EQ(c32.bus("S A0 FA 7E 11 22 33 P"), "++++++");  // address bits 12-15 do not count
+  EXPECT_EQ(c32.finishedCell(0xA7F), 0x22);
   EXPECT_EQ(c32.cell(0xA60), 0x33);
 }
 
 TEST(SerialEeprom, isDeafForFiveMillisecondsFromStop) {
   WireRig rig("24C16");
-  rig.write({0xA0, 0x00, 0x5A});
-  rig.start();
-  EXPECT_FALSE(rig.send(0xA0));
-  rig.stop();
+  EXPECT_EQ(rig.bus("S AE 2F 11 5A P S A0 P"), "++++-");
+  EXPECT_EQ(rig.finishedCell(0x720), 0x5A);
+  EXPECT_EQ(rig.bus("S A0 00 A5"), "+++");
+  rig.wires("dR");  // the clock rises before SDA is let go: a STOP, 1 us ago
+  rig.bench.wait(microseconds(4998));
   EXPECT_EQ(rig.cell(0), 0xFF);
-  rig.board.setChip({.writeCycle = milliseconds(8)});  // from the next one on
-  rig.bench.wait(milliseconds(5));
-  EXPECT_EQ(rig.cell(0), 0x5A);
-  EXPECT_TRUE(rig.write({0xA0, 0x00, 0xA5}));
-  rig.bench.wait(microseconds(7995));  // SDA rose 4 us before
-  EXPECT_EQ(rig.cell(0), 0x5A);
   rig.bench.wait(microseconds(1));
   EXPECT_EQ(rig.cell(0), 0xA5);
 }
 
 TEST(SerialEeprom, readsRunOnWrapAtTheEndAndStopWithoutAcknowledge) {
   WireRig rig("24C08");
-  rig.loadPattern();
-  rig.start();
-  EXPECT_TRUE(rig.send({0xA6, 0xFE}));
-  rig.start();
-  EXPECT_TRUE(rig.send(0xA7));
-  EXPECT_EQ(rig.receive(true), 0xE3U);
-  EXPECT_EQ(rig.receive(true), 0xF3U);
-  EXPECT_EQ(rig.receive(true), 0x00U);
-  EXPECT_EQ(rig.receive(false), 0x10U);
-  EXPECT_EQ(rig.receive(false), 0xFFU);  // it sends no more
-  rig.stop();
-  rig.start();
-  EXPECT_TRUE(rig.send(0xA1));
-  EXPECT_EQ(rig.receive(false), 0x20U);  // the counter goes on
-  EXPECT_TRUE(rig.bench.findings().empty());
+  rig.insertMarked("24C08", 0x3FF);
+  EXPECT_EQ(rig.bus("S A0 00 81 P"), "+++");
+  EXPECT_EQ(rig.finishedCell(0), 0x81);
+  EXPECT_EQ(rig.bus("S A6 FE S A7 r+ r+ r- r- P"), "+++ 255 90 129 255");
 }
 
 TEST(SerialEeprom, writesNothingWithoutAStopAfterAWholeByte) {
   WireRig rig("24C32");
-  rig.start();
-  EXPECT_TRUE(rig.send({0xA0, 0x00, 0x00, 0x11}));
-  rig.start();
-  rig.stop();  // another START came first
-  rig.start();
-  EXPECT_TRUE(rig.send({0xA0, 0x00, 0x00, 0x22}));
-  rig.clock();
-  rig.stop();  // inside a byte
-  EXPECT_TRUE(rig.write({0xA0, 0x00, 0x00}));
+  EXPECT_EQ(rig.bus("S A0 00 00 11 S P S A0 00 00 22"), "++++++++");
+  rig.wires("Cc");
+  EXPECT_EQ(rig.bus("P S A0 00 00 P"), "+++");
   rig.load(1, 0x04);  // WP
-  EXPECT_TRUE(rig.write({0xA0, 0x00, 0x00, 0x33}));
-  rig.bench.wait(milliseconds(5));
-  EXPECT_EQ(rig.cell(0), 0xFF);
+  EXPECT_EQ(rig.bus("S A0 00 00 33 P"), "++++");
+  EXPECT_EQ(rig.finishedCell(0), 0xFF);
 }
 
 TEST(SerialEeprom, losesItsWriteCycleWithItsSupply) {
-  const struct {
-    std::size_t latch;
-    std::uint8_t off;
-    std::uint8_t on;
-  } supplies[]{{0, 0x00, 0x40}, {2, 0x01, 0x00}};  // VCC low, GND high
-  for (const auto& supply : supplies) {
-    WireRig rig("24C08");
-    rig.write({0xA0, 0x00, 0x11});
-    rig.load(supply.latch, supply.off);
-    rig.start();
-    EXPECT_FALSE(rig.send(0xA0));
-    rig.load(supply.latch, supply.on);
-    EXPECT_TRUE(rig.write({0xA0, 0x01, 0x22}));  // at once
-    rig.bench.wait(milliseconds(5));
-    EXPECT_EQ(rig.cell(0), 0xFF);
-    EXPECT_EQ(rig.cell(1), 0x22);
+  WireRig rig("24C08");
+  for (const std::size_t latch : {0U, 2U}) {  // VCC goes low, GND high
+    EXPECT_EQ(rig.bus("S A0 00 11 P"), "+++");
+    rig.load(latch, rig.board.latch(latch) ^ (latch == 0 ? 0x40 : 0x01));
+    EXPECT_EQ(rig.bus("S A0"), "-");
+    rig.load(latch, rig.board.latch(latch) ^ (latch == 0 ? 0x40 : 0x01));
+    EXPECT_EQ(rig.bus("S A0 01 22"), "+++");  // at once
+    EXPECT_EQ(rig.finishedCell(0), 0xFF);
   }
 }
 
-TEST(SerialEeprom, aClockThatRisesWithTheReleasedLineMakesAStop) {
-  WireRig rig("24C16");
-  rig.start();
-  EXPECT_TRUE(rig.send({0xA0, 0x00, 0x11}));
-  rig.sda(false);
-  rig.load(3, 0xC0);
-  rig.bench.wait(milliseconds(5));
-  EXPECT_EQ(rig.cell(0), 0x11);
-}
-
-TEST(SerialEeprom, faultAndPinsDecideWhatIsAcknowledged) {
+TEST(SerialEeprom, stopsAcknowledgingAfterSoManyBytes) {
   WireRig rig("24C08");
-  rig.load(2, 0x02);  // E2 high: the part answers A8h-AFh
-  rig.start();
-  EXPECT_FALSE(rig.send(0xA0));
-  rig.stop();
   rig.board.setChip({.acknowledgeLimit = 2});
-  rig.start();
-  EXPECT_TRUE(rig.send(0xA8));
-  EXPECT_TRUE(rig.send(0x00));
-  EXPECT_FALSE(rig.send(0x11));
-  rig.stop();
+  EXPECT_EQ(rig.bus("S A0 00 11 P S A0"), "++--");
   rig.board.setChip({});
-  EXPECT_TRUE(rig.write({0xA8, 0x00, 0x22}));
-  rig.load(0, 0xC0);  // VPP on the supply pin
-  EXPECT_EQ(rig.bench.findings().count(FindingKind::overVoltage), 1U);
-  rig.load(0, 0x40);
-  EXPECT_FALSE(rig.write({0xA8, 0x00, 0x22}));
+  EXPECT_EQ(rig.bus("S A0 00 22 P"), "+++");
 }
 
 }  // namespace
