@@ -1,6 +1,7 @@
 #include "app/launch/machine_ports.h"
 
 #include <cerrno>
+#include <utility>
 
 #include "platform/runtime_error.h"
 
@@ -26,7 +27,13 @@ MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaul
 }
 
 PortAccess& MachinePorts::lowestPort(const LaunchOptions& options) {
-  if (!simulated_) return lptPorts_;
+  if (!simulated_) {
+    lockMemory();
+    PortOptions portOptions;
+    portOptions.choices = options.ports;
+    realPorts_ = openRealPorts(calls_, std::move(portOptions));
+    return realPorts_->port();
+  }
   simulatedPort_ = std::make_unique<sim::SimulatedPort>(simulated_->bench(), options.countNs);
   return *simulatedPort_;
 }
@@ -34,6 +41,24 @@ PortAccess& MachinePorts::lowestPort(const LaunchOptions& options) {
 Clock& MachinePorts::lowestClock() {
   if (simulatedPort_) return *simulatedPort_;
   return monotonic_;
+}
+
+void MachinePorts::beginCommand() {
+  if (realPorts_) priority_.emplace();
+}
+
+void MachinePorts::takeMissing() {
+  if (realPorts_) realPorts_->takeMissing();
+}
+
+std::vector<std::string> MachinePorts::diagnosis() const {
+  return realPorts_ ? realPorts_->diagnosis() : std::vector<std::string>();
+}
+
+std::uint64_t MachinePorts::takeStretchedPulses() {
+  const std::uint64_t pulses = monotonic_.stretchedPulses();
+  monotonic_.resetStretchedPulses();
+  return pulses;
 }
 
 PortAccess& MachinePorts::port() {

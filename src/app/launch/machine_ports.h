@@ -1,15 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <fstream>
 #include <memory>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "app/launch/option_values.h"
 #include "app/launch/simulated_bench.h"
 #include "hardware/ports/attended_port.h"
-#include "hardware/ports/lpt_ports.h"
 #include "hardware/ports/monotonic_clock.h"
+#include "hardware/ports/real_ports.h"
+#include "hardware/ports/real_time.h"
+#include "hardware/ports/system_calls.h"
 #include "hardware/ports/tracing_port.h"
+#include "platform/port_care.h"
 #include "platform/screen.h"
 #include "platform/stop_switch.h"
 #include "simulator/simulated_port.h"
@@ -18,7 +25,7 @@ namespace kestrel {
 
 /// The ports and the clock that the options ask for, in their layers:
 /// trace (if asked for) over the attended port over the real ports or the simulated board.
-class MachinePorts {
+class MachinePorts final : public PortCare {
  public:
   /// The switch and the screen outlive this. `defaultChip` is in the simulated socket when no
   /// --chip is given. Throws UsageError, and FileError for a chip or trace file.
@@ -31,15 +38,24 @@ class MachinePorts {
   /// The simulated machine; nullptr with real ports.
   [[nodiscard]] SimulatedBench* simulated() { return simulated_.get(); }
 
+  // The care for real ports; with the simulated board there is nothing to do.
+  void beginCommand() override;
+  void endCommand() override { priority_.reset(); }
+  void takeMissing() override;
+  [[nodiscard]] std::vector<std::string> diagnosis() const override;
+  [[nodiscard]] std::uint64_t takeStretchedPulses() override;
+
  private:
   PortAccess& lowestPort(const LaunchOptions& options);
   Clock& lowestClock();
 
   std::unique_ptr<SimulatedBench> simulated_;
   std::unique_ptr<sim::SimulatedPort> simulatedPort_;
-  LptPorts lptPorts_;
+  LinuxCalls calls_;
+  std::unique_ptr<RealPorts> realPorts_;
   MonotonicClock monotonic_;
   AttendedPort attended_;
+  std::optional<RealTimePriority> priority_;
   std::ofstream traceFile_;
   std::unique_ptr<TracingPort> trace_;
 };

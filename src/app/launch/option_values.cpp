@@ -92,12 +92,11 @@ Fault parseFault(std::string_view text) {
 }
 
 PortChoice parsePort(std::string_view text) {
-  const std::size_t equals = text.find('=');
-  const auto base = portBase(text.substr(0, equals));
-  if (!base || equals == std::string_view::npos || equals + 1 == text.size()) {
-    refuse("--port", text, "is no BASE=DEVICE; write for example 378=/dev/parport0");
+  try {
+    return parsePortChoice(text);
+  } catch (const std::invalid_argument& error) {
+    throw UsageError(error.what());
   }
-  return {.base = *base, .device = std::string(text.substr(equals + 1))};
 }
 
 std::int64_t parseCountNs(std::string_view text) {

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "hardware/ports/port_choice.h"
 #include "platform/clock.h"
 #include "simulator/model.h"
 
@@ -31,12 +32,6 @@ struct Fault {
   enum class Kind { WeakCell, StuckDataLine, Unplug, EmptySocket };
   Kind kind = Kind::EmptySocket;
   std::uint64_t value = 0;  ///< address, data line 0 to 7, or port accesses after start-up
-};
-
-/// --port BASE=DEVICE: the device file behind one of the three port addresses.
-struct PortChoice {
-  std::uint16_t base = 0;
-  std::string device;
 };
 
 /// The options that choose the machine; the window and the command line take the same.

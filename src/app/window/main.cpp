@@ -47,7 +47,8 @@ int runProgram(const Arguments& arguments) {
                 .dialogs = dialogs,
                 .screen = screen,
                 .stop = stop,
-                .folders = folders});
+                .folders = folders,
+                .care = &ports});
   MainWindow window({.form = form,
                      .mirror = mirror,
                      .gate = gate,
