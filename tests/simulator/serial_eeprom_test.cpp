@@ -29,14 +29,18 @@ class WireRig : public test::Rig {
     }
   }
 
-  // S, P: START, STOP. A0: a byte to the chip. r+, r-: one from it, acknowledged or not. Gives +
-  // or - for every byte sent, and what was read in decimal.
+  // S, P: START, STOP. A0: a byte to the chip. r+, r-: one from it, acknowledged or not. w: a write
+  // cycle passes. ~: wires. Gives + or - for every byte sent, and what was read in decimal.
   std::string bus(const std::string& script) {
     std::istringstream tokens(script);
     std::string answer;
     for (std::string token; tokens >> token;) {
       if (token == "S" || token == "P") {
         wires(token == "S" ? "DCdc" : "dCDc");
+      } else if (token[0] == '~') {
+        wires(token);
+      } else if (token == "w") {
+        bench.wait(milliseconds(5));
       } else if (token[0] == 'r') {
         wires("R?rR?rR?rR?rR?rR?rR?rR?r");
         wires(token == "r+" ? "dcCcr" : "DcCcr");
@@ -59,31 +63,48 @@ class WireRig : public test::Rig {
   std::uint8_t seen_ = 0;
 };
 
-TEST(SerialEeprom, answersOnlyItsOwnSelectBytes) {
-  EXPECT_EQ(WireRig("24C08").bus("S 20 S 9E S A0 S A3 r- S A6 S A8 S B0 S E0"), "--++ 255+---");
-  EXPECT_EQ(WireRig("24C16").bus("S 20 S 9E S A0 S A3 r- S AE S B0 S E0"), "--++ 255+--");
-  EXPECT_EQ(WireRig("24C32").bus("S 20 S 9E S A0 S A1 r- S A2 S A4 S A8 S B0"), "--++ 255----");
-  WireRig rig("24C08");
-  rig.load(2, 0x02);  // E2 high
-  EXPECT_EQ(rig.bus("S A0 S A8"), "-+");
+// What a blank chip answers to a script, and what one of its cells holds then.
+struct BusCase {
+  const char* type;
+  const char* script;
+  const char* answer;
+  std::uint32_t address;
+  std::uint8_t value;
+};
+
+class SerialBus : public testing::TestWithParam<BusCase> {};
+
+TEST_P(SerialBus, isAnsweredAsTheDataSheetSays) {
+  WireRig rig(GetParam().type);
+  EXPECT_EQ(rig.bus(GetParam().script), GetParam().answer);
+  EXPECT_EQ(rig.finishedCell(GetParam().address), GetParam().value);
   EXPECT_TRUE(rig.bench.findings().empty());
 }
 
-TEST(SerialEeprom, writesWrapInsideThePage) {
-  WireRig c08("24C08");
-  EXPECT_EQ(c08.bus("S A6 FE 11 22 33 P"), "+++++");
-  EXPECT_EQ(c08.finishedCell(0x3FE), 0x11);
-  EXPECT_EQ(c08.cell(0x3F0), 0x33);
-  WireRig c32("24C32");
-  EXPECT_EQ(c32.bus("S A0 FA 7E 11 22 33 P"), "++++++");  // address bits 12-15 do not count
-  EXPECT_EQ(c32.finishedCell(0xA7F), 0x22);
-  EXPECT_EQ(c32.cell(0xA60), 0x33);
-}
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Selects, SerialBus, testing::Values(
+    BusCase{"24C08", "S 20 S 9E S A0 S A3 r- S A6 S A8 S B0 S E0", "--++ 255+---", 0, 0xFF},
+    BusCase{"24C16", "S 20 S 9E S A0 S A3 r- S AE S B0 S E0", "--++ 255+--", 0, 0xFF},
+    BusCase{"24C32", "S 20 S 9E S A0 S A1 r- S A2 S A4 S A8 S B0", "--++ 255----", 0, 0xFF}));
+INSTANTIATE_TEST_SUITE_P(PageWraps, SerialBus, testing::Values(
+    BusCase{"24C08", "S A6 FE 11 22 33 P", "+++++", 0x3FE, 0x11},
+    BusCase{"24C08", "S A6 FE 11 22 33 P", "+++++", 0x3F0, 0x33},
+    BusCase{"24C16", "S AE 2F 11 22 P", "++++", 0x720, 0x22},
+    BusCase{"24C32", "S A0 FA 7E 11 22 33 P", "++++++", 0xA60, 0x33}));  // bits 12-15 do not count
+INSTANTIATE_TEST_SUITE_P(Reads, SerialBus, testing::Values(  // they wrap, and end when not acknowledged
+    BusCase{"24C08", "S A0 00 81 P w S A6 FF S A7 r+ r+ r- r- P", "++++++ 255 129 255 255", 0, 0x81},
+    BusCase{"24C16", "S AE FF 42 P w S AE FF S AF r- S AF r- P", "++++++ 66+ 255", 0x7FF, 0x42},
+    BusCase{"24C32", "S A0 00 00 18 P w S A0 0F FF S A1 r+ r- r- P", "++++++++ 255 24 255", 0, 0x18}));
+INSTANTIATE_TEST_SUITE_P(NoStopAfterAWholeByte, SerialBus, testing::Values(
+    BusCase{"24C32", "S A0 00 00 11 S P", "++++", 0, 0xFF},
+    BusCase{"24C32", "S A0 00 00 11 ~Cc P", "++++", 0, 0xFF},
+    BusCase{"24C32", "S A0 00 00 P S A0", "++++", 0, 0xFF}));
+// clang-format on
 
 TEST(SerialEeprom, isDeafForFiveMillisecondsFromStop) {
   WireRig rig("24C16");
-  EXPECT_EQ(rig.bus("S AE 2F 11 5A P S A0 P"), "++++-");
-  EXPECT_EQ(rig.finishedCell(0x720), 0x5A);
+  EXPECT_EQ(rig.bus("S A0 01 5A P S A0 P"), "+++-");
+  EXPECT_EQ(rig.finishedCell(1), 0x5A);
   EXPECT_EQ(rig.bus("S A0 00 A5"), "+++");
   rig.wires("dR");  // the clock rises before SDA is let go: a STOP, 1 us ago
   rig.bench.wait(microseconds(4998));
@@ -92,21 +113,11 @@ TEST(SerialEeprom, isDeafForFiveMillisecondsFromStop) {
   EXPECT_EQ(rig.cell(0), 0xA5);
 }
 
-TEST(SerialEeprom, readsRunOnWrapAtTheEndAndStopWithoutAcknowledge) {
+TEST(SerialEeprom, pinsForbidWritingAndChooseTheSelectByte) {
   WireRig rig("24C08");
-  rig.insertMarked("24C08", 0x3FF);
-  EXPECT_EQ(rig.bus("S A0 00 81 P"), "+++");
-  EXPECT_EQ(rig.finishedCell(0), 0x81);
-  EXPECT_EQ(rig.bus("S A6 FE S A7 r+ r+ r- r- P"), "+++ 255 90 129 255");
-}
-
-TEST(SerialEeprom, writesNothingWithoutAStopAfterAWholeByte) {
-  WireRig rig("24C32");
-  EXPECT_EQ(rig.bus("S A0 00 00 11 S P S A0 00 00 22"), "++++++++");
-  rig.wires("Cc");
-  EXPECT_EQ(rig.bus("P S A0 00 00 P"), "+++");
   rig.load(1, 0x04);  // WP
-  EXPECT_EQ(rig.bus("S A0 00 00 33 P"), "++++");
+  rig.load(2, 0x02);  // E2
+  EXPECT_EQ(rig.bus("S A0 S A8 00 33 P"), "-+++");
   EXPECT_EQ(rig.finishedCell(0), 0xFF);
 }
 
