@@ -15,7 +15,7 @@ class Line {
  public:
   explicit Line(std::string_view event) { append(event); }
 
-  Line& hex(std::uint16_t value, unsigned digits) {
+  Line& hex(unsigned value, unsigned digits) {
     while (digits < 4 && value >> (4 * digits) != 0) ++digits;
     while (digits-- > 0) append(kHexDigits.substr((value >> (4 * digits)) & 0xFU, 1));
     return *this;
