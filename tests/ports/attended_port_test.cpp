@@ -30,6 +30,9 @@ TEST(AttendedPort, slicesLongWaitsToTheExactSum) {
   attended.port.Sleep(25);
   EXPECT_EQ(attended.machine.events, (Events{"sleep 10", "turn", "sleep 10", "turn", "sleep 5"}));
   attended.machine.events.clear();
+  attended.port.Sleep(20);
+  EXPECT_EQ(attended.machine.events, (Events{"sleep 10", "turn", "sleep 10"}));
+  attended.machine.events.clear();
   attended.port.Sleep(1500);
   EXPECT_EQ(attended.machine.count("sleep 10"), 150);
   EXPECT_EQ(attended.machine.count("turn"), 149);

@@ -5,6 +5,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "hardware/ports/guard.h"
 #include "hardware/ports/signal_stop.h"
 
@@ -64,6 +66,18 @@ bool awaitAll(std::chrono::milliseconds limit) {
 
 }  // namespace
 
+int Tape::switchOffsAtEnd() const {
+  constexpr std::array<std::uint16_t, 7> kSequence{0x040, 0x205, 0x204, 0x205, 0x20A, 0x20B, 0x20A};
+  std::size_t end = written;
+  int found = 0;
+  while (end >= kSequence.size() && std::equal(kSequence.begin(), kSequence.end(),
+                                               entries.begin() + static_cast<long>(end) - 7)) {
+    end -= kSequence.size();
+    ++found;
+  }
+  return found;
+}
+
 Death dieWhileProgramming(sim::Model model, std::chrono::microseconds runsFor,
                           const std::function<void(int process)>& kill,
                           const std::function<void()>& end) {
@@ -87,6 +101,7 @@ Death dieWhileProgramming(sim::Model model, std::chrono::microseconds runsFor,
   tape->playTo(bench);
   death.latch0 = board.latch(0);
   death.vppPins = board.vppPins();
+  death.switchOffs = tape->switchOffsAtEnd();
   Tape::discard(tape);
   return death;
 }

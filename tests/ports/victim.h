@@ -42,6 +42,9 @@ class Tape {
     }
   }
 
+  /// How often the tape's end repeats the sequence that switches a board of any model off.
+  [[nodiscard]] int switchOffsAtEnd() const;
+
   std::atomic<std::size_t> written{0};
   std::atomic<bool> isRunning{false};
   std::array<std::uint16_t, 1 << 20> entries;
@@ -75,6 +78,7 @@ class TapeKernel final : public SystemCalls {
 struct Death {
   bool endedInTime = false;  // program and guard are gone
   std::chrono::microseconds guardTook{};
+  int switchOffs = 0;  // whole switch-off sequences at the end of all that was written
   std::uint8_t latch0 = 0;
   sim::PinLevels vppPins = 0;
 };
