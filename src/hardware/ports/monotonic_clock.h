@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "hardware/ports/suspend_watch.h"
 #include "platform/clock.h"
 #include "platform/stop_switch.h"
 
@@ -11,6 +12,9 @@ namespace kestrel {
 /// same on every processor: never shorter than asked for, and within 1 us above it while nothing
 /// else wants the processor. A wait gives the processor away but for its last kWakeUpNs, which the
 /// scheduler cannot be trusted with.
+///
+/// When the machine was suspended in the middle of a command, the next pulse or wait throws
+/// RuntimeError 57 instead: nobody knows what the board went through meanwhile.
 ///
 /// A thrown stop switch ends a running loop or wait early: the only case of a shorter one.
 class MonotonicClock final : public Clock {
@@ -32,10 +36,12 @@ class MonotonicClock final : public Clock {
 
  private:
   [[nodiscard]] bool isStopped() const { return stop_ != nullptr && stop_->isThrown(); }
+  void throwIfSuspended(std::int64_t now);
   std::int64_t spinUntil(std::int64_t deadlineNs) const;
 
   std::int64_t countNs_;
   const StopSwitch* stop_;
+  SuspendWatch suspend_;
   std::uint64_t stretchedPulses_ = 0;
 };
 
