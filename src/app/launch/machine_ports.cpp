@@ -13,11 +13,18 @@ std::unique_ptr<SimulatedBench> simulatedBench(const LaunchOptions& options,
   return options.simulate ? std::make_unique<SimulatedBench>(options, defaultChip) : nullptr;
 }
 
+std::unique_ptr<sim::SimulatedPort> simulatedPort(SimulatedBench* simulated,
+                                                  const LaunchOptions& options) {
+  if (simulated == nullptr) return nullptr;
+  return std::make_unique<sim::SimulatedPort>(simulated->bench(), options.countNs);
+}
+
 }  // namespace
 
 MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaultChip,
                            const StopSwitch& stop, Screen& screen)
     : simulated_(simulatedBench(options, defaultChip)),
+      simulatedPort_(simulatedPort(simulated_.get(), options)),
       monotonic_(options.countNs, &stop),
       attended_(lowestPort(options), lowestClock(), stop, screen) {
   if (options.trace.empty()) return;
@@ -27,15 +34,12 @@ MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaul
 }
 
 PortAccess& MachinePorts::lowestPort(const LaunchOptions& options) {
-  if (!simulated_) {
-    lockMemory();
-    PortOptions portOptions;
-    portOptions.choices = options.ports;
-    realPorts_ = openRealPorts(calls_, std::move(portOptions));
-    return realPorts_->port();
-  }
-  simulatedPort_ = std::make_unique<sim::SimulatedPort>(simulated_->bench(), options.countNs);
-  return *simulatedPort_;
+  if (simulatedPort_) return *simulatedPort_;
+  lockMemory();
+  PortOptions portOptions;
+  portOptions.choices = options.ports;
+  realPorts_ = openRealPorts(calls_, std::move(portOptions));
+  return realPorts_->port();
 }
 
 Clock& MachinePorts::lowestClock() {
