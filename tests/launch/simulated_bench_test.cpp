@@ -56,6 +56,19 @@ TEST(SimulatedBench, aChipTakenOutKeepsItsFileAndTheNextOneHasNone) {
   EXPECT_EQ(readWholeFile(folder / "chip.bin", 10'000)[0], 0xFF);
 }
 
+TEST(SimulatedBench, theChipMayLieBesideTheBoardForATime) {
+  const test::TemporaryFolder folder;
+  SimulatedBench simulated(withChip("2764", folder / "chip.bin"), "");
+  sim::Board& board = *simulated.bench().board(0x378);
+  simulated.takeChipOut();
+  simulated.takeChipOut();
+  EXPECT_EQ(board.chip(), nullptr);
+  simulated.putChipBack();
+  simulated.putChipBack();
+  ASSERT_NE(board.chip(), nullptr);
+  EXPECT_EQ(board.chip()->typeName(), "2764");
+}
+
 TEST(SimulatedBench, faultsAreFitted) {
   LaunchOptions options = withChip("2764", {});
   options.faults = {parseFault("weak:2000")};

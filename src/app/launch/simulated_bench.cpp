@@ -73,6 +73,14 @@ void SimulatedBench::plug(sim::Model model, std::uint16_t base) {
   base_ = base;
 }
 
+void SimulatedBench::takeChipOut() {
+  if (!beside_) beside_ = bench_.board(base_)->takeOut();
+}
+
+void SimulatedBench::putChipBack() {
+  if (beside_) bench_.board(base_)->insert(std::move(beside_));
+}
+
 void SimulatedBench::startUpDone() {
   if (!unplugAfter_.empty()) bench_.unplugAfter(std::ranges::min(unplugAfter_));
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,6 +33,11 @@ class SimulatedBench {
   /// The file that the chip's contents are written back to; empty if none.
   [[nodiscard]] const std::filesystem::path& chipFile() const { return chipFile_; }
 
+  /// The chip lies beside the board from the first to the second: the hardware test, and so the
+  /// start-up, wants the socket empty. Without effect when it is there already.
+  void takeChipOut();
+  void putChipBack();
+
   /// Start-up is over: from here the accesses to an unplugging count.
   void startUpDone();
 
@@ -50,6 +56,7 @@ class SimulatedBench {
   sim::Bench bench_;
   std::uint16_t base_;
   bool exchanged_ = false;
+  std::unique_ptr<sim::Chip> beside_;
   std::filesystem::path chipFile_;
   std::vector<std::uint8_t> fileContents_;  ///< as last read or written; empty: no file yet
   std::vector<std::uint64_t> unplugAfter_;
