@@ -95,7 +95,7 @@ PortChoice parsePort(std::string_view text) {
   try {
     return parsePortChoice(text);
   } catch (const std::invalid_argument& error) {
-    throw UsageError(error.what());
+    throw UsageError(std::string("--port: ") + error.what());
   }
 }
 
