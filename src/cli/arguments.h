@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "app/launch/option_values.h"
+
+namespace kestrel {
+
+/// The command line as it was given. What is not set was not given, and presses nothing.
+struct Arguments {
+  LaunchOptions launch;
+
+  std::string command;
+  std::optional<std::string> device;
+  std::optional<std::string> codeFile;  ///< -i
+  std::optional<std::string> saveFile;  ///< -o
+  std::optional<std::size_t> setup;     ///< slot 1 to 4
+  std::optional<std::int32_t> speed;    ///< 1 to 20
+  std::optional<std::size_t> voltage;   ///< index of the voltage button
+  std::optional<std::size_t> lane;      ///< index of the lane button
+  std::optional<std::int32_t> page;     ///< of display
+  bool blankCheck = false;
+  bool verify = false;
+  bool show = false;
+  bool yes = false;
+  bool quiet = false;
+
+  std::size_t saveSlot = 0;  ///< save-setup N NAME
+  std::string setupName;
+};
+
+/// Reads the command line. Nothing when it only asked for help or the version, which is printed.
+/// Throws UsageError.
+[[nodiscard]] std::optional<Arguments> readArguments(int argc, const char* const* argv);
+
+}  // namespace kestrel

@@ -1,0 +1,135 @@
+#include "cli/commands.h"
+
+#include <algorithm>
+#include <array>
+
+#include "app/launch/machine_ports.h"
+#include "app/launch/program_folders.h"
+#include "cli/exit_status.h"
+#include "cli/machine_commands.h"
+#include "cli/session.h"
+#include "cli/silent_parts.h"
+
+namespace kestrel {
+namespace {
+
+constexpr std::int16_t kNoRoutine = 9;  // ProgramStatus after a family that has none
+
+void detect(Session& s) {
+  s.press(s.controls().TestHardware_button, {});
+  if (!s.isReady()) throw EarlyEnd(kNoBoard, "detect: no board answers at any port");
+}
+
+void read(Session& s) {
+  s.pressOperation(s.controls().Read_button, s.unless("read", "not offered for this device"));
+  if (s.arguments().show) s.view().printPage(s.controls().BufferDisplay);
+}
+
+void blank(Session& s) {
+  s.pressOperation(
+      s.controls().Blank_button,
+      s.unless("blank", "a serial EEPROM has no blank check; read --show looks into it"));
+}
+
+void verify(Session& s) {
+  s.pressOperation(s.controls().Verify_button,
+                   s.unless("verify", "there is nothing to compare with; add -i FILE"));
+}
+
+void program(Session& s) {
+  s.pressOperation(s.controls().Program_button,
+                   s.unless("program", "there is nothing to program; add -i FILE"));
+  if (s.state().ProgramStatus == kNoRoutine) throw EarlyEnd(kFailed);
+}
+
+void erase(Session& s) {
+  s.pressOperation(s.controls().EraseFlash_button,
+                   s.unless("erase", "an EPROM is erased under the lamp, not by the board"));
+}
+
+void goToPage(Session& s, std::int32_t page) {
+  RangeControl& bar = s.controls().VScroll1;
+  if (page > bar.maximum()) {
+    throw EarlyEnd(kBadUsage, "--page " + std::to_string(page) + ": the pages are 0 to " +
+                                  std::to_string(bar.maximum()));
+  }
+  bar.setValue(page);
+  s.afterEvent();
+}
+
+void display(Session& s) {
+  const std::size_t before = s.view().linesDrawn();
+  s.pressOperation(s.controls().Display_button, s.unless("display", "not offered for this device"));
+  if (s.view().linesDrawn() == before) {
+    throw EarlyEnd(kFailed,
+                   "display: there is no device display for a serial EEPROM; "
+                   "read --show looks into it");
+  }
+  if (s.arguments().page) goToPage(s, *s.arguments().page);
+  s.view().printPage(s.controls().BufferDisplay);
+}
+
+void saveSetup(Session& s) {
+  s.answerWith(s.arguments().setupName);
+  s.press(s.controls().SaveSetup.at(s.arguments().saveSlot - 1), {});
+}
+
+// clang-format off
+constexpr std::array<Command, 10> kCommands{{
+    {.name = "devices", .help = "list the devices", .press = nullptr, .alone = listDevices},
+    {.name = "detect", .help = "run the hardware test", .press = detect, .needsBoard = false, .testsHardware = true},
+    {.name = "read", .help = "read the device into the buffer; -o saves it", .press = read},
+    {.name = "blank", .help = "check that the device is erased", .press = blank},
+    {.name = "verify", .help = "compare the device with -i FILE", .press = verify},
+    {.name = "program", .help = "program -i FILE into the device", .press = program},
+    {.name = "erase", .help = "erase the chip (EEPROMs)", .press = erase},
+    {.name = "display", .help = "print a page of the chip", .press = display},
+    {.name = "save-setup", .help = "save the options in setup slot N", .press = saveSetup, .needsBoard = false},
+    {.name = "safe", .help = "switch the board's voltages off", .press = nullptr, .alone = switchOff},
+}};
+// clang-format on
+
+int runAtForm(const Arguments& a, const Command& command) {
+  const DeviceCatalogue catalogue;
+  const DeviceCatalogue::Device* const device = a.device ? &catalogue.find(*a.device) : nullptr;
+  StopSwitch stop;
+  const SignalStop signals(stop);
+  ConsoleView view(a.quiet);
+  ConsoleDialogs dialogs(view, a.yes);
+  NoSound sounds;
+  NoSettings settings;
+  NoHelp help;
+  const std::string chip = device != nullptr ? chipTypeForDevice(device->name) : std::string();
+  MachinePorts ports(a.launch, chip, stop, view);
+  frmMain form({.port = ports.port(),
+                .clock = ports.clock(),
+                .sounds = sounds,
+                .settings = settings,
+                .help = help,
+                .dialogs = dialogs,
+                .screen = view,
+                .stop = stop,
+                .folders = programFolders(a.launch),
+                .care = &ports});
+  view.mirror(form.controls());
+  Session session({.form = form,
+                   .view = view,
+                   .dialogs = dialogs,
+                   .signals = signals,
+                   .simulated = ports.simulated(),
+                   .device = device,
+                   .arguments = a});
+  return session.run(command);
+}
+
+}  // namespace
+
+std::span<const Command> commands() { return kCommands; }
+
+int runCommand(const Arguments& arguments) {
+  const auto named = [&](const Command& command) { return command.name == arguments.command; };
+  const Command& command = *std::ranges::find_if(kCommands, named);
+  return command.alone != nullptr ? command.alone(arguments) : runAtForm(arguments, command);
+}
+
+}  // namespace kestrel

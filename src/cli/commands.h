@@ -1,0 +1,29 @@
+#pragma once
+
+#include <optional>
+#include <span>
+
+#include "cli/arguments.h"
+
+namespace kestrel {
+
+class Session;
+
+/// A word of the command line and what it does.
+struct Command {
+  const char* name;
+  const char* help;
+  void (*press)(Session&);                   ///< what a person presses at the form; or:
+  int (*alone)(const Arguments&) = nullptr;  ///< done without the form, returns the exit status
+  bool needsBoard = true;                    ///< ends before its first step when no board is ready
+  bool testsHardware = false;                ///< wants the socket empty
+};
+
+/// All commands, in the order of the manual.
+[[nodiscard]] std::span<const Command> commands();
+
+/// Does what the command line asks for and returns the exit status. Throws UsageError, and
+/// FileError for a chip or trace file.
+[[nodiscard]] int runCommand(const Arguments& arguments);
+
+}  // namespace kestrel

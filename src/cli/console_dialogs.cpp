@@ -1,0 +1,55 @@
+#include "cli/console_dialogs.h"
+
+#include <unistd.h>
+
+#include <iostream>
+
+#include "app/state/text_format.h"
+
+namespace kestrel {
+
+Answer ConsoleDialogs::messageBox(const MessageBox& box) {
+  view_.clearProgress();
+  if (box.buttons == MessageButtons::OkCancel) {
+    const Answer answer = yes_ ? Answer::Ok : ask(box);
+    wasCancelled_ = wasCancelled_ || answer == Answer::Cancel;
+    return answer;
+  }
+  const bool isNamed = !box.title.empty() && box.title != "Kestrel";
+  std::cerr << "kestrel-cli: " << (isNamed ? box.title + ": " : std::string()) << box.text
+            << std::endl;
+  wasFileRefused_ = wasFileRefused_ || box.icon == MessageIcon::Exclamation;
+  wasRoutineMissing_ = wasRoutineMissing_ || box.icon == MessageIcon::None;
+  return Answer::Ok;
+}
+
+// The question needs somebody who reads it and somebody who answers.
+Answer ConsoleDialogs::ask(const MessageBox& box) {
+  if (::isatty(STDIN_FILENO) == 0 || ::isatty(STDERR_FILENO) == 0) {
+    std::cerr << "kestrel-cli: " << box.text
+              << " Cancelled: there is no terminal to ask at; --yes answers OK." << std::endl;
+    return Answer::Cancel;
+  }
+  std::cerr << box.title << ": " << box.text << " [ok/Cancel] " << std::flush;
+  std::string line;
+  if (!std::getline(std::cin, line)) {
+    std::cerr << std::endl;
+    return Answer::Cancel;
+  }
+  const std::string word = upperCase(trimmed(line));
+  return word == "OK" || word == "O" || word == "YES" || word == "Y" ? Answer::Ok : Answer::Cancel;
+}
+
+std::string ConsoleDialogs::inputBox(const std::string& /*prompt*/, const std::string& /*title*/) {
+  return takePrepared();
+}
+
+std::string ConsoleDialogs::openFile(const std::string& /*title*/, const std::string& /*filter*/) {
+  return takePrepared();
+}
+
+std::string ConsoleDialogs::saveFile(const std::string& /*title*/, const std::string& /*filter*/) {
+  return takePrepared();
+}
+
+}  // namespace kestrel

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <string>
+#include <utility>
+
+#include "cli/console_view.h"
+#include "platform/dialogs.h"
+
+namespace kestrel {
+
+/// Message boxes on standard error, questions at the terminal, and the names that the options
+/// answer. What happened in them counts for the exit status.
+class ConsoleDialogs final : public Dialogs {
+ public:
+  /// `yes` answers questions with OK. The view outlives this.
+  ConsoleDialogs(ConsoleView& view, bool yes) : view_(view), yes_(yes) {}
+
+  /// What the next file dialog or input box is answered with.
+  void answerWith(std::string text) { prepared_ = std::move(text); }
+
+  Answer messageBox(const MessageBox& box) override;
+  [[nodiscard]] std::string inputBox(const std::string& prompt, const std::string& title) override;
+  [[nodiscard]] std::string openFile(const std::string& title, const std::string& filter) override;
+  [[nodiscard]] std::string saveFile(const std::string& title, const std::string& filter) override;
+  void about() override {}
+
+  [[nodiscard]] bool wasCancelled() const { return wasCancelled_; }
+  /// A box said that a file cannot be used.
+  [[nodiscard]] bool wasFileRefused() const { return wasFileRefused_; }
+  /// A box said that there is no routine for what was asked.
+  [[nodiscard]] bool wasRoutineMissing() const { return wasRoutineMissing_; }
+
+ private:
+  [[nodiscard]] Answer ask(const MessageBox& box);
+  [[nodiscard]] std::string takePrepared() { return std::exchange(prepared_, {}); }
+
+  ConsoleView& view_;
+  bool yes_;
+  std::string prepared_;
+  bool wasCancelled_ = false;
+  bool wasFileRefused_ = false;
+  bool wasRoutineMissing_ = false;
+};
+
+}  // namespace kestrel

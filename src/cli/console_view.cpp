@@ -1,0 +1,83 @@
+#include "cli/console_view.h"
+
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <string>
+
+#include "app/state/text_format.h"
+
+namespace kestrel {
+namespace {
+
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds kFrame{1000 / 60};
+
+/// A terminal whose current line can be taken back.
+bool canDrawOver() {
+  const char* const term = std::getenv("TERM");
+  return ::isatty(STDERR_FILENO) == 1 && term != nullptr && std::string_view(term) != "dumb";
+}
+
+std::size_t columns() {
+  constexpr std::size_t kUsual = 80;
+  winsize size{};
+  const bool isKnown = ::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 1;
+  return isKnown ? size.ws_col - std::size_t{1} : kUsual - 1;  // the last column may wrap
+}
+
+}  // namespace
+
+ConsoleView::ConsoleView(bool quiet) : quiet_(quiet), hasBar_(canDrawOver()) {}
+
+ConsoleView::~ConsoleView() { clearProgress(); }
+
+void ConsoleView::mirror(Controls& controls) {
+  controls_ = &controls;
+  controls.setListener(this);
+}
+
+void ConsoleView::controlChanged(const Control& control) {
+  if (!hasBar_ || &control != &controls_->ProgressBar1) return;
+  const ProgressBar& bar = controls_->ProgressBar1;
+  progress_.set(bar.value(), bar.maximum(), Clock::now());
+  isDue_ = progress_.isMoving();
+  if (!isDue_) clearProgress();
+}
+
+// An entry of the log begins with its line break; a terminal wants it at the end.
+void ConsoleView::textAppended(const TextBox& box, std::string_view piece) {
+  if (&box == &controls_->BufferDisplay) ++linesDrawn_;
+  if (&box != &controls_->SystemLog || quiet_) return;
+  clearProgress();
+  if (piece.starts_with("\r\n")) piece.remove_prefix(2);
+  std::cout << piece << std::endl;
+}
+
+void ConsoleView::turn() {
+  const auto now = Clock::now();
+  if (!isDue_ || now - drawnAt_ < kFrame) return;
+  std::cerr << '\r' << progress_.text(columns(), now) << "\033[K" << std::flush;
+  drawnAt_ = now;
+  isDrawn_ = true;
+  isDue_ = false;
+}
+
+void ConsoleView::clearProgress() {
+  if (!isDrawn_) return;
+  std::cerr << "\r\033[K" << std::flush;
+  isDrawn_ = false;
+  isDue_ = progress_.isMoving();
+}
+
+void ConsoleView::printPage(const TextBox& box) {
+  clearProgress();
+  for (const std::string& line : linesOf(box.text())) {
+    if (!line.empty()) std::cout << line << '\n';
+  }
+  std::cout << std::flush;
+}
+
+}  // namespace kestrel

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <chrono>
+#include <string_view>
+
+#include "app/state/controls.h"
+#include "cli/progress_line.h"
+#include "platform/screen.h"
+
+namespace kestrel {
+
+/// What a terminal shows of the form: the log on standard output, line by line as it is logged, and
+/// the progress bar on standard error while that is a terminal.
+class ConsoleView final : public ControlListener, public Screen {
+ public:
+  explicit ConsoleView(bool quiet);
+  ~ConsoleView() override;
+  ConsoleView(const ConsoleView&) = delete;
+  ConsoleView& operator=(const ConsoleView&) = delete;
+
+  /// Mirrors these controls from now on, for as long as they live.
+  void mirror(Controls& controls);
+
+  /// Takes the progress bar off the screen: before anything else is written there.
+  void clearProgress();
+
+  /// Prints the page that stands in a text box of lines.
+  void printPage(const TextBox& box);
+
+  /// How often the text of the buffer display has grown.
+  [[nodiscard]] std::size_t linesDrawn() const { return linesDrawn_; }
+
+  // ControlListener
+  void controlChanged(const Control& control) override;
+  void textAppended(const TextBox& box, std::string_view piece) override;
+
+  // Screen: a terminal has no windows to close.
+  void repaint() override {}
+  void turn() override;
+  [[nodiscard]] std::size_t openWindows() const override { return 1; }
+  void closeLastWindow() override {}
+  void closeMainWindow() override {}
+
+ private:
+  Controls* controls_ = nullptr;
+  ProgressLine progress_;
+  std::chrono::steady_clock::time_point drawnAt_{};
+  std::size_t linesDrawn_ = 0;
+  bool quiet_;
+  bool hasBar_;
+  bool isDrawn_ = false;
+  bool isDue_ = false;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,138 @@
+#include "cli/device_catalogue.h"
+
+#include <algorithm>
+#include <array>
+#include <iomanip>
+#include <memory>
+#include <ostream>
+#include <sstream>
+#include <utility>
+
+#include "app/launch/option_values.h"
+#include "app/state/programmer_state.h"
+#include "app/state/text_format.h"
+#include "devices/device_table.h"
+
+namespace kestrel {
+namespace {
+
+using Device = DeviceCatalogue::Device;
+using Fits = bool (*)(const std::string& name, const std::string& text);
+
+std::vector<std::string> wordsOf(const std::string& name) {
+  std::istringstream stream(name);
+  std::vector<std::string> words;
+  for (std::string word; stream >> word;) words.push_back(word);
+  return words;
+}
+
+bool isName(const std::string& name, const std::string& text) { return name == text; }
+
+bool isWord(const std::string& name, const std::string& text) {
+  return std::ranges::count(wordsOf(name), text) > 0;
+}
+
+bool isPart(const std::string& name, const std::string& text) {
+  return name.find(text) != std::string::npos;
+}
+
+constexpr std::array<Fits, 3> kWaysToFit{isName, isWord, isPart};  // the best first
+
+/// The number of characters to change, add or leave out.
+std::size_t distance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    std::size_t diagonal = std::exchange(row[0], i);
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      const std::size_t changed = diagonal + (a[i - 1] == b[j - 1] ? 0 : 1);
+      diagonal = row[j];
+      row[j] = std::min({row[j] + 1, row[j - 1] + 1, changed});
+    }
+  }
+  return row.back();
+}
+
+bool isNear(const std::string& name, const std::string& text) {
+  constexpr std::size_t kTypingErrors = 2;
+  return text.size() > kTypingErrors && std::ranges::any_of(wordsOf(name), [&](const auto& word) {
+           return distance(word, text) <= kTypingErrors;
+         });
+}
+
+std::vector<const Device*> fitting(const std::vector<Device>& devices, std::string_view text,
+                                   Fits fits, bool offered) {
+  std::vector<const Device*> found;
+  for (const Device& device : devices) {
+    if (device.isOffered == offered && fits(upperCase(device.name), upperCase(text))) {
+      found.push_back(&device);
+    }
+  }
+  return found;
+}
+
+std::string namesOf(const std::vector<const Device*>& devices) {
+  std::string names;
+  for (const Device* const device : devices) {
+    names += (names.empty() ? "\"" : ", \"") + device->name + "\"";
+  }
+  return names;
+}
+
+std::string voltagesOf(const std::string& vppClass) {
+  if (vppClass == "0") return "5 V";
+  if (vppClass == "1") return "12.5 V";
+  return vppClass == "2" ? "12.5, 21 V" : "12.5, 21, 25 V";
+}
+
+}  // namespace
+
+DeviceCatalogue::DeviceCatalogue() {
+  const auto state = std::make_unique<ProgrammerState>();
+  BuildDeviceTable(*state);
+  for (std::int32_t position = 0; const auto& row : state->DeviceTable) {
+    if (!row[kNameColumn].empty()) {
+      devices_.push_back({.position = position,
+                          .name = std::string(trimmed(row[kNameColumn])),
+                          .isOffered = row[kListedColumn] == "Y",
+                          .sizeKB = std::stoi(row[kSizeKBColumn]),
+                          .voltages = voltagesOf(row[kVppClassColumn])});
+    }
+    ++position;
+  }
+}
+
+const Device& DeviceCatalogue::find(std::string_view text) const {
+  for (const Fits fits : kWaysToFit) {
+    const auto found = fitting(devices_, text, fits, true);
+    if (found.size() == 1) return *found.front();
+    if (found.size() > 1) {
+      throw UsageError("-d: \"" + std::string(text) + "\" fits " + std::to_string(found.size()) +
+                       " devices: " + namesOf(found) + "; give more of the name");
+    }
+  }
+  refuse(text);
+}
+
+void DeviceCatalogue::refuse(std::string_view text) const {
+  const std::string quoted = "-d: \"" + std::string(text) + "\"";
+  for (const Fits fits : kWaysToFit) {
+    const auto found = fitting(devices_, text, fits, false);
+    if (found.empty()) continue;
+    throw UsageError(quoted + " is in the list but not available (N/A): " + namesOf(found) +
+                     "; kestrel-cli devices lists those that are");
+  }
+  const auto near = fitting(devices_, text, isNear, true);
+  throw UsageError(quoted + " fits no device" +
+                   (near.empty() ? "" : "; perhaps you mean " + namesOf(near)) +
+                   "; kestrel-cli devices lists them all");
+}
+
+void DeviceCatalogue::print(std::ostream& out) const {
+  for (const Device& device : devices_) {
+    out << std::left << std::setw(38) << (device.isOffered ? "" : kNotAvailable) + device.name
+        << std::right << std::setw(5) << device.sizeKB << " KB   " << device.voltages << '\n';
+  }
+}
+
+}  // namespace kestrel

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <iosfwd>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kestrel {
+
+/// The device list as the form shows it, without a form and without a board: row by row.
+class DeviceCatalogue {
+ public:
+  struct Device {
+    std::int32_t position = 0;  ///< in the list, which is the row of the table
+    std::string name;           ///< without trailing blanks
+    bool isOffered = false;
+    int sizeKB = 0;
+    std::string voltages;  ///< that it may be programmed with
+  };
+
+  DeviceCatalogue();
+
+  [[nodiscard]] const std::vector<Device>& devices() const { return devices_; }
+
+  /// The device meant by a text: the full name, else a whole word of a name, else a part of a
+  /// name, case ignored; it must fit one offered device. Throws UsageError that names the devices
+  /// which it fits, or the nearest.
+  [[nodiscard]] const Device& find(std::string_view text) const;
+
+  /// One device a line.
+  void print(std::ostream& out) const;
+
+ private:
+  [[noreturn]] void refuse(std::string_view text) const;
+
+  std::vector<Device> devices_;
+};
+
+}  // namespace kestrel

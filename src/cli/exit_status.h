@@ -1,0 +1,27 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace kestrel {
+
+// What the program returns to the shell; 128 and the number after a signal.
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;    ///< the operation failed, was refused or cancelled
+inline constexpr int kBadUsage = 2;  ///< usage, an unusable file, a control that is not enabled
+inline constexpr int kNoBoard = 3;
+
+/// Ends the run before its last step. The text is for the person at the terminal; it is empty when
+/// the reason has been told already.
+class EarlyEnd : public std::runtime_error {
+ public:
+  explicit EarlyEnd(int status, const std::string& text = {})
+      : std::runtime_error(text), status_(status) {}
+
+  [[nodiscard]] int status() const { return status_; }
+
+ private:
+  int status_;
+};
+
+}  // namespace kestrel

@@ -1,0 +1,53 @@
+#include "cli/machine_commands.h"
+
+#include <iostream>
+#include <utility>
+
+#include "app/launch/machine_ports.h"
+#include "cli/console_view.h"
+#include "cli/device_catalogue.h"
+#include "cli/exit_status.h"
+#include "hardware/ports/real_ports.h"
+#include "hardware/ports/safe_off.h"
+#include "hardware/ports/system_calls.h"
+
+namespace kestrel {
+namespace {
+
+std::uint16_t address(std::uint16_t base, PortRegister target) {
+  return static_cast<std::uint16_t>(base + static_cast<unsigned>(target));
+}
+
+int switchOffSimulated(const Arguments& arguments) {
+  const StopSwitch stop;
+  ConsoleView view(arguments.quiet);
+  MachinePorts ports(arguments.launch, {}, stop, view);
+  for (const PortWrite& write : kSafeOff) {
+    const std::uint16_t port = address(ports.simulated()->base(), write.target);
+    ports.port().PortOut(static_cast<std::int16_t>(port), write.value);
+  }
+  return kDone;
+}
+
+int switchOffReal(const Arguments& arguments) {
+  LinuxCalls calls;
+  PortOptions options;
+  options.choices = arguments.launch.ports;
+  const auto ports = openRealPorts(calls, std::move(options));
+  if (ports->switchOff()) return kDone;
+  for (const std::string& line : ports->diagnosis()) std::cerr << "kestrel-cli: " << line << '\n';
+  return kNoBoard;
+}
+
+}  // namespace
+
+int listDevices(const Arguments& /*arguments*/) {
+  DeviceCatalogue().print(std::cout);
+  return kDone;
+}
+
+int switchOff(const Arguments& arguments) {
+  return arguments.launch.simulate ? switchOffSimulated(arguments) : switchOffReal(arguments);
+}
+
+}  // namespace kestrel

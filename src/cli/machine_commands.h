@@ -1,0 +1,15 @@
+#pragma once
+
+#include "cli/arguments.h"
+
+namespace kestrel {
+
+// The commands that need no form: nothing is started up for them and no board is looked for.
+
+/// Prints the catalogue.
+[[nodiscard]] int listDevices(const Arguments& arguments);
+
+/// Switches the board's voltages off, whatever its model. Returns kNoBoard without a port.
+[[nodiscard]] int switchOff(const Arguments& arguments);
+
+}  // namespace kestrel

@@ -1,0 +1,37 @@
+#include <csignal>
+#include <iostream>
+
+#include "cli/arguments.h"
+#include "cli/commands.h"
+#include "cli/exit_status.h"
+#include "hardware/ports/signal_stop.h"
+#include "platform/runtime_error.h"
+
+namespace {
+
+int run(int argc, char** argv) {
+  const auto arguments = kestrel::readArguments(argc, argv);
+  return arguments ? kestrel::runCommand(*arguments) : kestrel::kDone;
+}
+
+int refused(const std::exception& error, int status) {
+  std::cerr << "kestrel-cli: " << error.what() << '\n';
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A reader of the log that goes away must not end the program with a voltage on.
+  std::signal(SIGPIPE, SIG_IGN);
+  kestrel::switchOffOnCrash();
+  try {
+    return run(argc, argv);
+  } catch (const kestrel::UsageError& error) {
+    return refused(error, kestrel::kBadUsage);
+  } catch (const kestrel::FileError& error) {
+    return refused(error, kestrel::kBadUsage);
+  } catch (const std::exception& error) {
+    return refused(error, kestrel::kFailed);
+  }
+}

@@ -1,0 +1,164 @@
+#include "cli/session.h"
+
+#include <filesystem>
+#include <iostream>
+
+#include "cli/exit_status.h"
+#include "platform/runtime_error.h"
+
+namespace kestrel {
+namespace {
+
+constexpr const char* kNoBoardText =
+    "no board answers. Connect it to a parallel port with its power on and its socket empty, then "
+    "run kestrel-cli detect; --simulate works without a board";
+
+/// The code file's full path, as a file dialog gives it.
+std::string fullPath(const std::string& name) {
+  return std::filesystem::absolute(name).lexically_normal().string();
+}
+
+void tell(const std::string& text) {
+  if (!text.empty()) std::cerr << "kestrel-cli: " << text << std::endl;
+}
+
+}  // namespace
+
+int Session::run(const Command& command) {
+  int status = attempt(command);
+  shutDown(status);
+  return p_.signals.isEndRequested() ? p_.signals.exitStatus() : status;
+}
+
+int Session::attempt(const Command& command) {
+  try {
+    startUp(command);
+    applyOptions();
+    command.press(*this);
+    if (p_.arguments.saveFile) saveBuffer(*p_.arguments.saveFile);
+    return kDone;
+  } catch (const EarlyEnd& end) {
+    p_.view.clearProgress();
+    tell(end.what());
+    return end.status();
+  } catch (const std::exception& error) {
+    p_.view.clearProgress();
+    tell(error.what());
+    return kFailed;
+  }
+}
+
+// The hardware test wants an empty socket: it enables the chip with the address latches, and so
+// the write line of some chips, low. The chip goes in when it is over.
+void Session::startUp(const Command& command) {
+  if (p_.simulated != nullptr) p_.simulated->takeChipOut();
+  p_.form.Form_Load();
+  if (p_.simulated != nullptr) {
+    if (!command.testsHardware) p_.simulated->putChipBack();
+    p_.simulated->startUpDone();
+  }
+  afterEvent();
+  if (command.needsBoard && !isReady()) throw EarlyEnd(kNoBoard, kNoBoardText);
+}
+
+bool Session::isReady() { return controls().Ready_label.caption() == "Ready"; }
+
+void Session::applyOptions() {
+  const Arguments& a = p_.arguments;
+  Controls& c = controls();
+  if (a.setup) loadSetup(*a.setup);
+  if (p_.device != nullptr) {
+    c.Device.setPosition(p_.device->position);
+    afterEvent();
+  }
+  if (a.speed) {
+    c.Slider1.setValue(*a.speed);
+    afterEvent();
+  }
+  if (a.voltage) chooseVoltage(*a.voltage);
+  if (a.lane) c.HiLow_button.at(*a.lane).press();
+  if (a.blankCheck) tick(c.CheckBlankPriorProgramming, "--blank-check");
+  if (a.verify) tick(c.VerifyAfterProgramming, "--verify");
+  if (a.codeFile) openCodeFile(*a.codeFile);
+}
+
+void Session::loadSetup(std::size_t slot) {
+  const std::string digit = std::to_string(slot);
+  press(controls().Setup, {});
+  press(controls().LoadSetup.at(slot - 1), "--setup " + digit + ": there is no file KSSetup" +
+                                               digit + ".INI in this folder; save-setup " + digit +
+                                               " NAME makes one");
+}
+
+void Session::chooseVoltage(std::size_t index) {
+  OptionButton& button = controls().Voltage_button.at(index);
+  if (!button.press()) {
+    std::string offered;
+    for (const OptionButton& other : controls().Voltage_button) {
+      if (other.enabled()) offered += (offered.empty() ? "" : ", ") + other.caption();
+    }
+    throw EarlyEnd(kBadUsage, unless("--vpp", state().DeviceName + " does not take " +
+                                                  button.caption() + " (offered: " + offered +
+                                                  "); leave --vpp out or choose one of these"));
+  }
+  afterEvent();
+}
+
+// The boxes are not on the form before a device is selected.
+void Session::tick(CheckBox& box, const char* option) {
+  if (!box.visible() || !box.enabled()) {
+    throw EarlyEnd(kBadUsage, unless(option, "not offered"));
+  }
+  if (!box.isTicked()) box.press();
+}
+
+void Session::openCodeFile(const std::string& name) {
+  answerWith(fullPath(name));
+  press(controls().mnuFileOpenCode, {});
+}
+
+void Session::saveBuffer(const std::string& name) {
+  answerWith(fullPath(name));
+  press(controls().mnuFileSaveCodeAs,
+        "-o: the buffer holds nothing to save; use it with read, or give -i FILE");
+}
+
+void Session::press(Button& button, const std::string& whyDisabled) {
+  if (!button.press()) throw EarlyEnd(kBadUsage, whyDisabled);
+  afterEvent();
+}
+
+void Session::pressOperation(Button& button, const std::string& whyDisabled) {
+  press(button, whyDisabled);
+  const bool isAlert = controls().Error_label.colour() == Colour::Red;
+  if (isAlert || p_.dialogs.wasCancelled() || p_.dialogs.wasRoutineMissing()) {
+    throw EarlyEnd(kFailed);
+  }
+}
+
+void Session::afterEvent() {
+  if (p_.signals.isEndRequested()) throw EarlyEnd(p_.signals.exitStatus());
+  if (p_.dialogs.wasFileRefused()) throw EarlyEnd(kBadUsage);
+  if (p_.form.lastOutcome() == frmMain::Outcome::RunTimeError) throw EarlyEnd(kFailed);
+}
+
+std::string Session::unless(const std::string& what, const std::string& reason) {
+  const bool isSelected = !state().FamilyCode.empty();
+  return what + ": " + (isSelected ? reason : "no device is selected; add -d NAME");
+}
+
+// The contents of the simulated chip are kept whatever happened before.
+void Session::shutDown(int& status) {
+  p_.form.Form_Unload();
+  p_.view.clearProgress();
+  if (p_.simulated == nullptr) return;
+  p_.simulated->putChipBack();
+  try {
+    p_.simulated->saveChip();
+  } catch (const FileError& error) {
+    tell(std::string("--chip: ") + error.what());
+    if (status == kDone) status = kBadUsage;
+  }
+}
+
+}  // namespace kestrel

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+#include "app/form/frm_main.h"
+#include "app/launch/simulated_bench.h"
+#include "cli/arguments.h"
+#include "cli/commands.h"
+#include "cli/console_dialogs.h"
+#include "cli/console_view.h"
+#include "cli/device_catalogue.h"
+#include "hardware/ports/signal_stop.h"
+
+namespace kestrel {
+
+/// One run at the form: start-up, the options, the command, saving, shut-down. Every step is the
+/// press of the control that a person would press; what was not asked for presses nothing.
+class Session {
+ public:
+  struct Parts {
+    frmMain& form;
+    ConsoleView& view;
+    ConsoleDialogs& dialogs;
+    const SignalStop& signals;
+    SimulatedBench* simulated;              ///< nullptr with real ports
+    const DeviceCatalogue::Device* device;  ///< of -d; nullptr if not given
+    const Arguments& arguments;
+  };
+
+  explicit Session(const Parts& parts) : p_(parts) {}
+
+  /// Runs it all and returns the exit status. A step that cannot be done ends the run before its
+  /// end, but never without shutting down. Reasons are told on standard error.
+  int run(const Command& command);
+
+  // For the commands.
+
+  [[nodiscard]] const Arguments& arguments() const { return p_.arguments; }
+  [[nodiscard]] Controls& controls() { return p_.form.controls(); }
+  [[nodiscard]] const ProgrammerState& state() { return p_.form.state(); }
+  [[nodiscard]] ConsoleView& view() { return p_.view; }
+  [[nodiscard]] bool isReady();
+
+  /// What the next dialog is answered with.
+  void answerWith(std::string text) { p_.dialogs.answerWith(std::move(text)); }
+
+  /// Presses a control. Throws EarlyEnd: when it is disabled, with that reason; when what it ran
+  /// ended by an error, at a file or by a signal.
+  void press(Button& button, const std::string& whyDisabled);
+
+  /// Presses the button of a device command; throws EarlyEnd also when the operation failed, was
+  /// cancelled or has no routine.
+  void pressOperation(Button& button, const std::string& whyDisabled);
+
+  /// A control other than a button was used: throws EarlyEnd as press() does.
+  void afterEvent();
+
+  /// Why a command or an option cannot be had: no device is selected, or else the given reason.
+  [[nodiscard]] std::string unless(const std::string& what, const std::string& reason);
+
+ private:
+  int attempt(const Command& command);
+  void startUp(const Command& command);
+  void applyOptions();
+  void loadSetup(std::size_t slot);
+  void chooseVoltage(std::size_t index);
+  void tick(CheckBox& box, const char* option);
+  void openCodeFile(const std::string& name);
+  void saveBuffer(const std::string& name);
+  void shutDown(int& status);
+
+  Parts p_;
+};
+
+}  // namespace kestrel
