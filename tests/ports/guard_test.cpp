@@ -2,18 +2,18 @@
 
 #include <gtest/gtest.h>
 #include <poll.h>
-#include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
+#include <csignal>
 #include <exception>
-#include <fstream>
+#include <functional>
 #include <random>
 #include <stdexcept>
 #include <string>
 
+#include "hardware/ports/signal_stop.h"
 #include "ports/victim.h"
 
 namespace kestrel {
@@ -83,58 +83,64 @@ INSTANTIATE_TEST_SUITE_P(InManyWays, Ended,
                                          Ending{"byCtrlBackslash", [] { raise(SIGQUIT); }, 2}),
                          [](const auto& ending) { return ending.param.name; });
 
-struct Guarded {
-  test::Tape* tape = test::Tape::make();
-  test::TapeKernel kernel{*tape};
-  ParportDevice port{kernel, "/dev/parport0", 0x378};
-
-  ~Guarded() { test::Tape::discard(tape); }
-  [[nodiscard]] static std::string nameOf(pid_t process) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/comm");
-    std::string name;
-    std::getline(file, name);
-    return name;
-  }
-};
-
-TEST(Guard, doesNothingAndGoesAfterAGoodBye) {
-  Guarded guarded;
-  pid_t process = 0;
-  {
-    const Guard guard(guarded.port);
-    process = guard.process();
-    EXPECT_EQ(Guarded::nameOf(process), "vpp-guard");
-    EXPECT_NE(getsid(process), getsid(0));
-  }
-  EXPECT_EQ(kill(process, 0), -1) << "still there";
-  EXPECT_EQ(guarded.tape->written, 0U);
-}
-
-TEST(Guard, switchesOffAtAnAlarmAndStays) {
-  Guarded guarded;
-  const Guard guard(guarded.port);
-  alarmGuards();
-  for (int i = 0; i < 1000 && guarded.tape->written < 7; ++i) usleep(1000);
-  EXPECT_EQ(guarded.tape->written, 7U);
-  EXPECT_EQ(kill(guard.process(), 0), 0);
-}
-
-TEST(Guard, thatWasKilledItselfDoesNotHoldUpTheProgram) {
-  Guarded guarded;
-  const Guard guard(guarded.port);
-  kill(guard.process(), SIGKILL);
-  alarmGuards();
-}
-
-TEST(Guard, keepsNoFileOpenButItsOwn) {
-  Guarded guarded;
+TEST(Guard, holdsNothingDoesNothingAndGoesAfterAGoodBye) {
+  test::Tape* const tape = test::Tape::make();
+  test::TapeKernel kernel(*tape);
+  ParportDevice port(kernel, "/dev/parport0", 0x378);
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
-  const Guard guard(guarded.port);
-  close(ends[1]);
-  pollfd hangUp{.fd = ends[0], .events = 0, .revents = 0};
-  EXPECT_EQ(poll(&hangUp, 1, 5'000), 1) << "the guard holds the other end of the pipe";
+  pid_t process = 0;
+  {
+    const Guard guard(port);
+    process = guard.process();
+    close(ends[1]);
+    pollfd hangUp{.fd = ends[0], .events = 0, .revents = 0};
+    EXPECT_EQ(poll(&hangUp, 1, 5'000), 1) << "the guard holds the other end of the pipe";
+  }
   close(ends[0]);
+  EXPECT_EQ(kill(process, 0), -1) << "still there";
+  EXPECT_EQ(tape->written, 0U);
+  {
+    const Guard guard(port);
+    kill(guard.process(), SIGKILL);
+    alarmGuards();  // must not end this program
+  }
+  test::Tape::discard(tape);
+}
+
+// What a program of its own ends with: its exit status, or the signal as a negative number.
+int endOf(const std::function<int(const StopSwitch&, const SignalStop&)>& program) {
+  const pid_t process = fork();
+  if (process == 0) {
+    StopSwitch stop;
+    const SignalStop signals(stop);
+    _exit(program(stop, signals));
+  }
+  int status = 0;
+  waitpid(process, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+}
+
+TEST(SignalStop, throwsTheSwitchFirstAndEndsTheProgramThen) {
+  for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+    EXPECT_EQ(endOf([number](const StopSwitch& stop, const SignalStop& signals) {
+                raise(SIGTSTP);  // ignored: no sleep with a voltage on
+                if (signals.isEndRequested()) return 1;
+                raise(number);
+                pollfd wait{.fd = signals.descriptor(), .events = POLLIN, .revents = 0};
+                return stop.isThrown() && poll(&wait, 1, 0) == 1 ? signals.exitStatus() : 2;
+              }),
+              128 + number);
+    EXPECT_EQ(endOf([number](const auto&...) { return raise(SIGINT) + raise(number); }), -number);
+  }
+}
+
+TEST(SignalStop, leavesAnIgnoredHangUpIgnored) {
+  std::signal(SIGHUP, SIG_IGN);
+  EXPECT_EQ(
+      endOf([](const StopSwitch& stop, const auto&) { return raise(SIGHUP) + stop.isThrown(); }),
+      0);
+  std::signal(SIGHUP, SIG_DFL);
 }
 
 }  // namespace

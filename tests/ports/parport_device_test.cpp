@@ -1,184 +1,153 @@
 #include "hardware/ports/parport_device.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <optional>
 
+#include "hardware/ports/io_ports.h"
 #include "ports/scripted_machine.h"
-#include "simulator/simulated_port.h"
 #include "support/stand_in_kernel.h"
+#include "support/temporary_folder.h"
 
 namespace kestrel {
 namespace {
 
-using Calls = std::vector<std::string>;
-using testing::AllOf;
-using testing::HasSubstr;
+using test::Events;
 
-const Calls kSwitchOffCalls{"data 40",    "control 05", "control 04", "control 05",
-                            "control 0A", "control 0B", "control 0A"};
-
-Calls operator+(Calls left, const Calls& right) {
-  left.insert(left.end(), right.begin(), right.end());
-  return left;
-}
-
-struct Parport {
-  test::ScriptedMachine lines;
-  test::StandInKernel kernel;
-  std::optional<ParportDevice> port;
-
-  Parport() { kernel.devices["/dev/parport0"].lines = &lines; }
+struct Parport : testing::Test {
+  Parport() {
+    kernel.devices["/dev/parport0"].lines = &lines;
+    kernel.ioPorts = &lines;
+    kernel.isIoPermitted = true;
+  }
   void take() {
     port.emplace(kernel, "/dev/parport0", std::uint16_t{0x378});
     port->take();
   }
-  void takeAnew() {
-    take();
-    kernel.calls.clear();
+  PortProblem problemOf(const std::function<void()>& action) {
+    try {
+      action();
+    } catch (const PortError& error) {
+      return error.problem();
+    }
+    ADD_FAILURE() << "no error";
+    return {};
   }
+
+  test::ScriptedMachine lines;
+  test::StandInKernel kernel;
+  std::optional<ParportDevice> port;
 };
 
-TEST(ParportDevice, isTakenExclusivelyAndSwitchedOffFirst) {
-  Parport parport;
-  parport.take();
-  EXPECT_EQ(parport.kernel.calls,
-            (Calls{"open /dev/parport0", "PPEXCL", "PPCLAIM"} + kSwitchOffCalls));
+TEST_F(Parport, isSwitchedOffFirstAndLast) {
+  take();
+  port->PortOut(0x378, 0x5A);
+  port->PortOut(0x37A, 0xF7);
+  port->PortOut(0x379, 0x11);  // the status register cannot be written
+  EXPECT_EQ(port->PortIn(0x379), 0x78);
+  EXPECT_EQ(port->PortIn(0x378), 0xFF);
+  port.reset();
+  EXPECT_EQ(kernel.calls, (Events{"open /dev/parport0",
+                                  "PPEXCL",
+                                  "PPCLAIM",
+                                  "data 40",
+                                  "control 05",
+                                  "control 04",
+                                  "control 05",
+                                  "control 0A",
+                                  "control 0B",
+                                  "control 0A",  //
+                                  "data 5A",
+                                  "control 07",
+                                  "status",  //
+                                  "data 40",
+                                  "control 05",
+                                  "control 04",
+                                  "control 05",
+                                  "control 0A",
+                                  "control 0B",
+                                  "control 0A",
+                                  "PPRELEASE",
+                                  "close"}));
 }
 
-TEST(ParportDevice, isSwitchedOffAndGivenBackAtItsEnd) {
-  Parport parport;
-  parport.takeAnew();
-  parport.port.reset();
-  EXPECT_EQ(parport.kernel.calls, (kSwitchOffCalls + Calls{"PPRELEASE", "close"}));
-}
-
-TEST(ParportDevice, writesAndReadsTheRegisters) {
-  Parport parport;
-  parport.takeAnew();
-  parport.port->PortOut(0x378, 0x5A);
-  parport.port->PortOut(0x37A, 0xF7);
-  parport.port->PortOut(0x379, 0x11);  // the status register cannot be written
-  EXPECT_EQ(parport.port->PortIn(0x379), 0x78);
-  EXPECT_EQ(parport.port->PortIn(0x378), 0xFF);
-  EXPECT_EQ(parport.kernel.calls, (Calls{"data 5A", "control 07", "status"}));
-}
-
-TEST(ParportDevice, repeatsWhatASignalInterrupted) {
-  Parport parport;
+TEST_F(Parport, repeatsWhatASignalInterrupted) {
   for (const char* call : {"open", "PPEXCL", "PPCLAIM", "data", "control", "status"}) {
-    parport.kernel.failures[call] = {EINTR, EINTR};
+    kernel.failures[call] = {EINTR, EINTR};
   }
-  parport.take();
-  EXPECT_EQ(parport.port->PortIn(0x379), 0x78);
-  EXPECT_EQ(parport.lines.events,
-            (Calls{"out 37A=0C", "out 378=40", "out 37A=05", "out 37A=04", "out 37A=05",
-                   "out 37A=0A", "out 37A=0B", "out 37A=0A", "in 379"}));
+  take();
+  EXPECT_EQ(port->PortIn(0x379), 0x78);
+  EXPECT_EQ(lines.events.size(), 9U) << "0Ch, the seven writes that switch off, the read";
 }
 
 struct Refusal {
   const char* call;
   int error;
   PortProblem problem;
-  const char* reason;
 };
 
-class ParportRefused : public testing::TestWithParam<Refusal> {};
+class ParportRefused : public Parport, public testing::WithParamInterface<Refusal> {};
 
 TEST_P(ParportRefused, saysWhyAndTouchesNothing) {
-  Parport parport;
-  parport.kernel.failures[GetParam().call] = {GetParam().error};
+  kernel.failures[GetParam().call] = {GetParam().error};
+  EXPECT_EQ(problemOf([this] { take(); }), GetParam().problem);
+  port.reset();
+  EXPECT_TRUE(lines.events.empty());
+  EXPECT_EQ(kernel.calls.back(), kernel.calls.size() == 1 ? "open /dev/parport0" : "close");
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryCall, ParportRefused,
+                         testing::Values(Refusal{"open", ENOENT, PortProblem::NoDevice},
+                                         Refusal{"open", EACCES, PortProblem::NoPermission},
+                                         Refusal{"open", ENXIO, PortProblem::NoHardware},
+                                         Refusal{"PPEXCL", ENOTTY, PortProblem::NotAPort},
+                                         Refusal{"PPCLAIM", ENXIO, PortProblem::Taken},
+                                         Refusal{"PPCLAIM", ENOMEM, PortProblem::Other}));
+
+TEST_F(Parport, isUnavailableOnceItHasVanished) {
+  take();
+  EXPECT_FALSE(port->isGone());
+  for (const char* call : {"data", "control", "status"}) kernel.failures[call] = {ENODEV};
+  EXPECT_THROW(port->PortOut(0x37A, 1), RuntimeError);
+  EXPECT_THROW(static_cast<void>(port->PortIn(0x379)), RuntimeError);
   try {
-    parport.take();
-    FAIL() << "taken";
-  } catch (const PortError& error) {
-    EXPECT_EQ(error.problem(), GetParam().problem);
-    EXPECT_THAT(error.what(), AllOf(HasSubstr("/dev/parport0"), HasSubstr(GetParam().reason)));
+    port->PortOut(0x378, 1);
+    FAIL() << "no error";
+  } catch (const RuntimeError& error) {
+    EXPECT_EQ(error.number(), 68);
+    EXPECT_STREQ(error.what(), "Device unavailable: /dev/parport0 (No such device)");
   }
-  parport.port.reset();
-  EXPECT_TRUE(parport.lines.events.empty());
-  EXPECT_EQ(parport.kernel.calls.back(),
-            std::string(GetParam().call) == "open" ? "open /dev/parport0" : "close");
+  EXPECT_TRUE(port->isGone());
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    EveryCall, ParportRefused,
-    testing::Values(Refusal{"open", ENOENT, PortProblem::NoDevice, "No such file"},
-                    Refusal{"open", EACCES, PortProblem::NoPermission, "Permission denied"},
-                    Refusal{"open", ENXIO, PortProblem::NoHardware, "No such device"},
-                    Refusal{"open", EMFILE, PortProblem::Other, "Too many open files"},
-                    Refusal{"PPEXCL", ENOTTY, PortProblem::NotAPort, "not a parallel port"},
-                    Refusal{"PPCLAIM", ENXIO, PortProblem::Taken, "another driver or program"},
-                    Refusal{"PPCLAIM", ENODEV, PortProblem::NoHardware, "No such device"},
-                    Refusal{"PPCLAIM", ENOMEM, PortProblem::Other, "Cannot allocate memory"}));
-
-TEST(ParportDevice, isNotHadBesideThePrinterDriver) {
-  Parport parport;
-  parport.kernel.devices["/dev/parport0"].hasPrinterDriver = true;
-  EXPECT_THROW(parport.take(), PortError);
-  parport.port.reset();
-  EXPECT_TRUE(parport.lines.events.empty()) << "the printer's lines were moved";
+TEST_F(Parport, thatVanishesDuringTheClaimIsNotTaken) {
+  kernel.failures["control"] = {0, 0, EIO};
+  EXPECT_THROW(take(), RuntimeError);
 }
 
-TEST(ParportDevice, isUnavailableOnceItHasVanished) {
-  Parport parport;
-  parport.takeAnew();
-  for (const char* call : {"data", "control", "status"}) {
-    parport.kernel.failures[call] = {ENODEV, ENODEV};
-  }
-  EXPECT_FALSE(parport.port->isGone());
-  const auto expectGone = [](const auto& access) {
-    try {
-      access();
-      ADD_FAILURE() << "no error";
-    } catch (const RuntimeError& error) {
-      EXPECT_EQ(error.number(), 68);
-      EXPECT_STREQ(error.what(), "Device unavailable: /dev/parport0 (No such device)");
-    }
+TEST_F(Parport, reachedDirectlyIsForOneProgramWithPermission) {
+  const test::TemporaryFolder locks;
+  const auto open = [&](std::uint16_t address) {
+    return IoPorts(kernel, address, 0x378, locks.path().string());
   };
-  expectGone([&] { parport.port->PortOut(0x378, 1); });
-  expectGone([&] { parport.port->PortOut(0x37A, 1); });
-  expectGone([&] { static_cast<void>(parport.port->PortIn(0x379)); });
-  EXPECT_TRUE(parport.port->isGone());
-  EXPECT_FALSE(parport.port->switchOff());
-  parport.port.reset();
-  EXPECT_EQ(parport.kernel.calls.back(), "close");
-}
-
-TEST(ParportDevice, thatVanishesDuringTheClaimIsNotTaken) {
-  Parport parport;
-  parport.kernel.failures["control"] = {0, 0, EIO};
-  EXPECT_THROW(parport.take(), RuntimeError);
-}
-
-class TakenBoard : public testing::TestWithParam<sim::Model> {};
-
-TEST_P(TakenBoard, hasItsVoltageOffWhateverWasOnBefore) {
-  sim::Bench bench;
-  sim::SimulatedPort lines(bench);
-  sim::Board& board = bench.plug(GetParam(), 0x3BC);
-  test::StandInKernel kernel;
-  kernel.devices["/dev/parport2"] = {.lines = &lines, .base = 0x3BC};
-  ParportDevice port(kernel, "/dev/parport2", 0x378);
-  port.take();
-  // Every switch of latch 0 on, and its strobe left standing, by the codes of the model.
-  port.PortOut(0x378, 0xBF);
-  port.PortOut(0x37A, GetParam() == sim::Model::kestrel4 ? 0x0B : 0x04);
-  ASSERT_EQ(board.latch(0), 0xBF);
-  ASSERT_NE(board.vppPins(), 0U);
-  EXPECT_TRUE(port.switchOff());
-  EXPECT_EQ(board.latch(0), 0x40);
-  EXPECT_EQ(board.vppPins(), 0U);
-  port.PortOut(0x378, 0xFF);
-  for (std::size_t latch = 0; latch < 5; ++latch) {
-    EXPECT_NE(board.latch(latch), 0xFF) << "latch " << latch << " was left open";
+  {
+    IoPorts direct = open(0xD010);
+    direct.take();
+    EXPECT_EQ(problemOf([&] { open(0xD010); }), PortProblem::Taken);
+    direct.PortOut(0x378, 0x5A);
+    direct.PortOut(0x37A, 0xF7);  // bits 4 and 5 are no lines
+    EXPECT_EQ(direct.PortIn(0x379), 0x78);
   }
+  EXPECT_EQ(kernel.calls,
+            (Events{"permit D010", "outb D010 40", "outb D012 05", "outb D012 04", "outb D012 05",
+                    "outb D012 0A", "outb D012 0B", "outb D012 0A",  //
+                    "outb D010 5A", "outb D012 07", "inb D011",      //
+                    "outb D010 40", "outb D012 05", "outb D012 04", "outb D012 05", "outb D012 0A",
+                    "outb D012 0B", "outb D012 0A", "forbid D010"}));
+  EXPECT_EQ(problemOf([&] { open(0x60); }), PortProblem::NotAPort);
+  kernel.isIoPermitted = false;
+  EXPECT_EQ(problemOf([&] { open(0xD010); }), PortProblem::NotPermitted);
 }
-
-INSTANTIATE_TEST_SUITE_P(Models, TakenBoard,
-                         testing::Values(sim::Model::kestrel4, sim::Model::kestrel5,
-                                         sim::Model::kestrel6));
 
 }  // namespace
 }  // namespace kestrel

@@ -3,8 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
 #include <fstream>
 
 #include "simulator/simulated_port.h"
@@ -16,18 +14,11 @@ namespace {
 
 namespace fs = std::filesystem;
 using Bases = std::vector<std::uint16_t>;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
 /// A machine with a simulated board and what its kernel shows of its ports.
-struct Workstation {
-  test::TemporaryFolder root;
-  sim::Bench bench;
-  sim::SimulatedPort lines{bench};
-  sim::Board& board = bench.plug(sim::Model::kestrel5, 0x378);
-  test::StandInKernel kernel;
-
+struct RealPortsTest : testing::TestWithParam<sim::Model> {
   /// A port that the kernel lists at `base`, wired to the bench's connector 378h.
   void fit(const std::string& name, unsigned base) {
     write("proc/sys/dev/parport/" + name + "/base-addr", std::to_string(base) + "\t0\n");
@@ -37,146 +28,99 @@ struct Workstation {
     fs::create_directories((root / file).parent_path());
     std::ofstream(root / file) << text;
   }
-  [[nodiscard]] PortOptions options(std::vector<PortChoice> choices = {}) const {
-    return {.choices = std::move(choices), .root = root.path(), .lockFolder = root.path()};
+  std::unique_ptr<RealPorts> open(std::vector<PortChoice> choices = {}) {
+    return openRealPorts(kernel, {std::move(choices), root.path(), root.path()});
   }
+  /// Every switch of latch 0 on, by the codes of models 5 and 6.
+  static void switchOn(RealPorts& ports) {
+    ports.port().PortOut(0x378, 0xBF);
+    ports.port().PortOut(0x37A, 0x04);
+  }
+
+  test::TemporaryFolder root;
+  sim::Bench bench;
+  sim::SimulatedPort lines{bench};
+  sim::Board& board = bench.plug(sim::Model::kestrel5, 0x378);
+  test::StandInKernel kernel;
 };
 
-TEST(RealPorts, standAtTheBaseWhereTheKernelListsThem) {
-  Workstation machine;
-  machine.write("proc/sys/dev/parport/default/timeslice", "200\n");
-  machine.fit("parport0", 888);
-  const auto ports = openRealPorts(machine.kernel, machine.options());
-  EXPECT_EQ(ports->taken(), Bases{0x378});
-  EXPECT_EQ(machine.board.latch(0), 0x40);
-  ports->port().PortOut(0x378, 0x9F);
-  ports->port().PortOut(0x37A, 0x0E);  // strobe of latch 3
-  EXPECT_EQ(machine.board.latch(3), 0x9F);
-  ports->port().PortOut(0x278, 0x55);
-  ports->port().PortOut(0x37B, 0x55);
-  EXPECT_EQ(ports->port().PortIn(0x3BD), 0xFF);
-  EXPECT_EQ(machine.kernel.calls.back(), "control 0E") << "something else was reached";
+TEST_F(RealPortsTest, standWhereTheKernelListsThemOrTheUserPutsThem) {
+  write("proc/sys/dev/parport/default/timeslice", "200\n");
+  fit("parport0", 888);
+  fit("parport1", 0xD010);
+  kernel.ioPorts = &lines;
+  kernel.isIoPermitted = true;
+  EXPECT_EQ(open()->taken(), Bases{0x378});
+  EXPECT_EQ(open({parsePortChoice("278=/dev/parport1")})->taken(), (Bases{0x378, 0x278}));
+  EXPECT_EQ(open({parsePortChoice("3BC=/dev/parport0")})->taken(), Bases{0x3BC});
+  EXPECT_EQ(open({parsePortChoice("278=0xD110")})->taken(), (Bases{0x378, 0x278}));
+  EXPECT_EQ(open({parsePortChoice("278=0x378")})->taken(), Bases{0x378}) << "a driver has 378h";
 }
 
-TEST(RealPorts, ofACardElsewhereStandWhereTheUserPutsThem) {
-  Workstation machine;
-  machine.fit("parport0", 888);
-  machine.fit("parport1", 0xD010);
-  const auto ports =
-      openRealPorts(machine.kernel, machine.options({parsePortChoice("278=/dev/parport1")}));
-  EXPECT_EQ(ports->taken(), (Bases{0x378, 0x278}));
-  const auto moved =
-      openRealPorts(machine.kernel, machine.options({parsePortChoice("3BC=/dev/parport0")}));
-  EXPECT_EQ(moved->taken(), Bases{}) << "the first program has it";
-}
-
-TEST(RealPorts, aSecondProgramIsToldAndChangesNothing) {
-  Workstation machine;
-  machine.fit("parport0", 888);
-  const auto first = openRealPorts(machine.kernel, machine.options());
-  first->port().PortOut(0x378, 0x70);
-  first->port().PortOut(0x37A, 0x04);  // VPP on
-  machine.write("proc/4711/comm", "kestrel\n");
-  machine.write("proc/4712/comm", "vpp-guard\n");
-  for (const char* process : {"proc/4711/fd", "proc/4712/fd"}) {
-    fs::create_directories(machine.root / process);
-    fs::create_symlink("/dev/parport0", machine.root / process / "5");
+TEST_F(RealPortsTest, secondProgramIsToldAndChangesNothing) {
+  fit("parport0", 888);
+  const auto first = open();
+  switchOn(*first);
+  for (const std::string process : {"4711", "4712"}) {
+    write("proc/" + process + "/comm", process == "4711" ? "vpp-guard\n" : "kestrel\n");
+    fs::create_directories(root / ("proc/" + process + "/fd"));
+    fs::create_symlink("/dev/parport0", root / ("proc/" + process + "/fd/5"));
   }
-  machine.kernel.calls.clear();
-  const auto second = openRealPorts(machine.kernel, machine.options());
-  EXPECT_TRUE(second->taken().empty());
-  EXPECT_EQ(second->port().PortIn(0x379), 0xFF);
+  kernel.calls.clear();
+  const auto second = open();
   EXPECT_FALSE(second->switchOff());
-  EXPECT_THAT(machine.kernel.calls,
-              ElementsAre("open /dev/parport0", "PPEXCL", "PPCLAIM", "close"));
-  EXPECT_EQ(machine.board.latch(0), 0x70);
-  EXPECT_THAT(second->diagnosis(), ElementsAre(HasSubstr("(kestrel, process 4711)")));
+  EXPECT_THAT(kernel.calls, ElementsAre("open /dev/parport0", "PPEXCL", "PPCLAIM", "close"));
+  EXPECT_EQ(board.latch(0), 0xBF);
+  EXPECT_THAT(second->diagnosis(), ElementsAre(HasSubstr("(kestrel, process 4712)")));
 }
 
-TEST(RealPorts, areFreeAgainAndOffAtTheEnd) {
-  Workstation machine;
-  machine.fit("parport0", 888);
-  auto ports = openRealPorts(machine.kernel, machine.options());
-  ports->port().PortOut(0x378, 0x70);
-  ports->port().PortOut(0x37A, 0x04);
-  ports.reset();
-  EXPECT_EQ(machine.board.latch(0), 0x40);
-  EXPECT_EQ(machine.kernel.calls.back(), "close");
-  EXPECT_EQ(openRealPorts(machine.kernel, machine.options())->taken(), Bases{0x378});
-}
-
-TEST(RealPorts, areSwitchedOffByHand) {
-  Workstation machine;
-  machine.fit("parport0", 888);
-  const auto ports = openRealPorts(machine.kernel, machine.options());
-  ports->port().PortOut(0x378, 0x70);
-  ports->port().PortOut(0x37A, 0x04);
-  EXPECT_TRUE(ports->switchOff());
-  EXPECT_EQ(machine.board.latch(0), 0x40);
-  machine.kernel.failures["data"] = {ENODEV};
-  EXPECT_FALSE(ports->switchOff());
-}
-
-TEST(RealPorts, thatVanishAreTakenAnewWhenTheyAreBack) {
-  Workstation machine;
-  machine.fit("parport0", 888);
-  const auto ports = openRealPorts(machine.kernel, machine.options());
-  machine.kernel.failures["data"] = {ENODEV};
-  EXPECT_THROW(ports->port().PortOut(0x378, 1), RuntimeError);
-  EXPECT_TRUE(ports->taken().empty());
-  EXPECT_THAT(ports->diagnosis(), ElementsAre(HasSubstr("the port has vanished")));
-  ports->takeMissing();
-  EXPECT_EQ(ports->taken(), Bases{0x378});
-  ports->port().PortOut(0x378, 1);
-}
-
-TEST(RealPorts, areFoundWhenTheyCome) {
-  Workstation machine;
-  const auto ports = openRealPorts(machine.kernel, machine.options());
-  EXPECT_TRUE(ports->taken().empty());
+TEST_F(RealPortsTest, vanishAndAreTakenAnewWhenTheyAreBack) {
+  const auto ports = open();
   EXPECT_EQ(ports->port().PortIn(0x379), 0xFF);
   EXPECT_THAT(ports->diagnosis(), ElementsAre(HasSubstr("parport_pc is not loaded")));
-  fs::create_directories(machine.root / "sys/module/parport_pc");
-  EXPECT_THAT(ports->diagnosis(), ElementsAre(HasSubstr("finds none")));
-  machine.fit("parport0", 632);
+  fit("parport0", 632);
+  ports->takeMissing();
+  EXPECT_EQ(ports->taken(), Bases{0x278});
+  kernel.failures["data"] = {ENODEV};
+  EXPECT_THROW(ports->port().PortOut(0x278, 1), RuntimeError);
+  EXPECT_TRUE(ports->taken().empty());
+  EXPECT_THAT(ports->diagnosis(), ElementsAre(HasSubstr("the port has vanished")));
   ports->takeMissing();
   EXPECT_EQ(ports->taken(), Bases{0x278});
 }
 
-TEST(RealPorts, tellOfThePrinterDriver) {
-  Workstation machine;
-  machine.fit("parport0", 956);
-  fs::create_directories(machine.root / "proc/sys/dev/parport/parport0/devices/lp");
-  machine.kernel.devices["/dev/parport0"].hasPrinterDriver = true;
-  const auto ports = openRealPorts(machine.kernel, machine.options());
-  EXPECT_THAT(ports->diagnosis(),
-              ElementsAre("Port 3BCh (/dev/parport0): the printer driver has it. Cure: sudo "
-                          "modprobe -r lp"));
-  EXPECT_EQ(machine.bench.accessCount(), 0U) << "the printer's lines were moved";
+TEST_F(RealPortsTest, tellOfThePrinterDriverAndALockedDownKernel) {
+  fit("parport0", 956);
+  fs::create_directories(root / "proc/sys/dev/parport/parport0/devices/lp");
+  kernel.devices["/dev/parport0"].hasPrinterDriver = true;
+  write("sys/kernel/security/lockdown", "none [integrity] confidentiality\n");
+  EXPECT_THAT(open({parsePortChoice("378=0xD010")})->diagnosis(),
+              ElementsAre(HasSubstr("locked down"), HasSubstr("sudo modprobe -r lp")));
+  EXPECT_EQ(bench.accessCount(), 0U) << "the printer's lines were moved";
 }
 
-TEST(RealPorts, areReachedDirectlyOnlyWhereNoDriverIs) {
-  Workstation machine;
-  machine.kernel.ioPorts = &machine.lines;
-  machine.kernel.isIoPermitted = true;
-  machine.fit("parport0", 888);
-  const auto taken = openRealPorts(machine.kernel, machine.options({parsePortChoice("278=0x378")}));
-  EXPECT_EQ(taken->taken(), Bases{0x378});
-  EXPECT_THAT(taken->diagnosis(), Contains(HasSubstr("use its device file instead")));
-  const auto direct =
-      openRealPorts(machine.kernel, machine.options({parsePortChoice("278=0xD010")}));
-  EXPECT_EQ(direct->taken(), Bases{0x278});
+TEST_P(RealPortsTest, leaveTheVoltagesOffHoweverTheyWereOn) {
+  const sim::Board& each = bench.plug(GetParam(), 0x378);
+  fit("parport0", 888);
+  auto ports = open();
+  const auto switchAllOn = [&] {
+    ports->port().PortOut(0x378, 0xBF);
+    ports->port().PortOut(0x37A, GetParam() == sim::Model::kestrel4 ? 0x0B : 0x04);
+    return each.vppPins() != 0;
+  };
+  ASSERT_TRUE(switchAllOn());
+  EXPECT_TRUE(ports->switchOff());
+  EXPECT_EQ(each.latch(0), 0x40);
+  ASSERT_TRUE(switchAllOn());
+  ports.reset();
+  EXPECT_EQ(each.latch(0), 0x40);
+  lines.PortOut(0x378, 0xFF);
+  for (std::size_t i = 0; i < 5; ++i) EXPECT_NE(each.latch(i), 0xFF) << i << " was left open";
 }
 
-TEST(RealPorts, tellOfALockedDownKernel) {
-  Workstation machine;
-  machine.write("sys/kernel/security/lockdown", "none [integrity] confidentiality\n");
-  const auto options = machine.options({parsePortChoice("378=0xD010")});
-  const auto ports = openRealPorts(machine.kernel, options);
-  EXPECT_THAT(ports->diagnosis(), ElementsAre(HasSubstr("the kernel is locked down")));
-  machine.write("sys/kernel/security/lockdown", "[none] integrity confidentiality\n");
-  EXPECT_THAT(ports->diagnosis(), ElementsAre(HasSubstr("direct access is for root alone")));
-}
+INSTANTIATE_TEST_SUITE_P(Models, RealPortsTest,
+                         testing::Values(sim::Model::kestrel4, sim::Model::kestrel5,
+                                         sim::Model::kestrel6));
 
 }  // namespace
 }  // namespace kestrel

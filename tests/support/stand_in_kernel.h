@@ -28,39 +28,37 @@ class StandInKernel final : public SystemCalls {
     int holder = -1;  // the open file that has claimed it
   };
 
-  /// The next calls of this kind fail with these errors, in order; 0 lets one pass.
-  std::map<std::string, std::vector<int>> failures;
   std::map<std::string, Device> devices;
+  /// The next calls of this name fail with these errors, in order; 0 lets one pass.
+  std::map<std::string, std::vector<int>> failures;
   std::vector<std::string> calls;
-  PortAccess* ioPorts = nullptr;  // what direct access reaches
+  PortAccess* ioPorts = nullptr;  // what direct access reaches, once permitted
   bool isIoPermitted = false;
 
   int open(const char* path, int /*flags*/) noexcept override {
-    if (!passes("open", "open " + std::string(path))) return -1;
+    if (!passes("open", path)) return -1;
     if (!devices.contains(path)) return refuse(ENOENT);
-    files_.push_back({.device = &devices[path], .isExclusive = false});
+    files_.push_back({&devices[path]});
     return kFirstFile + static_cast<int>(files_.size()) - 1;
   }
 
   int ioctl(int descriptor, unsigned long request, void* argument) noexcept override {
     auto* const value = static_cast<std::uint8_t*>(argument);
-    OpenFile& file = files_[static_cast<std::size_t>(descriptor - kFirstFile)];
+    File& file = fileOf(descriptor);
     switch (request) {
       case PPEXCL:
-        if (!passes("PPEXCL", "PPEXCL")) return -1;
         file.isExclusive = true;
-        return 0;
+        return passes("PPEXCL") ? 0 : -1;
       case PPCLAIM:
-        return passes("PPCLAIM", "PPCLAIM") ? claim(file, descriptor) : -1;
+        return passes("PPCLAIM") ? claim(file, descriptor) : -1;
       case PPRELEASE:
-        if (file.device->holder == descriptor) file.device->holder = -1;
-        return passes("PPRELEASE", "PPRELEASE") ? 0 : -1;
+        return passes("PPRELEASE") ? leave(file, descriptor) : -1;
       case PPWDATA:
-        return write(descriptor, "data", 0, *value);
+        return passes("data", hex(*value)) ? write(file, descriptor, 0, *value) : -1;
       case PPWCONTROL:
-        return write(descriptor, "control", 2, *value);
+        return passes("control", hex(*value)) ? write(file, descriptor, 2, *value) : -1;
       case PPRSTATUS:
-        if (!passes("status", "status") || !isClaimed(descriptor)) return -1;
+        if (!passes("status") || file.device->holder != descriptor) return -1;
         *value = file.device->lines->PortIn(static_cast<std::int16_t>(file.device->base + 1));
         return 0;
       default:
@@ -70,13 +68,10 @@ class StandInKernel final : public SystemCalls {
 
   int close(int descriptor) noexcept override {
     calls.emplace_back("close");
-    Device& device = *files_[static_cast<std::size_t>(descriptor - kFirstFile)].device;
-    if (device.holder == descriptor) device.holder = -1;
-    return 0;
+    return leave(fileOf(descriptor), descriptor);
   }
-
-  int ioperm(unsigned long first, unsigned long count, bool permit) noexcept override {
-    calls.push_back((permit ? "permit " : "forbid ") + hex(first) + "+" + std::to_string(count));
+  int ioperm(unsigned long first, unsigned long /*count*/, bool permit) noexcept override {
+    calls.push_back((permit ? "permit " : "forbid ") + hex(first));
     return isIoPermitted ? 0 : refuse(EPERM);
   }
   void outByte(std::uint16_t port, std::uint8_t value) noexcept override {
@@ -89,57 +84,48 @@ class StandInKernel final : public SystemCalls {
   }
 
  private:
-  struct OpenFile {
+  struct File {
     Device* device;
-    bool isExclusive;
+    bool isExclusive = false;
   };
   static constexpr int kFirstFile = 900;
+
+  File& fileOf(int descriptor) { return files_[static_cast<std::size_t>(descriptor - kFirstFile)]; }
 
   static std::string hex(unsigned long number) {
     char text[20];
     std::snprintf(text, sizeof text, "%02lX", number);
     return text;
   }
-
-  static int refuse(int reason) noexcept {
+  static int refuse(int reason) {
     errno = reason;
     return -1;
   }
-
-  bool passes(const std::string& kind, const std::string& call) {
-    calls.push_back(call);
-    std::vector<int>& planned = failures[kind];
+  bool passes(const std::string& name, const std::string& detail = {}) {
+    calls.push_back(detail.empty() ? name : name + " " + detail);
+    std::vector<int>& planned = failures[name];
     if (planned.empty()) return true;
     errno = planned.front();
     planned.erase(planned.begin());
     return errno == 0;
   }
-
-  int claim(const OpenFile& file, int descriptor) {
+  static int claim(const File& file, int descriptor) {
     Device& device = *file.device;
-    const bool othersRegistered = device.hasPrinterDriver || device.holder >= 0;
-    if (file.isExclusive && othersRegistered) return refuse(ENXIO);
+    if (file.isExclusive && (device.hasPrinterDriver || device.holder >= 0)) return refuse(ENXIO);
     device.holder = descriptor;
-    device.lines->PortOut(static_cast<std::int16_t>(device.base + 2), 0x0C);
+    return write(file, descriptor, 2, 0x0C);
+  }
+  static int leave(const File& file, int descriptor) {
+    if (file.device->holder == descriptor) file.device->holder = -1;
+    return 0;
+  }
+  static int write(const File& file, int descriptor, int offset, std::uint8_t value) {
+    if (file.device->holder != descriptor) return refuse(EINVAL);
+    file.device->lines->PortOut(static_cast<std::int16_t>(file.device->base + offset), value);
     return 0;
   }
 
-  bool isClaimed(int descriptor) {
-    if (files_[static_cast<std::size_t>(descriptor - kFirstFile)].device->holder == descriptor) {
-      return true;
-    }
-    errno = EINVAL;
-    return false;
-  }
-
-  int write(int descriptor, const char* kind, int offset, std::uint8_t value) {
-    if (!passes(kind, std::string(kind) + " " + hex(value)) || !isClaimed(descriptor)) return -1;
-    const Device& device = *files_[static_cast<std::size_t>(descriptor - kFirstFile)].device;
-    device.lines->PortOut(static_cast<std::int16_t>(device.base + offset), value);
-    return 0;
-  }
-
-  std::vector<OpenFile> files_;
+  std::vector<File> files_;
 };
 
 }  // namespace kestrel::test
