@@ -212,12 +212,18 @@ void BufferFiles::mnuFileSaveCode_Click() {
 }
 
 void BufferFiles::saveCodeAs(const std::string& name) {
-  const std::string earlierName = std::exchange(p_.state.CodeFileName, name);
-  const std::string earlierCaption = p_.controls.FileNameCodeText.caption();
-  p_.controls.FileNameCodeText.setCaption(name);
-  if (writeCode()) return;
-  p_.state.CodeFileName = earlierName;
-  p_.controls.FileNameCodeText.setCaption(earlierCaption);
+  saveUnder(name, p_.state.CodeFileName, p_.controls.FileNameCodeText,
+            [this] { return writeCode(); });
+}
+
+void BufferFiles::saveUnder(const std::string& name, std::string& fileName, Control& label,
+                            const std::function<bool()>& write) {
+  const std::string earlierName = std::exchange(fileName, name);
+  const std::string earlierCaption = label.caption();
+  label.setCaption(name);
+  if (write()) return;
+  fileName = earlierName;
+  label.setCaption(earlierCaption);
 }
 
 bool BufferFiles::writeCode() {
@@ -245,12 +251,8 @@ void BufferFiles::mnuFileSaveData_Click() {
 void BufferFiles::mnuFileSaveDataAs_Click() {
   const std::string name = p_.dialogs.saveFile("Save DATA Buffer ...", kAllFiles);
   if (name.empty()) return;
-  const std::string earlierName = std::exchange(p_.state.DataFileName, name);
-  const std::string earlierCaption = p_.controls.FileNameDataText.caption();
-  p_.controls.FileNameDataText.setCaption(name);
-  if (writeData(name)) return;
-  p_.state.DataFileName = earlierName;
-  p_.controls.FileNameDataText.setCaption(earlierCaption);
+  saveUnder(name, p_.state.DataFileName, p_.controls.FileNameDataText,
+            [&] { return writeData(name); });
 }
 
 bool BufferFiles::writeData(const std::string& path) {

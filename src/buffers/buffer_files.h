@@ -70,6 +70,10 @@ class BufferFiles {
   void showDataLoaded();
   void finishLoading();
   void saveCodeAs(const std::string& name);
+
+  /// Takes the name over and writes; a failing save gives the earlier name and caption back.
+  static void saveUnder(const std::string& name, std::string& fileName, Control& label,
+                        const std::function<bool()>& write);
   bool writeCode();
   bool writeData(const std::string& path);
   void disableForErased(Button& verifyEntry, Button& programEntry);

@@ -36,13 +36,7 @@ void BlankCheck::BlankCheckParallel() {
   p_.reporting.LogMessage("Checking Device for BLANK (Erased)... Wait");
   s.ProgressStep = narrowed<std::int16_t>(s.CodeLength / 100);
   s.ProgressCount = 0;
-  p_.bus.Reset();
-  s.LinearAddress = 0;
-  p_.bus.Endereco2Adr();
-  p_.bus.SETADR();
-  p_.bus.sleepMs(kStartWaitMs);
-  p_.registers.REG4OFF();
-  p_.bus.CEOEON();
+  walk_.begin();
   p_.controls.ProgressBar1.setValue(0);
   p_.controls.ProgressBar1.setMaximum(s.CodeLength / 256);
   p_.bus.spin(kPauseCounts);

@@ -15,6 +15,14 @@ void DeviceWalk::setBounds() {
   p_.state.ReadMidLast = narrowed<std::int16_t>((last - p_.state.ReadHighLast * 65536) / 256);
 }
 
+void DeviceWalk::begin() {
+  p_.bus.Reset();
+  p_.bus.SETADR();
+  p_.bus.sleepMs(kStartWaitMs);
+  p_.registers.REG4OFF();
+  p_.bus.CEOEON();
+}
+
 bool DeviceWalk::readAll(const Visit& visit) {
   ProgrammerState& s = p_.state;
   setBounds();

@@ -19,8 +19,11 @@ class DeviceWalk {
   /// Sees the byte in ReadByte and the address that stands on the pins; false ends the walk.
   using Visit = std::function<bool(std::int32_t address)>;
 
-  /// Reads every byte; the chip is selected, its outputs are enabled and the bus is released
-  /// before. True when no visit ended it.
+  /// Resets the board, latches address 0, gives the chip its start wait, releases the bus and
+  /// selects the chip with its outputs on.
+  void begin();
+
+  /// Reads every byte after begin(). True when no visit ended it.
   bool readAll(const Visit& visit);
 
  private:

@@ -38,13 +38,9 @@ void ReadDevice::ReadCode() {
 void ReadDevice::ReadParallel() {
   ProgrammerState& s = p_.state;
   p_.lamps.DataFlowLampOn();
-  p_.bus.Reset();
   s.DeviceChecksum = 0;
-  p_.bus.SETADR();
-  p_.bus.sleepMs(kStartWaitMs);
   s.DisplayMode = "Read";
-  p_.registers.REG4OFF();
-  p_.bus.CEOEON();
+  walk_.begin();
   p_.controls.ProgressBar1.setValue(0);
   p_.controls.ProgressBar1.setMaximum(s.CodeLength / 256);
   walk_.readAll([&s](std::int32_t) {

@@ -54,13 +54,7 @@ bool Verify::verifyParallel() {
   image_.PrepareProgramBuffer();
   s.ProgressStep = narrowed<std::int16_t>(s.DeviceSizeBytes / 99);
   s.ProgressCount = 0;
-  p_.bus.Reset();
-  s.LinearAddress = 0;
-  p_.bus.Endereco2Adr();
-  p_.bus.SETADR();
-  p_.bus.sleepMs(kStartWaitMs);
-  p_.registers.REG4OFF();
-  p_.bus.CEOEON();
+  walk_.begin();
   p_.controls.ProgressBar1.setMaximum(s.CodeLength / 256);
   return walk_.readAll([&s](std::int32_t) {
     s.DeviceChecksum = addToChecksum(s.DeviceChecksum, s.ReadByte);
