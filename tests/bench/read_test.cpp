@@ -17,7 +17,7 @@ class ReadParallel : public testing::TestWithParam<std::tuple<sim::Model, ReadCa
 
 TEST_P(ReadParallel, givesTheChipByteForByte) {
   const auto& [model, chip] = GetParam();
-  SimulatedForm s(model);
+  SimulatedForm s(model, SimulatedForm::Trace::Off);
   s.start();
   const std::vector<std::uint8_t> contents = randomBytes(chip.bytes, 7);
   s.insert(chip.chip, contents);

@@ -87,10 +87,15 @@ struct FormRig {
   ProgrammerState& state;
 };
 
-/// The form on a bench with one board, traced. start() runs the start-up.
+/// The form on a bench with one board, traced or, as a trace of a whole chip would be very long,
+/// not. start() runs the start-up.
 struct SimulatedForm {
-  explicit SimulatedForm(sim::Model model = sim::Model::kestrel5, std::uint16_t base = 0x378)
-      : board(&bench.plug(model, base)), rig(traced, traced) {}
+  enum class Trace { On, Off };
+
+  explicit SimulatedForm(sim::Model model = sim::Model::kestrel5, Trace tracing = Trace::On)
+      : board(&bench.plug(model, 0x378)),
+        rig(tracing == Trace::On ? static_cast<PortAccess&>(traced) : port,
+            tracing == Trace::On ? static_cast<Clock&>(traced) : port) {}
 
   sim::Bench bench;
   sim::Board* board;

@@ -216,39 +216,5 @@ TEST(EpromPulses, are55ShortAnd199LongOnAByteThatNeverTakes) {
   }
 }
 
-TEST(EpromPulses, ofThe2732StayAt5ms) {
-  UnitRig rig;
-  rig.image({0xFF, 0x5A});
-  rig.start(0x20, 0);
-  rig.port.thereafter = 0x00;
-  rig.eprom.P2732();
-  EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 5, rig.events()), 254);
-  EXPECT_EQ(rig.log()[2], "*** Address:1h, Programming BYTE:5Ah, Read BYTE:0h");
-}
-
-// The address goes through the maps: A18 of a 27C040 is latch 3 bit 3, and model 4 has its own
-// codes.
-TEST(EpromAddresses, goUpThroughTheMaps) {
-  UnitRig rig(4);
-  for (std::size_t i = 4; i <= 7; ++i) {
-    rig.state.AddrMapHigh[i] = static_cast<std::int16_t>(i + 4);
-  }
-  rig.state.FamilySubCode = "8";
-  rig.state.ProgressStep = 1000;
-  std::vector<std::uint8_t> bytes(0x40102, 0xFF);
-  bytes[0x000FF] = 0x11;
-  bytes[0x20100] = 0x22;
-  bytes[0x40101] = 0x33;
-  rig.image(bytes);
-  rig.start(0, 0x08);
-  rig.port.answer({0x11, 0x22, 0x33});
-  rig.eprom.P27256_040();
-  EXPECT_EQ(loadsOf(4, rig.events()), "11 FF 22 FF 33 FF");
-  EXPECT_EQ(loadsOf(1, rig.events()), "00 01 01");
-  EXPECT_EQ(loadsOf(2, rig.events()), "FF 00 01");
-  EXPECT_NE(rig.traffic().find("1=01 2=00 3=CA 3=8A 4=22"), std::string::npos);
-  EXPECT_NE(rig.traffic().find("1=01 2=01 3=C8 3=88 4=33"), std::string::npos);
-}
-
 }  // namespace
 }  // namespace kestrel::test

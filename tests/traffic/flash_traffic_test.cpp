@@ -152,17 +152,6 @@ TEST(ProgramFlash, pollsAByte49TimesAndReports) {
             std::string::npos);
 }
 
-TEST(ProgramFlash, takesEveryByteOfAnAtmelChipAfterAMillisecond) {
-  UnitRig rig;
-  selectFlash(rig, "FM");
-  rig.state.CodeLength = 256;
-  rig.port.answer({0x1F, 0x5B, 0xFF, 0xFF});
-  rig.flash.ProgramFlash();
-  EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 1, rig.events()), 256);
-  EXPECT_EQ(rig.state.LinearAddress, 256);
-  EXPECT_EQ(rig.controls.ProgressBar1.value(), 1);
-}
-
 TEST(ProgramFlash, refusesAnUnknownMaker) {
   UnitRig rig;
   selectFlash(rig, "FM");

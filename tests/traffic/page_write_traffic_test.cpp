@@ -107,29 +107,6 @@ TEST(PageWriter, writesAnAT29C256PageByBit7) {
   EXPECT_EQ(rig.log(), std::vector<std::string>{"Programming Atmel AT29C256"});
 }
 
-// 512 pages that read back at once: latch 1 is loaded anew at each 256 bytes, A14 goes to bit 7.
-TEST(PageWriter, runsThroughAllPages) {
-  UnitRig rig;
-  rig.image(std::vector<std::uint8_t>(32768, 0xFF));
-  rig.start(0x40, 0x02);
-  rig.port.thereafter = 0xFF;
-  rig.pages.ProgramX28C256();
-  std::string pages;
-  for (const BoardEvent& event : rig.events()) {
-    const bool isAddress =
-        event.kind == BoardEvent::Kind::Load && event.latch == 1 && (event.value & 0x40) != 0;
-    if (isAddress && !pages.ends_with(hex(static_cast<unsigned>(event.value)))) {
-      pages += " " + hex(static_cast<unsigned>(event.value));
-    }
-  }
-  const std::size_t first = pages.rfind("D5 40 41");
-  ASSERT_NE(first, std::string::npos);
-  EXPECT_NE(pages.find("7E 7F C0 C1", first), std::string::npos);
-  EXPECT_TRUE(pages.ends_with("FE FF 40"));
-  EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 5, rig.events()), 512);
-  EXPECT_EQ(rig.log().back(), "XICOR 28C256 Programmed Sucessfully");
-}
-
 TEST(PageWriter, givesUpAPageAfter79Attempts) {
   UnitRig rig;
   rig.image(std::vector<std::uint8_t>(32768, 0x5A));

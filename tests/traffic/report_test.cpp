@@ -30,17 +30,6 @@ TEST(FailureReports, tellAByteThatDoesNotProgram) {
   EXPECT_THAT(rig.sounds.played, ElementsAre("error.wav"));
 }
 
-TEST(FailureReports, tellAChipThatIsNotBlank) {
-  UnitRig rig;
-  rig.state.ProgramIndex = 0x1F;
-  rig.state.ReadByte = 0;
-  rig.reports.NotBlankReport();
-  EXPECT_THAT(rig.log(),
-              ElementsAre("Device IS NOT BLANK (ERASED)", "Address: 1F ][ Device Data: 0",
-                          "Click on [ERROR] alert to Reset the Situation"));
-  EXPECT_TRUE(rig.alert.isRaised());
-}
-
 TEST(FailureReports, tellAMismatchWithTheByteOfTheCodeBuffer) {
   UnitRig rig;
   rig.start(0, 0);

@@ -99,22 +99,6 @@ TEST(SerialWrite, sendsA24C32PagesOf32AtTwoAddressBytes) {
                                                  "Program Buffer will not be erased"}));
 }
 
-TEST(SerialWrite, roundsItsPagesToTheNearest) {
-  const auto pagesOf = [](std::int32_t length) {
-    UnitRig rig;
-    selectSerial(rig, "SA", length);
-    rig.port.thereafter = kYes;
-    rig.serial.Write24CXX();
-    const std::string wires = onTheWires(rig);
-    return std::count(wires.begin(), wires.end(), 'P');
-  };
-  EXPECT_EQ(pagesOf(7), 0);
-  EXPECT_EQ(pagesOf(8), 0);  // a half goes to the even number
-  EXPECT_EQ(pagesOf(24), 2);
-  EXPECT_EQ(pagesOf(25), 2);
-  EXPECT_EQ(pagesOf(40), 2);
-}
-
 TEST(AcknowledgePolling, endsAt200ForABusThatIsSilent) {
   UnitRig rig;
   selectSerial(rig, "SC", 64);
@@ -139,30 +123,6 @@ TEST(AcknowledgePolling, endsAt50AfterAPageAndGoesOn) {
   std::string polls;
   for (int i = 0; i < 49; ++i) polls += " S A6";
   EXPECT_NE(onTheWires(rig).find("P" + polls + " S A6n S A6a 10a"), std::string::npos);
-}
-
-TEST(AcknowledgePolling, thatFailsOnAByteEndsTheWriteThere) {
-  UnitRig rig;
-  selectSerial(rig, "SC", 64);
-  rig.port.answer(std::vector<std::uint8_t>(5, kYes));
-  rig.port.thereafter = kNo;
-  rig.serial.Write24C32();
-  EXPECT_EQ(onTheWires(rig), "S A0a 00a 00a 00a 00a 00n");
-  EXPECT_EQ(rig.state.I2CError, 200);
-}
-
-TEST(SerialVerify, stopsAtTheFirstDifferenceAndThenTheBus) {
-  UnitRig rig;
-  selectSerial(rig, "SA", 64);
-  rig.state.CodeBuffer[0] = 0x5A;
-  rig.state.CodeBuffer[1] = 0xC2;
-  rig.port.answer({kYes, kYes, kYes});
-  rig.port.answerBits(0x5A);
-  rig.port.answerBits(0xC3);
-  rig.serial.Verify24CXX();
-  EXPECT_EQ(rig.state.ProgramIndex, 1);
-  EXPECT_EQ(rig.log()[2], "Address: 1 ][ Buffer Data: C2 ][ Device Data: C3");
-  EXPECT_TRUE(rig.traffic().ends_with("0=40 1=00 2=00 3=C4 3=44 4=00 3=04 3=84 4=80 3=04"));
 }
 
 }  // namespace
