@@ -48,8 +48,8 @@ int Session::attempt(const Command& command) {
   }
 }
 
-// The hardware test wants an empty socket: it enables the chip with the address latches, and so
-// the write line of some chips, low. The chip goes in when it is over.
+// The hardware test wants the socket empty: it reads the bus while chip and outputs are enabled.
+// The chip goes in when it is over, as at the bench.
 void Session::startUp(const Command& command) {
   if (p_.simulated != nullptr) p_.simulated->takeChipOut();
   p_.form.Form_Load();

@@ -101,18 +101,6 @@ TEST(ChipFile, thatCannotBeWrittenBackIsTold) {
   EXPECT_TRUE(run.told("no/such/chip.bin")) << run.err;
 }
 
-// The hardware test holds chip enable and write low while it lets go of the data lines, which would
-// write a byte: it is made with the socket empty.
-TEST(ChipFile, survivesTheHardwareTest) {
-  const Workplace work;
-  work.put("chip.bin", Bytes(32768, 0x55));
-  for (const char* const command : {"read", "detect"}) {
-    fs::remove(work.path("home/kestrel6.ini"));
-    EXPECT_EQ(work.simulate({command, "-d", "X28C256", "--chip", "28C256=chip.bin"}).status, 0);
-    EXPECT_EQ(work.get("chip.bin"), Bytes(32768, 0x55)) << command;
-  }
-}
-
 TEST(TraceFile, thatCannotBeWrittenIsRefusedAtOnce) {
   const Workplace work;
   const Outcome run = work.simulate({"read", "-d", "2764", "--trace", "no/such/trace.txt"});

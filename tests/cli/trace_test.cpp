@@ -185,6 +185,19 @@ TEST(Trace, ofAReadHoldsStartUpSelectionReadAndShutDown) {
   expectSame(linesOf(work.text("t.txt")), s.lines);
 }
 
+// A chip in the socket would show its zeros to the question for model 6, which enables it.
+TEST(Trace, ofAStartUpIsThatOfAnEmptySocket) {
+  const Workplace work;
+  work.put("chip.bin", Bytes(131'072, 0x00));
+  EXPECT_EQ(work.simulate({"save-setup", "1", "x", "--chip", "27C010=chip.bin", "--trace", "t.txt"})
+                .status,
+            0);
+  Script s(0x378, kModel56);
+  startUpModel5At378(s);
+  s.reset(0, 0);  // shut-down
+  expectSame(linesOf(work.text("t.txt")), s.lines);
+}
+
 TEST(Trace, ofModel4HasNoPulseAndItsOwnCodes) {
   const Workplace work;
   EXPECT_EQ(

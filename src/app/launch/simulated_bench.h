@@ -34,7 +34,8 @@ class SimulatedBench {
   [[nodiscard]] const std::filesystem::path& chipFile() const { return chipFile_; }
 
   /// The chip lies beside the board from the first to the second: the hardware test, and so the
-  /// start-up, wants the socket empty. Without effect when it is there already.
+  /// start-up, wants the socket empty, since it reads the bus with the chip enabled. Without effect
+  /// when it is there already.
   void takeChipOut();
   void putChipBack();
 
