@@ -12,8 +12,13 @@ constexpr std::chrono::seconds kFirstGuess{1};
 
 }  // namespace
 
+// The bar stood at 0 for as long as nothing moved, a question included: time counts from its first
+// step.
 void ProgressLine::set(std::int32_t value, std::int32_t maximum, Time now) {
-  if (value == 0 || value < value_) started_ = now;
+  if (value_ == 0 || value < value_) {
+    started_ = now;
+    startValue_ = value;
+  }
   value_ = value;
   maximum_ = maximum;
 }
@@ -31,8 +36,9 @@ std::string ProgressLine::text(std::size_t columns, Time now) const {
 
 std::string ProgressLine::timeLeft(Time now) const {
   const auto elapsed = now - started_;
-  if (elapsed < kFirstGuess || value_ <= 0) return {};
-  const auto left = elapsed * (maximum_ - value_) / value_;
+  const std::int32_t steps = value_ - startValue_;
+  if (elapsed < kFirstGuess || steps <= 0) return {};
+  const auto left = elapsed * (maximum_ - value_) / steps;
   const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left).count();
   const std::string rest = std::to_string(seconds % 60);
   return "  " + std::to_string(seconds / 60) + (rest.size() < 2 ? ":0" : ":") + rest + " left";

@@ -28,6 +28,7 @@ class ProgressLine {
   std::int32_t value_ = 0;
   std::int32_t maximum_ = 0;
   Time started_{};
+  std::int32_t startValue_ = 0;
 };
 
 }  // namespace kestrel
