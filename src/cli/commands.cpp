@@ -95,6 +95,7 @@ int runAtForm(const Arguments& a, const Command& command) {
   StopSwitch stop;
   const SignalStop signals(stop);
   ConsoleView view(a.quiet);
+  view.obey(signals, stop);
   ConsoleDialogs dialogs(view, a.yes);
   NoSound sounds;
   NoSettings settings;
