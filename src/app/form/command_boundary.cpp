@@ -83,16 +83,28 @@ void CommandBoundary::restoreBuffer() {
   p_.state.CodeLength = keptLength_;
 }
 
-// What is on the form first: a port that has gone may end the reset. The stop that ended the
-// command must not end this too.
+// What is on the form first: a port that has gone may end the reset.
 void CommandBoundary::putToRest() {
-  stop_.reset();
   p_.controls.Verify_button.setColour(Colour::ButtonFace);
   p_.controls.Program_label.setColour(Colour::ButtonFace);
   p_.controls.DataFlow_label.setColour(Colour::ButtonFace);
   p_.controls.ProgressBar1.setValue(0);
   p_.controls.StatusBar.setText("");
-  p_.bus.Reset();
+  resetBoard();
+}
+
+// The stop that ended the command must not end this too, nor a second one that comes meanwhile.
+void CommandBoundary::resetBoard() {
+  bool isIdle = false;
+  while (!isIdle) {
+    stop_.reset();
+    try {
+      p_.bus.Reset();
+      isIdle = true;
+    } catch (const OperationStopped&) {
+      continue;
+    }
+  }
 }
 
 }  // namespace kestrel

@@ -26,6 +26,10 @@ class CommandBoundary {
   /// Runs a step of start-up or shut-down: a failure is told, and false is returned.
   bool tell(const std::function<void()>& step);
 
+  /// The board's idle state, whatever is pressed meanwhile. Throws RuntimeError when the port has
+  /// gone.
+  void resetBoard();
+
   [[nodiscard]] bool isRunning() const { return running_; }
   [[nodiscard]] frmMain::Outcome lastOutcome() const { return outcome_; }
 

@@ -79,9 +79,8 @@ void frmMain::Units::tellDiagnosis() {
 // The board comes first; a port that has gone must not keep the window from closing.
 void frmMain::Form_Unload() {
   Units& u = *units_;
-  u.machine.stop.reset();
   try {
-    u.bus.Reset();
+    u.boundary.resetBoard();
   } catch (const std::exception&) {
     // There is nothing left to switch off, and nobody to tell.
   }
