@@ -74,6 +74,7 @@ std::vector<std::string> linesOf(std::string_view text) {
 
 double leadingNumber(std::string_view text) {
   text = withoutLeadingBlanks(text);
+  if (text.starts_with("+-")) return 0;
   if (text.starts_with('+')) text.remove_prefix(1);
   // from_chars also knows "inf" and "nan", which are no numbers here.
   const std::string_view unsignedPart = text.starts_with('-') ? text.substr(1) : text;

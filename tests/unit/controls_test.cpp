@@ -1,0 +1,221 @@
+// What the controls do by themselves, and the state in which the form starts.
+
+#include "app/state/controls.h"
+
+#include <gtest/gtest.h>
+
+#include "app/state/operation_buttons.h"
+#include "platform/runtime_error.h"
+
+namespace kestrel {
+namespace {
+
+struct Listener final : ControlListener {
+  void controlChanged(const Control& control) override { changed.push_back(control.name()); }
+  void textAppended(const TextBox& box, std::string_view piece) override {
+    changed.push_back(box.name() + "+" + std::string(piece));
+  }
+  std::vector<std::string> changed;
+};
+
+TEST(OptionButtons, theOthersGoOffBeforeTheHandlerRuns) {
+  Controls c;
+  int runs = 0;
+  c.Voltage_button[2].onClick([&] {
+    ++runs;
+    EXPECT_FALSE(c.Voltage_button[1].value());
+    EXPECT_TRUE(c.Voltage_button[2].value());
+  });
+  c.Voltage_button[1].setValue(true);
+  c.Voltage_button[2].setValue(true);
+  c.Voltage_button[2].setValue(true);
+  EXPECT_EQ(runs, 1);
+  c.Voltage_button[2].setValue(false);
+  EXPECT_FALSE(c.Voltage_button[2].value());
+  EXPECT_EQ(runs, 1);
+}
+
+TEST(OptionButtons, aLaneIsAlwaysSetAPortNeedNotBe) {
+  Controls c;
+  c.HiLow_button[0].setValue(false);
+  EXPECT_TRUE(c.HiLow_button[0].value());
+  c.LPTSelection[1].setValue(true);
+  c.LPTSelection[1].setValue(false);
+  EXPECT_FALSE(c.LPTSelection[1].value());
+}
+
+TEST(Presses, aDisabledControlCannotBePressed) {
+  Controls c;
+  int runs = 0;
+  c.Read_button.onPress([&] { ++runs; });
+  EXPECT_FALSE(c.Read_button.press());
+  EXPECT_FALSE(c.Voltage_button[1].press());
+  EXPECT_FALSE(c.CheckCode.press());
+  EXPECT_FALSE(c.Voltage_button[1].value());
+  EXPECT_EQ(c.CheckCode.value(), 0);
+  c.Read_button.setEnabled(true);
+  EXPECT_TRUE(c.Read_button.press());
+  EXPECT_EQ(runs, 1);
+}
+
+TEST(CheckBoxes, aPressTicksAndClearsAndAGreyedBoxIsNotTicked) {
+  Controls c;
+  CheckBox& box = c.VerifyAfterProgramming;
+  box.setValue(2);
+  EXPECT_FALSE(box.isTicked());
+  EXPECT_TRUE(box.press());
+  EXPECT_EQ(box.value(), 1);
+  EXPECT_TRUE(box.press());
+  EXPECT_EQ(box.value(), 0);
+}
+
+TEST(Ranges, runTheirHandlerForANewValueAlone) {
+  Controls c;
+  std::vector<int> seen;
+  c.Slider1.onChange([&] { seen.push_back(c.Slider1.value()); });
+  for (const int value : {18, 20, 20, 99, 0, -5}) c.Slider1.setValue(value);
+  EXPECT_EQ(seen, (std::vector<int>{20, 1}));
+}
+
+TEST(Ranges, aMaximumBelowTheValueTakesItAlong) {
+  Controls c;
+  c.VScroll1.setMaximum(127);
+  c.VScroll1.setValue(100);
+  int runs = 0;
+  c.VScroll1.onChange([&] { ++runs; });
+  c.VScroll1.setMaximum(100);
+  EXPECT_EQ(runs, 0);
+  c.VScroll1.setMaximum(-1);
+  EXPECT_EQ(runs, 1);
+  EXPECT_EQ(c.VScroll1.value(), 0);
+  EXPECT_EQ(c.VScroll1.maximum(), -1);
+}
+
+TEST(Progress, staysBetweenZeroAndTheMaximum) {
+  Controls c;
+  c.ProgressBar1.setMaximum(64);
+  c.ProgressBar1.advance(65);
+  EXPECT_EQ(c.ProgressBar1.value(), 64);
+  c.ProgressBar1.setValue(-1);
+  EXPECT_EQ(c.ProgressBar1.value(), 0);
+  c.ProgressBar1.setMaximum(0);
+  c.ProgressBar1.advance();
+  EXPECT_EQ(c.ProgressBar1.value(), 0);
+}
+
+TEST(DeviceList, runsItsHandlerAtEverySettingAndNotWithinIt) {
+  Controls c;
+  for (const char* const item : {"zero", "one", "two"}) c.Device.addItem(item);
+  std::vector<int> seen;
+  c.Device.onClick([&] {
+    seen.push_back(c.Device.position());
+    if (c.Device.position() == 1) c.Device.setPosition(-1);
+  });
+  for (const int position : {2, 2, 1, -1}) c.Device.setPosition(position);
+  EXPECT_EQ(seen, (std::vector<int>{2, 2, 1, -1}));
+  EXPECT_EQ(c.Device.text(), "");
+  c.Device.setPosition(2);
+  EXPECT_THROW(c.Device.setPosition(3), RuntimeError);
+  EXPECT_THROW(c.Device.setPosition(-2), RuntimeError);
+  EXPECT_EQ(c.Device.text(), "two");
+}
+
+TEST(Listeners, hearOfChangesAlone) {
+  Controls c;
+  Listener listener;
+  c.setListener(&listener);
+  c.StatusBar.setText("");
+  c.Read_button.setEnabled(false);
+  c.Read_button.setEnabled(true);
+  c.SystemLog.append("line");
+  c.HiLow_button[2].setValue(true);
+  EXPECT_EQ(listener.changed, (std::vector<std::string>{"Read_button", "SystemLog+line",
+                                                        "HiLow_button(0)", "HiLow_button(2)"}));
+  EXPECT_EQ(c.find("Voltage_button(3)"), &c.Voltage_button[3]);
+  EXPECT_EQ(c.find("Voltage_button(4)"), nullptr);
+}
+
+std::vector<std::string> namesOf(const Controls& c, bool (*isWanted)(const Control&)) {
+  std::vector<std::string> names;
+  for (const Control* const control : c.all()) {
+    if (isWanted(*control)) names.push_back(control->name());
+  }
+  return names;
+}
+
+TEST(FormAtStart, whatAProcedureEnablesIsDisabled) {
+  const Controls c;
+  EXPECT_EQ(
+      namesOf(c, [](const Control& control) { return !control.enabled(); }),
+      (std::vector<std::string>{
+          "Voltage_button(0)", "Voltage_button(1)", "Voltage_button(2)",   "Voltage_button(3)",
+          "CheckCode",         "CheckData",         "Read_button",         "Blank_button",
+          "Verify_button",     "Program_button",    "EraseFlash_button",   "Display_button",
+          "Erase_button",      "Show_button",       "tbToolBar(2)",        "tbToolBar(4)",
+          "tbToolBar(5)",      "mnuFileOpenData",   "mnuFileSaveCode",     "mnuFileSaveCodeAs",
+          "mnuFileSaveData",   "mnuFileSaveDataAs", "menuReadCode",        "menuBlankCheck",
+          "menuVerifyCode",    "menuProgramCode",   "menuEraseCode",       "menuDisplayCode",
+          "menuReadData",      "menuVerifyData",    "menuProgramData",     "menuEraseData",
+          "menuDisplayData",   "menuEraseFlash",    "menuFlashShowCodeID", "LoadSetup1",
+          "LoadSetup2",        "LoadSetup3",        "LoadSetup4"}));
+}
+
+TEST(FormAtStart, whatAProcedureShowsIsHidden) {
+  Controls c;
+  EXPECT_EQ(namesOf(c, [](const Control& control) { return !control.visible(); }),
+            (std::vector<std::string>{
+                "Frame5", "FrameVoltageSelection", "CheckBlankPriorProgramming",
+                "VerifyAfterProgramming", "frmDisplay1", "FileNameDataLabel", "FileNameDataSize",
+                "FileNameDataText", "tbToolBar(3)", "tbToolBar(4)", "tbToolBar(5)"}));
+  EXPECT_TRUE(c.HiLow_button[0].value());
+  EXPECT_EQ(c.Device.position(), -1);
+  EXPECT_EQ(c.Slider1.value(), 18);
+  EXPECT_EQ(c.Slider1.minimum(), 1);
+  EXPECT_EQ(c.Slider1.maximum(), 20);
+  EXPECT_EQ(c.Show_button.caption(), "Show Data");
+  EXPECT_EQ(c.FileNameCodeSize.caption(), "(0 Bytes)");
+  EXPECT_EQ(c.LoadSetup[3].caption(), "Load Setup #&4");
+  EXPECT_EQ(c.SaveSetup[0].caption(), "Save Setup #&1");
+}
+
+struct Locked {
+  ProgrammerState state;
+  Controls c;
+  OperationButtons buttons{state, c};
+  Locked() {
+    buttons.enable(c.Program_button);
+    buttons.enable(c.Read_button);
+    buttons.lock();
+  }
+  std::vector<bool> enabled() {
+    return {c.Program_button.enabled(), c.Verify_button.enabled(), c.Read_button.enabled(),
+            c.Display_button.enabled()};
+  }
+};
+
+TEST(OperationButtonLock, recordsProgramVerifyReadDisplayAndGivesThemBack) {
+  Locked l;
+  EXPECT_EQ(l.enabled(), (std::vector<bool>{false, false, false, false}));
+  EXPECT_EQ(l.state.SavedButtonState,
+            (std::array<std::string, 4>{"True", "False", "True", "False"}));
+  l.buttons.lock();
+  l.buttons.unlock();
+  EXPECT_EQ(l.enabled(), (std::vector<bool>{true, false, true, false}));
+}
+
+TEST(OperationButtonLock, holdsBackWhatAProcedureEnablesMeanwhile) {
+  Locked l;
+  l.buttons.enable(l.c.Verify_button);
+  l.buttons.setEnabled(l.c.Read_button, false);
+  l.buttons.enable(l.c.menuVerifyCode);
+  EXPECT_TRUE(l.c.menuVerifyCode.enabled());
+  EXPECT_EQ(l.enabled(), (std::vector<bool>{false, false, false, false}));
+  l.buttons.unlock();
+  EXPECT_EQ(l.enabled(), (std::vector<bool>{true, true, false, false}));
+  l.c.Read_button.setEnabled(true);
+  l.buttons.unlock();
+  EXPECT_TRUE(l.c.Read_button.enabled());
+}
+
+}  // namespace
+}  // namespace kestrel
