@@ -1,0 +1,263 @@
+// Latches, address, read-back: every access that the primitives make, in order.
+
+#include <gtest/gtest.h>
+
+#include "hardware/bus_primitives.h"
+#include "hardware/decode_tables.h"
+#include "hardware/lamps.h"
+#include "platform/runtime_error.h"
+#include "support/fakes.h"
+#include "support/port_script.h"
+
+namespace kestrel::test {
+namespace {
+
+struct Bus {
+  explicit Bus(std::int16_t model, std::int16_t base = 0x378) {
+    BuildDecodeTables(state);
+    registers.InitControlTables();
+    state.PortBase = base;
+    state.KestrelModel = model;
+    registers.ApplyPortAndModel();
+  }
+  ProgrammerState state;
+  Controls controls;
+  PortScript port;
+  Registers registers{state, port, port};
+  BusPrimitives bus{state, controls, registers, port, port};
+};
+
+using Load = void (Registers::*)();
+
+void expectLoads(std::int16_t model, const std::array<const char*, 5>& expected) {
+  static constexpr std::array<Load, 5> kLoads{&Registers::SetReg0, &Registers::SetReg1,
+                                              &Registers::SetReg2, &Registers::SetReg3,
+                                              &Registers::SetReg4};
+  Bus b(model);
+  b.state.BusDelayCount = 12;
+  b.state.RegShadow0 = 0x50;
+  b.state.RegShadow1 = 0x51;
+  b.state.RegShadow2 = 0x5A;
+  b.state.RegShadow3 = 0x53;
+  b.state.RegShadow4 = 0xFF;
+  for (std::size_t latch = 0; latch < kLoads.size(); ++latch) {
+    (b.registers.*kLoads[latch])();
+    EXPECT_EQ(b.port.taken(), expected[latch]);
+  }
+}
+
+TEST(LatchLoad, model4HasTheStrobeActiveHigh) {
+  expectLoads(4, {"378=50 37A=0A spin12 37A=0B 37A=0A", "378=51 37A=02 spin12 37A=03 37A=02",
+                  "378=5A 37A=08 spin12 37A=09 37A=08", "378=53 37A=00 spin12 37A=01 37A=00",
+                  "378=FF 37A=0E spin12 37A=0F 37A=0E"});
+}
+
+TEST(LatchLoad, models5And6HaveAllControlLinesInverted) {
+  for (const std::int16_t model : {std::int16_t{5}, std::int16_t{6}}) {
+    expectLoads(model, {"378=50 37A=05 spin12 37A=04 37A=05", "378=51 37A=0D spin12 37A=0C 37A=0D",
+                        "378=5A 37A=07 spin12 37A=06 37A=07", "378=53 37A=0F spin12 37A=0E 37A=0F",
+                        "378=FF 37A=01 spin12 37A=00 37A=01"});
+  }
+}
+
+TEST(LatchLoad, anUnknownModelKeepsTheCodesAndMovesThePort) {
+  Bus b(4);
+  b.state.PortBase = 0x3BC;
+  b.state.KestrelModel = 7;
+  b.registers.ApplyPortAndModel();
+  b.registers.SetReg2();
+  EXPECT_EQ(b.port.taken(), "3BC=00 3BE=08 3BE=09 3BE=08");
+}
+
+TEST(LatchLoad, aShadowThatIsNoByteAndAPortPastTheEndOverflow) {
+  Bus b(5);
+  b.state.RegShadow1 = 0x100;
+  EXPECT_THROW(b.registers.SetReg1(), RuntimeError);
+  EXPECT_EQ(b.port.taken(), "");
+  b.state.PortBase = 0x7FFE;
+  EXPECT_THROW(b.registers.ApplyPortAndModel(), RuntimeError);
+}
+
+TEST(Signals, changeTheirBitsAndLoadTheirLatches) {
+  Bus b(5);
+  const auto after = [&b](void (BusPrimitives::*signal)()) {
+    (b.bus.*signal)();
+    return b.port.taken();
+  };
+  b.state.RegShadow0 = 0x18;
+  b.state.RegShadow3 = 0xC7;
+  EXPECT_EQ(after(&BusPrimitives::CEON), "378=47 37A=0F 37A=0E 37A=0F");
+  EXPECT_EQ(after(&BusPrimitives::CEOFF), "378=C7 37A=0F 37A=0E 37A=0F");
+  EXPECT_EQ(after(&BusPrimitives::VPP24_ON), "378=D8 37A=05 37A=04 37A=05");
+  EXPECT_EQ(after(&BusPrimitives::OEON), "378=18 37A=05 37A=04 37A=05");
+  b.state.RegShadow0 = 0x98;
+  EXPECT_EQ(after(&BusPrimitives::OEOFF), "378=D8 37A=05 37A=04 37A=05");
+  EXPECT_EQ(after(&BusPrimitives::VPP24_OFF), "378=18 37A=05 37A=04 37A=05");
+  EXPECT_EQ(after(&BusPrimitives::CEOEOFF),
+            "378=C7 37A=0F 37A=0E 37A=0F 378=58 37A=05 37A=04 37A=05");
+  EXPECT_EQ(after(&BusPrimitives::CEOEON),
+            "378=47 37A=0F 37A=0E 37A=0F 378=18 37A=05 37A=04 37A=05");
+  b.registers.REG4ON();
+  EXPECT_EQ(b.port.taken(), "378=07 37A=0F 37A=0E 37A=0F");
+  b.registers.REG4OFF();
+  EXPECT_EQ(b.port.taken(), "378=47 37A=0F 37A=0E 37A=0F");
+}
+
+TEST(Address, isSplitAndStepped) {
+  Bus b(5);
+  b.state.LinearAddress = 0x12345;
+  b.bus.Endereco2Adr();
+  EXPECT_EQ(b.state.AddrHigh, 0x01);
+  EXPECT_EQ(b.state.AddrMid, 0x23);
+  EXPECT_EQ(b.state.AddrLow, 0x45);
+  b.state.AddrMid = 255;
+  b.state.AddrLow = 255;
+  b.bus.IncADR();
+  EXPECT_EQ(b.state.AddrHigh, 2);
+  EXPECT_EQ(b.state.AddrMid, 0);
+  EXPECT_EQ(b.state.AddrLow, 0);
+  EXPECT_EQ(b.state.LinearAddress, 0x12346);
+  EXPECT_EQ(b.port.taken(), "");
+}
+
+TEST(Address, SETADRLoadsTheThreeLatchesThroughTheMaps) {
+  Bus b(5);
+  b.state.Reg1Fixed = 0x40;
+  b.state.Reg3Fixed = 0x02;
+  b.state.RegShadow3 = 0xDF;
+  b.state.LinearAddress = 0x45A7E;
+  b.bus.Endereco2Adr();
+  b.state.AddrMapMid[0x5A] = 0x9A;
+  b.state.AddrMapHigh[4] = 8;
+  b.bus.SETADR();
+  EXPECT_EQ(b.port.taken(),
+            "378=DA 37A=0D 37A=0C 37A=0D 378=7E 37A=07 37A=06 37A=07 378=DA 37A=0F 37A=0E 37A=0F");
+  b.state.AddrMid = 256;
+  EXPECT_THROW(b.bus.SETADR_FLASH(), RuntimeError);
+}
+
+TEST(Address, SETADR_XICORLoadsOnlyWhatChanges) {
+  Bus b(5);
+  b.state.Reg1Fixed = 0x40;
+  b.state.Reg3Fixed = 0x02;
+  b.bus.Reset();
+  EXPECT_EQ(b.port.taken(),
+            "378=40 37A=05 37A=04 37A=05 378=40 37A=0D 37A=0C 37A=0D "
+            "378=00 37A=07 37A=06 37A=07 378=C6 37A=0F 37A=0E 37A=0F");
+  const auto at = [&b](std::int32_t address) {
+    b.state.LinearAddress = address;
+    b.bus.Endereco2Adr();
+    b.bus.SETADR_XICOR();
+    return b.port.taken();
+  };
+  // The first time latch 3 loses the bit that Reset alone sets.
+  EXPECT_EQ(at(0x0000), "378=C2 37A=0F 37A=0E 37A=0F");
+  EXPECT_EQ(at(0x0001), "378=01 37A=07 37A=06 37A=07");
+  EXPECT_EQ(at(0x0001), "");
+  EXPECT_EQ(at(0x0101), "378=41 37A=0D 37A=0C 37A=0D");
+  EXPECT_EQ(at(0x4001), "378=C0 37A=0D 37A=0C 37A=0D");
+  b.state.Reg1Fixed = 0;
+  EXPECT_EQ(at(0x4001), "378=80 37A=0D 37A=0C 37A=0D");
+}
+
+TEST(Reset, alsoPutsTheBarAndTheEraseModeBack) {
+  Bus b(5);
+  b.controls.ProgressBar1.setMaximum(512);
+  b.controls.ProgressBar1.setValue(300);
+  b.state.EraseMode = 1;
+  b.state.LinearAddress = 0x1FFFF;
+  b.bus.Reset();
+  EXPECT_EQ(b.controls.ProgressBar1.maximum(), 100);
+  EXPECT_EQ(b.controls.ProgressBar1.value(), 0);
+  EXPECT_EQ(b.state.EraseMode, 0);
+  EXPECT_EQ(b.state.LinearAddress + b.state.AddrLow + b.state.AddrMid + b.state.AddrHigh, 0);
+}
+
+int readBack(Bus& b, std::uint8_t first, std::uint8_t second) {
+  b.port.answers = {first, second};
+  b.bus.GetNibbles();
+  return b.state.ReadByte;
+}
+
+TEST(GetNibbles, model4) {
+  Bus b(4);
+  EXPECT_EQ(readBack(b, 0x78, 0x78), 0xFF);
+  EXPECT_EQ(b.port.taken(), "37A=00 379? 37A=04 379?");
+  EXPECT_EQ(readBack(b, 0xFF, 0xFF), 0xDD);
+  // Data bit 1 alone: BUSY (status bit 7) is low, in the other half high.
+  EXPECT_EQ(readBack(b, 0x0F, 0x80), 0x02);
+  EXPECT_EQ(readBack(b, 0xC0, 0x80), 0x01);
+  EXPECT_EQ(readBack(b, 0x80, 0x10), 0xA0);
+}
+
+TEST(GetNibbles, models5And6) {
+  for (const std::int16_t model : {std::int16_t{5}, std::int16_t{6}}) {
+    Bus b(model);
+    EXPECT_EQ(readBack(b, 0x78, 0x70), 0xEF);
+    EXPECT_EQ(b.port.taken(), "37A=05 379? 37A=01 379?");
+    EXPECT_EQ(readBack(b, 0x87, 0x87), 0x00);
+    EXPECT_EQ(readBack(b, 0x08, 0x40), 0x81);
+    EXPECT_EQ(b.state.StatusLow, 0x08);
+    EXPECT_EQ(b.state.StatusHigh, 0x40);
+  }
+}
+
+TEST(GetNibbles24CXX, readsTheUpperHalfAlone) {
+  Bus four(4);
+  four.port.answers = {0x9F};
+  four.bus.GetNibbles24CXX();
+  EXPECT_EQ(four.port.taken(), "37A=04 379?");
+  EXPECT_EQ(four.state.ReadByte, 0x82);
+  Bus five(5);
+  five.port.answers = {0x40};
+  five.bus.GetNibbles24CXX();
+  EXPECT_EQ(five.port.taken(), "37A=01 379?");
+  EXPECT_EQ(five.state.ReadByte, 0x80);
+}
+
+TEST(GetNibbles, withoutAModelNothingIsRead) {
+  Bus b(0);
+  b.state.ReadByte = 0x5A;
+  b.bus.GetNibbles();
+  b.bus.GetNibbles24CXX();
+  EXPECT_EQ(b.port.taken(), "");
+  EXPECT_EQ(b.state.ReadByte, 0x5A);
+}
+
+TEST(Waits, haveTheirCounts) {
+  Bus b(5);
+  b.state.SettleFactor = 50;
+  b.bus.WaitSettlingTime();
+  EXPECT_EQ(b.state.LoopIndex, 5001);
+  b.bus.Delay2Seconds();
+  b.bus.ShortDelay20();
+  b.bus.ShortDelay10();
+  b.registers.BusDelay();
+  EXPECT_EQ(b.port.taken(), "spin5000 sleep2000 spin20 spin10");
+}
+
+TEST(Lamps, theProgramLampHasATwinOnTheBoard) {
+  Bus b(5);
+  FakeScreen screen;
+  Lamps lamps(b.state, b.controls, b.registers, screen);
+  b.state.RegShadow0 = 0x40;
+  lamps.ProgramLampOn();
+  lamps.DataFlowLampOn();
+  EXPECT_EQ(b.port.taken(), "378=48 37A=05 37A=04 37A=05");
+  EXPECT_EQ(b.controls.Program_label.colour(), Colour::Green);
+  EXPECT_EQ(b.controls.DataFlow_label.colour(), Colour::Green);
+  lamps.ErrorLampOn();
+  EXPECT_EQ(b.port.taken(), "378=40 37A=05 37A=04 37A=05");
+  EXPECT_EQ(b.controls.Error_label.colour(), Colour::Red);
+  EXPECT_EQ(b.controls.Program_label.colour(), Colour::ButtonFace);
+  EXPECT_EQ(b.controls.DataFlow_label.colour(), Colour::ButtonFace);
+  lamps.BlinkProgramLamp();
+  EXPECT_EQ(b.port.taken(), "378=48 37A=05 37A=04 37A=05");
+  lamps.ErrorLampOff();
+  EXPECT_EQ(b.controls.Error_label.colour(), Colour::ButtonFace);
+  EXPECT_EQ(b.port.taken(), "");
+  EXPECT_GE(screen.repaints, 5);
+}
+
+}  // namespace
+}  // namespace kestrel::test
