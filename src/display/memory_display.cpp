@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "display/hex_line.h"
+#include "platform/runtime_error.h"
 
 namespace kestrel {
 namespace {
@@ -23,7 +24,7 @@ MemoryDisplay::MemoryDisplay(ProgrammerState& state, Controls& controls, BusPrim
 
 void MemoryDisplay::drawPage(TextBox& box, std::int32_t page,
                              std::span<const std::uint8_t> buffer) {
-  state_.LinearAddress = page * kPageBytes;
+  state_.LinearAddress = narrowed<std::int32_t>(std::int64_t{page} * kPageBytes);
   bus_.Endereco2Adr();
   const ShownCharacters shown = charactersIn(state_.PrintableChars);
   for (state_.LoopIndex = 0; state_.LoopIndex < kPageLines; ++state_.LoopIndex) {

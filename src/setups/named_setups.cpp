@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <optional>
 #include <utility>
 
@@ -27,10 +28,12 @@ std::optional<bool> booleanIn(std::string_view text) {
   const std::string word = upperCase(trimmed(text));
   if (word == "TRUE") return true;
   if (word == "FALSE") return false;
-  const bool isNumber = !word.empty() && word.find_first_not_of("+-.0123456789E") == word.npos &&
-                        word.find_first_of("0123456789") != word.npos;
-  if (isNumber) return leadingNumber(word) != 0;
-  return std::nullopt;
+  const std::string_view digits = std::string_view(word).substr(word.starts_with('+') ? 1 : 0);
+  if (digits.find_first_not_of("-.0123456789E") != digits.npos) return std::nullopt;
+  double number = 0;
+  const auto result = std::from_chars(digits.data(), digits.data() + digits.size(), number);
+  if (result.ec != std::errc() || result.ptr != digits.data() + digits.size()) return std::nullopt;
+  return number != 0;
 }
 
 std::int32_t integerIn(std::string_view text) { return clampedInt32(leadingNumber(text)); }
@@ -120,7 +123,13 @@ void NamedSetups::RestoreSetup(const std::string& fileName) {
   const std::vector<std::string> lines = linesOf(readWholeTextFile(pathOf(fileName)));
   const std::string earlierFile = state_.CodeFileName;
   const std::string earlierCaption = controls_.FileNameCodeText.caption();
-  for (const std::string& line : lines) restoreLine(line);
+  try {
+    for (const std::string& line : lines) restoreLine(line);
+  } catch (...) {
+    // The file is not loaded: under its name the next save would replace it with another image.
+    state_.CodeFileName = earlierFile;
+    throw;
+  }
   controls_.FrameVoltageSelection.setEnabled(true);
   controls_.Frame5.setEnabled(true);
   controls_.FileNameCodeText.setCaption(state_.CodeFileName);
@@ -179,7 +188,7 @@ void NamedSetups::restoreDevice(std::string_view value) {
 void NamedSetups::Setup_Click() {
   for (Button& entry : controls_.LoadSetup) entry.setEnabled(false);
   for (std::size_t slot = 1; slot <= controls_.LoadSetup.size(); ++slot) {
-    const fs::path path = pathOf("KSSETUP" + std::to_string(slot) + ".INI");
+    const fs::path path = pathOf(fileNameOf(slot));
     std::error_code error;
     if (!fs::is_regular_file(path, error)) continue;
     try {
