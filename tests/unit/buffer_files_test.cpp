@@ -1,0 +1,285 @@
+// Opening, saving and erasing the two buffers; files that cannot be used change nothing.
+
+#include <gtest/gtest.h>
+
+#include "support/script_form.h"
+
+namespace kestrel::test {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Files : ScriptForm {
+  Files() { load(); }
+
+  std::string fileOf(std::size_t bytes) { return file("sized.bin", std::string(bytes, '\x5A')); }
+  std::string text(const std::string& path) { return readWholeTextFile(path); }
+};
+
+TEST(OpenCode, readsTheFileAndShowsIt) {
+  Files f;
+  const std::string path = f.file("Rom.bin", "ABCDEFGHIJKLMNOPabc");
+  f.s.CodeBuffer[19] = 0x77;
+  f.s.DisplayMode = "DisplayEprom";
+  f.open("mnuFileOpenCode", path);
+  EXPECT_EQ(f.rig.dialogs.asked.back(), "Open Code File|All Files (*.*)|*.*");
+  EXPECT_EQ(f.rig.log(),
+            (std::vector<std::string>{"File " + path + " - was read into Buffer. 19 bytes long.",
+                                      "Read File CRC = $05AE",
+                                      "You can Install a Blank Eprom for Programming"}));
+  EXPECT_EQ(f.s.CodeBuffer[18], 'c');
+  EXPECT_EQ(f.s.CodeBuffer[19], 0x77);
+  EXPECT_TRUE(f.c.BufferDisplay.text().starts_with(
+      "\r\n000000| 41424344 45464748 494A4B4C 4D4E4F50 | ABCDEFGHIJKLMNOP"
+      "\r\n000010| 61626377 00000000 00000000 00000000 | abcw............\r\n000020| "));
+  EXPECT_EQ(f.s.DisplayMode, "Read");
+  EXPECT_EQ(f.c.FileNameCodeText.caption(), upperCase(path));
+  EXPECT_EQ(f.c.FileNameCodeSize.caption(), "(19)");
+  EXPECT_EQ(f.c.VScroll1.maximum(), -1);
+  EXPECT_EQ(f.c.StatusBar.text(), "");
+  EXPECT_EQ(f.rig.sounds.played, std::vector<std::string>{"done.wav"});
+  EXPECT_EQ(f.s.CodeBufferValid, 1);
+  EXPECT_TRUE(f.s.FileBytes.empty());
+}
+
+TEST(OpenCode, enablesSavingAndErasingAndWithADeviceItsCommands) {
+  Files f;
+  f.open("tbToolBar(1)", f.fileOf(1024));
+  for (const char* const name :
+       {"tbToolBar(2)", "mnuFileSaveCode", "mnuFileSaveCodeAs", "menuEraseCode", "Erase_button"}) {
+    EXPECT_TRUE(f.c.find(name)->enabled()) << name;
+  }
+  EXPECT_FALSE(f.c.Program_button.enabled());
+  EXPECT_EQ(f.c.VScroll1.maximum(), 3);
+  f.rig.select("Eprom 27C256");
+  EXPECT_EQ(f.c.VScroll1.maximum(), 127);
+  f.c.Program_button.setEnabled(false);
+  f.open("tbToolBar(1)", f.fileOf(1024));
+  for (const char* const name :
+       {"Verify_button", "menuVerifyCode", "Program_button", "menuProgramCode"}) {
+    EXPECT_TRUE(f.c.find(name)->enabled()) << name;
+  }
+  EXPECT_FALSE(f.c.CheckCode.enabled());
+  EXPECT_EQ(f.c.CheckCode.value(), 1);
+  EXPECT_EQ(f.c.VScroll1.maximum(), 3);
+}
+
+TEST(OpenCode, takesAnEmptyFileAndOneThatFillsTheBuffer) {
+  Files f;
+  f.open("mnuFileOpenCode", f.fileOf(0));
+  EXPECT_EQ(f.s.FileChecksumText, "0000");
+  EXPECT_EQ(f.c.FileNameCodeSize.caption(), "(0)");
+  f.open("mnuFileOpenCode", f.fileOf(2'100'001));
+  EXPECT_EQ(f.s.CodeLength, 2'100'001);
+  EXPECT_EQ(f.s.CodeBuffer[2'100'000], 0x5A);
+  EXPECT_EQ(f.c.VScroll1.maximum(), 8202);
+  f.c.VScroll1.setValue(8202);
+  EXPECT_TRUE(f.c.BufferDisplay.text().starts_with("\r\n200A00| 5A5A5A5A "));
+}
+
+// Every refusal: one message box, one log line, the error sound, and the earlier file as it was.
+void expectRefused(Files& f, const std::string& path, const std::string& reason) {
+  f.open("mnuFileOpenCode", f.file("good.bin", "good"));
+  f.rig.clearLog();
+  f.rig.dialogs.boxes.clear();
+  f.open("mnuFileOpenCode", path);
+  const std::string message = "Cannot read " + path + ": " + reason;
+  EXPECT_EQ(f.rig.log(), std::vector<std::string>{message});
+  ASSERT_EQ(f.rig.dialogs.boxes.size(), 1U);
+  EXPECT_EQ(f.rig.dialogs.boxes[0].text, message);
+  EXPECT_EQ(f.rig.sounds.played.back(), "error.wav");
+  EXPECT_EQ(f.s.CodeFileName, (f.rig.folder / "good.bin").string());
+  EXPECT_EQ(f.c.FileNameCodeText.caption(), upperCase(f.s.CodeFileName));
+  EXPECT_EQ(f.s.CodeLength, 4);
+  EXPECT_EQ(f.s.CodeBuffer[3], 'd');
+  EXPECT_EQ(f.c.StatusBar.text(), "");
+  EXPECT_EQ(f.rig.form.lastOutcome(), frmMain::Outcome::Done);
+}
+
+TEST(OpenCode, refusesWhatCannotBeRead) {
+  Files f;
+  expectRefused(f, (f.rig.folder / "missing.bin").string(), "No such file or directory");
+  expectRefused(f, f.rig.folder.path().string(), "Is a directory");
+  expectRefused(f, f.fileOf(2'100'002), "it is longer than the 2100001 bytes allowed");
+}
+
+TEST(OpenCode, refusesAFileWithoutPermission) {
+  Files f;
+  const std::string path = f.fileOf(10);
+  fs::permissions(path, fs::perms::none);
+  f.file("good.bin", "good");
+  f.open("mnuFileOpenCode", (f.rig.folder / "good.bin").string());
+  const ReadOnlyFolder asNobody(f.rig.folder.path());
+  f.open("mnuFileOpenCode", path);
+  EXPECT_EQ(f.rig.log().back(), "Cannot read " + path + ": Permission denied");
+  EXPECT_EQ(f.s.CodeLength, 4);
+}
+
+TEST(OpenCode, aCancelledDialogChangesNothing) {
+  Files f;
+  ASSERT_TRUE(f.rig.press("mnuFileOpenCode"));
+  EXPECT_EQ(f.s.CodeFileName, "");
+  EXPECT_TRUE(f.rig.log().empty());
+  EXPECT_TRUE(f.rig.dialogs.boxes.empty());
+}
+
+TEST(OpenData, takes8192Bytes) {
+  Files f;
+  f.rig.select("Eprom 27C256");
+  f.c.mnuFileOpenData.setEnabled(true);
+  const std::string path = f.fileOf(8192);
+  f.open("mnuFileOpenData", path);
+  EXPECT_EQ(f.rig.dialogs.asked.back(), "Open Data File (eeprom)|All Files (*.*)|*.*");
+  EXPECT_TRUE(f.rig.logged("File " + path + " - was read into DataBuffer. 8192 bytes long."));
+  EXPECT_EQ(f.s.DataBuffer[8191], 0x5A);
+  EXPECT_EQ(f.s.DataBufferValid, 1);
+  EXPECT_EQ(f.c.FileNameDataText.caption(), path);
+  EXPECT_EQ(f.c.VScroll1.maximum(), 127);  // follows the code length
+  EXPECT_EQ(f.c.DataFlow_label.colour(), Colour::ButtonFace);
+  EXPECT_EQ(f.rig.sounds.played, std::vector<std::string>{"done.wav"});  // of the selection
+  for (const char* const name :
+       {"tbToolBar(5)", "Verify_button", "menuVerifyData", "Program_button", "menuProgramData",
+        "mnuFileSaveData", "mnuFileSaveDataAs", "Erase_button", "menuEraseData"}) {
+    EXPECT_TRUE(f.c.find(name)->enabled()) << name;
+  }
+}
+
+TEST(OpenData, refuses8193BytesAndLeavesTheLampOn) {
+  Files f;
+  f.c.mnuFileOpenData.setEnabled(true);
+  f.open("mnuFileOpenData", f.fileOf(8193));
+  EXPECT_EQ(f.rig.log(), std::vector<std::string>{"Data File Size is 8193 bytes, bigger than the "
+                                                  "8192 allowed - Will Not Open"});
+  ASSERT_EQ(f.rig.dialogs.boxes.size(), 1U);
+  EXPECT_EQ(f.rig.dialogs.boxes[0].text, "Can't Open Data File Bigger than 8192 Bytes");
+  EXPECT_EQ(f.rig.dialogs.boxes[0].title, "Data File to Big");
+  EXPECT_EQ(f.rig.dialogs.boxes[0].icon, MessageIcon::Exclamation);
+  EXPECT_EQ(f.c.DataFlow_label.colour(), Colour::Green);
+  EXPECT_EQ(f.s.DataLength, 8193);
+  EXPECT_EQ(f.s.DataBuffer[0], 0);
+  EXPECT_EQ(f.s.DataBufferValid, 0);
+}
+
+TEST(SaveCode, writesAsManyBytesAsAreInUse) {
+  Files f;
+  f.rig.select("Eprom 2732");
+  f.s.CodeBuffer[4095] = 0xA5;
+  f.c.mnuFileSaveCode.setEnabled(true);
+  const std::string path = (f.rig.folder / "out.bin").string();
+  f.open("mnuFileSaveCode", path);
+  EXPECT_EQ(f.rig.dialogs.asked.back(), "Save CODE BUFFER ...|All Files (*.*)|*.*");
+  EXPECT_EQ(f.text(path), std::string(4095, '\0') + '\xA5');
+  EXPECT_EQ(f.rig.log().back(), "File Sucessfully Saved as " + path);
+  EXPECT_EQ(f.c.FileNameCodeText.caption(), path);
+  f.rig.dialogs.asked.clear();
+  f.s.CodeLength = 3;
+  f.rig.press("mnuFileSaveCode");
+  EXPECT_EQ(f.text(path), std::string(3, '\0'));
+  EXPECT_TRUE(f.rig.dialogs.asked.empty());
+}
+
+TEST(SaveCode, aFailingSaveKeepsFileNameAndCaption) {
+  Files f;
+  const std::string path = f.file("Rom.bin", "abc");
+  f.open("mnuFileOpenCode", path);
+  f.open("mnuFileSaveCodeAs", (f.rig.folder / "no/such/folder.bin").string());
+  EXPECT_EQ(f.rig.dialogs.asked.back(), "Save CODE BUFFER As...|All Files (*.*)|*.*");
+  ASSERT_EQ(f.rig.dialogs.boxes.size(), 1U);
+  EXPECT_EQ(f.s.CodeFileName, path);
+  EXPECT_EQ(f.c.FileNameCodeText.caption(), upperCase(path));
+  f.s.CodeBuffer[0] = 'X';
+  {
+    const ReadOnlyFolder locked(f.rig.folder.path());
+    f.rig.press("mnuFileSaveCode");
+  }
+  EXPECT_EQ(f.rig.dialogs.boxes.size(), 2U);
+  EXPECT_EQ(f.text(path), "abc");
+  EXPECT_EQ(f.c.StatusBar.text(), "");
+}
+
+// Save Data asks for the name of the code file and writes into it.
+TEST(SaveData, writesTheDataBytesIntoTheCodeFile) {
+  Files f;
+  const std::string code = f.file("code.bin", "codecode");
+  f.open("mnuFileOpenCode", code);
+  f.c.mnuFileOpenData.setEnabled(true);
+  const std::string data = f.file("data.bin", "da");
+  f.open("mnuFileOpenData", data);
+  f.rig.press("mnuFileSaveData");
+  EXPECT_EQ(f.text(code), "da");
+  EXPECT_EQ(f.rig.log().back(), "File Sucessfully Saved as " + data);
+}
+
+TEST(SaveData, withoutACodeFileTakesTheNameAndFails) {
+  Files f;
+  f.c.mnuFileSaveData.setEnabled(true);
+  const std::string path = (f.rig.folder / "data.bin").string();
+  f.open("mnuFileSaveData", path);
+  EXPECT_EQ(f.rig.dialogs.asked.back(), "Save DATA Buffer ...|All Files (*.*)|*.*");
+  EXPECT_EQ(f.s.DataFileName, path);
+  EXPECT_EQ(f.c.FileNameDataText.caption(), path);
+  EXPECT_EQ(f.rig.dialogs.boxes.size(), 1U);
+  EXPECT_FALSE(fs::exists(path));
+  f.c.mnuFileSaveDataAs.setEnabled(true);
+  f.s.DataLength = 2;
+  f.open("mnuFileSaveDataAs", path);
+  EXPECT_EQ(f.text(path), std::string(2, '\0'));
+}
+
+TEST(EraseBuffer, fillsOneByteMoreThanAMegabyte) {
+  Files f;
+  f.open("mnuFileOpenCode", f.fileOf(2'000'000));
+  f.rig.select("Eprom 27C256");
+  ASSERT_TRUE(f.rig.press("Erase_button"));
+  EXPECT_EQ(f.s.CodeBuffer[0], 0xFF);
+  EXPECT_EQ(f.s.CodeBuffer[1'048'576], 0xFF);
+  EXPECT_EQ(f.s.CodeBuffer[1'048'577], 0x5A);
+  EXPECT_EQ(f.s.CodeLength, 32768);
+  EXPECT_EQ(f.rig.log().back(), "Buffer has been Erased");
+  EXPECT_EQ(std::ranges::count(f.c.BufferDisplay.text(), 'F'), 512 + 1);  // one in 0000F0
+  for (const char* const name :
+       {"Verify_button", "menuVerifyCode", "Program_button", "menuProgramCode"}) {
+    EXPECT_FALSE(f.c.find(name)->enabled()) << name;
+  }
+}
+
+TEST(EraseBuffer, theTickedBuffersAndOnlyThose) {
+  Files f;
+  f.c.Erase_button.setEnabled(true);
+  f.c.CheckData.setValue(1);
+  f.rig.press("Erase_button");
+  EXPECT_EQ(f.s.CodeBuffer[0], 0x00);
+  EXPECT_EQ(f.s.DataBuffer[8192], 0xFF);
+  EXPECT_EQ(f.s.DataBuffer[8193], 0x00);
+  f.c.CheckCode.setValue(1);
+  f.rig.clearLog();
+  f.rig.press("Erase_button");
+  EXPECT_EQ(f.rig.log(),
+            (std::vector<std::string>{"Buffer has been Erased", "Buffer has been Erased"}));
+}
+
+TEST(ShowBuffer, theCaptionDecidesFromTheFirstPressOn) {
+  Files f;
+  f.s.DataBuffer[0] = 0xDA;
+  f.s.CodeBuffer[0] = 0xC0;
+  f.rig.select("Eprom 27C256");
+  EXPECT_EQ(f.c.Show_button.caption(), "Show Code");
+  EXPECT_TRUE(f.c.BufferDisplay.text().starts_with("\r\n000000| C0"));
+  f.rig.press("Show_button");
+  EXPECT_EQ(f.c.Show_button.caption(), "Show Data");
+  EXPECT_TRUE(f.c.BufferDisplay.text().starts_with("\r\n000000| C0"));
+  f.rig.press("Show_button");
+  EXPECT_EQ(f.c.Show_button.caption(), "Show Code");
+  EXPECT_TRUE(
+      f.c.BufferDisplay.text().starts_with("             *** BUFFER DATA ***\r\n000000| DA"));
+  EXPECT_EQ(f.c.Frame3.caption(), "Data Buffer Hex/Ascii Display");
+  f.c.VScroll1.setValue(32);
+  EXPECT_TRUE(f.c.BufferDisplay.text().ends_with("\r\n002060| 00000000 " + std::string(27, ' ') +
+                                                 "| ...."));
+  f.rig.press("Command1");
+  EXPECT_TRUE(f.c.frmDisplay1.window.visible());
+  EXPECT_TRUE(f.c.frmDisplay1.BufferDisplay.text().starts_with("\r\n000000| C0"));
+}
+
+}  // namespace
+}  // namespace kestrel::test
