@@ -1,0 +1,157 @@
+// A command that ends by a run-time error or by Stop leaves the board idle and the form at rest.
+
+#include <gtest/gtest.h>
+
+#include "platform/runtime_error.h"
+#include "support/form_rig.h"
+
+namespace kestrel::test {
+namespace {
+
+/// Passes on to the simulated board; before each read something may happen.
+struct DisturbedPort final : PortAccess, Clock {
+  explicit DisturbedPort(sim::SimulatedPort& given) : port(given) {}
+  void PortOut(std::int16_t number, std::uint8_t value) override {
+    throwIfStopped();
+    port.PortOut(number, value);
+  }
+  std::uint8_t PortIn(std::int16_t number) override {
+    if (readsLeft > 0 && --readsLeft == 0) disturb();
+    throwIfStopped();
+    return port.PortIn(number);
+  }
+  void Sleep(std::int32_t milliseconds) override { port.Sleep(milliseconds); }
+  void Spin(std::int64_t counts) override { port.Spin(counts); }
+  void throwIfStopped() const {
+    if (stop != nullptr && stop->isThrown()) throw OperationStopped();
+  }
+
+  sim::SimulatedPort& port;
+  const StopSwitch* stop = nullptr;
+  int readsLeft = 0;
+  std::function<void()> disturb;
+};
+
+struct Disturbed {
+  Disturbed() {
+    port.stop = &rig.stop;
+    rig.form.Form_Load();
+    rig.select("Eprom 27C256");
+    rig.state.CodeBuffer[0] = 0xC0;
+    rig.clearLog();
+  }
+  /// Reads the empty socket; the 20,000th status read is disturbed.
+  void read(std::function<void()> disturb) {
+    port.readsLeft = 20'000;
+    port.disturb = std::move(disturb);
+    EXPECT_NO_THROW(rig.press("Read_button"));
+    EXPECT_EQ(port.readsLeft, 0);
+  }
+  void expectAtRest() {
+    EXPECT_EQ(rig.state.CodeBuffer[0], 0xC0);
+    EXPECT_EQ(rig.state.CodeBuffer[1], 0x00);
+    EXPECT_EQ(rig.state.CodeLength, 32768);
+    EXPECT_EQ(rig.state.CodeBufferValid, 0);
+    EXPECT_EQ(rig.controls.DataFlow_label.colour(), Colour::ButtonFace);
+    EXPECT_EQ(rig.controls.Program_label.colour(), Colour::ButtonFace);
+    EXPECT_EQ(rig.controls.Verify_button.colour(), Colour::ButtonFace);
+    EXPECT_EQ(rig.controls.ProgressBar1.value(), 0);
+    EXPECT_EQ(rig.controls.ProgressBar1.maximum(), 100);
+    EXPECT_EQ(rig.controls.StatusBar.text(), "");
+    EXPECT_FALSE(rig.form.isRunning());
+    EXPECT_EQ(board.latch(0), 0x40);
+    EXPECT_EQ(board.latch(1), 0x80);
+    EXPECT_EQ(board.latch(2), 0x00);
+    EXPECT_EQ(board.latch(3), 0xC6);
+  }
+
+  sim::Bench bench;
+  sim::Board& board = bench.plug(sim::Model::kestrel5, 0x378);
+  sim::SimulatedPort simulated{bench};
+  DisturbedPort port{simulated};
+  FormRig rig{port, port};
+};
+
+TEST(CommandBoundary, aRunTimeErrorIsToldAndTheBoardPutToRest) {
+  Disturbed d;
+  d.read([] { throw RuntimeError(57, "The port has gone"); });
+  d.expectAtRest();
+  EXPECT_EQ(d.rig.form.lastOutcome(), frmMain::Outcome::RunTimeError);
+  EXPECT_EQ(d.rig.log(), std::vector<std::string>{"Run-time error 57: The port has gone"});
+  ASSERT_EQ(d.rig.dialogs.boxes.size(), 1U);
+  EXPECT_EQ(d.rig.dialogs.boxes[0].text, "Run-time error 57: The port has gone");
+  EXPECT_EQ(d.rig.dialogs.boxes[0].icon, MessageIcon::Critical);
+  EXPECT_EQ(d.rig.sounds.played.back(), "error.wav");
+}
+
+TEST(CommandBoundary, StopEndsTheCommandWithoutAMessageBox) {
+  Disturbed d;
+  d.read([&d] { d.rig.stop.throwIt(); });
+  d.expectAtRest();
+  EXPECT_EQ(d.rig.form.lastOutcome(), frmMain::Outcome::Stopped);
+  EXPECT_EQ(d.rig.log(), std::vector<std::string>{"Operation stopped by operator"});
+  EXPECT_TRUE(d.rig.dialogs.boxes.empty());
+}
+
+TEST(CommandBoundary, nothingElseEscapesAndTheNextCommandRuns) {
+  Disturbed d;
+  d.read([] { throw std::bad_alloc(); });
+  d.expectAtRest();
+  d.read([] { throw std::logic_error("a slip"); });
+  d.expectAtRest();
+  EXPECT_EQ(d.rig.log(), (std::vector<std::string>{"Run-time error 7: Out of memory",
+                                                   "Run-time error 51: a slip"}));
+  d.rig.press("Read_button");
+  EXPECT_EQ(d.rig.form.lastOutcome(), frmMain::Outcome::Done);
+  EXPECT_EQ(d.rig.state.CodeBuffer[0], 0xFF);
+}
+
+TEST(CommandBoundary, anAlertThatWasUpStaysUp) {
+  Disturbed d;
+  d.board.insert(sim::makeChip("27C256"));
+  d.board.loadChip(std::vector<std::uint8_t>(32768, 0x00));
+  d.rig.press("Blank_button");
+  ASSERT_EQ(d.rig.controls.Error_label.colour(), Colour::Red);
+  d.port.readsLeft = 100;
+  d.port.disturb = [] { throw RuntimeError(57, "The port has gone"); };
+  d.rig.press("menuReadCode");
+  EXPECT_EQ(d.rig.controls.Error_label.colour(), Colour::Red);
+  EXPECT_FALSE(d.rig.controls.Read_button.enabled());
+  ASSERT_TRUE(d.rig.press("Error_label"));
+  EXPECT_EQ(d.rig.controls.Error_label.colour(), Colour::ButtonFace);
+  EXPECT_TRUE(d.rig.controls.Read_button.enabled());
+  EXPECT_FALSE(d.rig.controls.Program_button.enabled());
+  EXPECT_EQ(d.rig.log().back(), "Error Alert was Turned Off");
+}
+
+TEST(CommandBoundary, aPortThatHasGoneForGoodIsToldForTheResetToo) {
+  Disturbed d;
+  d.read([&d] {
+    d.rig.state.CtlIdle[0] = 0x100;
+    throw RuntimeError(57, "The port has gone");
+  });
+  EXPECT_EQ(d.rig.dialogs.boxes.size(), 2U);
+  EXPECT_FALSE(d.rig.form.isRunning());
+  EXPECT_EQ(d.rig.controls.DataFlow_label.colour(), Colour::ButtonFace);
+  EXPECT_NO_THROW(d.rig.form.Form_Unload());
+}
+
+TEST(ShutDown, closesTheOtherWindowsAndSavesThePlaceUnlessMinimised) {
+  Disturbed d;
+  d.rig.screen.windows = 3;
+  d.rig.stop.throwIt();
+  d.rig.form.Form_Unload();
+  EXPECT_EQ(d.rig.screen.windows, 1U);
+  EXPECT_EQ(d.rig.settings.texts,
+            (std::map<std::string, std::string>{{"Settings/MainLeft", "100"},
+                                                {"Settings/MainTop", "100"},
+                                                {"Settings/MainWidth", "100"},
+                                                {"Settings/MainHeight", "6500"}}));
+  d.rig.controls.frmMain.setLeft(7);
+  d.rig.controls.frmMain.setMinimised(true);
+  d.rig.form.Form_Unload();
+  EXPECT_EQ(d.rig.settings.texts["Settings/MainLeft"], "100");
+}
+
+}  // namespace
+}  // namespace kestrel::test
