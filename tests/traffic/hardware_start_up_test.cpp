@@ -9,33 +9,34 @@
 namespace kestrel::test {
 namespace {
 
-std::string probes(const std::string& base, const std::string& status, const std::string& control) {
-  const auto out = [](const std::string& port, const char* value) { return port + value; };
-  return out(base, "=9F ") + out(control, "=0E ") + out(control, "=00 ") + out(base, "=00 ") +
-         out(control, "=06 ") + "spin500 " + status + "? " + out(control, "=00 ") +
-         out(base, "=FF ") + out(control, "=06 ") + "spin500 " + status + "? " +
-         out(control, "=09 ") + out(base, "=BF ") + out(control, "=01 ") + out(control, "=09 ") +
-         out(base, "=00 ") + out(control, "=0F ") + out(control, "=09 ") + "spin500 " + status +
-         "? " + out(base, "=FF ") + out(control, "=0F ") + out(control, "=09 ") + "spin500 " +
-         status + "? " + out(control, "=08 ");
+/// Both probes of the port whose registers end in the digits of "378 379 37A".
+std::string probes(const std::string& registers) {
+  std::string line =
+      "d=9F c=0E c=00 d=00 c=06 spin500 s? c=00 d=FF c=06 spin500 s? c=09 d=BF c=01 c=09 d=00 "
+      "c=0F c=09 spin500 s? d=FF c=0F c=09 spin500 s? c=08 ";
+  const std::string letters = "dsc";
+  for (std::size_t i = 0; i < 3; ++i) {
+    const std::string port = registers.substr(4 * i, 3);
+    for (auto at = line.find(letters[i]); at != line.npos; at = line.find(letters[i], at + 3)) {
+      if (line[at + 1] == '=' || line[at + 1] == '?') line.replace(at, 1, port);
+    }
+  }
+  return line;
 }
 
 const std::string kNoModelLamp = "0=00 2=00 2=00 2=00 ";
 const std::string kNoModelReset =
     "0=40 2=00 2=00 2=00 0=00 2=00 2=00 2=00 0=00 2=00 2=00 2=00 0=C4 2=00 2=00 2=00";
-const std::string kPulse = "378=08 37A=05 37A=04 37A=05 sleep200 378=00 37A=05 37A=04 37A=05 ";
-const std::string kReset =
-    "378=40 37A=05 37A=04 37A=05 378=00 37A=0D 37A=0C 37A=0D "
-    "378=00 37A=07 37A=06 37A=07 378=C4 37A=0F 37A=0E 37A=0F";
-const std::string kLampOff = "378=40 37A=05 37A=04 37A=05 ";
+const std::string kPulse = loads5("0 08") + " sleep200 " + loads5("0 00") + " ";
+const std::string kReset = loads5("0 40,1 00,2 00,3 C4");
+const std::string kLampOff = loads5("0 40") + " ";
 
 TEST(StartUp, withoutABoardAndShutDown) {
   PortScript port;
   FormRig rig(port, port);
   rig.form.Form_Load();
-  EXPECT_EQ(port.taken(), "0=00 0=00 0=00 0=00 " + probes("278", "279", "27A") +
-                              probes("378", "379", "37A") + probes("3BC", "3BD", "3BE") +
-                              kNoModelLamp + kNoModelReset);
+  EXPECT_EQ(port.taken(), "0=00 0=00 0=00 0=00 " + probes("278 279 27A") + probes("378 379 37A") +
+                              probes("3BC 3BD 3BE") + kNoModelLamp + kNoModelReset);
   EXPECT_EQ(rig.controls.KestrelHardwareFound.caption(), "NO HARDWARE FOUND !!!");
   EXPECT_EQ(rig.controls.Ready_label.caption(), "NotReady");
   EXPECT_EQ(rig.controls.Ready_label.colour(), Colour::Red);
@@ -56,9 +57,9 @@ TEST(StartUp, withAModel5BoardAt378AndShutDown) {
       "378=60 37A=0E 37A=00 37A=00 379? 37A=00 379? 378=40 37A=0E 37A=00 37A=00 379? 37A=00 379? ";
   const std::string isSix3BC =
       "3BC=60 3BE=0E 3BE=00 3BE=00 3BD? 3BE=00 3BD? 3BC=40 3BE=0E 3BE=00 3BE=00 3BD? 3BE=00 3BD? ";
-  EXPECT_EQ(port.taken(), "0=00 0=00 0=00 0=00 " + probes("278", "279", "27A") +
-                              probes("378", "379", "37A") + isSix378 + probes("3BC", "3BD", "3BE") +
-                              isSix3BC + kPulse + kReset + " " + kLampOff + kReset);
+  EXPECT_EQ(port.taken(), "0=00 0=00 0=00 0=00 " + probes("278 279 27A") + probes("378 379 37A") +
+                              isSix378 + probes("3BC 3BD 3BE") + isSix3BC + kPulse + kReset + " " +
+                              kLampOff + kReset);
   rig.form.Form_Unload();
   EXPECT_EQ(port.taken(), kReset);
 }
@@ -85,9 +86,7 @@ TEST(StartUp, forcedModelsApplyTheirCodesAndReset) {
             "278=40 27A=0A 27A=0B 27A=0A 278=00 27A=02 27A=03 27A=02 "
             "278=00 27A=08 27A=09 27A=08 278=C4 27A=00 27A=01 27A=00");
   ASSERT_TRUE(rig.press("ForceKestrel6"));
-  EXPECT_EQ(port.taken(),
-            "278=40 27A=05 27A=04 27A=05 278=00 27A=0D 27A=0C 27A=0D "
-            "278=00 27A=07 27A=06 27A=07 278=C4 27A=0F 27A=0E 27A=0F");
+  EXPECT_EQ(port.taken(), loads5("0 40,1 00,2 00,3 C4", "278", "27A"));
   EXPECT_EQ(rig.controls.KestrelHardwareFound.caption(), "Operator Forced Model 6");
   EXPECT_EQ(rig.controls.KestrelHardwareFound.colour(), Colour::Red);
   EXPECT_EQ(rig.controls.Ready_label.caption(), "Ready");

@@ -34,12 +34,12 @@ TEST(Exports, theLogWithItsHeaderAndWithoutASound) {
   f.load();
   f.c.SystemLog.setText("A");
   ASSERT_TRUE(f.rig.press("SystemLog_DblClick"));
-  EXPECT_EQ(readWholeTextFile(f.rig.folder / "KESTREL.LOG"),
-            "KESTREL SYSTEM LOG FILE - HALVARD LABS INC. https://www.halvardlabs.example\r\n"
-            "The following contents are the log from the Kestrel Program\r\n"
-            "2026-11-21 14:03:07 StatCode: 65 Model: 0\r\n" +
-                kRule + "A\r\n");
-  EXPECT_EQ(f.c.SystemLog.text(), "A\r\n14:03:07>  System Log was Saved to KESTREL.LOG file");
+  const std::string text = readWholeTextFile(f.rig.folder / "KESTREL.LOG");
+  EXPECT_TRUE(text.starts_with(
+      "KESTREL SYSTEM LOG FILE - HALVARD LABS INC. https://www.halvardlabs.example\r\n"
+      "The following contents are the log from the Kestrel Program\r\n"));
+  EXPECT_TRUE(text.ends_with(" StatCode: 65 Model: 0\r\n" + kRule + "A\r\n"));
+  EXPECT_EQ(f.rig.log().back(), "System Log was Saved to KESTREL.LOG file");
   EXPECT_TRUE(f.rig.sounds.played.empty());
 }
 
@@ -55,28 +55,12 @@ TEST(Exports, intoAReadOnlyFolderIsTold) {
   EXPECT_FALSE(f.rig.logged("Buffer DIsplay was Saved to KESTREL.BUF file"));
 }
 
-/// A file system of two pages on a folder.
-class SmallDisk {
- public:
-  explicit SmallDisk(std::filesystem::path folder)
-      : folder_(std::move(folder)),
-        isMounted_(::mount("tmpfs", folder_.c_str(), "tmpfs", 0, "size=8k") == 0) {}
-  ~SmallDisk() {
-    if (isMounted_) ::umount(folder_.c_str());
-  }
-  SmallDisk(const SmallDisk&) = delete;
-  SmallDisk& operator=(const SmallDisk&) = delete;
-  [[nodiscard]] bool isMounted() const { return isMounted_; }
-
- private:
-  std::filesystem::path folder_;
-  bool isMounted_;
-};
-
 TEST(Exports, aFullDiskKeepsTheEarlierFileWhole) {
   ScriptForm f;
-  const SmallDisk disk(f.rig.folder.path());
-  if (!disk.isMounted()) GTEST_SKIP() << "mounting a small disk is not permitted here";
+  const std::string folder = f.rig.folder.path().string();
+  if (::mount("tmpfs", folder.c_str(), "tmpfs", 0, "size=8k") != 0) {
+    GTEST_SKIP() << "mounting a small disk is not permitted here";
+  }
   f.load();
   f.rig.press("SystemLog_DblClick");
   const std::string earlier = readWholeTextFile(f.rig.folder / "KESTREL.LOG");
@@ -89,6 +73,7 @@ TEST(Exports, aFullDiskKeepsTheEarlierFileWhole) {
   for (const auto& entry : std::filesystem::directory_iterator(f.rig.folder.path())) {
     EXPECT_EQ(entry.path().filename(), "KESTREL.LOG");
   }
+  ::umount2(folder.c_str(), MNT_DETACH);
 }
 
 }  // namespace
