@@ -18,3 +18,8 @@ if(KESTREL_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(kestrel_settings INTERFACE -fsanitize=address,undefined)
 endif()
+if(KESTREL_FUZZ)
+  target_compile_options(kestrel_settings INTERFACE
+    -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(kestrel_settings INTERFACE -fsanitize=address,undefined)
+endif()
