@@ -1,5 +1,7 @@
 // A setup restored from any file: every control stays in its range and the program lives on.
 
+#include <fstream>
+
 #include "support/script_form.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -9,7 +11,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     loaded->load();
     return loaded;
   }();
-  form->file("KSSetup1.INI", {reinterpret_cast<const char*>(data), size});
+  std::ofstream(form->rig.folder / "KSSetup1.INI", std::ios::binary)
+      .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
   form->rig.press("Setup");
   form->rig.press("LoadSetup1");
   form->rig.clearLog();
