@@ -1,0 +1,180 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "app/launch/machine_ports.h"
+#include "app/window/main_window.h"
+#include "platform/atomic_file.h"
+#include "support/fakes.h"
+#include "support/temporary_folder.h"
+
+namespace kestrel::test {
+
+[[nodiscard]] inline LaunchOptions simulatedOptions(const std::string& chip) {
+  LaunchOptions options;
+  options.simulate = true;
+  options.chip = ChipChoice{.type = chip, .file = {}};
+  return options;
+}
+
+/// The whole window on a simulated board, as its main puts it together, with silent surroundings.
+struct WindowRig {
+  explicit WindowRig(const LaunchOptions& options = simulatedOptions("27C256"))
+      : ports(options, "27C256", stop, screen),
+        form({.port = ports.port(),
+              .clock = ports.clock(),
+              .sounds = sounds,
+              .settings = settings,
+              .help = help,
+              .dialogs = dialogs,
+              .screen = screen,
+              .stop = stop,
+              .folders = {.configuration = folder / "config",
+                          .data = folder / "data",
+                          .working = folder.path()},
+              .care = &ports}),
+        window({.form = form,
+                .mirror = mirror,
+                .gate = gate,
+                .input = input,
+                .screen = screen,
+                .dialogs = dialogs,
+                .settings = settings,
+                .stop = stop}) {
+    std::filesystem::create_directories(folder / "config");
+    QObject::connect(&watchdog_, &QTimer::timeout, &watchdog_, [] { closeForgottenDialog(); });
+    watchdog_.start(5'000);
+  }
+
+  /// Shows the window after the form's start-up.
+  void start() {
+    window.start();
+    turn();
+  }
+  /// Lets everything that is due happen.
+  static void turn() {
+    for (int round = 0; round < 3; ++round) QCoreApplication::processEvents();
+  }
+
+  /// The widget or action of that name.
+  template <typename T = QWidget>
+  T& find(const char* name) {
+    T* const found = window.findChild<T*>(name);
+    if (found == nullptr) throw std::invalid_argument(name);
+    return *found;
+  }
+  void click(const char* name) {
+    QTest::mouseClick(&find(name), Qt::LeftButton);
+    turn();
+  }
+  void trigger(const char* action) {
+    find<QAction>(action).trigger();
+    turn();
+  }
+  /// Types into the device list and presses Enter.
+  void select(const char* typed) {
+    auto& device = find<QComboBox>("Device");
+    device.setFocus();
+    device.lineEdit()->selectAll();
+    QTest::keyClicks(device.lineEdit(), typed);
+    QTest::keyClick(&device, Qt::Key_Return);
+    turn();
+  }
+  void openFile(const std::string& name, const std::vector<std::uint8_t>& bytes) {
+    writeFileAtomically(folder / name, bytes);
+    window.openCodeFile(folder / name);
+    turn();
+  }
+  [[nodiscard]] QString logText() { return find<QPlainTextEdit>("SystemLog").toPlainText(); }
+  [[nodiscard]] bool logged(const char* message) { return logText().contains(message); }
+  [[nodiscard]] QString displayText() {
+    return find<QPlainTextEdit>("BufferDisplay").toPlainText();
+  }
+  [[nodiscard]] std::vector<std::uint8_t> chipContents() {
+    const auto cells = ports.simulated()->board().chip()->contents();
+    return {cells.begin(), cells.end()};
+  }
+  [[nodiscard]] Controls& controls() { return form.controls(); }
+
+  /// A dialog that nobody answers fails the test instead of stopping it.
+  static void closeForgottenDialog() {
+    auto* const dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+    if (dialog == nullptr) return;
+    auto* const box = dynamic_cast<QMessageBox*>(dialog);
+    ADD_FAILURE() << "unexpected dialog: "
+                  << (box ? box->text() : dialog->windowTitle()).toStdString();
+    dialog->reject();
+  }
+
+  TemporaryFolder folder;
+  Mirror mirror;
+  HeldInput input;
+  CommandGate gate{mirror, input};
+  StopSwitch stop;
+  QtScreen screen{mirror, gate, input};
+  QtDialogs dialogs{mirror};
+  MemorySettings settings;
+  RecordingSounds sounds;
+  RecordingHelp help;
+  MachinePorts ports;
+  frmMain form;
+  MainWindow window;
+
+ private:
+  QTimer watchdog_;
+};
+
+/// Waits for the next modal dialog and does something with it. Remembers what the dialog said.
+class WithDialog {
+ public:
+  explicit WithDialog(std::function<void(QDialog&)> act) : act_(std::move(act)) {
+    QObject::connect(&look_, &QTimer::timeout, &look_, [this] { look(); });
+    look_.start(1);
+  }
+  [[nodiscard]] const QString& said() const { return said_; }
+  [[nodiscard]] bool wasShown() const { return shown_; }
+
+ private:
+  void look() {
+    auto* const dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+    if (dialog == nullptr) return;
+    look_.stop();
+    shown_ = true;
+    if (auto* const box = dynamic_cast<QMessageBox*>(dialog)) said_ = box->text();
+    act_(*dialog);
+  }
+
+  std::function<void(QDialog&)> act_;
+  QTimer look_;
+  QString said_;
+  bool shown_ = false;
+};
+
+[[nodiscard]] inline WithDialog answering(QMessageBox::StandardButton answer) {
+  return WithDialog([answer](QDialog& dialog) {
+    QTest::mouseClick(dynamic_cast<QMessageBox&>(dialog).button(answer), Qt::LeftButton);
+  });
+}
+
+[[nodiscard]] inline std::vector<std::uint8_t> countingBytes(std::size_t count) {
+  std::vector<std::uint8_t> bytes(count);
+  for (std::size_t i = 0; i < count; ++i) bytes[i] = static_cast<std::uint8_t>(i * 7 + i / 256);
+  return bytes;
+}
+
+}  // namespace kestrel::test
