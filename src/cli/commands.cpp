@@ -69,9 +69,14 @@ void display(Session& s) {
   s.view().printPage(s.controls().BufferDisplay);
 }
 
+// The only thing that can fail here is the file.
 void saveSetup(Session& s) {
   s.answerWith(s.arguments().setupName);
-  s.press(s.controls().SaveSetup.at(s.arguments().saveSlot - 1), {});
+  try {
+    s.press(s.controls().SaveSetup.at(s.arguments().saveSlot - 1), {});
+  } catch (const EarlyEnd& end) {
+    throw EarlyEnd(end.status() == kFailed ? kBadUsage : end.status(), end.what());
+  }
 }
 
 // clang-format off

@@ -127,6 +127,14 @@ TEST(Setup, isSavedUnderItsNameAndLoadedByALaterRun) {
   EXPECT_TRUE(load.logged("Program Speed Slider set to: 12"));
 }
 
+TEST(Setup, thatCannotBeWrittenIsAnUnusableFile) {
+  const Workplace work;
+  fs::create_directory(work.path("KSSetup1.INI"));
+  const Outcome save = work.simulate({"save-setup", "1", "x"});
+  EXPECT_EQ(save.status, 2);
+  EXPECT_TRUE(save.told("KSSetup1.INI")) << save.err;
+}
+
 TEST(Setup, whoseCodeFileIsGoneEndsTheRun) {
   const Workplace work;
   work.put("rom.bin", Bytes(10, 0));
