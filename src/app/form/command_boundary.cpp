@@ -38,13 +38,14 @@ void CommandBoundary::run(const std::function<void()>& handler) {
   outcome_ = runToOutcome(handler);
   if (outcome_ != frmMain::Outcome::Done) {
     restoreBuffer();
-    tell([this] { putToRest(); });
+    (void)runToOutcome([this] { putToRest(); });
   }
   care_.endCommand();
   tellStretchedPulses();
 }
 
 bool CommandBoundary::tell(const std::function<void()>& step) {
+  if (stop_.isThrown()) return false;
   const Running running(running_);
   return runToOutcome(step) == frmMain::Outcome::Done;
 }

@@ -23,7 +23,8 @@ class CommandBoundary {
 
   void run(const std::function<void()>& handler);
 
-  /// Runs a step of start-up or shut-down: a failure is told, and false is returned.
+  /// Runs a step of start-up: a failure is told, and false is returned. After a stop, which ends
+  /// the program then, no further step runs.
   bool tell(const std::function<void()>& step);
 
   /// The board's idle state, whatever is pressed meanwhile. Throws RuntimeError when the port has
