@@ -70,7 +70,7 @@ void NamedSetups::LoadSetup_Click(std::size_t slot) { RestoreSetup(fileNameOf(sl
 
 // The look-up ignores case, so that a slot never has two files.
 fs::path NamedSetups::pathOf(const std::string& fileName) const {
-  const fs::path exact = folders_.working / fileName;
+  fs::path exact = folders_.working / fileName;
   std::error_code error;
   if (fs::exists(exact, error)) return exact;
   for (const fs::directory_entry& entry : fs::directory_iterator(folders_.working, error)) {
