@@ -2,6 +2,7 @@
 
 #include <QDragEnterEvent>
 #include <QMimeData>
+#include <QWindow>
 
 #include "app/window/twips.h"
 #include "window/window_rig.h"
@@ -58,6 +59,20 @@ TEST(Running, inputWaitsForTheEndAndIsThenDelivered) {
   EXPECT_FALSE(duringRead);
   rig.turn();
   EXPECT_TRUE(rig.controls().VerifyAfterProgramming.isTicked());
+}
+
+TEST(Running, aHeldClickLandsWhereItWasMade) {
+  LargeChip rig;
+  QWidget& box = rig.find("VerifyAfterProgramming");
+  during(rig, [&] {
+    const QPoint place = box.mapTo(&rig.window, QPoint(8, box.height() / 2));
+    QTest::mouseClick(rig.window.windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
+    QTest::mouseMove(rig.window.windowHandle(), QPoint(300, 10));
+  });
+  readLargeChip(rig);
+  EXPECT_FALSE(rig.controls().VerifyAfterProgramming.isTicked());
+  EXPECT_TRUE(
+      QTest::qWaitFor([&] { return rig.controls().VerifyAfterProgramming.isTicked(); }, 1000));
 }
 
 TEST(Running, theWindowIsSeenToMoveOn) {

@@ -3,6 +3,8 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QTimer>
+#include <QWheelEvent>
 #include <QWidget>
 #include <QWindow>
 #include <utility>
@@ -44,6 +46,30 @@ bool isAutoRepeat(const QEvent& event) {
   return static_cast<const QKeyEvent&>(event).isAutoRepeat();
 }
 
+/// Events of a pointing device share the place of their point with the device: a copy would come to
+/// stand where the pointer is when it is delivered. So the event is made anew from its own values.
+std::function<std::unique_ptr<QEvent>()> recipe(const QEvent& event) {
+  if (const auto* const mouse = dynamic_cast<const QMouseEvent*>(&event)) {
+    return [type = mouse->type(), position = mouse->position(), scene = mouse->scenePosition(),
+            global = mouse->globalPosition(), button = mouse->button(), buttons = mouse->buttons(),
+            modifiers = mouse->modifiers()] {
+      return std::make_unique<QMouseEvent>(type, position, scene, global, button, buttons,
+                                           modifiers);
+    };
+  }
+  if (const auto* const wheel = dynamic_cast<const QWheelEvent*>(&event)) {
+    return [position = wheel->position(), global = wheel->globalPosition(),
+            pixels = wheel->pixelDelta(), angle = wheel->angleDelta(), buttons = wheel->buttons(),
+            modifiers = wheel->modifiers(), phase = wheel->phase(), inverted = wheel->inverted()] {
+      return std::make_unique<QWheelEvent>(position, global, pixels, angle, buttons, modifiers,
+                                           phase, inverted);
+    };
+  }
+  return [kept = std::shared_ptr<QEvent>(event.clone())] {
+    return std::unique_ptr<QEvent>(kept->clone());
+  };
+}
+
 }  // namespace
 
 HeldInput::HeldInput() { QCoreApplication::instance()->installEventFilter(this); }
@@ -76,13 +102,23 @@ bool HeldInput::isForStop(QObject* receiver, QEvent* event) const {
 
 void HeldInput::keep(QObject* receiver, const QEvent& event) {
   if (held_.size() >= kMostHeld || isAutoRepeat(event)) return;
-  held_.push_back({receiver, std::unique_ptr<QEvent>(event.clone())});
+  held_.push_back({receiver, recipe(event)});
 }
 
 void HeldInput::release() {
-  for (Held& input : std::exchange(held_, {})) {
-    if (input.receiver) QCoreApplication::postEvent(input.receiver, input.event.release());
-  }
+  if (held_.empty() || delivering_) return;
+  delivering_ = true;
+  QTimer::singleShot(0, this, [this] { deliverNext(); });
+}
+
+// One at a time: the first may start a command, whose own held input then goes behind the rest.
+void HeldInput::deliverNext() {
+  delivering_ = false;
+  if (held_.empty() || holding_) return;
+  const Held input = std::move(held_.front());
+  held_.pop_front();
+  if (input.receiver) QCoreApplication::sendEvent(input.receiver, input.makeEvent().get());
+  release();
 }
 
 }  // namespace kestrel

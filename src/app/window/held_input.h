@@ -3,9 +3,9 @@
 #include <QEvent>
 #include <QObject>
 #include <QPointer>
+#include <deque>
 #include <functional>
 #include <memory>
-#include <vector>
 
 class QWidget;
 
@@ -35,16 +35,18 @@ class HeldInput final : public QObject {
  private:
   struct Held {
     QPointer<QObject> receiver;
-    std::unique_ptr<QEvent> event;
+    std::function<std::unique_ptr<QEvent>()> makeEvent;
   };
 
   [[nodiscard]] bool isForStop(QObject* receiver, QEvent* event) const;
   void keep(QObject* receiver, const QEvent& event);
+  void deliverNext();
 
   bool holding_ = false;
   QWidget* stopButton_ = nullptr;
   std::function<void()> stop_;
-  std::vector<Held> held_;
+  std::deque<Held> held_;
+  bool delivering_ = false;
 };
 
 }  // namespace kestrel
