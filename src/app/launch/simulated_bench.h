@@ -39,7 +39,7 @@ class SimulatedBench {
   void takeChipOut();
   void putChipBack();
 
-  /// Start-up is over: from here the accesses to an unplugging count.
+  /// Start-up is over: from here findings are kept and the accesses to an unplugging count.
   void startUpDone();
 
   /// Writes the contents of the --chip back to its file, if they changed or there is no such file

@@ -110,6 +110,8 @@ void BenchPanel::buildChip(QBoxLayout& column) {
   type_->setObjectName("chipType");
   type_->setAccessibleName("Type of the chip to put in");
   for (const std::string_view name : sim::chipTypeNames()) type_->addItem(toQString(name));
+  if (const sim::Chip* const chip = board().chip())
+    type_->setCurrentText(toQString(chip->typeName()));
   rows->addWidget(type_);
   auto* const insert = new QHBoxLayout;
   rows->addLayout(insert);

@@ -10,6 +10,7 @@
 #include <QToolTip>
 #include <QVBoxLayout>
 #include <QWheelEvent>
+#include <algorithm>
 #include <cmath>
 
 #include "app/window/elided_label.h"
@@ -22,7 +23,7 @@ namespace {
 constexpr int kPageBytes = 256;
 constexpr int kPageLines = 17;    // an empty first line, then sixteen of sixteen bytes
 constexpr int kPageColumns = 62;  // address, four groups of eight digits, sixteen characters
-constexpr double kLargestFont = 1.6;
+constexpr double kLargestFont = 1.8;
 
 }  // namespace
 
@@ -74,6 +75,9 @@ void DisplayPanel::buildPage(QBoxLayout& column) {
   page_->setFont(fixedFont());
   page_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   page_->setMinimumSize(hexPageSize(*page_, fixedFont()));
+  QFont largest = fixedFont();
+  largest.setPointSizeF(largest.pointSizeF() * kLargestFont);
+  page_->setMaximumHeight(hexPageSize(*page_, largest).height());  // the rest is for the log
   page_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   page_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   page_->setAccessibleName("Hex display");

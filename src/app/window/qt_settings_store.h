@@ -6,7 +6,7 @@
 
 namespace kestrel {
 
-/// The user's own settings file, kestrel/kestrel.conf in the configuration folder.
+/// The user's own settings file, kestrel/kestrel.ini in the configuration folder.
 class QtSettingsStore final : public SettingsStore {
  public:
   QtSettingsStore() : store_(QSettings::IniFormat, QSettings::UserScope, "kestrel", "kestrel") {}

@@ -1,0 +1,148 @@
+// Takes the pictures of the README: screenshots FOLDER [light|dark] [SCENE...]
+// Each scene is the whole window on a simulated board, driven as a person would.
+
+#include <QStyleFactory>
+#include <iostream>
+#include <map>
+
+#include "app/launch/program_folders.h"
+#include "app/window/bench_panel.h"
+#include "app/window/help_window.h"
+#include "window/window_rig.h"
+
+namespace kestrel::test {
+namespace {
+
+QPalette darkPalette() {
+  QPalette dark(QColor(0x2B, 0x2E, 0x33), QColor(0x2B, 0x2E, 0x33));
+  dark.setColor(QPalette::Base, QColor(0x1E, 0x20, 0x24));
+  dark.setColor(QPalette::Highlight, QColor(0x2A, 0x6F, 0xB0));
+  dark.setColor(QPalette::HighlightedText, Qt::white);
+  dark.setColor(QPalette::Link, QColor(0x6C, 0xB6, 0xF2));
+  return dark;
+}
+
+struct Scene : WindowRig {
+  explicit Scene(const LaunchOptions& options = simulatedOptions("27C256")) : WindowRig(options) {
+    settings.texts = {{"Settings/MainLeft", "0"},
+                      {"Settings/MainTop", "0"},
+                      {"Settings/MainWidth", "19200"},
+                      {"Settings/MainHeight", "11700"}};
+    window.addSidePanel(*new BenchPanel(*ports.simulated(), gate, &window), "Simulated board");
+    start();
+    ports.simulated()->startUpDone();
+  }
+  void keep(const QString& file) {
+    turn();
+    window.grab().save(file);
+  }
+  void openSample() {
+    window.openCodeFile(programFolders({}).data / "sample" / "sample-27C256.bin");
+    turn();
+  }
+  void program() {
+    const WithDialog question = answering(QMessageBox::Ok);
+    click("Program_button");
+  }
+};
+
+using Picture = std::function<void(const QString& file)>;
+
+void atStart(const QString& file) { Scene().keep(file); }
+
+void smallest(const QString& file) {
+  Scene scene;
+  scene.window.resize(scene.window.minimumSizeHint());
+  scene.select("27C256");
+  scene.openSample();
+  scene.keep(file);
+}
+
+void largest(const QString& file) {
+  Scene scene;
+  scene.window.resize(1900, 1040);
+  scene.openSample();
+  scene.select("27C256");
+  scene.keep(file);
+}
+
+void programmed(const QString& file) {
+  Scene scene;
+  scene.openSample();
+  scene.select("27C256");
+  scene.click("VerifyAfterProgramming");
+  scene.program();
+  scene.keep(file);
+}
+
+void alert(const QString& file) {
+  Scene scene;
+  scene.ports.simulated()->board().fitWeakCell(0x40);
+  scene.openSample();
+  scene.select("27C256");
+  scene.program();
+  scene.keep(file);
+}
+
+void running(const QString& file) {
+  Scene scene(simulatedOptions("27C020"));
+  scene.select("27C020");
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, &look, [&] {
+    if (scene.controls().ProgressBar1.value() < 45) return;
+    look.stop();
+    scene.window.grab().save(file);
+    scene.stop.throwIt();
+  });
+  look.start(5);
+  scene.click("Read_button");
+}
+
+void highVoltage(const QString& file) {
+  Scene scene(simulatedOptions("2732A"));
+  scene.select("2732A");
+  scene.click("Voltage_button(2)");
+  scene.keep(file);
+}
+
+void longTexts(const QString& file) {
+  Scene scene;
+  const std::string folder = std::string(80, 'f');
+  std::filesystem::create_directories(scene.folder / folder);
+  scene.openFile(folder + "/a file with a long name for the bootloader of the second board.bin",
+                 std::vector<std::uint8_t>(65536, 0x42));
+  scene.controls().StatusBar.setText("Reading Code File " + folder + " into Buffer... Wait");
+  scene.keep(file);
+}
+
+void help(const QString& file) {
+  HelpWindow window(programFolders({}).data / "help" / "kestrel5.hlp", nullptr);
+  window.open(HelpPage::Contents);
+  WindowRig::turn();
+  window.grab().save(file);
+}
+
+}  // namespace
+}  // namespace kestrel::test
+
+int main(int argc, char** argv) {
+  using namespace kestrel::test;
+  const std::map<QString, Picture> pictures{
+      {"start", atStart},         {"smallest", smallest}, {"largest", largest},
+      {"programmed", programmed}, {"alert", alert},       {"running", running},
+      {"voltage", highVoltage},   {"long", longTexts},    {"help", help}};
+  const QApplication application(argc, argv);
+  QApplication::setStyle(QStyleFactory::create("Fusion"));
+  QApplication::setQuitOnLastWindowClosed(false);
+  const QStringList arguments = QApplication::arguments();
+  if (arguments.size() < 3) {
+    std::cerr << "screenshots FOLDER light|dark [SCENE...]\n";
+    return 2;
+  }
+  if (arguments[2] == "dark") QApplication::setPalette(darkPalette());
+  for (const auto& [name, take] : pictures) {
+    if (arguments.size() > 3 && !arguments.mid(3).contains(name)) continue;
+    take(arguments[1] + "/" + name + "-" + arguments[2] + ".png");
+  }
+  return 0;
+}
