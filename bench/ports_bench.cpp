@@ -2,38 +2,21 @@
 
 #include <benchmark/benchmark.h>
 
-#include "hardware/ports/attended_port.h"
-#include "hardware/ports/lpt_ports.h"
+#include "hardware/ports/monotonic_clock.h"
+#include "hardware/ports/no_port.h"
+#include "port_out.h"
 #include "simulator/bench.h"
 #include "simulator/chip_factory.h"
 #include "simulator/simulated_port.h"
-#include "support/fakes.h"
 
 namespace kestrel {
 namespace {
 
-class IdleClock final : public Clock {
- public:
-  void Sleep(std::int32_t) override {}
-  void Spin(std::int64_t) override {}
-};
-
-/// From the procedures' interface down to a port that does nothing: stop switch, base filter, port.
+/// The program's own layers, over a port that does nothing.
 void portOutOverANoPort(benchmark::State& state) {
   NoPort nothing;
-  LptPorts ports;
-  ports.connect(0x378, nothing);
-  IdleClock clock;
-  const StopSwitch stop;
-  test::FakeScreen screen;
-  AttendedPort attended(ports, clock, stop, screen);
-  PortAccess& port = attended;
-  std::uint8_t value = 0;
-  for (auto _ : state) {
-    port.PortOut(0x378, value++);
-    benchmark::ClobberMemory();
-  }
-  state.SetItemsProcessed(state.iterations());
+  MonotonicClock clock;
+  measurePortOut(state, nothing, clock);
 }
 BENCHMARK(portOutOverANoPort);
 

@@ -8,12 +8,10 @@
 #include <chrono>
 #include <vector>
 
-#include "hardware/ports/attended_port.h"
-#include "hardware/ports/lpt_ports.h"
 #include "hardware/ports/monotonic_clock.h"
 #include "hardware/ports/parport_device.h"
+#include "port_out.h"
 #include "ports/victim.h"
-#include "support/fakes.h"
 
 namespace kestrel {
 namespace {
@@ -34,18 +32,8 @@ void portOutWithoutTheSystemCall(benchmark::State& state) {
   InstantKernel kernel;
   ParportDevice device(kernel, "/dev/parport0", 0x378);
   device.take();
-  LptPorts ports;
-  ports.connect(0x378, device);
   MonotonicClock clock;
-  const StopSwitch stop;
-  test::FakeScreen screen;
-  AttendedPort attended(ports, clock, stop, screen);
-  PortAccess& port = attended;
-  std::uint8_t value = 0;
-  for (auto _ : state) {
-    port.PortOut(0x37A, value++);
-    benchmark::ClobberMemory();
-  }
+  measurePortOut(state, device, clock);
 }
 BENCHMARK(portOutWithoutTheSystemCall);
 

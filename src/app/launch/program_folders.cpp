@@ -15,7 +15,7 @@ fs::path environment(const char* name) {
   return value == nullptr ? fs::path{} : fs::path{value};
 }
 
-/// A relative XDG_CONFIG_HOME is invalid and ignored (XDG Base Directory Specification).
+/// A relative XDG_CONFIG_HOME is invalid and ignored (freedesktop.org, base directories).
 fs::path userConfiguration() {
   const fs::path xdg = environment("XDG_CONFIG_HOME");
   return xdg.is_absolute() ? xdg : environment("HOME") / ".config";
