@@ -3,7 +3,9 @@
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QWindow>
+#include <csignal>
 
+#include "app/window/end_signals.h"
 #include "app/window/twips.h"
 #include "window/window_rig.h"
 
@@ -109,6 +111,14 @@ TEST(Running, exitClosesTheWindowWithTheBoardIdle) {
   rig.turn();
   EXPECT_FALSE(rig.window.isVisible());
   EXPECT_EQ(rig.ports.simulated()->board().vppPins(), 0U);
+}
+
+TEST(Running, aSignalIsHeardByTheEventLoop) {
+  bool ended = false;
+  const EndSignals endSignals([&] { ended = true; });
+  std::raise(SIGTERM);
+  EXPECT_FALSE(ended);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return ended; }, 1000));
 }
 
 TEST(Running, aTimersPressWaitsBehindTheRunningOne) {

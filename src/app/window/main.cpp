@@ -7,6 +7,7 @@
 #include "app/launch/program_folders.h"
 #include "app/window/arguments.h"
 #include "app/window/bench_panel.h"
+#include "app/window/end_signals.h"
 #include "app/window/main_window.h"
 #include "app/window/qt_help_viewer.h"
 #include "app/window/qt_settings_store.h"
@@ -67,15 +68,37 @@ int runProgram(const Arguments& arguments) {
   if (!arguments.codeFile.empty()) {
     QTimer::singleShot(0, &window, [&] { window.openCodeFile(arguments.codeFile); });
   }
+  const EndSignals endSignals([&] {
+    stop.throwIt();
+    window.close();
+  });
   const int result = QApplication::exec();
   if (simulated != nullptr) putAway(*simulated, folders);
   return result;
+}
+
+/// A look at the options needs none; Qt would abort without one.
+bool hasDisplay(int argc, char** argv) {
+  for (int i = 1; i < argc; ++i) {
+    const std::string_view option = argv[i];
+    if (option == "--help" || option == "-h" || option == "--version" || option == "-v") {
+      qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+  }
+  for (const char* const name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+    if (qEnvironmentVariableIsSet(name)) return true;
+  }
+  return false;
 }
 
 }  // namespace
 }  // namespace kestrel
 
 int main(int argc, char** argv) {
+  if (!kestrel::hasDisplay(argc, argv)) {
+    std::cerr << "kestrel: there is no display for the window; kestrel-cli does the same work.\n";
+    return 2;
+  }
   const QApplication application(argc, argv);
   QApplication::setApplicationName("kestrel");
   QApplication::setApplicationVersion(KESTREL_VERSION);
