@@ -2,12 +2,14 @@
 
 #include <QAbstractItemView>
 #include <QCompleter>
+#include <QMenuBar>
 #include <QRadioButton>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QSlider>
 #include <QWheelEvent>
 
+#include "app/window/bench_panel.h"
 #include "window/window_rig.h"
 
 namespace kestrel::test {
@@ -120,6 +122,52 @@ TEST(Menus, theSetupMenuReadsTheSlotsWhenItOpens) {
   EXPECT_TRUE(rig.find<QAction>("LoadSetup2").isEnabled());
   EXPECT_TRUE(rig.find<QAction>("LoadSetup2").text().startsWith("Bench"));
   EXPECT_FALSE(rig.find<QAction>("LoadSetup1").isEnabled());
+}
+
+/// The letter behind the ampersand of every visible widget and top menu.
+std::map<QChar, QStringList> mnemonics(QWidget& window) {
+  std::map<QChar, QStringList> found;
+  const auto note = [&](const QString& caption) {
+    static const QRegularExpression letter("&([^&])");
+    const auto match = letter.match(caption);
+    if (match.hasMatch()) found[match.captured(1)[0].toUpper()].append(caption);
+  };
+  for (const auto* const button : window.findChildren<QAbstractButton*>()) note(button->text());
+  for (const auto* const label : window.findChildren<QLabel*>()) {
+    if (label->buddy() != nullptr) note(label->text());
+  }
+  for (const auto* const menu : window.findChild<QMenuBar*>()->actions()) note(menu->text());
+  return found;
+}
+
+TEST(Keyboard, noTwoMnemonicsAreTheSame) {
+  WindowRig rig;
+  rig.window.addSidePanel(*new BenchPanel(*rig.ports.simulated(), rig.gate, &rig.window), "Board");
+  rig.start();
+  const auto found = mnemonics(rig.window);
+  EXPECT_GT(found.size(), 15U);
+  for (const auto& [letter, captions] : found) {
+    EXPECT_EQ(captions.size(), 1) << captions.join(" / ").toStdString();
+  }
+}
+
+TEST(Keyboard, theTabKeyGoesInTheOrderOfTheWork) {
+  WindowRig rig;
+  rig.start();
+  rig.select("2732A");
+  rig.window.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&rig.window));
+  QStringList order;
+  rig.find("Device").setFocus();
+  for (int key = 0; key < 12; ++key) {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    if (QApplication::focusWidget() != nullptr) order += QApplication::focusWidget()->objectName();
+  }
+  QStringList expected{"openCodeFile", "Voltage_button(1)", "HiLow_button(0)"};
+  expected += {"CheckBlankPriorProgramming", "VerifyAfterProgramming", "Slider1"};
+  expected += {"LPTSelection(0)", "TestHardware_button", "Read_button", "Blank_button"};
+  EXPECT_EQ(order.mid(0, expected.size()).join(' ').toStdString(),
+            expected.join(' ').toStdString());
 }
 
 TEST(Options, theGroupsShowWhatTheControlsAre) {

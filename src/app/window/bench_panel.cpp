@@ -88,7 +88,7 @@ void BenchPanel::buildBoard(QBoxLayout& column) {
   }
   form->addRow("&Model", model_);
   form->addRow("P&ort", port_);
-  form->addRow("VPP by &hand", voltage_);
+  form->addRow("VPP by hand", voltage_);
   auto* const row = new QHBoxLayout;
   form->addRow(row);
   plug_ = addButton(*row, "Unplug", "plugBoard", [this] { plugOrUnplug(); });

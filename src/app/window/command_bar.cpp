@@ -13,12 +13,13 @@ CommandBar::CommandBar(Controls& controls, const Binder& binder, IconSet& icons,
   setObjectName("commandBar");
   auto* const row = new QHBoxLayout(this);
   row->setContentsMargins(0, 6, 8, 2);
-  auto* const step = new QLabel("4", this);
+  auto* const step = new QLabel("&4", this);
   QFont bold = step->font();
   bold.setBold(true);
   step->setFont(bold);
   row->addWidget(step);
   addCommand(*row, controls.Read_button, "read", "Read the device into the buffer");
+  step->setBuddy(findChild<QPushButton*>("Read_button"));
   addCommand(*row, controls.Blank_button, "blank-check", "Look for a byte that is not FFh");
   addCommand(*row, controls.Verify_button, "verify", "Compare the device with the buffer");
   addCommand(*row, controls.Program_button, "program", "Write the buffer into the device");

@@ -88,7 +88,7 @@ void Menus::onOpenRecent(std::function<void(const std::filesystem::path&)> open)
 }
 
 void Menus::buildDevice() {
-  QMenu& menu = *addMenu("&Device", "mnuDevice");
+  QMenu& menu = *addMenu("Dev&ice", "mnuDevice");
   add(menu, controls_.menuReadCode, "read");
   add(menu, controls_.menuBlankCheck, "blank-check");
   add(menu, controls_.menuVerifyCode, "verify");
@@ -104,7 +104,7 @@ void Menus::buildDevice() {
 }
 
 void Menus::buildBuffer() {
-  QMenu& menu = *addMenu("&Buffer", "mnuBuffer");
+  QMenu& menu = *addMenu("Buff&er", "mnuBuffer");
   add(menu, controls_.menuEraseCode, "erase-buffer");
   add(menu, controls_.menuEraseData);
 }
@@ -124,7 +124,7 @@ void Menus::buildSetup() {
 }
 
 void Menus::buildHardware() {
-  hardware_ = addMenu("Hard&ware", "mnuHardware");
+  hardware_ = addMenu("H&ardware", "mnuHardware");
   add(*hardware_, controls_.menuTestHardware, "test-hardware");
   addSeparator(*hardware_, "mnuCommandBar4");
   addAll(*hardware_,

@@ -61,9 +61,11 @@ OptionsPanel::OptionsPanel(Controls& controls, const Binder& binder, IconSet& ic
   buildFile(*column);
   buildDataFile(*column);
   column->addSpacing(6);
-  column->addWidget(heading("3  Options", content));
+  auto* const options = heading("&3  Options", content);
+  column->addWidget(options);
   buildVoltage(*column);
   buildLane(*column);
+  options->setBuddy(content->findChild<QRadioButton*>("HiLow_button(0)"));
   buildChecks(*column);
   buildSpeed(*column);
   column->addStretch(1);
@@ -84,7 +86,7 @@ bool OptionsPanel::eventFilter(QObject* receiver, QEvent* event) {
 }
 
 void OptionsPanel::buildDevice(QBoxLayout& column) {
-  auto* const label = heading("1  De&vice", widget());
+  auto* const label = heading("&1  Device", widget());
   auto* const device = new DeviceBox(controls_.Device, binder_, widget());
   device->setToolTip("The chip in the socket. Type a part of its name to find it.");
   device->setAccessibleName("Device");
@@ -96,8 +98,10 @@ void OptionsPanel::buildDevice(QBoxLayout& column) {
 void OptionsPanel::buildFile(QBoxLayout& column) {
   column.addSpacing(6);
   QHBoxLayout* const top = row(column);
-  top->addWidget(heading("2  Code file", widget()), 1);
+  auto* const label = heading("&2  Code file", widget());
+  top->addWidget(label, 1);
   auto* const open = new QPushButton("Open...", widget());
+  label->setBuddy(open);
   open->setObjectName("openCodeFile");
   open->setToolTip("Open a code file");
   open->setAccessibleName("Open code file");
