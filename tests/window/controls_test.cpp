@@ -298,10 +298,12 @@ TEST(Log, aHundredThousandLinesDoNotMakeTheNextOneDearer) {
     }
     return timer.nsecsElapsed();
   };
+  // The best of some, since the machine may have other work.
+  const auto best = [&] { return std::min({timeOf(500), timeOf(500), timeOf(500), timeOf(500)}); };
   timeOf(1'000);
-  const auto early = timeOf(2'000);
+  const auto early = best();
   timeOf(96'000);
-  EXPECT_LT(timeOf(2'000), 5 * early) << "half of it would be linear growth by 50";
+  EXPECT_LT(best(), 5 * early) << "a cost that grew with the log would be 30 times as high";
 }
 
 }  // namespace

@@ -120,6 +120,9 @@ TEST(Help, theWindowShowsTheManualAndFollowsItsList) {
   auto& list = *window.findChild<QListWidget*>("helpPages");
   EXPECT_GT(list.count(), 15);
   EXPECT_TRUE(page.toPlainText().contains("Begin here"));
+  page.setSource(QUrl::fromLocalFile(
+      QString::fromStdString((manual.parent_path() / "voltage.html").string())));
+  EXPECT_EQ(list.currentItem()->text(), "Programming voltage");
   QTest::keyClicks(window.findChild<QLineEdit*>("helpSearch"), "24C16");
   ASSERT_GT(list.count(), 0);
   EXPECT_TRUE(list.item(0)->text().contains("24C16"));

@@ -53,7 +53,10 @@ void HelpWindow::build() {
   connect(list_, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
     if (item != nullptr) showPage(item->data(Qt::UserRole).toString());
   });
-  connect(page_, &QTextBrowser::sourceChanged, this, [this] { markSearched(); });
+  connect(page_, &QTextBrowser::sourceChanged, this, [this](const QUrl& source) {
+    selectListed(source.toLocalFile());
+    markSearched();
+  });
   auto* const close = new QShortcut(QKeySequence(Qt::Key_Escape), this);
   connect(close, &QShortcut::activated, this, &QWidget::close);
 }
@@ -67,9 +70,14 @@ void HelpWindow::listPages(const QString& searched) {
   }
 }
 
-void HelpWindow::showPage(const QString& path) {
-  page_->setSource(QUrl::fromLocalFile(path));
-  markSearched();
+void HelpWindow::showPage(const QString& path) { page_->setSource(QUrl::fromLocalFile(path)); }
+
+// The list follows the links of the pages.
+void HelpWindow::selectListed(const QString& path) {
+  const QSignalBlocker quiet(list_);
+  for (int row = 0; row < list_->count(); ++row) {
+    if (list_->item(row)->data(Qt::UserRole).toString() == path) list_->setCurrentRow(row);
+  }
 }
 
 // What was searched for is marked where it stands in the page.

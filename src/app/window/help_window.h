@@ -22,6 +22,7 @@ class HelpWindow final : public QWidget {
   void build();
   void listPages(const QString& searched);
   void showPage(const QString& path);
+  void selectListed(const QString& path);
   void markSearched();
 
   HelpBook book_;

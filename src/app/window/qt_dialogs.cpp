@@ -47,7 +47,7 @@ Answer QtDialogs::messageBox(const MessageBox& box) {
   dialog.setObjectName("messageBox");
   dialog.setTextFormat(Qt::PlainText);
   dialog.setText(QString::fromStdString(box.text));
-  dialog.setWindowTitle(box.title.empty() ? "Kestrel" : QString::fromStdString(box.title));
+  dialog.setWindowTitle(QString::fromStdString(box.title));
   dialog.setIcon(iconOf(box.icon));
   const bool canCancel = box.buttons == MessageButtons::OkCancel;
   dialog.setStandardButtons(canCancel ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok);
