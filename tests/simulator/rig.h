@@ -1,7 +1,7 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
+#include <initializer_list>
 #include <string_view>
 #include <vector>
 
@@ -10,44 +10,44 @@
 
 namespace kestrel::sim::test {
 
-/// Control line values that open a latch, latches 0 to 4, and that show a half of the data lines.
-struct ControlCodes {
-  std::uint8_t strobe[5];
-  std::uint8_t lowHalf;
-  std::uint8_t highHalf;
-};
+/// Control line values of a model 4 that open a latch, latches 0 to 4, and that show a half of the
+/// data lines. Models 5 and 6 invert all four lines.
+inline constexpr std::uint8_t kStrobes[]{0xB, 0x3, 0x9, 0x1, 0xF};
+inline constexpr std::uint8_t kLowHalf = 0x0;
+inline constexpr std::uint8_t kHighHalf = 0x4;
 
-inline constexpr ControlCodes kCodes4{{0xB, 0x3, 0x9, 0x1, 0xF}, 0x0, 0x4};
-inline constexpr ControlCodes kCodes56{{0x4, 0xC, 0x6, 0xE, 0x0}, 0xF, 0xB};
+struct Load {
+  std::size_t latch;
+  std::uint8_t value;
+};
 
 /// A bench with one board on 378h, worked from the connector.
 class Rig {
  public:
   explicit Rig(Model model = Model::kestrel5)
-      : board(bench.plug(model, 0x378)), codes(model == Model::kestrel4 ? kCodes4 : kCodes56) {
-    control(codes.lowHalf);
+      : board(bench.plug(model, 0x378)), inverted_(model == Model::kestrel4 ? 0x0 : 0xF) {
+    control(kLowHalf);
   }
 
   void data(std::uint8_t value) { bench.portOut(0x378, value); }
-  void control(std::uint8_t value) { bench.portOut(0x37A, value); }
+  void control(std::uint8_t lines) { bench.portOut(0x37A, lines ^ inverted_); }
   std::uint8_t status() { return bench.portIn(0x379); }
 
   void load(std::size_t latch, std::uint8_t value) {
     data(value);
-    control(codes.strobe[latch]);
-    control(codes.lowHalf);
+    control(kStrobes[latch]);
+    control(kLowHalf);
+  }
+  void load(std::initializer_list<Load> loads) {
+    for (const Load& each : loads) load(each.latch, each.value);
   }
 
-  /// Loads latches 0 to 3 in this order.
-  void load(const std::uint8_t (&latches)[4]) {
-    for (std::size_t latch = 0; latch < 4; ++latch) load(latch, latches[latch]);
-  }
-
-  /// The data lines of a model 5 or 6 by way of the status lines.
-  std::uint8_t readBus() {
-    control(codes.lowHalf);
+  /// The data lines of a model 5 or 6 by way of the status lines, after these loads.
+  std::uint8_t read(std::initializer_list<Load> loads = {}) {
+    load(loads);
+    control(kLowHalf);
     const unsigned low = status() >> 3 & 0x0FU;
-    control(codes.highHalf);
+    control(kHighHalf);
     const unsigned high = status() >> 3 & 0x0FU;
     return static_cast<std::uint8_t>(high << 4 | low);
   }
@@ -61,10 +61,15 @@ class Rig {
   }
 
   std::uint8_t cell(std::uint32_t address) { return board.chip()->contents()[address]; }
+  std::size_t count(FindingKind kind) { return bench.findings().count(kind); }
+  bool isClean() { return bench.findings().empty(); }
+  void waitUs(std::int64_t us) { bench.wait(microseconds(us)); }
 
   Bench bench;
   Board& board;
-  ControlCodes codes;
+
+ private:
+  std::uint8_t inverted_;
 };
 
 }  // namespace kestrel::sim::test

@@ -1,0 +1,166 @@
+// Chips that are written in the socket: the page-write EEPROMs and the parallel flash.
+
+#include <gtest/gtest.h>
+
+#include "simulator/rig.h"
+
+namespace kestrel::sim {
+namespace {
+
+/// A chip full of 00h, powered and selected, /OE and /WE high, latch 4 on the data lines. A8-A13
+/// are latch 1 bits 0-5 on all parts.
+class WriteRig : public test::Rig {
+ public:
+  /// The latch bit that is /WE, and the one of latch 1 that is A14.
+  WriteRig(const char* type, test::Load we, std::uint8_t a14)
+      : we_(we), a14_(a14), fixed1_(we.latch == 1 ? we.value : 0) {
+    load({{0, 0x40}, {1, fixed1_}});
+    board.insert(makeChip(type));
+    board.loadChip(std::vector<std::uint8_t>(board.chip()->contents().size()));
+    load(3, 0x06);
+  }
+
+  void setAddress(std::uint32_t address) {
+    const unsigned a14 = (address & 0x4000) != 0 ? a14_ : 0U;
+    load(2, static_cast<std::uint8_t>(address));
+    load(1, static_cast<std::uint8_t>((address >> 8 & 0x3F) | a14 | fixed1_));
+  }
+  void moveWe() { load(we_.latch, board.latch(we_.latch) ^ we_.value); }
+  /// /WE falls 11 us after the call and is low for 3 us; the call ends 1 us later.
+  void write(std::uint32_t address, std::uint8_t value) {
+    load(4, value);
+    setAddress(address);
+    moveWe();
+    moveWe();
+  }
+  /// AAh and 55h at the unlock addresses, then the code.
+  void command(std::uint32_t first, std::uint32_t last, std::uint8_t code) {
+    write(first, 0xAA);
+    write(0x2AAA, 0x55);
+    write(last, code);
+  }
+  std::uint8_t readAt(std::uint32_t address) {
+    setAddress(address);
+    const std::uint8_t value = read({{3, 0x46}, {0, 0x00}});
+    load({{0, 0x40}, {3, 0x06}});
+    return value;
+  }
+
+ private:
+  test::Load we_;
+  std::uint8_t a14_;
+  std::uint8_t fixed1_;
+};
+
+struct PageCase {
+  const char* type;
+  std::uint8_t we;
+  std::int64_t cycleUs;
+  std::uint8_t notLoaded;   // what is left of 00h in a page
+  std::int64_t lastWaitUs;  // between two writes of the rig that still belong to one load
+};
+
+class PageWrite : public testing::TestWithParam<PageCase>, public WriteRig {
+ protected:
+  PageWrite() : WriteRig(GetParam().type, {1, GetParam().we}, GetParam().we ^ 0xC0) {}
+  void command(std::uint8_t code) { WriteRig::command(0x5555, 0x5555, code); }
+  std::uint8_t finishedCell(std::uint32_t address) {
+    waitUs(20'000);
+    return cell(address);
+  }
+};
+INSTANTIATE_TEST_SUITE_P(Parts, PageWrite,
+                         testing::Values(PageCase{"28C256", 0x40, 3000, 0x00, 84},
+                                         PageCase{"AT29C256", 0x80, 4000, 0xFF, 137}));
+
+TEST_P(PageWrite, putsTheLoadIntoThePageOfTheLastAddress) {
+  write(0x1F85, 0x11);
+  load(3, 0x86);
+  setAddress(0x4FFF);
+  moveWe();
+  load({{3, 0x06}, {2, 0x00}, {4, 0x33}});  // /CE falls last: the address
+  moveWe();                                 // /WE rises first: the data
+  load(4, 0x66);
+  waitUs(GetParam().cycleUs - 5);
+  EXPECT_EQ(cell(0x4FFF), 0x00);
+  waitUs(1);
+  EXPECT_EQ(readAt(0x4FC5), 0x11);
+  EXPECT_EQ(readAt(0x4FFF), 0x33);
+  EXPECT_EQ(cell(0x4FC0), GetParam().notLoaded);
+  EXPECT_EQ(cell(0x1F85) | cell(0x4FBF) | cell(0x5000), 0x00);
+  EXPECT_TRUE(isClean());
+}
+
+TEST_P(PageWrite, losesWhatComesAfterTheLoadWindow) {
+  for (const unsigned late : {0U, 1U}) {
+    write(0x0000, 0x11);
+    waitUs(GetParam().lastWaitUs + 2 * late);  // 1 us before or after the window's end
+    write(0x0001 + late, 0x22);
+    EXPECT_EQ(finishedCell(0x0000), 0x11);
+    EXPECT_EQ(cell(0x0001 + late), late == 0 ? 0x22 : GetParam().notLoaded);
+    EXPECT_EQ(count(FindingKind::writeLost), late);
+  }
+}
+
+TEST_P(PageWrite, answersReadsWithDataPollingUntilTheCycleEnds) {
+  write(0x0040, 0x3C);
+  EXPECT_EQ(readAt(0x0040) & 0x80, 0x80);  // in the load window
+  waitUs(2000);
+  EXPECT_EQ((readAt(0x0040) ^ readAt(0x0040)) & 0xC0, 0x40);
+  load({{3, 0x46}, {0, 0x00}});
+  waitUs(2000);  // /OE stays low
+  EXPECT_EQ(read(), 0x3C);
+}
+
+TEST_P(PageWrite, protectionRefusesALoadThatNoCommandOpened) {
+  command(0xA0);
+  write(0x0100, 0x11);
+  EXPECT_EQ(finishedCell(0x0100), 0x11);
+  write(0x0101, 0x22);
+  waitUs(1000);
+  EXPECT_EQ(readAt(0x0101) & 0x80, 0x80);  // busy all the same
+  EXPECT_EQ(finishedCell(0x0101), GetParam().notLoaded);
+  command(0x80);
+  command(0x20);
+  write(0x0101, 0x22);
+  EXPECT_EQ(finishedCell(0x0101), 0x22);
+}
+
+TEST_P(PageWrite, nothingIsWrittenWithoutSupplyOrWithOutputsOn) {
+  write(0x0000, 0x11);
+  load({{3, 0x04}, {3, 0x46}, {0, 0x00}});  // the supply goes during the load
+  moveWe();
+  moveWe();
+  EXPECT_EQ(finishedCell(0x0000), 0x00);
+  EXPECT_EQ(count(FindingKind::strobeWithOutputEnabled), 1U);
+  EXPECT_EQ(read({{0, 0x10}}), 0xFF);  // VPP on pin 1
+  EXPECT_EQ(count(FindingKind::overVoltage), 1U);
+}
+
+class FlashRig : public WriteRig {
+ public:
+  explicit FlashRig(const char* type) : WriteRig(type, {3, 0x04}, 0x40) {}
+  // Address bits 11 to 13 do not count.
+  void command(std::uint8_t code) { WriteRig::command(0x3D55, 0x0555, code); }
+};
+
+TEST(ParallelFlash, erasesAndProgramsFromOneToZero) {
+  FlashRig rig("AM29F040");
+  rig.command(0x80);
+  rig.command(0x10);
+  EXPECT_EQ((rig.readAt(0) ^ rig.readAt(0)) & 0xC0, 0x40);  // busy
+  rig.command(0x90);
+  EXPECT_EQ(rig.count(FindingKind::writeLost), 3U);
+  rig.waitUs(8'000'000);
+  for (const auto value :
+       std::initializer_list<std::uint8_t>{0xF0, 0x3C}) {  // F0h is a reset anywhere else
+    rig.command(0xA0);
+    rig.write(0x1234, value);
+    rig.waitUs(10);
+  }
+  EXPECT_EQ(rig.readAt(0x1234), 0x30);
+  EXPECT_EQ(rig.cell(0x7FFFF), 0xFF);
+}
+
+}  // namespace
+}  // namespace kestrel::sim
