@@ -39,7 +39,11 @@ MainWindow::MainWindow(const WindowParts& parts)
   parts_.mirror.bind(controls_.frmMain, [this] { showPlace(); });
 }
 
-MainWindow::~MainWindow() { controls_.setListener(nullptr); }
+// The widgets go before what they refer to: losing the focus, one may still ask for a refresh.
+MainWindow::~MainWindow() {
+  controls_.setListener(nullptr);
+  delete takeCentralWidget();
+}
 
 void MainWindow::buildMenus() {
   menus_ = new Menus(*this, controls_, binder_, icons_, recent_);
