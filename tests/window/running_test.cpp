@@ -5,7 +5,7 @@
 #include <QWindow>
 #include <csignal>
 
-#include "app/window/end_signals.h"
+#include "app/window/signal_end.h"
 #include "app/window/twips.h"
 #include "window/window_rig.h"
 
@@ -104,6 +104,32 @@ TEST(Running, closingWaitsForTheEndOfTheCommand) {
   EXPECT_FALSE(rig.window.isVisible());
 }
 
+TEST(Running, aSignalStopsTheCommandAndClosesTheWindow) {
+  LargeChip rig;
+  const SignalStop signalStop(rig.stop);
+  const SignalEnd end(signalStop, rig.stop, rig.window);
+  during(rig, [] { std::raise(SIGTERM); });
+  readLargeChip(rig);
+  EXPECT_EQ(rig.form.lastOutcome(), frmMain::Outcome::Stopped);
+  rig.turn();
+  EXPECT_FALSE(rig.window.isVisible());
+  EXPECT_EQ(signalStop.exitStatus(), 143);
+}
+
+TEST(Running, aSignalCancelsTheQuestionThatIsOpen) {
+  WindowRig rig;
+  const SignalStop signalStop(rig.stop);
+  const SignalEnd end(signalStop, rig.stop, rig.window);
+  rig.start();
+  rig.select("27C256");
+  rig.openFile("image.bin", {1, 2, 3});
+  const WithDialog asked([](QDialog&) { std::raise(SIGHUP); });
+  rig.click("Program_button");
+  EXPECT_EQ(asked.said(), "Program the Device?");
+  EXPECT_TRUE(rig.logged("Programming was Canceled by Operator"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !rig.window.isVisible(); }));
+}
+
 TEST(Running, exitClosesTheWindowWithTheBoardIdle) {
   WindowRig rig;
   rig.start();
@@ -111,14 +137,6 @@ TEST(Running, exitClosesTheWindowWithTheBoardIdle) {
   rig.turn();
   EXPECT_FALSE(rig.window.isVisible());
   EXPECT_EQ(rig.ports.simulated()->board().vppPins(), 0U);
-}
-
-TEST(Running, aSignalIsHeardByTheEventLoop) {
-  bool ended = false;
-  const EndSignals endSignals([&] { ended = true; });
-  std::raise(SIGTERM);
-  EXPECT_FALSE(ended);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return ended; }, 1000));
 }
 
 TEST(Running, aTimersPressWaitsBehindTheRunningOne) {

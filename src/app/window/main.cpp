@@ -1,17 +1,19 @@
 #include <QApplication>
 #include <QIcon>
 #include <QTimer>
+#include <csignal>
 #include <iostream>
 
 #include "app/launch/machine_ports.h"
 #include "app/launch/program_folders.h"
 #include "app/window/arguments.h"
 #include "app/window/bench_panel.h"
-#include "app/window/end_signals.h"
 #include "app/window/main_window.h"
 #include "app/window/qt_help_viewer.h"
 #include "app/window/qt_settings_store.h"
 #include "app/window/qt_sound_player.h"
+#include "app/window/signal_end.h"
+#include "hardware/ports/signal_stop.h"
 
 namespace kestrel {
 namespace {
@@ -28,11 +30,13 @@ void putAway(SimulatedBench& simulated, const Folders& folders) {
 }
 
 /// Puts the program together in the order of its layers and runs it until the window is closed.
+/// Returns the exit status.
 int runProgram(const Arguments& arguments) {
   Mirror mirror;
   HeldInput input;
   CommandGate gate(mirror, input);
   StopSwitch stop;
+  const SignalStop signalStop(stop);
   QtScreen screen(mirror, gate, input);
   QtDialogs dialogs(mirror);
   QtSettingsStore settings;
@@ -58,6 +62,7 @@ int runProgram(const Arguments& arguments) {
                      .dialogs = dialogs,
                      .settings = settings,
                      .stop = stop});
+  const SignalEnd end(signalStop, stop, window);
   help.setOwner(window);
   SimulatedBench* const simulated = ports.simulated();
   if (simulated != nullptr) {
@@ -68,13 +73,9 @@ int runProgram(const Arguments& arguments) {
   if (!arguments.codeFile.empty()) {
     QTimer::singleShot(0, &window, [&] { window.openCodeFile(arguments.codeFile); });
   }
-  const EndSignals endSignals([&] {
-    stop.throwIt();
-    window.close();
-  });
   const int result = QApplication::exec();
   if (simulated != nullptr) putAway(*simulated, folders);
-  return result;
+  return signalStop.isEndRequested() ? signalStop.exitStatus() : result;
 }
 
 /// A look at the options needs none; Qt would abort without one.
@@ -95,6 +96,9 @@ bool hasDisplay(int argc, char** argv) {
 }  // namespace kestrel
 
 int main(int argc, char** argv) {
+  // A reader of the messages that goes away must not end the program with a voltage on.
+  std::signal(SIGPIPE, SIG_IGN);
+  kestrel::switchOffOnCrash();
   if (!kestrel::hasDisplay(argc, argv)) {
     std::cerr << "kestrel: there is no display for the window; kestrel-cli does the same work.\n";
     return 2;

@@ -1,0 +1,33 @@
+#include "app/window/signal_end.h"
+
+#include <QApplication>
+
+namespace kestrel {
+namespace {
+
+constexpr int kStepMs = 20;
+
+}  // namespace
+
+SignalEnd::SignalEnd(const SignalStop& signalStop, StopSwitch& stop, QWidget& window)
+    : stop_(stop), window_(window), notifier_(signalStop.descriptor(), QSocketNotifier::Read) {
+  QObject::connect(&again_, &QTimer::timeout, &again_, [this] { step(); });
+  QObject::connect(&notifier_, &QSocketNotifier::activated, &again_, [this] {
+    notifier_.setEnabled(false);  // the descriptor stays readable
+    again_.start(kStepMs);
+    step();
+  });
+}
+
+// A command that was just beginning has put back the switch that the signal threw.
+void SignalEnd::step() {
+  stop_.throwIt();
+  if (QWidget* const dialog = QApplication::activeModalWidget()) {
+    dialog->close();
+    return;
+  }
+  window_.close();
+  if (!window_.isVisible()) again_.stop();
+}
+
+}  // namespace kestrel

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QSocketNotifier>
+#include <QTimer>
+#include <QWidget>
+
+#include "hardware/ports/signal_stop.h"
+#include "platform/stop_switch.h"
+
+namespace kestrel {
+
+/// Ends the program as if a person had pressed Stop, cancelled every dialog and closed the window,
+/// once a signal (SIGTERM, SIGINT, SIGHUP) asks for it. Works inside a running command too, when
+/// that gives the event loop its turns.
+class SignalEnd {
+ public:
+  /// All three outlive this.
+  SignalEnd(const SignalStop& signalStop, StopSwitch& stop, QWidget& window);
+
+ private:
+  void step();
+
+  StopSwitch& stop_;
+  QWidget& window_;
+  QSocketNotifier notifier_;
+  QTimer again_;  // until the window is closed: one dialog may follow another
+};
+
+}  // namespace kestrel
