@@ -7,6 +7,7 @@
 #include "cli/console_view.h"
 #include "cli/device_catalogue.h"
 #include "cli/exit_status.h"
+#include "hardware/ports/real_port.h"
 #include "hardware/ports/real_ports.h"
 #include "hardware/ports/safe_off.h"
 #include "hardware/ports/system_calls.h"
@@ -18,6 +19,11 @@ std::uint16_t address(std::uint16_t base, PortRegister target) {
   return static_cast<std::uint16_t>(base + static_cast<unsigned>(target));
 }
 
+void tellSwitchedOff(const Arguments& arguments, std::uint16_t base) {
+  if (arguments.quiet) return;
+  std::cout << "Port " << hexText(base) << "h: latch 0 loaded with 40h, every voltage is off\n";
+}
+
 int switchOffSimulated(const Arguments& arguments) {
   const StopSwitch stop;
   ConsoleView view(arguments.quiet);
@@ -26,6 +32,7 @@ int switchOffSimulated(const Arguments& arguments) {
     const std::uint16_t port = address(ports.simulated()->base(), write.target);
     ports.port().PortOut(static_cast<std::int16_t>(port), write.value);
   }
+  tellSwitchedOff(arguments, ports.simulated()->base());
   return kDone;
 }
 
@@ -34,7 +41,10 @@ int switchOffReal(const Arguments& arguments) {
   PortOptions options;
   options.choices = arguments.launch.ports;
   const auto ports = openRealPorts(calls, std::move(options));
-  if (ports->switchOff()) return kDone;
+  if (ports->switchOff()) {
+    for (const std::uint16_t base : ports->taken()) tellSwitchedOff(arguments, base);
+    return kDone;
+  }
   for (const std::string& line : ports->diagnosis()) std::cerr << "kestrel-cli: " << line << '\n';
   return kNoBoard;
 }

@@ -184,6 +184,7 @@ TEST(Safe, loadsTheIdleValueIntoLatch0OfEitherFamily) {
   const Workplace work;
   const Outcome run = work.simulate({"safe", "--lpt", "278", "--trace", "t.txt"});
   EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(run.out, "Port 278h: latch 0 loaded with 40h, every voltage is off\n");
   EXPECT_EQ(work.text("t.txt"),
             "out 278 40\nout 27A 05\nout 27A 04\nout 27A 05\n"
             "out 27A 0A\nout 27A 0B\nout 27A 0A\n");
