@@ -6,9 +6,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <map>
 
-#include "hardware/ports/guard.h"
+#include "hardware/ports/attended_port.h"
+#include "hardware/ports/real_ports.h"
 #include "hardware/ports/signal_stop.h"
+#include "support/form_rig.h"
 
 namespace kestrel::test {
 namespace {
@@ -16,43 +19,56 @@ namespace {
 using namespace std::chrono_literals;
 using Time = std::chrono::steady_clock;
 
-// Control codes that open a latch with its strobe, latches 0 to 4.
-constexpr std::array<std::uint8_t, 5> kStrobe4{0x0B, 0x03, 0x09, 0x01, 0x0F};
-constexpr std::array<std::uint8_t, 5> kStrobe56{0x04, 0x0C, 0x06, 0x0E, 0x00};
+/// Passes on to a port that can be exchanged.
+struct Turnout final : PortAccess {
+  explicit Turnout(PortAccess& first) : to(&first) {}
+  void PortOut(std::int16_t port, std::uint8_t value) override { to->PortOut(port, value); }
+  std::uint8_t PortIn(std::int16_t port) override { return to->PortIn(port); }
+  PortAccess* to;
+};
 
-void load(PortAccess& port, std::uint8_t strobe, std::uint8_t value) {
-  port.PortOut(0x378, value);
-  port.PortOut(0x37A, strobe ^ 1U);
-  port.PortOut(0x37A, strobe);
-  port.PortOut(0x37A, strobe ^ 1U);
+/// The form ready to press Program. It is started once, on the simulated port; every victim
+/// inherits it and goes on with its own real port to the same board.
+struct Program : BoardOnBench {
+  explicit Program(sim::Model model) : BoardOnBench(model) {
+    start(rig);
+    insert("27C256");
+    rig.select("Eprom 27C256");
+    rig.openImage(randomBytes(32768, 51));
+    rig.controls.Voltage_button[1].press();
+  }
+  Turnout turnout{port};
+  StopSwitch stop;
+  FormRig rig{turnout, port, &stop};
+};
+
+Program& readyProgram(sim::Model model) {
+  static std::map<sim::Model, Program> ready;
+  return ready.try_emplace(model, model).first->second;
 }
 
-// Programming pulses: VPP stays on nearly all the time, on one pin or another.
-void pulse(PortAccess& port, sim::Model model, unsigned byte) {
-  const auto& strobe = model == sim::Model::kestrel4 ? kStrobe4 : kStrobe56;
-  const auto low = static_cast<std::uint8_t>(byte & 0xFFU);
-  load(port, strobe[0], (byte & 1U) != 0 ? 0x6C : 0xFF);
-  load(port, strobe[2], low);
-  load(port, strobe[4], static_cast<std::uint8_t>(~low));
-  load(port, strobe[3], 0x00);
-  load(port, strobe[3], 0x84);
-}
-
-[[noreturn]] void runProgram(Tape& tape, sim::Model model, std::chrono::microseconds runsFor,
-                             const std::function<void()>& end) noexcept {
+// From the port's claim to the shut-down as the programs do it.
+[[noreturn]] void run(Program& program, Tape& tape, std::chrono::microseconds runsFor,
+                      const std::function<void()>& end) {
   constexpr rlimit kNoCore{0, 0};
   setrlimit(RLIMIT_CORE, &kNoCore);
   setpgid(0, 0);
-  TapeKernel kernel(tape);
-  ParportDevice port(kernel, "/dev/parport0", 0x378);
-  const Guard guard(port);
-  port.take();
   switchOffOnCrash();
+  const SignalStop signals(program.stop);
+  TapeKernel kernel(tape, &program.port);
+  auto ports =
+      openRealPorts(kernel, {{parsePortChoice("378=/dev/parport0")}, "/nowhere", "/nowhere"});
+  AttendedPort attended(ports->port(), program.port, program.stop, program.rig.screen);
+  program.turnout.to = &attended;
   tape.isRunning = true;
   const auto endsAt = Time::now() + (end ? runsFor : 10s);
-  for (unsigned byte = 0; Time::now() < endsAt; ++byte) pulse(port, model, byte);
-  if (end) end();
-  _exit(99);
+  kernel.onAccess = [&] {
+    if (Time::now() > endsAt) end ? end() : _exit(98);
+  };
+  while (!signals.isEndRequested()) program.rig.program();
+  program.rig.form.Form_Unload();
+  ports.reset();
+  _exit(signals.exitStatus());
 }
 
 bool awaitAll(std::chrono::milliseconds limit) {
@@ -65,6 +81,32 @@ bool awaitAll(std::chrono::milliseconds limit) {
 }
 
 }  // namespace
+
+int TapeKernel::ioctl(int /*descriptor*/, unsigned long request, void* argument) noexcept {
+  if (onAccess) onAccess();
+  auto* const value = static_cast<std::uint8_t*>(argument);
+  if (request == PPCLAIM) write(2, 0x0C);
+  if (request == PPWDATA) write(0, *value);
+  if (request == PPWCONTROL) write(2, *value);
+  if (request == PPRSTATUS && lines_ != nullptr) *value = lines_->PortIn(0x379);
+  const auto end = Time::now() + 1us;
+  while (Time::now() < end) {
+  }
+  return 0;
+}
+
+// The tape first: what is on it has reached the board.
+void TapeKernel::write(unsigned offset, std::uint8_t value) noexcept {
+  tape_.write(offset, value);
+  if (lines_ != nullptr) lines_->PortOut(static_cast<std::int16_t>(0x378 + offset), value);
+}
+
+void Tape::playTo(sim::Bench& bench, std::size_t from, std::size_t to) const {
+  for (std::size_t i = from; i < to && i < entries.size(); ++i) {
+    bench.portOut(static_cast<std::uint16_t>(0x378 + (entries[i] >> 8)),
+                  static_cast<std::uint8_t>(entries[i] & 0xFF));
+  }
+}
 
 int Tape::switchOffsAtEnd() const {
   constexpr std::array<std::uint16_t, 7> kSequence{0x040, 0x205, 0x204, 0x205, 0x20A, 0x20B, 0x20A};
@@ -83,22 +125,26 @@ Death dieWhileProgramming(sim::Model model, std::chrono::microseconds runsFor,
                           const std::function<void()>& end) {
   // The guard, left behind by its program, becomes this process's child: it can be waited for.
   prctl(PR_SET_CHILD_SUBREAPER, 1);
+  Program& ready = readyProgram(model);
   Tape* const tape = Tape::make();
   const pid_t program = fork();
-  if (program == 0) runProgram(*tape, model, runsFor, end);
+  if (program == 0) run(ready, *tape, runsFor, end);
   while (!tape->isRunning) usleep(50);
-  if (kill) {
-    usleep(static_cast<useconds_t>(runsFor.count()));
-    kill(program);
-  }
+  if (kill) usleep(static_cast<useconds_t>(runsFor.count()));
+  const std::size_t moment = tape->written;
+  if (kill) kill(program);
   const auto killed = Time::now();
-  waitpid(program, nullptr, 0);
+  int status = 0;
+  waitpid(program, &status, 0);
   Death death;
+  death.end = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
   death.endedInTime = awaitAll(1s);
   death.guardTook = std::chrono::duration_cast<std::chrono::microseconds>(Time::now() - killed);
   sim::Bench bench;
   const sim::Board& board = bench.plug(model, 0x378);
-  tape->playTo(bench);
+  tape->playTo(bench, 0, moment);
+  death.wasUnderVpp = board.vppPins() != 0;
+  tape->playTo(bench, moment, tape->written);
   death.latch0 = board.latch(0);
   death.vppPins = board.vppPins();
   death.switchOffs = tape->switchOffsAtEnd();

@@ -18,10 +18,12 @@
 
 namespace kestrel::test {
 
-/// The form over any port and clock, with scripted surroundings and its own folders.
+/// The form over any port and clock, with scripted surroundings and its own folders. A stop switch
+/// that layers below share, and a care for real ports, are given from outside.
 struct FormRig {
-  FormRig(PortAccess& port, Clock& clock)
-      : form({.port = port,
+  FormRig(PortAccess& port, Clock& clock, StopSwitch* shared = nullptr, PortCare* care = nullptr)
+      : stop(shared != nullptr ? *shared : ownStop),
+        form({.port = port,
               .clock = clock,
               .sounds = sounds,
               .settings = settings,
@@ -31,7 +33,8 @@ struct FormRig {
               .stop = stop,
               .folders = {.configuration = folder / "config",
                           .data = folder / "data",
-                          .working = folder.path()}}),
+                          .working = folder.path()},
+              .care = care}),
         controls(form.controls()),
         state(form.state()) {}
 
@@ -81,31 +84,24 @@ struct FormRig {
   RecordingHelp help;
   ScriptedDialogs dialogs;
   FakeScreen screen;
-  StopSwitch stop;
+  StopSwitch ownStop;
+  StopSwitch& stop;
   frmMain form;
   Controls& controls;
   ProgrammerState& state;
 };
 
-/// The form on a bench with one board, traced or, as a trace of a whole chip would be very long,
-/// not. start() runs the start-up.
-struct SimulatedForm {
-  enum class Trace { On, Off };
-
-  explicit SimulatedForm(sim::Model model = sim::Model::kestrel5, Trace tracing = Trace::On)
-      : board(&bench.plug(model, 0x378)),
-        rig(tracing == Trace::On ? static_cast<PortAccess&>(traced) : port,
-            tracing == Trace::On ? static_cast<Clock&>(traced) : port) {}
+/// A bench with one board, and the trace of what a form asks of it.
+struct BoardOnBench {
+  explicit BoardOnBench(sim::Model model) : board(&bench.plug(model, 0x378)) {}
 
   sim::Bench bench;
   sim::Board* board;
   sim::SimulatedPort port{bench};
   std::ostringstream trace;
-  TracingPort traced{port, port, trace};
-  FormRig rig;
 
   /// Start-up; the findings of switching on (a chip beside latches at 0) are not the program's.
-  void start() {
+  void start(FormRig& rig) {
     rig.form.Form_Load();
     if (board->model() == sim::Model::kestrel6) rig.press("TestHardware_button");
     rig.clearLog();
@@ -125,6 +121,22 @@ struct SimulatedForm {
     const auto cells = board->chip()->contents();
     return {cells.begin(), cells.end()};
   }
+};
+
+/// The form on such a bench, traced or, as a trace of a whole chip would be very long, not. start()
+/// runs the start-up.
+struct SimulatedForm : BoardOnBench {
+  enum class Trace { On, Off };
+
+  explicit SimulatedForm(sim::Model model = sim::Model::kestrel5, Trace tracing = Trace::On)
+      : BoardOnBench(model),
+        rig(tracing == Trace::On ? static_cast<PortAccess&>(traced) : port,
+            tracing == Trace::On ? static_cast<Clock&>(traced) : port) {}
+
+  void start() { BoardOnBench::start(rig); }
+
+  TracingPort traced{port, port, trace};
+  FormRig rig;
 };
 
 /// Bytes that look random and are the same in every run.

@@ -1,0 +1,202 @@
+// The form over the real ports' whole code: commands, stops and faults, with the simulated board
+// behind a kernel that is stood in for.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "support/real_form.h"
+
+namespace kestrel::test {
+namespace {
+
+using testing::Contains;
+using Bytes = std::vector<std::uint8_t>;
+
+struct Family {
+  const char* code;
+  const char* device;
+  const char* chip;
+  std::int32_t bytes;  // handled: of EPROMs the beginning, to be quick
+  sim::Model model = sim::Model::kestrel5;
+  std::size_t voltage = 0;   // Voltage_button: 1 = 12.5 V, 2 = 21 V; 0: none is pressed
+  bool isProgrammed = true;  // these two end with the acknowledge report on a true chip
+};
+
+constexpr auto k4 = sim::Model::kestrel4;
+constexpr auto k5 = sim::Model::kestrel5;
+constexpr auto k6 = sim::Model::kestrel6;
+
+// clang-format off
+constexpr Family kFamilies[]{
+    {"P1", "Eprom 2732A",        "2732A",    512, k5, 2},
+    {"P2", "Eprom 2764",         "2764",     512, k6, 2},
+    {"P3", "Eprom 27C128",       "27C128",   512, k4, 1},
+    {"P4", "Eprom 27C256",       "27C256",   512, k5, 1},
+    {"P5", "Eprom 27C512",       "27C512",   512, k6, 1},
+    {"P6", "Eprom 27C010",       "27C010",   512, k4, 1},
+    {"P7", "Eprom 27C020",       "27C020",   512, k5, 1},
+    {"P8", "Eprom 27C040",       "27C040",   512, k6, 1},
+    {"P9", "Eprom 27C080",       "27C080",   512, k4, 1},
+    {"EN", "Eeprom XICOR X28C256", "28C256", 512, k5},
+    {"SA", "Eeprom 24C08",       "24C08",   1024, k6, 0, false},
+    {"SB", "Eeprom 24C16",       "24C16",   2048, k4, 0, false},
+    {"SC", "Eeprom 24C32",       "24C32",    512, k5},
+};
+// clang-format on
+
+/// Programs, verifies and reads back; returns what the procedures asked of the port.
+template <typename Form>
+std::string traceOf(const Family& family) {
+  Form f(family.model);
+  Bytes image = randomBytes(static_cast<std::size_t>(family.bytes), 41);
+  image[0] = 0xC3;  // a 24Cxx whose first bit is 0 holds SDA, and the next command, after a verify
+  f.start();
+  f.insert(family.chip, family.isProgrammed ? Bytes() : image);
+  f.rig.select(family.device);
+  EXPECT_EQ(f.rig.state.FamilyCode, family.code);
+  f.rig.openImage(image);
+  if (family.voltage != 0) f.rig.controls.Voltage_button[family.voltage].press();
+  f.rig.state.DeviceSizeBytes = family.bytes;
+  f.rig.clearLog();
+  f.trace.str("");
+  if (family.isProgrammed) {
+    f.rig.program();
+    EXPECT_THAT(f.rig.log(), Contains("Programming Device Successfull"));
+  }
+  f.rig.press("Verify_button");
+  EXPECT_THAT(f.rig.log(), Contains("Device Contents MATCHES with Buffer Contents"));
+  std::ranges::fill(f.rig.state.CodeBuffer, std::uint8_t{0});
+  f.rig.press("Read_button");
+  EXPECT_TRUE(std::equal(image.begin(), image.end(), f.rig.state.CodeBuffer.begin()));
+  EXPECT_EQ(f.board->vppPins(), 0U);
+  return f.trace.str();
+}
+
+class WholeForm : public testing::TestWithParam<Family> {};
+
+TEST_P(WholeForm, hasTheSameTraceOnARealPortAsOnTheSimulatedOne) {
+  const std::string real = traceOf<RealForm>(GetParam());
+  const std::string simulated = traceOf<SimulatedForm>(GetParam());
+  EXPECT_GT(std::ranges::count(simulated, '\n'), 10 * GetParam().bytes);
+  const auto differ = std::ranges::mismatch(real, simulated);
+  EXPECT_TRUE(real == simulated) << "real: " << std::string(differ.in1, real.end()).substr(0, 40)
+                                 << "\nsimulated: "
+                                 << std::string(differ.in2, simulated.end()).substr(0, 40);
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryFamily, WholeForm, testing::ValuesIn(kFamilies),
+                         [](const auto& family) { return family.param.code; });
+
+/// A 27C64 of which the first page counts, so that a command is short.
+struct Stopping {
+  Stopping() {
+    f.start();
+    f.rig.select("Eprom 27C64");
+    f.rig.openImage(randomBytes(kBytes, 42));
+    f.rig.controls.Voltage_button[1].press();
+    f.rig.state.DeviceSizeBytes = kBytes;
+  }
+  void run(bool programs) {
+    f.insert("27C64", programs ? Bytes() : randomBytes(8192, 43));
+    if (programs) {
+      f.rig.program();
+    } else {
+      f.rig.press("Read_button");
+    }
+  }
+  /// Port accesses of the whole command.
+  int accesses(bool programs) {
+    int count = 0;
+    f.lines.onAccess = [&count] { ++count; };
+    run(programs);
+    return count;
+  }
+  void stopAfter(int count, bool programs) {
+    f.lines.onAccess = [this, count]() mutable {
+      if (--count == 0) f.stop.throwIt();
+    };
+    run(programs);
+    f.lines.onAccess = nullptr;
+  }
+
+  static constexpr std::int32_t kBytes = 256;
+  RealForm f;
+};
+
+TEST(Stop, atAnyMomentLeavesTheBoardIdleAndTheNextCommandWorking) {
+  std::mt19937 random(6);
+  int begun = 0;
+  for (const bool programs : {true, false}) {
+    Stopping s;
+    RealForm& f = s.f;
+    std::uniform_int_distribution<int> moment(1, s.accesses(programs) - 1);
+    for (int i = 0; i < 100; ++i) {
+      f.rig.state.CodeBuffer = randomBytes(f.rig.state.CodeBuffer.size(), 42);
+      const Bytes before = f.rig.state.CodeBuffer;
+      f.rig.clearLog();
+      const int count = moment(random);
+      s.stopAfter(count, programs);
+      SCOPED_TRACE(std::to_string(count) + (programs ? " of programming" : " of a read"));
+      EXPECT_EQ(f.rig.log().back(), "Operation stopped by operator");
+      EXPECT_EQ(f.board->latch(0), 0x40);
+      EXPECT_TRUE(f.rig.state.CodeBuffer == before);
+      if (f.chipContents() != Bytes(8192, 0xFF)) ++begun;
+      f.rig.press("Read_button");
+      EXPECT_EQ(f.rig.form.lastOutcome(), frmMain::Outcome::Done);
+      const Bytes chip = f.chipContents();
+      EXPECT_TRUE(std::equal(chip.begin(), chip.begin() + Stopping::kBytes,
+                             f.rig.state.CodeBuffer.begin()));
+    }
+  }
+  EXPECT_GT(begun, 150) << "chips that were not blank";
+}
+
+TEST(VanishedPort, endsTheCommandAndIsTakenAnewByTheHardwareTest) {
+  RealForm f;
+  f.start();
+  f.insert("27C64", randomBytes(8192, 44));
+  f.rig.select("Eprom 27C64");
+  f.kernel.failures["status"].resize(1'000);
+  f.kernel.failures["status"].push_back(ENODEV);
+  f.rig.press("Read_button");
+  EXPECT_EQ(f.rig.log().back(),
+            "Run-time error 68: Device unavailable: /dev/parport0 (No such device)");
+  f.rig.press("TestHardware_button");
+  EXPECT_EQ(f.rig.controls.Ready_label.caption(), "Ready");
+  EXPECT_EQ(f.board->latch(0), 0x40);
+  f.rig.press("Read_button");
+  EXPECT_EQ(f.rig.form.lastOutcome(), frmMain::Outcome::Done);
+}
+
+TEST(SecondProgram, isToldAndMovesNoLineUntilTheFirstHasEnded) {
+  RealForm first;
+  first.start();
+  const std::uint64_t accesses = first.bench.accessCount();
+  const auto ports = first.openPorts();
+  CareOf care{*ports};
+  FormRig second(ports->port(), first.port, nullptr, &care);
+  second.form.Form_Load();
+  second.press("TestHardware_button");
+  EXPECT_EQ(second.log().back(),
+            "Port 378h (/dev/parport0): another program has it. Cure: end that program; sudo "
+            "fuser -v /dev/parport0 names it");
+  EXPECT_EQ(first.bench.accessCount(), accesses);
+  first.ports.reset();
+  second.press("TestHardware_button");
+  EXPECT_EQ(second.controls.Ready_label.caption(), "Ready");
+}
+
+TEST(NoBoard, isToldByTheHardwareTestWithWhatHelps) {
+  RealForm f;
+  f.start();
+  f.bench.unplug(0x378);
+  f.rig.press("TestHardware_button");
+  EXPECT_EQ(f.rig.log().back(),
+            "Port 378h (/dev/parport0): the port works, but no board answers. Check the board's "
+            "cable and power, and that its socket is empty");
+}
+
+}  // namespace
+}  // namespace kestrel::test
