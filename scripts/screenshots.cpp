@@ -2,6 +2,7 @@
 // Each scene is the whole window on a simulated board, driven as a person would.
 
 #include <QStyleFactory>
+#include <filesystem>
 #include <iostream>
 #include <map>
 
@@ -37,7 +38,9 @@ struct Scene : WindowRig {
     window.grab().save(file);
   }
   void openSample() {
-    window.openCodeFile(programFolders({}).data / "sample" / "sample-27C256.bin");
+    // A name without folders: a picture tells nothing of the machine it was taken on.
+    std::filesystem::current_path(programFolders({}).data / "sample");
+    window.openCodeFile("sample-27C256.bin");
     turn();
   }
   void program() {
