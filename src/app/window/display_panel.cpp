@@ -39,6 +39,7 @@ DisplayPanel::DisplayPanel(Controls& controls, const Binder& binder, QWidget* pa
   binder.common(controls.Frame3, *this);
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 8, 0);
+  column->setSizeConstraint(QLayout::SetMinAndMaxSize);
   buildHeader(*column);
   buildPage(*column);
 }
