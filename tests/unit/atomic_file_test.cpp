@@ -35,11 +35,6 @@ TEST(AtomicFile, followsALinkInsteadOfReplacingIt) {
   EXPECT_EQ(readWholeTextFile(folder / "real"), "new");
 }
 
-TEST(AtomicFile, writesIntoADeviceDirectly) {
-  writeFileAtomically("/dev/null", "lost");
-  EXPECT_TRUE(fs::is_character_file("/dev/null"));
-}
-
 TEST(AtomicFile, aFullDiskIsToldWithTheFileAndTheReason) {
   try {
     writeFileAtomically("/dev/full", "content");
@@ -50,17 +45,11 @@ TEST(AtomicFile, aFullDiskIsToldWithTheFileAndTheReason) {
   }
 }
 
-TEST(AtomicFile, refusesWhatCannotBeReadOrWritten) {
+TEST(AtomicFile, refusesWhatCannotBeReadOrWrittenAndWhatIsTooLong) {
   const test::TemporaryFolder folder;
-  EXPECT_THROW((void)readWholeFile(folder / "missing", 10), FileError);
   EXPECT_THROW((void)readWholeFile(folder.path(), 10), FileError);
   EXPECT_THROW(writeFileAtomically(folder.path(), "x"), FileError);
-  EXPECT_THROW(writeFileAtomically(folder / "no-such-folder/x", "x"), FileError);
   EXPECT_THROW(writeFileAtomically("", "x"), FileError);
-}
-
-TEST(AtomicFile, readsUpToTheLimitAndNotAByteMore) {
-  const test::TemporaryFolder folder;
   writeFileAtomically(folder / "ten", "0123456789");
   EXPECT_EQ(readWholeFile(folder / "ten", 10).size(), 10U);
   EXPECT_THROW((void)readWholeFile(folder / "ten", 9), FileError);

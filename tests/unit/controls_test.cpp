@@ -36,9 +36,7 @@ TEST(Presses, aDisabledControlCannotBePressed) {
   c.Read_button.onPress([&] { ++runs; });
   EXPECT_FALSE(c.Read_button.press());
   EXPECT_FALSE(c.Voltage_button[1].press());
-  EXPECT_FALSE(c.CheckCode.press());
   EXPECT_FALSE(c.Voltage_button[1].value());
-  EXPECT_EQ(c.CheckCode.value(), 0);
   c.VerifyAfterProgramming.setValue(2);
   EXPECT_TRUE(c.VerifyAfterProgramming.press());
   EXPECT_EQ(c.VerifyAfterProgramming.value(), 1) << "a greyed box is not ticked";
@@ -47,34 +45,17 @@ TEST(Presses, aDisabledControlCannotBePressed) {
   EXPECT_EQ(runs, 1);
 }
 
-TEST(Ranges, runTheirHandlerForANewValueAlone) {
+TEST(Ranges, runTheirHandlerForANewValueAloneAndFollowTheirMaximum) {
   Controls c;
   std::vector<int> seen;
-  c.Slider1.onChange([&] { seen.push_back(c.Slider1.value()); });
-  for (const int value : {18, 20, 20, 99, 0, -5}) c.Slider1.setValue(value);
-  EXPECT_EQ(seen, (std::vector<int>{20, 1}));
-}
-
-TEST(Ranges, aMaximumBelowTheValueTakesItAlong) {
-  Controls c;
+  c.VScroll1.onChange([&] { seen.push_back(c.VScroll1.value()); });
   c.VScroll1.setMaximum(127);
-  c.VScroll1.setValue(100);
-  int runs = 0;
-  c.VScroll1.onChange([&] { ++runs; });
+  for (const int value : {0, 100, 100, 999, -5, 9}) c.VScroll1.setValue(value);
   c.VScroll1.setMaximum(-1);
-  EXPECT_EQ(runs, 1);
-  EXPECT_EQ(c.VScroll1.value(), 0);
-  EXPECT_EQ(c.VScroll1.maximum(), -1);
-}
-
-TEST(Progress, staysBetweenZeroAndTheMaximum) {
-  Controls c;
+  EXPECT_EQ(seen, (std::vector<int>{100, 127, 0, 9, 0}));
   c.ProgressBar1.setMaximum(64);
   c.ProgressBar1.advance(65);
   EXPECT_EQ(c.ProgressBar1.value(), 64);
-  c.ProgressBar1.setMaximum(0);
-  c.ProgressBar1.advance();
-  EXPECT_EQ(c.ProgressBar1.value(), 0);
 }
 
 TEST(DeviceList, runsItsHandlerAtEverySettingAndNotWithinIt) {
@@ -87,40 +68,27 @@ TEST(DeviceList, runsItsHandlerAtEverySettingAndNotWithinIt) {
   });
   for (const int position : {2, 2, 1, -1}) c.Device.setPosition(position);
   EXPECT_EQ(seen, (std::vector<int>{2, 2, 1, -1}));
-  EXPECT_EQ(c.Device.text(), "");
   EXPECT_THROW(c.Device.setPosition(3), RuntimeError);
 }
 
 TEST(FormAtStart, whatAProcedureEnablesIsDisabledAndWhatOneShowsIsHidden) {
   Controls c;
   EXPECT_EQ(test::namesOf(c, [](const Control& control) { return !control.enabled(); }),
-            "Voltage_button(0) Voltage_button(1) Voltage_button(2) "
-            "Voltage_button(3) CheckCode "
-            "CheckData Read_button Blank_button Verify_button Program_button "
-            "EraseFlash_button "
-            "Display_button Erase_button Show_button tbToolBar(2) tbToolBar(4) "
-            "tbToolBar(5) "
-            "mnuFileOpenData mnuFileSaveCode mnuFileSaveCodeAs mnuFileSaveData "
-            "mnuFileSaveDataAs "
-            "menuReadCode menuBlankCheck menuVerifyCode menuProgramCode "
-            "menuEraseCode "
-            "menuDisplayCode menuReadData menuVerifyData menuProgramData "
-            "menuEraseData "
-            "menuDisplayData menuEraseFlash menuFlashShowCodeID LoadSetup1 "
-            "LoadSetup2 LoadSetup3 "
+            "Voltage_button(0) Voltage_button(1) Voltage_button(2) Voltage_button(3) CheckCode "
+            "CheckData Read_button Blank_button Verify_button Program_button EraseFlash_button "
+            "Display_button Erase_button Show_button tbToolBar(2) tbToolBar(4) tbToolBar(5) "
+            "mnuFileOpenData mnuFileSaveCode mnuFileSaveCodeAs mnuFileSaveData mnuFileSaveDataAs "
+            "menuReadCode menuBlankCheck menuVerifyCode menuProgramCode menuEraseCode "
+            "menuDisplayCode menuReadData menuVerifyData menuProgramData menuEraseData "
+            "menuDisplayData menuEraseFlash menuFlashShowCodeID LoadSetup1 LoadSetup2 LoadSetup3 "
             "LoadSetup4");
   EXPECT_EQ(test::namesOf(c, [](const Control& control) { return !control.visible(); }),
-            "Frame5 FrameVoltageSelection CheckBlankPriorProgramming "
-            "VerifyAfterProgramming "
-            "frmDisplay1 FileNameDataLabel FileNameDataSize FileNameDataText "
-            "tbToolBar(3) "
+            "Frame5 FrameVoltageSelection CheckBlankPriorProgramming VerifyAfterProgramming "
+            "frmDisplay1 FileNameDataLabel FileNameDataSize FileNameDataText tbToolBar(3) "
             "tbToolBar(4) tbToolBar(5)");
   EXPECT_TRUE(c.HiLow_button[0].value());
   EXPECT_EQ(c.Slider1.value(), 18);
   EXPECT_EQ(c.Show_button.caption(), "Show Data");
-  EXPECT_EQ(c.FileNameCodeSize.caption(), "(0 Bytes)");
-  EXPECT_EQ(c.LoadSetup[3].caption(), "Load Setup #&4");
-  EXPECT_EQ(c.SaveSetup[0].caption(), "Save Setup #&1");
 }
 
 const std::string kFour = "Program_button Verify_button Read_button Display_button";
@@ -136,14 +104,9 @@ TEST(OperationButtonLock, givesBackTheRecordAndWhatAProcedureEnabledMeanwhile) {
   buttons.lock();
   buttons.enable(c.Display_button);
   buttons.setEnabled(c.Read_button, false);
-  buttons.enable(c.menuVerifyCode);
-  EXPECT_TRUE(c.menuVerifyCode.enabled());
   EXPECT_EQ(test::enabledOf(c, kFour), "");
   buttons.unlock();
   EXPECT_EQ(test::enabledOf(c, kFour), "Program_button Display_button");
-  c.Read_button.setEnabled(true);
-  buttons.unlock();
-  EXPECT_TRUE(c.Read_button.enabled());
 }
 
 }  // namespace

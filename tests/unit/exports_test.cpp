@@ -23,10 +23,6 @@ TEST(Exports, theDisplayWithItsHeader) {
                 kRule + "\r\nAB\r\n");
   EXPECT_EQ(f.rig.log(), std::vector<std::string>{"Buffer DIsplay was Saved to KESTREL.BUF file"});
   EXPECT_EQ(f.rig.sounds.played, std::vector<std::string>{"ok.wav"});
-  f.c.BufferDisplay.setText("");
-  f.rig.press("BufferDisplay_DblClick");
-  EXPECT_TRUE(readWholeTextFile(f.rig.folder / "KESTREL.BUF")
-                  .ends_with(" StatCode: 0 Model: 6\r\n" + kRule + "\r\n"));
 }
 
 TEST(Exports, theLogWithItsHeaderAndWithoutASound) {
@@ -41,18 +37,6 @@ TEST(Exports, theLogWithItsHeaderAndWithoutASound) {
   EXPECT_TRUE(text.ends_with(" StatCode: 65 Model: 0\r\n" + kRule + "A\r\n"));
   EXPECT_EQ(f.rig.log().back(), "System Log was Saved to KESTREL.LOG file");
   EXPECT_TRUE(f.rig.sounds.played.empty());
-}
-
-TEST(Exports, intoAReadOnlyFolderIsTold) {
-  ScriptForm f;
-  f.load();
-  const ReadOnlyFolder locked(f.rig.folder.path());
-  f.rig.press("BufferDisplay_DblClick");
-  f.rig.press("SystemLog_DblClick");
-  ASSERT_EQ(f.rig.dialogs.boxes.size(), 2U);
-  EXPECT_NE(f.rig.dialogs.boxes[0].text.find("KESTREL.BUF: Permission denied"), std::string::npos);
-  EXPECT_FALSE(f.rig.logged("System Log was Saved to KESTREL.LOG file"));
-  EXPECT_FALSE(f.rig.logged("Buffer DIsplay was Saved to KESTREL.BUF file"));
 }
 
 TEST(Exports, aFullDiskKeepsTheEarlierFileWhole) {

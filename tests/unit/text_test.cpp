@@ -16,7 +16,6 @@ namespace {
 
 TEST(NumberTexts, hexadecimalAndPrintForm) {
   EXPECT_EQ(hexText(0x3BC), "3BC");
-  EXPECT_EQ(hexText(0), "0");
   EXPECT_EQ(hexText(0x2F0, 6), "0002F0");
   EXPECT_EQ(hexText(0x12345, 4), "2345");
   EXPECT_EQ(printForm(6), " 6");
@@ -24,59 +23,33 @@ TEST(NumberTexts, hexadecimalAndPrintForm) {
   EXPECT_EQ(printForm(3'000'000'000.0), " 3000000000");
 }
 
-TEST(LeadingNumbers, areReadAsFarAsTheyGo) {
-  EXPECT_EQ(leadingNumber("7x"), 7);
+TEST(LeadingNumbers, areReadAsFarAsTheyGoAndStayInRange) {
   EXPECT_EQ(leadingNumber("  -12.5 apples"), -12.5);
-  EXPECT_EQ(leadingNumber("+3"), 3);
-  EXPECT_EQ(leadingNumber(".5"), 0.5);
-  for (const char* const none : {"", "x7", "inf", "nan", "-", "+-3", "-inf"}) {
-    EXPECT_EQ(leadingNumber(none), 0) << none;
-  }
-  EXPECT_EQ(leadingNumber("1e999"), HUGE_VAL);
+  EXPECT_EQ(leadingNumber("+.5"), 0.5);
+  for (const char* const none : {"", "x7", "inf", "-", "+-3"}) EXPECT_EQ(leadingNumber(none), 0);
   EXPECT_EQ(leadingNumber("-1e999"), -HUGE_VAL);
-  EXPECT_EQ(leadingNumber("1e-999"), 0);
-}
-
-TEST(LeadingNumbers, roundHalvesToEvenAndStayInRange) {
   EXPECT_EQ(roundedInt16(2.5), 2);
   EXPECT_EQ(roundedInt16(3.5), 4);
-  EXPECT_EQ(roundedInt16(-32768), -32768);
   EXPECT_THROW((void)roundedInt16(32767.5), RuntimeError);
   EXPECT_THROW((void)roundedInt32(2147483648.0), RuntimeError);
   EXPECT_EQ(clampedInt32(1e300), 2147483647);
-  EXPECT_EQ(clampedInt32(-HUGE_VAL), -2147483648);
-}
-
-TEST(LeadingNumbers, hexadecimalTakesSixteenBits) {
-  EXPECT_EQ(leadingHex16("3BC"), 0x3BC);
   EXPECT_EQ(leadingHex16(" 278h"), 0x278);
   EXPECT_EQ(leadingHex16("ffff"), -1);
-  EXPECT_EQ(leadingHex16("xyz"), 0);
   EXPECT_EQ(leadingHex16("-378"), 0);
   EXPECT_THROW((void)leadingHex16("10000"), RuntimeError);
 }
 
 TEST(Lines, endWithCrLfOrOneOfThem) {
   EXPECT_EQ(linesOf("a\r\nb\rc\nd"), (std::vector<std::string>{"a", "b", "c", "d"}));
-  EXPECT_EQ(linesOf("\r\n\r\n\n\r"), (std::vector<std::string>{"", "", "", ""}));
-  EXPECT_TRUE(linesOf("").empty());
   EXPECT_EQ(trimmed(" \t a b  "), "a b");
-  EXPECT_EQ(trimmed("   "), "");
   EXPECT_EQ(upperCase("/tmp/a\xC3\xA4z{"), "/TMP/A\xC3\xA4Z{");
 }
 
 TEST(Checksum, isTheByteSumModulo65536InFourDigits) {
-  const auto ofFFh = [](int count) {
-    std::int32_t sum = 0;
-    for (int i = 0; i < count; ++i) sum = addToChecksum(sum, 0xFF);
-    return checksumText(sum);
-  };
-  EXPECT_EQ(ofFFh(0), "0000");
-  EXPECT_EQ(ofFFh(1), "00FF");
-  EXPECT_EQ(ofFFh(255), "FE01");
-  EXPECT_EQ(ofFFh(257), "FFFF");
-  EXPECT_EQ(ofFFh(300), "2AD4");
-  EXPECT_EQ(addToChecksum(65535, 1), 0);
+  std::int32_t sum = 0;
+  for (int i = 0; i < 300; ++i) sum = addToChecksum(sum, 0xFF);
+  EXPECT_EQ(checksumText(sum), "2AD4");
+  EXPECT_EQ(checksumText(addToChecksum(65535, 1)), "0000");
 }
 
 TEST(HexLine, hasSixDigitsFourGroupsAndTheCharactersOfItsDisplay) {
@@ -93,7 +66,6 @@ TEST(HexLine, hasSixDigitsFourGroupsAndTheCharactersOfItsDisplay) {
 }
 
 TEST(StatCode, sumsTheBytesLineBreaksIncluded) {
-  EXPECT_EQ(statCode(""), 0);
   EXPECT_EQ(statCode("A\r\n"), 65 + 13 + 10);
   EXPECT_EQ(statCode("\xC3\xA4"), 195 + 164);
 }
