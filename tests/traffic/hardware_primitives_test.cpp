@@ -11,10 +11,10 @@ namespace kestrel::test {
 namespace {
 
 struct Bus {
-  explicit Bus(std::int16_t model, std::int16_t base = 0x378) {
+  explicit Bus(std::int16_t model) {
     BuildDecodeTables(state);
     registers.InitControlTables();
-    state.PortBase = base;
+    state.PortBase = 0x378;
     state.KestrelModel = model;
     registers.ApplyPortAndModel();
   }
@@ -152,14 +152,6 @@ TEST(GetNibbles, readsTheLowHalfThenTheHighOneAsTheModelIsWired) {
     expectReadBack(
         model, "37A=05 379? 37A=01 379?",
         {{0x78, 0x70, 0xEF}, {0x87, 0x87, 0x00}, {0x08, 0x40, 0x81}, {0x20, 0x10, 0x24}});
-}
-
-TEST(GetNibbles24CXX, readsTheUpperHalfAlone) {
-  Bus b(4);
-  b.port.answers = {0x9F};
-  b.bus.GetNibbles24CXX();
-  EXPECT_EQ(b.port.taken(), "37A=04 379?");
-  EXPECT_EQ(b.state.ReadByte, 0x82);
 }
 
 }  // namespace

@@ -6,7 +6,6 @@
 
 #include "app/state/text_format.h"
 #include "buffers/checksum.h"
-#include "display/exports.h"
 #include "display/hex_line.h"
 #include "hardware/decode_tables.h"
 #include "platform/runtime_error.h"
@@ -63,11 +62,6 @@ TEST(HexLine, hasSixDigitsFourGroupsAndTheCharactersOfItsDisplay) {
             "\r\n1FFFF0| 2022607E 7F80FF00 7A7B5C7C 3C1F0F39 | ........z{\\|<..9");
   EXPECT_EQ(hexLine(0, bytes, deviceCharacters()),
             "\r\n000000| 2022607E 7F80FF00 7A7B5C7C 3C1F0F39 |  \"`.....z.\\.<..9");
-}
-
-TEST(StatCode, sumsTheBytesLineBreaksIncluded) {
-  EXPECT_EQ(statCode("A\r\n"), 65 + 13 + 10);
-  EXPECT_EQ(statCode("\xC3\xA4"), 195 + 164);
 }
 
 }  // namespace
