@@ -11,7 +11,7 @@
 #include "hardware/ports/monotonic_clock.h"
 #include "hardware/ports/parport_device.h"
 #include "port_out.h"
-#include "ports/victim.h"
+#include "support/victim.h"
 
 namespace kestrel {
 namespace {

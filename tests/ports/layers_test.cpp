@@ -2,22 +2,21 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <sstream>
 
 #include "hardware/ports/attended_port.h"
 #include "hardware/ports/lpt_ports.h"
 #include "hardware/ports/tracing_port.h"
 #include "platform/runtime_error.h"
-#include "ports/scripted_machine.h"
+#include "support/fakes.h"
+#include "support/port_script.h"
 
 namespace kestrel {
 namespace {
 
-using test::Events;
-
 TEST(TracingPort, writesOneEventALineAndNothingWhereNoTimePasses) {
-  test::ScriptedMachine machine;
+  test::PortScript machine;
+  machine.answers = {0x78};
   std::ostringstream trace;
   TracingPort port(machine, machine, trace);
   port.PortOut(0x37A, 0x0A);
@@ -33,72 +32,63 @@ TEST(TracingPort, writesOneEventALineAndNothingWhereNoTimePasses) {
 }
 
 struct Attended : testing::Test {
-  [[nodiscard]] long turns() const {
-    return std::count(machine.events.begin(), machine.events.end(), "turn");
+  Attended() {
+    screen.onTurn = [this] { machine.note("turn"); };
   }
-  test::ScriptedMachine machine;
+  test::PortScript machine;
+  test::FakeScreen screen;
   StopSwitch stop;
-  AttendedPort port{machine, machine, stop, machine};
+  AttendedPort port{machine, machine, stop, screen};
 };
 
 TEST_F(Attended, slicesLongWaitsToTheExactSumAndNothingElse) {
   port.PortOut(0x378, 1);
   port.Spin(3'200'000);
-  port.Sleep(19);
-  port.Sleep(20);
-  port.Sleep(25);
-  EXPECT_EQ(machine.events,
-            (Events{"out 888 1", "spin 3200000", "sleep 19", "sleep 10", "turn", "sleep 10",
-                    "sleep 10", "turn", "sleep 10", "turn", "sleep 5"}));
+  for (const std::int32_t milliseconds : {19, 20, 25}) port.Sleep(milliseconds);
+  EXPECT_EQ(machine.taken(),
+            "378=01 spin3200000 sleep19 sleep10 turn sleep10 sleep10 turn sleep10 turn sleep5");
 }
 
-TEST_F(Attended, refusesEveryCallWhileTheSwitchIsThrown) {
+TEST_F(Attended, passesNothingOnWhileTheSwitchIsThrown) {
+  const std::function<void()> calls[]{[&] { port.PortOut(0x378, 0x5A); },
+                                      [&] { static_cast<void>(port.PortIn(0x379)); },
+                                      [&] { port.Sleep(500); }, [&] { port.Spin(40'002); }};
   stop.throwIt();
-  EXPECT_THROW(port.PortOut(0x378, 0x5A), OperationStopped);
-  EXPECT_THROW(static_cast<void>(port.PortIn(0x379)), OperationStopped);
-  EXPECT_THROW(port.Sleep(0), OperationStopped);
-  EXPECT_THROW(port.Spin(0), OperationStopped);
-  EXPECT_TRUE(machine.events.empty());
-  stop.reset();
-  port.PortOut(0x378, 0x40);
-  EXPECT_EQ(machine.events.size(), 1U);
-}
-
-TEST_F(Attended, endsAWaitOrAPulseInWhichTheSwitchIsThrown) {
+  for (const auto& call : calls) EXPECT_THROW(call(), OperationStopped);
+  EXPECT_EQ(machine.taken(), "");
   machine.onEvent = [&] { stop.throwIt(); };
-  for (const auto& wait :
-       {std::function([&] { port.Sleep(500); }), std::function([&] { port.Spin(40'002); })}) {
-    EXPECT_THROW(wait(), OperationStopped);
+  for (const auto& wait : {calls[2], calls[3]}) {
     stop.reset();
+    EXPECT_THROW(wait(), OperationStopped);
   }
-  EXPECT_EQ(machine.events, (Events{"sleep 10", "spin 40002"}));
+  EXPECT_EQ(machine.taken(), "sleep10 spin40002") << "each thrown in its middle";
 }
 
 TEST_F(Attended, givesTheScreenATurnAtReadsNowAndThen) {
+  int turns = 0;
+  screen.onTurn = [&] { ++turns; };
   for (int i = 0; i < 199; ++i) static_cast<void>(port.PortIn(0x379));
   for (int i = 0; i < 1000; ++i) port.PortOut(0x37A, 4);
-  EXPECT_EQ(turns(), 0);
+  EXPECT_EQ(turns, 0);
   static_cast<void>(port.PortIn(0x379));
-  EXPECT_EQ(turns(), 1);
-  port.Sleep(4);  // polls with waits between them
-  static_cast<void>(port.PortIn(0x379));
-  EXPECT_EQ(turns(), 2);
+  EXPECT_EQ(turns, 1);
 }
 
 TEST(LptPorts, letThroughTheThreeRegistersOfAConnectedBaseAlone) {
-  test::ScriptedMachine machine;
+  test::PortScript machine;
   LptPorts ports;
   ports.connect(0x378, machine);
   for (const int port : {0, 1, 2, 0x278, 0x27A, 0x377, 0x37B, 0x3BC, 0x778, -1}) {
     ports.PortOut(static_cast<std::int16_t>(port), 0x55);
+    machine.answers = {0x78};
     EXPECT_EQ(ports.PortIn(static_cast<std::int16_t>(port)), 0xFF) << port;
   }
-  ports.PortOut(0x378, 17);
-  ports.PortOut(0x37A, 34);
+  ports.PortOut(0x378, 0x11);
+  ports.PortOut(0x37A, 0x22);
   EXPECT_EQ(ports.PortIn(0x379), 0x78);
   ports.disconnect(0x378);
   ports.PortOut(0x378, 0);
-  EXPECT_EQ(machine.events, (Events{"out 888 17", "out 890 34", "in 889"}));
+  EXPECT_EQ(machine.taken(), "378=11 37A=22 379?");
 }
 
 }  // namespace

@@ -5,14 +5,15 @@
 #include <optional>
 
 #include "hardware/ports/io_ports.h"
-#include "ports/scripted_machine.h"
+#include "support/port_script.h"
 #include "support/stand_in_kernel.h"
 #include "support/temporary_folder.h"
 
 namespace kestrel {
 namespace {
 
-using test::Events;
+const std::string kOff =
+    "data 40, control 05, control 04, control 05, control 0A, control 0B, control 0A, ";
 
 struct Parport : testing::Test {
   Parport() {
@@ -24,51 +25,40 @@ struct Parport : testing::Test {
     port.emplace(kernel, "/dev/parport0", std::uint16_t{0x378});
     port->take();
   }
-  PortProblem problemOf(const std::function<void()>& action) {
+  /// What a board would see and what would be lost on it.
+  static void use(RealPort& port) {
+    port.PortOut(0x378, 0x5A);
+    port.PortOut(0x37A, 0xF7);  // bits 4 and 5 are no lines
+    port.PortOut(0x379, 0x11);  // the status register cannot be written
+    EXPECT_EQ(port.PortIn(0x379), 0x78);
+    EXPECT_EQ(port.PortIn(0x378), 0xFF);
+  }
+  [[nodiscard]] std::string calls() {
+    std::string all;
+    for (const std::string& call : std::exchange(kernel.calls, {})) all += call + ", ";
+    return all;
+  }
+  static std::optional<PortProblem> problemOf(const std::function<void()>& action) {
     try {
       action();
     } catch (const PortError& error) {
       return error.problem();
     }
-    ADD_FAILURE() << "no error";
-    return {};
+    return std::nullopt;
   }
 
-  test::ScriptedMachine lines;
+  test::PortScript lines;
   test::StandInKernel kernel;
   std::optional<ParportDevice> port;
 };
 
 TEST_F(Parport, isSwitchedOffFirstAndLast) {
   take();
-  port->PortOut(0x378, 0x5A);
-  port->PortOut(0x37A, 0xF7);
-  port->PortOut(0x379, 0x11);  // the status register cannot be written
-  EXPECT_EQ(port->PortIn(0x379), 0x78);
-  EXPECT_EQ(port->PortIn(0x378), 0xFF);
+  lines.answers = {0x78};
+  use(*port);
   port.reset();
-  EXPECT_EQ(kernel.calls, (Events{"open /dev/parport0",
-                                  "PPEXCL",
-                                  "PPCLAIM",
-                                  "data 40",
-                                  "control 05",
-                                  "control 04",
-                                  "control 05",
-                                  "control 0A",
-                                  "control 0B",
-                                  "control 0A",  //
-                                  "data 5A",
-                                  "control 07",
-                                  "status",  //
-                                  "data 40",
-                                  "control 05",
-                                  "control 04",
-                                  "control 05",
-                                  "control 0A",
-                                  "control 0B",
-                                  "control 0A",
-                                  "PPRELEASE",
-                                  "close"}));
+  EXPECT_EQ(calls(), "open /dev/parport0, PPEXCL, PPCLAIM, " + kOff +
+                         "data 5A, control 07, status, " + kOff + "PPRELEASE, close, ");
 }
 
 TEST_F(Parport, repeatsWhatASignalInterrupted) {
@@ -76,53 +66,41 @@ TEST_F(Parport, repeatsWhatASignalInterrupted) {
     kernel.failures[call] = {EINTR, EINTR};
   }
   take();
-  EXPECT_EQ(port->PortIn(0x379), 0x78);
-  EXPECT_EQ(lines.events.size(), 9U) << "0Ch, the seven writes that switch off, the read";
+  EXPECT_EQ(port->PortIn(0x379), 0xFF);
+  EXPECT_EQ(lines.taken(), "37A=0C 378=40 37A=05 37A=04 37A=05 37A=0A 37A=0B 37A=0A 379?");
 }
 
-struct Refusal {
-  const char* call;
-  int error;
-  PortProblem problem;
-};
-
-class ParportRefused : public Parport, public testing::WithParamInterface<Refusal> {};
-
-TEST_P(ParportRefused, saysWhyAndTouchesNothing) {
-  kernel.failures[GetParam().call] = {GetParam().error};
-  EXPECT_EQ(problemOf([this] { take(); }), GetParam().problem);
-  port.reset();
-  EXPECT_TRUE(lines.events.empty());
-  EXPECT_EQ(kernel.calls.back(), kernel.calls.size() == 1 ? "open /dev/parport0" : "close");
+TEST_F(Parport, thatIsRefusedSaysWhyAndIsNotTouched) {
+  struct {
+    const char* call;
+    int error;
+    PortProblem problem;
+  } constexpr kRefusals[]{
+      {"open", ENOENT, PortProblem::NoDevice},  {"open", EACCES, PortProblem::NoPermission},
+      {"open", ENXIO, PortProblem::NoHardware}, {"PPEXCL", ENOTTY, PortProblem::NotAPort},
+      {"PPCLAIM", ENXIO, PortProblem::Taken},   {"PPCLAIM", ENOMEM, PortProblem::Other}};
+  for (const auto& [call, error, problem] : kRefusals) {
+    kernel.failures[call] = {error};
+    EXPECT_EQ(problemOf([this] { take(); }), problem);
+    port.reset();
+    EXPECT_EQ(lines.taken(), "");
+    const std::string made = calls();
+    EXPECT_TRUE(made == "open /dev/parport0, " || made.ends_with(" close, ")) << made;
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(EveryCall, ParportRefused,
-                         testing::Values(Refusal{"open", ENOENT, PortProblem::NoDevice},
-                                         Refusal{"open", EACCES, PortProblem::NoPermission},
-                                         Refusal{"open", ENXIO, PortProblem::NoHardware},
-                                         Refusal{"PPEXCL", ENOTTY, PortProblem::NotAPort},
-                                         Refusal{"PPCLAIM", ENXIO, PortProblem::Taken},
-                                         Refusal{"PPCLAIM", ENOMEM, PortProblem::Other}));
 
 TEST_F(Parport, isUnavailableOnceItHasVanished) {
   take();
-  EXPECT_FALSE(port->isGone());
-  for (const char* call : {"data", "control", "status"}) kernel.failures[call] = {ENODEV};
-  EXPECT_THROW(port->PortOut(0x37A, 1), RuntimeError);
-  EXPECT_THROW(static_cast<void>(port->PortIn(0x379)), RuntimeError);
-  try {
-    port->PortOut(0x378, 1);
-    FAIL() << "no error";
-  } catch (const RuntimeError& error) {
-    EXPECT_EQ(error.number(), 68);
-    EXPECT_STREQ(error.what(), "Device unavailable: /dev/parport0 (No such device)");
+  for (const char* call : {"data", "control", "status"}) {
+    EXPECT_FALSE(port->isGone());
+    kernel.failures[call] = {ENODEV};
+    EXPECT_THROW(use(*port), RuntimeError) << call;
+    EXPECT_TRUE(port->isGone());
+    take();
   }
-  EXPECT_TRUE(port->isGone());
-}
-
-TEST_F(Parport, thatVanishesDuringTheClaimIsNotTaken) {
+  port.reset();
   kernel.failures["control"] = {0, 0, EIO};
-  EXPECT_THROW(take(), RuntimeError);
+  EXPECT_THROW(take(), RuntimeError) << "vanished during the claim";
 }
 
 TEST_F(Parport, reachedDirectlyIsForOneProgramWithPermission) {
@@ -134,16 +112,14 @@ TEST_F(Parport, reachedDirectlyIsForOneProgramWithPermission) {
     IoPorts direct = open(0xD010);
     direct.take();
     EXPECT_EQ(problemOf([&] { open(0xD010); }), PortProblem::Taken);
-    direct.PortOut(0x378, 0x5A);
-    direct.PortOut(0x37A, 0xF7);  // bits 4 and 5 are no lines
-    EXPECT_EQ(direct.PortIn(0x379), 0x78);
+    lines.answers = {0x78};
+    use(direct);
   }
-  EXPECT_EQ(kernel.calls,
-            (Events{"permit D010", "outb D010 40", "outb D012 05", "outb D012 04", "outb D012 05",
-                    "outb D012 0A", "outb D012 0B", "outb D012 0A",  //
-                    "outb D010 5A", "outb D012 07", "inb D011",      //
-                    "outb D010 40", "outb D012 05", "outb D012 04", "outb D012 05", "outb D012 0A",
-                    "outb D012 0B", "outb D012 0A", "forbid D010"}));
+  const std::string off =
+      "outb D010 40, outb D012 05, outb D012 04, outb D012 05, outb D012 0A, outb D012 0B, outb "
+      "D012 0A, ";
+  EXPECT_EQ(calls(), "permit D010, " + off + "outb D010 5A, outb D012 07, inb D011, " + off +
+                         "forbid D010, ");
   EXPECT_EQ(problemOf([&] { open(0x60); }), PortProblem::NotAPort);
   kernel.isIoPermitted = false;
   EXPECT_EQ(problemOf([&] { open(0xD010); }), PortProblem::NotPermitted);

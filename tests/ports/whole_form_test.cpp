@@ -24,9 +24,7 @@ struct Family {
   bool isProgrammed = true;  // these two end with the acknowledge report on a true chip
 };
 
-constexpr auto k4 = sim::Model::kestrel4;
-constexpr auto k5 = sim::Model::kestrel5;
-constexpr auto k6 = sim::Model::kestrel6;
+constexpr auto k4 = sim::Model::kestrel4, k5 = sim::Model::kestrel5, k6 = sim::Model::kestrel6;
 
 // clang-format off
 constexpr Family kFamilies[]{
@@ -80,10 +78,8 @@ TEST_P(WholeForm, hasTheSameTraceOnARealPortAsOnTheSimulatedOne) {
   const std::string real = traceOf<RealForm>(GetParam());
   const std::string simulated = traceOf<SimulatedForm>(GetParam());
   EXPECT_GT(std::ranges::count(simulated, '\n'), 10 * GetParam().bytes);
-  const auto differ = std::ranges::mismatch(real, simulated);
-  EXPECT_TRUE(real == simulated) << "real: " << std::string(differ.in1, real.end()).substr(0, 40)
-                                 << "\nsimulated: "
-                                 << std::string(differ.in2, simulated.end()).substr(0, 40);
+  const auto at = std::ranges::mismatch(real, simulated).in1 - real.begin();
+  EXPECT_TRUE(real == simulated) << "they differ at byte " << at;
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryFamily, WholeForm, testing::ValuesIn(kFamilies),
@@ -98,29 +94,17 @@ struct Stopping {
     f.rig.controls.Voltage_button[1].press();
     f.rig.state.DeviceSizeBytes = kBytes;
   }
-  void run(bool programs) {
-    f.insert("27C64", programs ? Bytes() : randomBytes(8192, 43));
-    if (programs) {
-      f.rig.program();
-    } else {
-      f.rig.press("Read_button");
-    }
-  }
-  /// Port accesses of the whole command.
-  int accesses(bool programs) {
+  /// Programs or reads, stopped at a port access; returns how many there were.
+  int run(bool programs, int stopAt) {
     int count = 0;
-    f.lines.onAccess = [&count] { ++count; };
-    run(programs);
+    f.insert("27C64", programs ? Bytes() : randomBytes(8192, 43));
+    f.lines.onAccess = [&] {
+      if (++count == stopAt) f.stop.throwIt();
+    };
+    programs ? f.rig.program() : f.rig.press("Read_button");
+    f.lines.onAccess = nullptr;
     return count;
   }
-  void stopAfter(int count, bool programs) {
-    f.lines.onAccess = [this, count]() mutable {
-      if (--count == 0) f.stop.throwIt();
-    };
-    run(programs);
-    f.lines.onAccess = nullptr;
-  }
-
   static constexpr std::int32_t kBytes = 256;
   RealForm f;
 };
@@ -131,32 +115,30 @@ TEST(Stop, atAnyMomentLeavesTheBoardIdleAndTheNextCommandWorking) {
   for (const bool programs : {true, false}) {
     Stopping s;
     RealForm& f = s.f;
-    std::uniform_int_distribution<int> moment(1, s.accesses(programs) - 1);
+    std::vector<std::uint8_t>& buffer = f.rig.state.CodeBuffer;
+    std::uniform_int_distribution<int> moment(1, s.run(programs, 0) - 1);
     for (int i = 0; i < 100; ++i) {
-      f.rig.state.CodeBuffer = randomBytes(f.rig.state.CodeBuffer.size(), 42);
-      const Bytes before = f.rig.state.CodeBuffer;
-      f.rig.clearLog();
-      const int count = moment(random);
-      s.stopAfter(count, programs);
-      SCOPED_TRACE(std::to_string(count) + (programs ? " of programming" : " of a read"));
+      const Bytes before = buffer = randomBytes(buffer.size(), 42);
+      const int stopAt = moment(random);
+      SCOPED_TRACE(std::to_string(stopAt) + (programs ? " of programming" : " of a read"));
+      s.run(programs, stopAt);
       EXPECT_EQ(f.rig.log().back(), "Operation stopped by operator");
       EXPECT_EQ(f.board->latch(0), 0x40);
-      EXPECT_TRUE(f.rig.state.CodeBuffer == before);
-      if (f.chipContents() != Bytes(8192, 0xFF)) ++begun;
+      EXPECT_TRUE(buffer == before);
+      const Bytes chip = f.chipContents();
+      begun += chip != Bytes(8192, 0xFF) ? 1 : 0;
       f.rig.press("Read_button");
       EXPECT_EQ(f.rig.form.lastOutcome(), frmMain::Outcome::Done);
-      const Bytes chip = f.chipContents();
-      EXPECT_TRUE(std::equal(chip.begin(), chip.begin() + Stopping::kBytes,
-                             f.rig.state.CodeBuffer.begin()));
+      EXPECT_TRUE(std::equal(chip.begin(), chip.begin() + Stopping::kBytes, buffer.begin()));
+      f.rig.clearLog();
     }
   }
   EXPECT_GT(begun, 150) << "chips that were not blank";
 }
 
-TEST(VanishedPort, endsTheCommandAndIsTakenAnewByTheHardwareTest) {
+TEST(HardwareTest, takesAVanishedPortAnewAndTellsWhyNoBoardAnswers) {
   RealForm f;
   f.start();
-  f.insert("27C64", randomBytes(8192, 44));
   f.rig.select("Eprom 27C64");
   f.kernel.failures["status"].resize(1'000);
   f.kernel.failures["status"].push_back(ENODEV);
@@ -168,29 +150,6 @@ TEST(VanishedPort, endsTheCommandAndIsTakenAnewByTheHardwareTest) {
   EXPECT_EQ(f.board->latch(0), 0x40);
   f.rig.press("Read_button");
   EXPECT_EQ(f.rig.form.lastOutcome(), frmMain::Outcome::Done);
-}
-
-TEST(SecondProgram, isToldAndMovesNoLineUntilTheFirstHasEnded) {
-  RealForm first;
-  first.start();
-  const std::uint64_t accesses = first.bench.accessCount();
-  const auto ports = first.openPorts();
-  CareOf care{*ports};
-  FormRig second(ports->port(), first.port, nullptr, &care);
-  second.form.Form_Load();
-  second.press("TestHardware_button");
-  EXPECT_EQ(second.log().back(),
-            "Port 378h (/dev/parport0): another program has it. Cure: end that program; sudo "
-            "fuser -v /dev/parport0 names it");
-  EXPECT_EQ(first.bench.accessCount(), accesses);
-  first.ports.reset();
-  second.press("TestHardware_button");
-  EXPECT_EQ(second.controls.Ready_label.caption(), "Ready");
-}
-
-TEST(NoBoard, isToldByTheHardwareTestWithWhatHelps) {
-  RealForm f;
-  f.start();
   f.bench.unplug(0x378);
   f.rig.press("TestHardware_button");
   EXPECT_EQ(f.rig.log().back(),

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <string>
 
 #include "app/state/text_format.h"
@@ -37,11 +38,15 @@ class PortScript final : public PortAccess, public Clock {
   /// What was written down since the last call.
   [[nodiscard]] std::string taken() { return std::exchange(line_, std::string()); }
 
+  void note(const std::string& event) {
+    line_ += (line_.empty() ? "" : " ") + event;
+    if (onEvent) onEvent();
+  }
+
   std::deque<std::uint8_t> answers;
+  std::function<void()> onEvent;
 
  private:
-  void note(const std::string& event) { line_ += (line_.empty() ? "" : " ") + event; }
-
   std::string line_;
 };
 

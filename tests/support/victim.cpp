@@ -1,4 +1,4 @@
-#include "ports/victim.h"
+#include "support/victim.h"
 
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -60,6 +60,10 @@ Program& readyProgram(sim::Model model) {
       openRealPorts(kernel, {{parsePortChoice("378=/dev/parport0")}, "/nowhere", "/nowhere"});
   AttendedPort attended(ports->port(), program.port, program.stop, program.rig.screen);
   program.turnout.to = &attended;
+  // A signal between two commands: the next one puts the switch back, its first turn throws it.
+  program.rig.screen.onTurn = [&] {
+    if (signals.isEndRequested()) program.stop.throwIt();
+  };
   tape.isRunning = true;
   const auto endsAt = Time::now() + (end ? runsFor : 10s);
   kernel.onAccess = [&] {
