@@ -53,15 +53,6 @@ TEST(LatchLoad, model4HasTheStrobeActiveHighAndTheOthersAllLinesInverted) {
   EXPECT_EQ(allLoads(6), allLoads(5));
 }
 
-TEST(LatchLoad, aShadowThatIsNoByteAndAPortPastTheEndOverflow) {
-  Bus b(5);
-  b.state.RegShadow1 = 0x100;
-  EXPECT_THROW(b.registers.SetReg1(), RuntimeError);
-  EXPECT_EQ(b.port.taken(), "");
-  b.state.PortBase = 0x7FFE;
-  EXPECT_THROW(b.registers.ApplyPortAndModel(), RuntimeError);
-}
-
 TEST(Signals, changeTheirBitsAndLoadTheirLatches) {
   struct Case {
     void (BusPrimitives::*signal)();
