@@ -49,9 +49,9 @@ TEST(MonotonicClock, endsWhenTheSwitchIsThrown) {
   person.join();
 }
 
-// Takes the processor away for 3 ms of every 4, as another program might.
+// Takes the processor away for 1 ms of every 4, as another program might.
 void stall(int /*signal*/) {
-  for (const auto end = Time::now() + 3ms; Time::now() < end;) {
+  for (const auto end = Time::now() + 1ms; Time::now() < end;) {
   }
 }
 

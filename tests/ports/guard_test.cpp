@@ -75,7 +75,7 @@ TEST(Ended, programLeavesTheBoardOff) {
         Ending{"an uncaught exception", [] { throw std::runtime_error(""); }, -SIGABRT, 2},
         Ending{"a stack overflow", [] { _exit(static_cast<int>(overflowStack(0))); }, -SIGSEGV, 2},
         Ending{"Ctrl-\\", [] { raise(SIGQUIT); }, -SIGQUIT, 2}}) {
-    const Death death = test::dieWhileProgramming(sim::Model::kestrel5, 5ms, nullptr, each.how);
+    const Death death = test::dieWhileProgramming(sim::Model::kestrel5, 50ms, nullptr, each.how);
     expectSafe(death, each.end, each.name);
     EXPECT_EQ(death.switchOffs, each.switchOffs) << each.name;
   }
