@@ -2,243 +2,110 @@
 
 #include <algorithm>
 #include <array>
-#include <iomanip>
-#include <sstream>
+#include <cstdio>
 
 #include "cli/run_program.h"
 
 namespace kestrel::test {
 namespace {
 
-/// The accesses that a board is to be given, written down from its contract.
-class Script {
- public:
-  /// The strobe codes of latches 0 to 4; an idle code differs from them in bit 0.
-  Script(unsigned base, std::array<unsigned, 5> strobes) : base_(base), strobes_(strobes) {}
-
-  void out(unsigned port, unsigned value) { access("out ", port, value); }
-  void in(unsigned port, unsigned value) { access("in ", port, value); }
-  void spin(unsigned counts) { lines.push_back("spin " + std::to_string(counts)); }
-  void sleep(unsigned ms) { lines.push_back("sleep " + std::to_string(ms)); }
-
-  void load(std::size_t latch, unsigned value) {
-    const unsigned strobe = strobes_.at(latch);
-    out(base_, value);
-    out(base_ + 2, strobe ^ 1U);
-    if (busDelay > 0) spin(busDelay);
-    out(base_ + 2, strobe);
-    out(base_ + 2, strobe ^ 1U);
-  }
-
-  /// Outputs disabled and voltages off, address 0, chip deselected.
-  void reset(unsigned fixed1, unsigned fixed3) {
-    load(0, 0x40);
-    load(1, fixed1);
-    load(2, 0x00);
-    load(3, 0xC4 | fixed3);
-  }
-
-  /// A byte as model 5 shows it: status bits 3 to 6 are half of it, the others read 1.
-  void readByte(unsigned value) {
-    out(base_ + 2, 0x05);
-    in(base_ + 1, ((value & 0x0F) << 3) | 0x87);
-    out(base_ + 2, 0x01);
-    in(base_ + 1, ((value >> 4) << 3) | 0x87);
-  }
-
-  unsigned busDelay = 0;  ///< none before a device is selected
-  Words lines;
-
- private:
-  void access(const char* what, unsigned port, unsigned value) {
-    std::ostringstream line;
-    line << std::hex << std::uppercase << what << port << ' ' << std::setfill('0') << std::setw(2)
-         << value;
-    lines.push_back(line.str());
-  }
-
-  unsigned base_;
-  std::array<unsigned, 5> strobes_;
-};
-
-constexpr std::array<unsigned, 5> kModel4{0x0B, 0x03, 0x09, 0x01, 0x0F};
-constexpr std::array<unsigned, 5> kModel56{0x04, 0x0C, 0x06, 0x0E, 0x00};
-
-/// The probe of one port, with what the four reads find.
-void probe(Script& s, unsigned base, std::array<unsigned, 4> found) {
-  const auto control = [&](std::initializer_list<unsigned> codes) {
-    for (const unsigned code : codes) s.out(base + 2, code);
-  };
-  const auto settleAndRead = [&](std::size_t i) {
-    s.spin(500);
-    s.in(base + 1, found.at(i));
-  };
-  s.out(base, 0x9F);
-  control({0x0E, 0x00});
-  s.out(base, 0x00);
-  control({0x06});
-  settleAndRead(0);
-  control({0x00});
-  s.out(base, 0xFF);
-  control({0x06});
-  settleAndRead(1);
-  control({0x09});
-  s.out(base, 0xBF);
-  control({0x01, 0x09});
-  s.out(base, 0x00);
-  control({0x0F, 0x09});
-  settleAndRead(2);
-  s.out(base, 0xFF);
-  control({0x0F, 0x09});
-  settleAndRead(3);
-  control({0x08});
+std::string hex(unsigned value) {
+  std::array<char, 12> text{};
+  std::snprintf(text.data(), text.size(), "%02X", value);
+  return text.data();
 }
 
-/// Model 5 or 6: before a model is known both nibbles are selected by 0, and the pulled-up bus is
-/// all that is read.
-void askForModel6(Script& s, unsigned base) {
-  for (const unsigned latch3 : {0x60U, 0x40U}) {
-    s.out(base, latch3);
-    s.out(base + 2, 0x0E);
-    s.out(base + 2, 0x00);
-    for (int nibble = 0; nibble < 2; ++nibble) {
-      s.out(base + 2, 0x00);
-      s.in(base + 1, 0xFF);
-    }
+/// Lines of a trace, written as "d5A" to the data lines, "s87" read from the status lines, "c04" to
+/// the control lines, "p12" for a busy loop and "w500" for a wait.
+std::string accesses(unsigned base, const std::string& text) {
+  std::string lines;
+  std::istringstream words(text);
+  for (std::string word; words >> word;) {
+    const auto kind = static_cast<unsigned>(std::string("dscpw").find(word[0]));
+    const std::string port = hex(base + kind) + " ";
+    const std::string starts[] = {"out " + port, "in " + port, "out " + port, "spin ", "sleep "};
+    lines += starts[kind] + word.substr(1) + "\n";
   }
-}
-
-/// The lamps go off while no port is known: latch 0 is loaded at port 0, with codes of 0.
-void lampsOffNowhere(Script& s) {
-  for (int write = 0; write < 4; ++write) s.out(0, 0x00);
-}
-
-constexpr std::array<unsigned, 4> kNothing{0xFF, 0xFF, 0xFF, 0xFF};
-
-void startUpModel5At378(Script& s) {
-  lampsOffNowhere(s);
-  probe(s, 0x278, kNothing);
-  probe(s, 0x378, {0x87, 0xFF, 0xFF, 0xFF});
-  askForModel6(s, 0x378);
-  probe(s, 0x3BC, kNothing);
-  askForModel6(s, 0x3BC);  // the model is that of the port before
-  s.load(0, 0x08);
-  s.sleep(200);
-  s.load(0, 0x00);
-  s.reset(0, 0);
-  s.load(0, 0x40);  // the lamps
-  s.reset(0, 0);
-}
-
-void readA27C256(Script& s, const Bytes& chip) {
-  s.load(3, 0xC4);  // selecting it: /CE, then /OE inactive
-  s.load(0, 0x40);
-  s.busDelay = 12;
-  s.reset(0x80, 0x02);
-  s.load(1, 0x80);
-  s.load(2, 0x00);
-  s.load(3, 0xC2);
-  s.sleep(500);
-  s.load(3, 0xC2);  // latch 4 off the bus
-  s.load(3, 0x42);  // /CE, /OE active
-  s.load(0, 0x00);
-  s.load(3, 0x42);
-  for (unsigned mid = 0; mid < 128; ++mid) {
-    s.load(1, 0x80 | mid);
-    for (unsigned low = 0; low < 256; ++low) {
-      s.load(2, low);
-      s.readByte(chip.at(mid * 256 + low));
-    }
-  }
-  s.reset(0x80, 0x02);
-}
-
-Words linesOf(const std::string& text) {
-  Words lines;
-  std::istringstream stream(text);
-  for (std::string line; std::getline(stream, line);) lines.push_back(line);
   return lines;
 }
 
-/// Equal, told by the first line that is not.
-void expectSame(const Words& trace, const Words& expected) {
-  const auto [got, want] = std::ranges::mismatch(trace, expected);
-  const auto at = got - trace.begin();
-  EXPECT_TRUE(got == trace.end()) << "line " << at + 1 << " of the trace: " << *got;
-  EXPECT_TRUE(want == expected.end()) << "line " << at + 1 << " should be: " << *want;
+/// Latch loads of model 5, such as "3=C4 0=40"; `delay` is the wait before each strobe.
+std::string loads(const std::string& latches, const std::string& delay = "") {
+  const std::array<const char*, 5> idle{" c05 ", " c0D ", " c07 ", " c0F ", " c01 "};
+  const std::array<const char*, 5> strobe{" c04", " c0C", " c06", " c0E", " c00"};
+  std::string text;
+  std::istringstream words(latches);
+  for (std::string word; words >> word;) {
+    const auto latch = static_cast<std::size_t>(word[0] - '0');
+    text += "d" + word.substr(2) + idle.at(latch) + delay + strobe.at(latch) + idle.at(latch);
+  }
+  return accesses(0x378, text);
+}
+
+/// A byte as model 5 shows it: status bits 3 to 6 are half of it, the others read 1.
+std::string readByte(unsigned value) {
+  return accesses(0x378, "c05 s" + hex((value & 0x0FU) << 3U | 0x87U) + " c01 s" +
+                             hex(value >> 4U << 3U | 0x87U));
+}
+
+/// The probe of one port, whose first read gives `found` and the others FFh.
+std::string probe(unsigned port, const std::string& found) {
+  return accesses(port, "d9F c0E c00 d00 c06 p500 s" + found +
+                            " c00 dFF c06 p500 sFF"
+                            " c09 dBF c01 c09 d00 c0F c09 p500 sFF dFF c0F c09 p500 sFF c08");
+}
+
+/// Model 5 or 6: before a model is known both nibbles are selected by 0, and the pulled-up bus is
+/// all that is read; a chip in the socket would show its zeros, as this question enables it.
+std::string askForModel6(unsigned port) {
+  return accesses(port, "d60 c0E c00 c00 sFF c00 sFF d40 c0E c00 c00 sFF c00 sFF");
+}
+
+const std::string kReset = "0=40 1=00 2=00 3=C4 ";          // no device yet
+const std::string kResetOf27C256 = "0=40 1=80 2=00 3=C6 ";  // its fixed bits
+
+std::string startUpModel5At378() {
+  std::string s = "out 0 00\nout 0 00\nout 0 00\nout 0 00\n";  // the lamps: no port is known
+  s += probe(0x278, "FF") + probe(0x378, "87") + askForModel6(0x378);
+  s += probe(0x3BC, "FF") + askForModel6(0x3BC);  // the model is that of the port before
+  s += loads("0=08") + accesses(0x378, "w200") + loads("0=00 " + kReset);
+  return s + loads("0=40 " + kReset);  // the lamps
+}
+
+std::string readA27C256(const std::string& chip) {
+  std::string s = loads("3=C4 0=40");  // selecting it: /CE, then /OE inactive
+  s += loads(kResetOf27C256 + "1=80 2=00 3=C2", "p12") + accesses(0x378, "w500");
+  s += loads("3=C2 3=42 0=00 3=42", "p12");  // latch 4 off the bus; /CE, /OE active
+  for (std::size_t i = 0; i < chip.size(); ++i) {
+    if (i % 256 == 0) s += loads("1=" + hex(0x80U | static_cast<unsigned>(i >> 8U)), "p12");
+    s += loads("2=" + hex(i & 0xFFU), "p12") + readByte(static_cast<unsigned char>(chip[i]));
+  }
+  return s + loads(kResetOf27C256, "p12");
 }
 
 TEST(Trace, ofAReadHoldsStartUpSelectionReadAndShutDown) {
   const Workplace work;
-  Bytes chip(32768);
-  for (std::size_t i = 0; i < chip.size(); ++i)
-    chip[i] = static_cast<std::uint8_t>(i * 5 + i / 256);
+  std::string chip(32768, '\0');
+  for (std::size_t i = 0; i < chip.size(); ++i) chip[i] = static_cast<char>(i * 5 + i / 256);
   work.put("chip.bin", chip);
-  EXPECT_EQ(work.simulate({"read", "-d", "27C256", "--chip", "27C256=chip.bin", "-o", "out.bin",
-                           "--show", "--quiet", "--trace", "t.txt"})
-                .status,
-            0);
-  Script s(0x378, kModel56);
-  startUpModel5At378(s);
-  readA27C256(s, chip);
-  s.reset(0x80, 0x02);  // shut-down
-  expectSame(linesOf(work.text("t.txt")), s.lines);
+  const Outcome run = work.simulate(
+      "read -d 27C256 --chip 27C256=chip.bin -o out.bin --show --quiet --trace t.txt");
+  EXPECT_EQ(run.status, 0);
+  EXPECT_EQ(std::ranges::count(run.out, '\n'), 16) << "the page alone";
+  const std::string trace = work.text("t.txt");
+  const std::string expected =
+      startUpModel5At378() + readA27C256(chip) + loads(kResetOf27C256, "p12");  // shut-down
+  const auto at =
+      static_cast<std::size_t>(std::ranges::mismatch(trace, expected).in1 - trace.begin());
+  EXPECT_TRUE(trace == expected) << "from " << at << ": "
+                                 << trace.substr(at - std::min(at, std::size_t{60}), 90);
 }
 
-// A chip in the socket would show its zeros to the question for model 6, which enables it.
-TEST(Trace, ofAStartUpIsThatOfAnEmptySocket) {
+TEST(Safe, loadsTheIdleValueIntoLatch0OfEitherFamily) {
   const Workplace work;
-  work.put("chip.bin", Bytes(131'072, 0x00));
-  EXPECT_EQ(work.simulate({"save-setup", "1", "x", "--chip", "27C010=chip.bin", "--trace", "t.txt"})
-                .status,
-            0);
-  Script s(0x378, kModel56);
-  startUpModel5At378(s);
-  s.reset(0, 0);  // shut-down
-  expectSame(linesOf(work.text("t.txt")), s.lines);
-}
-
-TEST(Trace, ofModel4HasNoPulseAndItsOwnCodes) {
-  const Workplace work;
-  EXPECT_EQ(
-      work.simulate({"save-setup", "1", "x", "--model", "4", "--lpt", "278", "--trace", "t.txt"})
-          .status,
-      0);
-  // What the lines show on the way is the board's affair; here it is what they are asked.
-  Script s(0x278, kModel4);
-  lampsOffNowhere(s);
-  Words trace = linesOf(work.text("t.txt"));
-  probe(s, 0x278, kNothing);
-  probe(s, 0x378, kNothing);
-  probe(s, 0x3BC, kNothing);
-  s.reset(0, 0);
-  s.load(0, 0x40);
-  s.reset(0, 0);
-  s.reset(0, 0);
-  const auto maskReads = [](Words& lines) {
-    for (std::string& line : lines) {
-      if (line.starts_with("in ")) line.resize(6);
-    }
-  };
-  maskReads(trace);
-  maskReads(s.lines);
-  expectSame(trace, s.lines);
-}
-
-TEST(Trace, ofAKnownPortHasNoProbe) {
-  const Workplace work;
-  const std::string ini = "IO_PORT = 378\r\nMODEL =  5\r\n";
-  work.put("home/kestrel6.ini", Bytes(ini.begin(), ini.end()));
-  EXPECT_EQ(work.simulate({"save-setup", "1", "x", "--trace", "t.txt"}).status, 0);
-  Script s(0x378, kModel56);
-  s.load(0, 0x08);
-  s.sleep(200);
-  s.load(0, 0x00);
-  s.reset(0, 0);
-  s.load(0, 0x40);
-  s.reset(0, 0);
-  s.reset(0, 0);
-  expectSame(linesOf(work.text("t.txt")), s.lines);
+  const Outcome run = work.simulate("safe --lpt 278 --trace t.txt");
+  EXPECT_TRUE(run.status == 0 && run.told("Port 278h: latch 0 loaded with 40h")) << run.out;
+  EXPECT_EQ(work.text("t.txt"), accesses(0x278, "d40 c05 c04 c05 c0A c0B c0A"));
 }
 
 }  // namespace

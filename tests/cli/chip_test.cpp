@@ -1,0 +1,102 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <tuple>
+
+#include "cli/run_program.h"
+
+namespace kestrel::test {
+namespace {
+
+TEST(Read, savesTheChipByteForByteWithItsChecksum) {
+  const Workplace work;
+  std::string chip(32768, '\3');
+  for (std::size_t i = 0; i < 256; ++i) chip[i * 128] = static_cast<char>(i);
+  work.put("chip.bin", chip);
+  const Outcome run = work.simulate("--chip 27C256=chip.bin read -d 27C256 -o out.bin");
+  EXPECT_TRUE(run.status == 0 && run.err.empty()) << run.err << "no bar off the terminal";
+  EXPECT_EQ(work.text("out.bin"), chip);
+  // The start-up's lines too, although the form empties its log after it. The sum is 32,640 of the
+  // counted bytes and 32,512 times 3: 130,176 = 1FC80h.
+  EXPECT_EQ(run.log(),
+            "Port 278 Not Responding\nPort 3BC Not Responding\n"
+            "Port Selection changed to 378h\nKESTREL-5 Device was FOUND at Port: 378\n"
+            "Most Common Programming Voltage Selected: 12.5 Volts!!!\n"
+            "Device Eprom 27C256 was Selected\n"
+            "Device Size is: 32768 Bytes, Initial VPP suggested: 12.5V\n"
+            "32768 bytes Read from Device\nDevice CHKSUMM = $FC80\n"
+            "Data is available at above Window, use Scroll Bar\n"
+            "You can Save the file using [FILE - Save As] menu\nFile Sucessfully Saved as " +
+                work.path("out.bin") + "\n");
+}
+
+// From one run to the next the chip is its file.
+TEST(Program, thenVerifyInAnotherRunByTheChipsFile) {
+  const Workplace work;
+  work.put("rom.bin", mostlyErased(8192, 0x1FF0, "sixteen bytes..."));
+  const std::string chip = " -d 2764 --vpp 21 --chip 2764=chip.bin -i rom.bin";
+  const auto endsWith = [&](const std::string& words, int status, const std::string& message) {
+    const Outcome run = work.simulate(words + chip);
+    EXPECT_TRUE(run.status == status && run.logged(message)) << words << run.err << run.out;
+  };
+  endsWith("program --yes --blank-check --verify", 0,
+           "Device Contents MATCHES with Buffer Contents");
+  EXPECT_EQ(work.text("chip.bin"), work.text("rom.bin"));
+  endsWith("verify", 0, "Device Contents MATCHES with Buffer Contents");
+  endsWith("blank", 1, "Address: 1FF0 ][ Device Data: 73");
+  work.put("rom.bin", mostlyErased(8192, 0x1FF0, "sixteen byteS..."));
+  endsWith("verify", 1, "Address: 1FFC ][ Buffer Data: 53 ][ Device Data: 73");
+}
+
+TEST(Program, leavesInTheChipsFileWhatWasWritten) {
+  const Workplace work;
+  work.put("rom.bin", mostlyErased(8192, 0x10, "abcd"));
+  for (const auto& [words, status, chip] :
+       {std::tuple(" --yes", 0, mostlyErased(8192, 0x10, "abcd")),
+        {" --yes --lane odd", 0, mostlyErased(8192, 8, "bd")},
+        {"", 1, mostlyErased(8192, 0, "")},
+        {" --yes --verify --fault weak:11", 1, mostlyErased(8192, 0x10, "a")}}) {
+    std::filesystem::remove(work.path("chip.bin"));
+    std::filesystem::remove(work.path("saved.bin"));
+    const Outcome run = work.simulate(
+        std::string("program -d 27C64 -i rom.bin --chip 27C64=chip.bin -o saved.bin") + words);
+    EXPECT_EQ(run.status, status) << words;
+    EXPECT_EQ(work.text("chip.bin"), chip) << words;
+    EXPECT_FALSE(run.logged("Verify Function Started... Wait")) << words;
+    EXPECT_EQ(work.text("saved.bin").empty(), status != 0) << "nothing follows a failure";
+  }
+}
+
+// A port that reads FFh everywhere: the byte does not read back, the rest of the chip stays.
+TEST(Program, failsWhenTheBoardIsUnplugged) {
+  const Workplace work;
+  work.put("rom.bin", std::string(8192, '\0'));
+  const Outcome run =
+      work.simulate("program --yes -d 27C64 -i rom.bin --chip 27C64=chip.bin --fault unplug:9000");
+  EXPECT_TRUE(run.status == 1 && run.logged("*** Programming Failure ***")) << run.out;
+  const std::string chip = work.text("chip.bin");
+  const auto written = std::ranges::count(chip, '\0');
+  EXPECT_TRUE(written > 10 && written < 4000) << written;
+  EXPECT_EQ(std::ranges::count(chip, '\xFF'), 8192 - written);
+}
+
+TEST(Setup, isSavedUnderItsNameAndLoadedByALaterRun) {
+  const Workplace work;
+  work.put("rom.bin", "x");
+  const Outcome save =
+      work.simulate("save-setup 2 'ROM set A' -d 2764 -i rom.bin --speed 12 --lane odd --verify");
+  EXPECT_TRUE(save.logged("Setup Saved as KSSetup2.INI, named:ROM set A")) << save.err;
+  const Outcome load = work.simulate("--setup 2 read --chip 2764 --speed 7");
+  const std::string log = load.log();
+  const std::size_t device = log.find("Device Eprom 2764 was Selected\n");
+  const std::size_t speed = log.find("Program Speed Slider set to: 12\n");
+  EXPECT_TRUE(log.starts_with("Port Selection changed to 378h\n")) << "a saved port is not probed";
+  EXPECT_TRUE(load.status == 0 && device < speed) << log;
+  EXPECT_LT(speed, log.find("Program Speed Slider set to: 7\n")) << "the options come after it";
+  std::filesystem::remove(work.path("rom.bin"));
+  EXPECT_EQ(work.simulate("--setup 2 program --yes").status, 2);
+}
+
+}  // namespace
+}  // namespace kestrel::test

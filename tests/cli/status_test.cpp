@@ -1,0 +1,97 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "cli/run_program.h"
+
+namespace kestrel::test {
+namespace {
+
+struct Ending {
+  const char* words;
+  int status;
+  const char* told;  ///< part of what is said
+};
+
+// Refused, or answered, before the board is touched.
+const Ending kAtOnce[] = {
+    {"--version", 0, "kestrel-cli 1.0.0\n"},
+    {"read --help", 0, "--blank-check"},
+    {"devices", 0, "\nEprom 27C256                             32 KB   12.5 V\n"},
+    {"", 2, "no command"},
+    {"raed", 2, "\"raed\" is no command"},
+    {"read --fast", 2, "--fast is no option"},
+    {"-d 2764 read -d 2732", 2, "-d is given twice"},
+    {"read --speed 21", 2, "1 (slow) to 20"},
+    {"--setup 5 read", 2, "1 to 4"},
+    {"save-setup 1 'a\nsFILE = b'", 2, "one line"},
+    {"read --model 6", 2, "add --simulate"},
+    {"read --simulate -d 2764 --chip 2764=short.bin", 2, "8191 bytes"},
+    {"read --simulate -d 2764 --trace no/such/t.txt", 2, "no/such/t.txt"},
+    {"read --simulate -d 273", 2, "Eprom 2732B\""},
+    {"read --simulate -d 24C256", 2, "N/A"},
+    {"read --simulate -d 27C257", 2, "Eprom 27C256"},
+};
+
+const Ending kAfterStartUp[] = {
+    {"detect --model 6 --lpt 3BC", 0, "KESTREL-6 Device was FOUND at Port: 3BC"},
+    {"detect --model 4 --lpt 278", 0, "KESTREL-4 Device was FOUND at Port: 278"},
+    {"read -d 'eprom 27c256' --home /proc", 0, "kestrel6.ini"},
+    {"read -d xicor", 0, "Device Eeprom XICOR X28C256 was Selected"},
+    {"read -d 2732", 0, "Device Eprom 2732 was Selected"},
+    {"read -d 2764 --fault stuck:0", 0, "Device CHKSUMM = $C000"},
+    {"read -d 24C16 --fault empty", 1, "Device 24CXX DOES NOT RESPOND - ACK Error"},
+    {"display -d 24C16", 1, "serial EEPROM"},
+    {"program -d 2764 -i rom.bin", 1, "--yes answers OK"},
+    {"display --quiet -d 2764 --chip 2764=page.bin --page 31", 0,
+     "001F00| 6120627B 7D7EFFFF FFFFFFFF FFFFFFFF | a b............."},
+    {"erase -d 28C256 --speed 12", 0, "Program Speed Slider set to: 12"},
+    {"erase -d 2764", 2, "erase: an EPROM is erased under the lamp"},
+    {"read", 2, "read: no device is selected; add -d NAME"},
+    {"read -d 27C256 --vpp 21", 2, "does not take 21 V (offered: 12.5 V)"},
+    {"blank -d 24C16", 2, "a serial EEPROM has no blank check"},
+    {"display -d 2764 --page 32", 2, "--page 32: the pages are 0 to 31"},
+    {"read --setup 2", 2, "KSSetup2.INI"},
+    {"save-setup 3 x", 2, "KSSetup3.INI"},
+    {"program --yes -d 2764 -i missing.bin", 2, "missing.bin"},
+    {"program --yes -d 2764 -i folder", 2, "Can't Open Code File"},
+    {"program --yes -d 2764 -i huge.bin", 2, "huge.bin"},
+    {"read -d 2764 -o folder", 2, "folder"},
+    {"read -d 2764 --chip 2764=no/such/chip.bin", 2, "no/such/chip.bin"},
+};
+
+TEST(ExitStatus, tellsHowTheRunEndedAndTheReasonIsTold) {
+  const Workplace work;
+  std::filesystem::create_directory(work.path("folder"));
+  std::filesystem::create_directory(work.path("KSSetup3.INI"));
+  work.put("rom.bin", "x");
+  work.put("page.bin", mostlyErased(8192, 0x1F00, "a b{}~"));
+  work.put("short.bin", std::string(8191, 'x'));
+  work.put("huge.bin", std::string(2'100'002, '\1'));
+  const auto check = [](const Ending& ending, const Outcome& run) {
+    EXPECT_EQ(run.status, ending.status) << ending.words;
+    EXPECT_TRUE(run.told(ending.told)) << ending.words << ": " << run.err << run.out;
+    EXPECT_FALSE(run.logged("Programming Button Pressed") && ending.status == 2) << ending.words;
+  };
+  for (const Ending& ending : kAtOnce) {
+    const Outcome run = work.run(ending.words);
+    check(ending, run);
+    EXPECT_EQ(run.log(), "") << ending.words;
+  }
+  for (const Ending& ending : kAfterStartUp) check(ending, work.simulate(ending.words));
+  EXPECT_EQ(work.text("short.bin"), std::string(8191, 'x'));
+}
+
+// Three devices that are not there keep a real port of the test machine out of it.
+TEST(ExitStatus, ofACommandThatNeedsABoardIs3WithoutOne) {
+  const Workplace work;
+  for (const char* const command :
+       {"read", "blank", "verify", "program", "erase", "display", "detect"}) {
+    const Outcome run =
+        work.run(std::string(command) + " --port 378=/dev/no1 --port 278=/dev/no2 --port 3BC=/no3");
+    EXPECT_TRUE(run.status == 3 && run.told("Can't Locate Kestrel Board")) << command;
+  }
+}
+
+}  // namespace
+}  // namespace kestrel::test
