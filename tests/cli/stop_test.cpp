@@ -52,7 +52,6 @@ TEST(Progress, hasBarPercentAndTimeLeft) {
   EXPECT_EQ(line.text(44, begin + seconds(500)), "[--------------------]   1 %");
   line.set(11, 100, begin + seconds(510));
   EXPECT_EQ(line.text(44, begin + seconds(510)), "[##------------------]  11 %  1:29 left");
-  EXPECT_LE(line.text(24, begin + seconds(510)).size(), 24U);
 }
 
 TEST(Progress, isDrawnWithinTheWidthAndTakenAwayAtTheEnd) {
@@ -84,8 +83,7 @@ TEST(Signal, endsProgrammingWithTheBoardIdleAndTheChipKept) {
     const std::string trace = work.text("t.txt");  // what latch 0 was loaded with last
     const std::size_t data = trace.rfind("out 378 ", trace.rfind("out 37A 04\n"));
     EXPECT_EQ(trace.substr(data, 11), "out 378 40\n");
-    EXPECT_EQ(work.text("chip.bin").size(), 1'048'576U);
-    EXPECT_TRUE(work.text("saved.bin").empty());
+    EXPECT_TRUE(work.text("chip.bin").size() == 1'048'576 && work.text("saved.bin").empty());
   }
 }
 

@@ -56,7 +56,7 @@ std::string probe(unsigned port, const std::string& found) {
 }
 
 /// Model 5 or 6: before a model is known both nibbles are selected by 0, and the pulled-up bus is
-/// all that is read; a chip in the socket would show its zeros, as this question enables it.
+/// all that is read.
 std::string askForModel6(unsigned port) {
   return accesses(port, "d60 c0E c00 c00 sFF c00 sFF d40 c0E c00 c00 sFF c00 sFF");
 }
@@ -99,6 +99,14 @@ TEST(Trace, ofAReadHoldsStartUpSelectionReadAndShutDown) {
       static_cast<std::size_t>(std::ranges::mismatch(trace, expected).in1 - trace.begin());
   EXPECT_TRUE(trace == expected) << "from " << at << ": "
                                  << trace.substr(at - std::min(at, std::size_t{60}), 90);
+}
+
+// A chip in the socket would show its zeros to the question for model 6, which enables it.
+TEST(Trace, ofAStartUpIsThatOfAnEmptySocket) {
+  const Workplace work;
+  work.put("chip.bin", std::string(131'072, '\0'));
+  EXPECT_EQ(work.simulate("save-setup 1 x --chip 27C010=chip.bin --trace t.txt").status, 0);
+  EXPECT_EQ(work.text("t.txt"), startUpModel5At378() + loads(kReset));
 }
 
 TEST(Safe, loadsTheIdleValueIntoLatch0OfEitherFamily) {
