@@ -20,7 +20,6 @@ const Ending kAtOnce[] = {
     {"devices", 0, "\nEprom 27C256                             32 KB   12.5 V\n"},
     {"", 2, "no command"},
     {"raed", 2, "\"raed\" is no command"},
-    {"read --fast", 2, "--fast is no option"},
     {"read --speed 21", 2, "1 (slow) to 20"},
     {"save-setup 1 'a\nsFILE = b'", 2, "one line"},
     {"read --model 6", 2, "add --simulate"},

@@ -10,6 +10,12 @@
 namespace kestrel::test {
 namespace {
 
+bool isWaiting(pid_t process) {
+  std::string line;
+  std::getline(std::ifstream("/proc/" + std::to_string(process) + "/stat"), line);
+  return line.find(") R ") == std::string::npos;
+}
+
 /// kestrel-cli at a terminal of 60 columns, with a person who types `answer` when asked.
 Outcome atTerminal(const Workplace& work, const std::string& words, const std::string& answer) {
   const winsize size{.ws_row = 24, .ws_col = 60, .ws_xpixel = 0, .ws_ypixel = 0};
@@ -22,6 +28,8 @@ Outcome atTerminal(const Workplace& work, const std::string& words, const std::s
   for (ssize_t n = 0; (n = ::read(terminal, piece, sizeof piece)) > 0;) {
     run.out.append(piece, static_cast<std::size_t>(n));
     if (isAnswered || !run.told("Safety Question: Program the Device? [ok/Cancel] ")) continue;
+    // A person answers when the program waits; a Ctrl-C between prompt and wait is another matter.
+    while (!isWaiting(process)) ::usleep(1000);
     isAnswered = ::write(terminal, answer.data(), answer.size()) > 0;
   }
   run.status = statusOf(process);
