@@ -5,7 +5,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace kestrel::test {
@@ -28,24 +27,22 @@ inline std::vector<BoardEvent> boardEvents(const std::string& trace, int model, 
   long data = 0;
   unsigned control = 0;
   const char* line = trace.c_str();
-  for (const char* end = nullptr; *line != '\0'; line = end + 1) {
-    end = std::strchr(line, '\n');
+  for (; *line != '\0'; line = std::strchr(line, '\n') + 1) {
     char* rest = nullptr;
+    const char* const number = std::strchr(line, ' ') + 1;
     if (line[0] == 's') {  // "spin 12", "sleep 500"
       const bool isSpin = line[1] == 'p';
-      const long length = std::strtol(line + (isSpin ? 5 : 6), nullptr, 10);
-      if (!isSpin) events.push_back({.kind = Kind::Sleep, .value = length});
-      if (isSpin && length != busDelay) events.push_back({.kind = Kind::Spin, .value = length});
+      const long length = std::strtol(number, nullptr, 10);
+      if (isSpin && length == busDelay) continue;
+      events.push_back({.kind = isSpin ? Kind::Spin : Kind::Sleep, .value = length});
       continue;
     }
-    const bool isRead = line[0] == 'i';  // "in 379 78", "out 378 5A"
-    const long port = std::strtol(line + (isRead ? 3 : 4), &rest, 16);
+    const long port = std::strtol(number, &rest, 16);  // "in 379 78", "out 378 5A"
     const long value = std::strtol(rest, nullptr, 16);
-    if (isRead) {
+    if (line[0] == 'i') {
       const bool isHigh = ((control & 4U) != 0) == (model == 4);
-      events.push_back({.kind = isHigh ? Kind::High : Kind::Low,
-                        .value = value,
-                        .sda = (value & (model == 4 ? 0x10 : 0x40)) != 0});
+      const bool sda = (value & (model == 4 ? 0x10 : 0x40)) != 0;
+      events.push_back({.kind = isHigh ? Kind::High : Kind::Low, .value = value, .sda = sda});
     } else if (port == 0x378) {
       data = value;
     } else {
@@ -58,29 +55,20 @@ inline std::vector<BoardEvent> boardEvents(const std::string& trace, int model, 
   return events;
 }
 
+inline std::string hexByte(long value) {
+  std::array<char, 20> text{};
+  std::snprintf(text.data(), text.size(), "%02lX", value);
+  return text.data();
+}
+
 /// The events as a short text: "3=86 0=40 spin=20 sleep=5 lo hi".
 inline std::string textOf(const std::vector<BoardEvent>& events) {
   std::string text;
   for (const BoardEvent& event : events) {
-    std::array<char, 32> piece{};
-    switch (event.kind) {
-      case BoardEvent::Kind::Load:
-        std::snprintf(piece.data(), piece.size(), "%d=%02lX", event.latch, event.value);
-        break;
-      case BoardEvent::Kind::Low:
-        std::snprintf(piece.data(), piece.size(), "lo");
-        break;
-      case BoardEvent::Kind::High:
-        std::snprintf(piece.data(), piece.size(), "hi");
-        break;
-      case BoardEvent::Kind::Spin:
-        std::snprintf(piece.data(), piece.size(), "spin=%ld", event.value);
-        break;
-      case BoardEvent::Kind::Sleep:
-        std::snprintf(piece.data(), piece.size(), "sleep=%ld", event.value);
-        break;
-    }
-    text += (text.empty() ? "" : " ") + std::string(piece.data());
+    const std::array<std::string, 5> pieces{
+        std::to_string(event.latch) + "=" + hexByte(event.value), "lo", "hi",
+        "spin=" + std::to_string(event.value), "sleep=" + std::to_string(event.value)};
+    text += (text.empty() ? "" : " ") + pieces.at(static_cast<std::size_t>(event.kind));
   }
   return text;
 }
@@ -90,7 +78,7 @@ inline std::string loadsOf(int latch, const std::vector<BoardEvent>& events) {
   std::string text;
   for (const BoardEvent& event : events) {
     if (event.kind != BoardEvent::Kind::Load || event.latch != latch) continue;
-    text += (text.empty() ? "" : " ") + textOf({event}).substr(2);
+    text += (text.empty() ? "" : " ") + hexByte(event.value);
   }
   return text;
 }
@@ -157,11 +145,9 @@ class TwoWireDecoder {
     bits_.clear();
   }
   [[nodiscard]] std::string hexOfEight() const {
-    unsigned byte = 0;
+    long byte = 0;
     for (std::size_t i = 0; i < 8; ++i) byte = byte * 2 + (bits_[i].level ? 1 : 0);
-    std::array<char, 4> text{};
-    std::snprintf(text.data(), text.size(), "%02X", byte);
-    return text.data();
+    return hexByte(byte);
   }
   void put(const std::string& piece) { text_ += (text_.empty() ? "" : " ") + piece; }
 
