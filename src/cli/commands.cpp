@@ -101,7 +101,7 @@ int runAtForm(const Arguments& a, const Command& command) {
   const SignalStop signals(stop);
   ConsoleView view(a.quiet);
   view.obey(signals, stop);
-  ConsoleDialogs dialogs(view, a.yes);
+  ConsoleDialogs dialogs(view, a.yes, signals.descriptor());
   NoSound sounds;
   NoSettings settings;
   NoHelp help;

@@ -1,7 +1,10 @@
 #include "cli/console_dialogs.h"
 
+#include <poll.h>
 #include <unistd.h>
 
+#include <array>
+#include <cerrno>
 #include <iostream>
 
 #include "app/state/text_format.h"
@@ -32,12 +35,23 @@ Answer ConsoleDialogs::ask(const MessageBox& box) {
   }
   std::cerr << box.title << ": " << box.text << " [ok/Cancel] " << std::flush;
   std::string line;
-  if (!std::getline(std::cin, line)) {
+  if (!isLineComing() || !std::getline(std::cin, line)) {
     std::cerr << std::endl;
     return Answer::Cancel;
   }
   const std::string word = upperCase(trimmed(line));
   return word == "OK" || word == "O" || word == "YES" || word == "Y" ? Answer::Ok : Answer::Cancel;
+}
+
+// A signal that arrives just before the read would leave it waiting for ever; so both are waited
+// for.
+bool ConsoleDialogs::isLineComing() const {
+  std::array<pollfd, 2> waits{{{.fd = STDIN_FILENO, .events = POLLIN, .revents = 0},
+                               {.fd = endDescriptor_, .events = POLLIN, .revents = 0}}};
+  while (::poll(waits.data(), waits.size(), -1) < 0) {
+    if (errno != EINTR) return true;
+  }
+  return waits[1].revents == 0;
 }
 
 std::string ConsoleDialogs::inputBox(const std::string& /*prompt*/, const std::string& /*title*/) {

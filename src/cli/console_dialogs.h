@@ -12,8 +12,10 @@ namespace kestrel {
 /// answer. What happened in them counts for the exit status.
 class ConsoleDialogs final : public Dialogs {
  public:
-  /// `yes` answers questions with OK. The view outlives this.
-  ConsoleDialogs(ConsoleView& view, bool yes) : view_(view), yes_(yes) {}
+  /// `yes` answers questions with OK. `endDescriptor` becomes readable when a signal asks for the
+  /// end; a question is cancelled then. The view outlives this.
+  ConsoleDialogs(ConsoleView& view, bool yes, int endDescriptor)
+      : view_(view), yes_(yes), endDescriptor_(endDescriptor) {}
 
   /// What the next file dialog or input box is answered with.
   void answerWith(std::string text) { prepared_ = std::move(text); }
@@ -32,10 +34,12 @@ class ConsoleDialogs final : public Dialogs {
 
  private:
   [[nodiscard]] Answer ask(const MessageBox& box);
+  [[nodiscard]] bool isLineComing() const;
   [[nodiscard]] std::string takePrepared() { return std::exchange(prepared_, {}); }
 
   ConsoleView& view_;
   bool yes_;
+  int endDescriptor_;
   std::string prepared_;
   bool wasCancelled_ = false;
   bool wasFileRefused_ = false;
