@@ -6,6 +6,11 @@
 #include <utility>
 
 namespace kestrel {
+namespace {
+
+constexpr qsizetype kLongestName = 60;  // of a setup; a damaged file may give one of any length
+
+}  // namespace
 
 Menus::Menus(QMainWindow& window, Controls& controls, const Binder& binder, IconSet& icons,
              RecentFiles& recent)
@@ -115,11 +120,22 @@ void Menus::buildSetup() {
   QMenu& save = *menu.addMenu("&Save Setup");
   load.setObjectName("LoadSetup");
   save.setObjectName("SaveSetup");
-  for (Button& entry : controls_.LoadSetup) add(load, entry);
+  for (Button& entry : controls_.LoadSetup) addSetup(load, entry);
   for (Button& entry : controls_.SaveSetup) add(save, entry);
   connect(&menu, &QMenu::aboutToShow, this, [this] {
     binder_.gate().run([this] { controls_.Setup.press(); });
     binder_.mirror().refresh();
+  });
+}
+
+// The name that a setup was given is shown as it is: an ampersand in it marks no mnemonic.
+void Menus::addSetup(QMenu& menu, Button& entry) {
+  QAction* const action = add(menu, entry);
+  binder_.mirror().bind(entry, [&entry, action, atStart = text(entry.caption())] {
+    QString name = text(entry.caption());
+    if (name.size() > kLongestName) name = name.left(kLongestName) + u'\u2026';
+    const bool isUnnamed = name.isEmpty() || name == atStart;
+    action->setText(isUnnamed ? atStart : name.replace("&", "&&"));
   });
 }
 

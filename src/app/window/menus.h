@@ -27,6 +27,7 @@ class Menus final : public QObject {
  private:
   QMenu* addMenu(const QString& caption, const QString& name);
   QAction* add(QMenu& menu, Button& control, const QString& icon = {});
+  void addSetup(QMenu& menu, Button& entry);
   void addAll(QMenu& menu, std::initializer_list<Button*> controls);
   void addSeparator(QMenu& menu, const QString& name);
   void buildFile();
