@@ -124,6 +124,15 @@ TEST(Menus, theSetupMenuReadsTheSlotsWhenItOpens) {
   EXPECT_FALSE(rig.find<QAction>("LoadSetup1").isEnabled());
 }
 
+TEST(Options, aPortTextOfAnyLengthLeavesTheWindowItsWidth) {
+  WindowRig rig;
+  rig.start();
+  const int width = rig.window.minimumSizeHint().width();
+  rig.controls().PortSelected.setText(std::string(500, 'W'));
+  rig.turn();
+  EXPECT_LT(rig.window.minimumSizeHint().width(), width + 100);
+}
+
 /// The letter behind the ampersand of every visible widget and top menu.
 std::map<QChar, QStringList> mnemonics(QWidget& window) {
   std::map<QChar, QStringList> found;

@@ -232,6 +232,9 @@ void OptionsPanel::buildHardware(QBoxLayout& column) {
   auto* const port = new QLabel(widget());
   binder_.text(controls_.PortSelected, *port);
   port->setToolTip("The port in use");
+  // A setup file may hold any text for it.
+  port->setTextFormat(Qt::PlainText);
+  port->setMaximumWidth(port->fontMetrics().horizontalAdvance("MMMMM"));
   line->addWidget(hardware_, 1);
   line->addWidget(port);
   buildPorts(column);
