@@ -26,6 +26,8 @@ DeviceBox::DeviceBox(DropDownList& control, const Binder& binder, QWidget* paren
   setMinimumContentsLength(24);
   setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   lineEdit()->setPlaceholderText("Type to search, such as 27C256");
+  lineEdit()->setAccessibleName("Device");
+  lineEdit()->setAcceptDrops(false);  // a file dropped here is for the window
   lineEdit()->installEventFilter(this);
   buildSearch();
   binder.common(control, *this);
