@@ -3,107 +3,108 @@
 
 #include <gtest/gtest.h>
 
+#include "app/state/text_format.h"
 #include "support/unit_rig.h"
 
 namespace kestrel::test {
 namespace {
 
-/// A write cycle: latch 1 with /WE high and low, address low byte, data.
-std::string cycle(const std::string& off, const std::string& on, const std::string& low,
-                  const std::string& data) {
-  return "1=" + off + " spin=300 2=" + low + " spin=300 4=" + data + " 3=02 1=" + on +
-         " spin=300 1=" + off + " spin=300 3=82 ";
+/// Latch 1 with /WE high and low, at 5555h, 2AAAh and in the first 256 bytes.
+struct PageChip {
+  std::int16_t reg1Fixed;
+  std::string off5555, on5555, off2AAA, on2AAA, off0, on0;
+};
+
+const PageChip kXicor{0x40, "D5", "95", "6A", "2A", "40", "00"};
+const PageChip kAtmel{0x80, "D5", "55", "AA", "2A", "80", "00"};
+
+/// Write cycles at 5555h, 2AAAh, 5555h, and so again.
+std::string sequence(const PageChip& chip, const std::vector<std::string>& data) {
+  std::string text = "0=40 3=82 ";
+  for (std::size_t i = 0; i < data.size(); ++i) {
+    const bool is2AAA = i % 3 == 1;
+    const std::string& off = is2AAA ? chip.off2AAA : chip.off5555;
+    text += "1=" + off + " spin=300 2=" + (is2AAA ? "AA" : "55") + " spin=300 4=" + data[i] +
+            " 3=02 1=" + (is2AAA ? chip.on2AAA : chip.on5555) + " spin=300 1=" + off +
+            " spin=300 3=82 ";
+  }
+  return text + "sleep=7";
 }
-
-// 5555h and 2AAAh as latch 1 shows them.
-std::string xicor5555(const char* data) { return cycle("D5", "95", "55", data); }
-std::string xicor2AAA(const char* data) { return cycle("6A", "2A", "AA", data); }
-std::string atmel5555(const char* data) { return cycle("D5", "55", "55", data); }
-std::string atmel2AAA(const char* data) { return cycle("AA", "2A", "AA", data); }
-
-const std::string kXicorUnlock = "0=40 3=82 " + xicor5555("AA") + xicor2AAA("55") +
-                                 xicor5555("80") + xicor5555("AA") + xicor2AAA("55") +
-                                 xicor5555("20") + "sleep=7";
-const std::string kAtmelUnlock = "0=40 3=82 " + atmel5555("AA") + atmel2AAA("55") +
-                                 atmel5555("80") + atmel5555("AA") + atmel2AAA("55") +
-                                 atmel5555("20") + "sleep=7";
+std::string unlock(const PageChip& chip) {
+  return sequence(chip, {"AA", "55", "80", "AA", "55", "20"});
+}
 
 TEST(Protection, isSwitchedOffAndOnByItsSequences) {
-  const auto traffic = [](std::int16_t reg1Fixed, void (ProtectionSequences::*sequence)()) {
+  const auto traffic = [](const PageChip& chip, void (ProtectionSequences::*run)()) {
     UnitRig rig;
-    rig.start(reg1Fixed, 0x02);
-    (rig.protection.*sequence)();
+    rig.start(chip.reg1Fixed, 0x02);
+    (rig.protection.*run)();
     return rig.traffic();
   };
-  EXPECT_EQ(traffic(0x40, &ProtectionSequences::XicorSDPDisable), kXicorUnlock);
-  EXPECT_EQ(traffic(0x80, &ProtectionSequences::AtmelSDPDisable), kAtmelUnlock);
-  EXPECT_EQ(traffic(0x40, &ProtectionSequences::XicorSDPEnable),
-            "0=40 3=82 " + xicor5555("AA") + xicor2AAA("55") + xicor5555("A0") + "sleep=7");
-  EXPECT_EQ(traffic(0x80, &ProtectionSequences::AtmelSDPEnable),
-            "0=40 3=82 " + atmel5555("AA") + atmel2AAA("55") + atmel5555("A0") + "sleep=7");
+  EXPECT_EQ(traffic(kXicor, &ProtectionSequences::XicorSDPDisable), unlock(kXicor));
+  EXPECT_EQ(traffic(kAtmel, &ProtectionSequences::AtmelSDPDisable), unlock(kAtmel));
+  EXPECT_EQ(traffic(kXicor, &ProtectionSequences::XicorSDPEnable),
+            sequence(kXicor, {"AA", "55", "A0"}));
+  EXPECT_EQ(traffic(kAtmel, &ProtectionSequences::AtmelSDPEnable),
+            sequence(kAtmel, {"AA", "55", "A0"}));
 }
 
-std::string hex(unsigned byte) {
-  std::array<char, 4> text{};
-  std::snprintf(text.data(), text.size(), "%02X", byte);
-  return text.data();
+TEST(FlashId, isProbedOnceForTheAT29C256) {
+  UnitRig rig;
+  rig.state.FamilyLetter = "F";
+  rig.state.FamilyCode = "FA";
+  rig.start(0x80, 0x02);
+  rig.port.answer({0x1F, 0xDC});
+  rig.identification.ProbeFlashID();
+  EXPECT_EQ(rig.traffic(), sequence(kAtmel, {"AA", "55", "90"}) +
+                               " 3=02 0=00 3=42 1=80 2=00 3=42 lo hi 1=80 2=01 3=42 lo hi 0=40 " +
+                               sequence(kAtmel, {"AA", "55", "F0"}) + " sleep=20");
 }
 
 /// 64 bytes loaded from an address on: each byte's data is its address plus one.
-std::string pageLoad(unsigned from, const std::string& weLow, const std::string& weHigh,
-                     const std::string& firstLatch3) {
-  std::string text;
-  for (unsigned i = from; i < from + 64; ++i) {
-    text += "2=" + hex(i) + " 3=" + (i == from ? firstLatch3 : "82") + " 4=" + hex(i + 1) +
-            " 3=02 1=" + weLow + " 1=" + weHigh + " 3=82 ";
+std::string pageLoad(const PageChip& chip, int from, const std::string& firstLatch3) {
+  std::string text = "sleep=3 3=" + firstLatch3 + (firstLatch3 == "82" ? " 1=" + chip.off0 : "");
+  for (int i = from; i < from + 64; ++i) {
+    text += " 2=" + hexText(i, 2) + " 3=" + (i == from ? firstLatch3 : "82") +
+            " 4=" + hexText(i + 1, 2) + " 3=02 1=" + chip.on0 + " 1=" + chip.off0 + " 3=82";
   }
-  return text;
+  return text + " sleep=5 3=C2 ";
 }
-
-/// So many bytes of a page read back.
-std::string pageReadBack(unsigned from, unsigned count) {
+/// The first bytes of a page read back.
+std::string pageReadBack(int count) {
   std::string text;
-  for (unsigned i = from; i < from + count; ++i) text += "2=" + hex(i) + " 3=42 0=00 lo hi 0=40 ";
+  for (int i = 0; i < count; ++i) text += "2=" + hexText(i, 2) + " 3=42 0=00 lo hi 0=40 ";
   return text;
 }
 
 /// An image of 1, 2, 3 ...; the first page reads back wrong at its second byte, then right.
-void prepare(UnitRig& rig, std::int16_t reg1Fixed) {
-  std::vector<std::uint8_t> bytes(32768, 0xFF);
-  for (unsigned i = 0; i < 128; ++i) bytes[i] = static_cast<std::uint8_t>(i + 1);
-  rig.image(bytes);
-  rig.start(reg1Fixed, 0x02);
-  rig.port.answer({1, 0});
-  for (std::uint8_t i = 1; i <= 64; ++i) rig.port.answer({i});
-}
+struct PageRig : UnitRig {
+  explicit PageRig(const PageChip& chip) {
+    std::vector<std::uint8_t> bytes(32768, 0xFF);
+    for (unsigned i = 0; i < 128; ++i) bytes[i] = static_cast<std::uint8_t>(i + 1);
+    image(bytes);
+    start(chip.reg1Fixed, 0x02);
+    port.answer({1, 0});
+    for (std::uint8_t i = 1; i <= 64; ++i) port.answer({i});
+  }
+};
 
 TEST(PageWriter, writesA28C256PageAndOnceMoreWholeWhenAByteIsWrong) {
-  UnitRig rig;
-  prepare(rig, 0x40);
+  PageRig rig(kXicor);
   EXPECT_THROW(rig.pages.ProgramX28C256(), ScriptEnd);
-  EXPECT_EQ(rig.traffic(), "sleep=500 3=82 0=40 3=82 0=40 1=40 2=00 3=C6 3=C2 " + kXicorUnlock +
-                               " sleep=40 0=40 3=82 "
-                               "sleep=3 3=82 1=40 " +
-                               pageLoad(0, "00", "40", "82") + "sleep=5 3=C2 " +
-                               pageReadBack(0, 2) + "sleep=3 3=02 " +
-                               pageLoad(0, "00", "40", "02") + "sleep=5 3=C2 " +
-                               pageReadBack(0, 64) + "0=48 " + "sleep=3 3=02 " +
-                               pageLoad(64, "00", "40", "02") + "sleep=5 3=C2 2=40 3=42 0=08");
+  EXPECT_EQ(rig.traffic(), "sleep=500 3=82 0=40 3=82 0=40 1=40 2=00 3=C6 3=C2 " + unlock(kXicor) +
+                               " sleep=40 0=40 3=82 " + pageLoad(kXicor, 0, "82") +
+                               pageReadBack(2) + pageLoad(kXicor, 0, "02") + pageReadBack(64) +
+                               "0=48 " + pageLoad(kXicor, 64, "02") + "2=40 3=42 0=08");
   EXPECT_EQ(rig.log(), std::vector<std::string>{"Programming 28C256 XICOR Device"});
 }
 
 TEST(PageWriter, writesAnAT29C256PageByBit7) {
-  UnitRig rig;
-  prepare(rig, 0x80);
+  PageRig rig(kAtmel);
   EXPECT_THROW(rig.pages.ProgramAT29C256(), ScriptEnd);
-  const std::string expected =
-      "1=80 2=00 3=C2 sleep=500 3=82 0=40 3=82 0=40 1=80 2=00 3=C6 "
-      "1=80 2=00 3=C2 " +
-      kAtmelUnlock +
-      " sleep=50 0=40 3=82 "
-      "sleep=3 3=82 1=80 " +
-      pageLoad(0, "00", "80", "82") + "sleep=5 3=C2 " + pageReadBack(0, 2);
-  EXPECT_EQ(rig.traffic().substr(0, expected.size()), expected);
+  EXPECT_TRUE(rig.traffic().starts_with(
+      "1=80 2=00 3=C2 sleep=500 3=82 0=40 3=82 0=40 1=80 2=00 3=C6 1=80 2=00 3=C2 " +
+      unlock(kAtmel) + " sleep=50 0=40 3=82 " + pageLoad(kAtmel, 0, "82") + pageReadBack(2)));
   EXPECT_EQ(rig.log(), std::vector<std::string>{"Programming Atmel AT29C256"});
 }
 

