@@ -3,180 +3,149 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "bench/prepared_form.h"
 #include "support/board_trace.h"
-#include "support/form_rig.h"
 
 namespace kestrel::test {
 namespace {
 
-using testing::Each;
+const std::string kNoAcknowledge = "Device 24CXX DOES NOT RESPOND - ACK Error";
 
-constexpr sim::Model kModels[]{sim::Model::kestrel4, sim::Model::kestrel5, sim::Model::kestrel6};
+struct SerialForm : PreparedForm {
+  SerialForm(const std::string& chip, const Bytes& given, const Bytes& contents = {},
+             sim::Model model = sim::Model::kestrel5, Trace tracing = Trace::Off)
+      : PreparedForm(chip, "Eeprom " + chip, given, contents, model, tracing) {}
 
-void setUp(SimulatedForm& s, const std::string& chip, const std::vector<std::uint8_t>& contents,
-           const std::vector<std::uint8_t>& image) {
-  s.start();
-  s.insert(chip, contents);
-  s.rig.select("Eeprom " + chip);
-  s.rig.openImage(image);
+  /// What has been on the wires since the last call.
+  [[nodiscard]] std::string onTheWires() {
+    const std::string taken = std::exchange(trace, std::ostringstream()).str();
+    return TwoWireDecoder().decode(boardEvents(taken, 5, rig.state.BusDelayCount));
+  }
+};
+
+class Serial24C32 : public testing::TestWithParam<sim::Model> {};
+
+TEST_P(Serial24C32, isProgrammedVerifiedReadAndErased) {
+  SerialForm s("24C32", randomBytes(4096, 31), {}, GetParam());
+  s.rig.controls.VerifyAfterProgramming.press();
+  ASSERT_TRUE(s.rig.program());
+  EXPECT_TRUE(s.rig.logged("Programming Device Successfull"));
+  EXPECT_TRUE(s.rig.logged("Device Contents MATCHES with Buffer Contents"));
+  EXPECT_TRUE(s.chipContents() == s.image);
+  EXPECT_TRUE(s.read(4096) == s.image);
   s.rig.clearLog();
-  s.bench.findings().clear();
-  s.trace.str("");
+  s.rig.press("EraseFlash_button");
+  EXPECT_THAT(s.rig.log(),
+              testing::ElementsAre("Erasing Device 24C32", "Program Buffer will not be erased",
+                                   "Programming Device Successfull"));
+  EXPECT_THAT(s.chipContents(), testing::Each(0xFF));
+  EXPECT_TRUE(std::equal(s.image.begin(), s.image.end(), s.rig.state.CodeBuffer.begin()));
+  // The chip's supply is /OE: it is left off, so that the chip can be taken out.
+  EXPECT_EQ(s.board->latch(0) | s.board->latch(1) | s.board->latch(2), 0x00);
+  EXPECT_TRUE(s.bench.findings().empty());
 }
 
-std::string onTheWires(const SimulatedForm& s) {
-  const auto busDelay = s.rig.state.BusDelayCount;
-  return TwoWireDecoder().decode(
-      boardEvents(s.trace.str(), static_cast<int>(s.board->model()), busDelay));
-}
-
-TEST(Serial24C32, isProgrammedVerifiedReadAndErasedOnEveryModel) {
-  for (const sim::Model model : kModels) {
-    const auto image = randomBytes(4096, 31);
-    SimulatedForm s(model);
-    setUp(s, "24C32", {}, image);
-    s.rig.controls.VerifyAfterProgramming.press();
-    ASSERT_TRUE(s.rig.program());
-    EXPECT_TRUE(s.rig.logged("Programming Device Successfull"));
-    EXPECT_TRUE(s.rig.logged("Device Contents MATCHES with Buffer Contents"));
-    EXPECT_TRUE(s.chipContents() == image);
-    std::ranges::fill(s.rig.state.CodeBuffer, std::uint8_t{0});
-    s.rig.press("Read_button");
-    EXPECT_TRUE(std::equal(image.begin(), image.end(), s.rig.state.CodeBuffer.begin()));
-    s.rig.clearLog();
-    s.rig.press("EraseFlash_button");
-    EXPECT_THAT(s.rig.log(),
-                testing::ElementsAre("Erasing Device 24C32", "Program Buffer will not be erased",
-                                     "Programming Device Successfull"));
-    EXPECT_THAT(s.chipContents(), Each(0xFF));
-    EXPECT_TRUE(std::equal(image.begin(), image.end(), s.rig.state.CodeBuffer.begin()));
-    // The chip's supply is /OE: it is left off, so that the chip can be taken out.
-    EXPECT_EQ(s.board->latch(0) | s.board->latch(1) | s.board->latch(2), 0x00);
-    EXPECT_TRUE(s.bench.findings().empty());
-  }
-}
-
-TEST(Serial24C08And16, areReadAndVerifiedWhole) {
-  for (const auto& [chip, bytes, model] :
-       {std::tuple{"24C08", 1024U, sim::Model::kestrel5}, {"24C16", 2048U, sim::Model::kestrel4}}) {
-    const auto contents = randomBytes(bytes, 17);
-    SimulatedForm s(model);
-    setUp(s, chip, contents, contents);
-    s.rig.press("Verify_button");
-    EXPECT_TRUE(s.rig.logged("Device Contents MATCHES with Buffer Contents"));
-    std::ranges::fill(s.rig.state.CodeBuffer, std::uint8_t{0});
-    s.rig.press("Read_button");
-    EXPECT_TRUE(std::equal(contents.begin(), contents.end(), s.rig.state.CodeBuffer.begin()));
-    EXPECT_TRUE(s.bench.findings().empty());
-    auto other = contents;
-    other[bytes - 1] ^= 0xFFU;
-    s.board->loadChip(other);
-    s.rig.press("Verify_button");
-    EXPECT_TRUE(s.rig.logged("Device Memory DOES NOT VERIFY with Buffer Contents"));
-  }
-}
+INSTANTIATE_TEST_SUITE_P(Models, Serial24C32, testing::ValuesIn(kModels));
 
 // The writer begins at 300h and counts the whole size from there: at the end of the chip nobody
 // answers the next select byte.
-TEST(Serial24C08And16, areProgrammedFrom300hOnAndEndWithTheAcknowledgeReport) {
-  for (const auto& [chip, bytes] : {std::pair{"24C08", 1024U}, std::pair{"24C16", 2048U}}) {
-    const auto before = randomBytes(bytes, 17);
-    const auto image = randomBytes(bytes, 18);
-    SimulatedForm s;
-    setUp(s, chip, before, image);
+TEST(Serial24C08And16, areReadWholeAndProgrammedFrom300hOn) {
+  for (const auto& [chip, bytes, model] :
+       {std::tuple{"24C08", 1024U, sim::Model::kestrel5}, {"24C16", 2048U, sim::Model::kestrel4}}) {
+    const Bytes before = randomBytes(bytes, 17);
+    SerialForm s(chip, randomBytes(bytes, 18), before, model);
     s.rig.program();
-    auto expected = image;
+    auto expected = s.image;
     std::copy_n(before.begin(), 0x300, expected.begin());
     EXPECT_TRUE(s.chipContents() == expected) << chip;
-    EXPECT_EQ(s.rig.log()[2], "Device 24CXX DOES NOT RESPOND - ACK Error");
-    EXPECT_EQ(s.rig.state.I2CError, 200);
+    EXPECT_TRUE(s.rig.logged(kNoAcknowledge));
     EXPECT_TRUE(s.rig.press("Error_label"));
+    s.rig.press("Verify_button");
+    EXPECT_TRUE(s.rig.logged("Device Memory DOES NOT VERIFY with Buffer Contents"));
+    s.rig.press("Error_label");
+    EXPECT_TRUE(s.read(bytes) == expected) << chip;
+    s.rig.press("Verify_button");
+    EXPECT_TRUE(s.rig.logged("Device Contents MATCHES with Buffer Contents"));
+    EXPECT_TRUE(s.bench.findings().empty());
   }
 }
 
+// The second writer's high address byte is the address in a 24C16, and its low one data.
 TEST(Serial24C08And16, areErasedAsTheirWritersGo) {
-  const auto before = randomBytes(1024, 17);
-  SimulatedForm small;
-  setUp(small, "24C08", before, before);
-  small.rig.press("EraseFlash_button");
-  auto expected = before;
-  std::fill(expected.begin() + 0x300, expected.end(), std::uint8_t{0xFF});
-  EXPECT_TRUE(small.chipContents() == expected);
-  EXPECT_TRUE(small.rig.logged("Device 24CXX DOES NOT RESPOND - ACK Error"));
-
-  // The second writer's high address byte is the address here, and its low one data.
-  const auto larger = randomBytes(2048, 17);
-  SimulatedForm s;
-  setUp(s, "24C16", larger, larger);
-  s.rig.press("EraseFlash_button");
-  expected = larger;
-  std::fill_n(expected.begin(), 16, std::uint8_t{0xFF});
-  std::fill(expected.begin() + 0x300, expected.end(), std::uint8_t{0xFF});
-  EXPECT_TRUE(s.chipContents() == expected);
-  EXPECT_EQ(s.rig.log().back(), "Programming Device Successfull");
+  for (const auto& [chip, bytes, erasedAt0, lastLine] :
+       {std::tuple{"24C08", 1024U, 0, "Click on [ERROR] Alert to Reset the Situation"},
+        {"24C16", 2048U, 16, "Programming Device Successfull"}}) {
+    auto expected = randomBytes(bytes, 17);
+    SerialForm s(chip, expected, expected);
+    s.rig.press("EraseFlash_button");
+    std::fill_n(expected.begin(), erasedAt0, std::uint8_t{0xFF});
+    std::fill(expected.begin() + 0x300, expected.end(), std::uint8_t{0xFF});
+    EXPECT_TRUE(s.chipContents() == expected) << chip;
+    EXPECT_EQ(s.rig.log().back(), lastLine);
+  }
 }
 
 TEST(TwoWireWaveform, isTheSameAtEverySliderPosition) {
+  std::string page;
+  for (int i = 0; i < 32; ++i) page += " 5Aa";
   for (std::int32_t slider = 1; slider <= 20; ++slider) {
-    SimulatedForm s;
-    const auto image = randomBytes(4096, 41);
-    setUp(s, "24C32", {}, image);
+    SerialForm s("24C32", Bytes(4096, 0x5A), {}, sim::Model::kestrel5, SerialForm::Trace::On);
     s.rig.controls.Slider1.setValue(slider);
     s.rig.state.CodeLength = 64;
-    s.trace.str("");
     s.rig.program();
-    const std::string wires = onTheWires(s);
-    const std::size_t first = wires.find("S A0a 00a 00a ");
-    ASSERT_NE(first, std::string::npos) << wires;
-    const std::size_t stop = wires.find('P');
-    EXPECT_EQ((stop - first - 14) / 4, 32U) << slider;
-    EXPECT_NE(wires.find(" S A0a S A0a 00a 20a ", stop), std::string::npos) << slider;
-    EXPECT_EQ(std::count(wires.begin(), wires.end(), 'P'), 2) << slider;
-    EXPECT_TRUE(std::equal(image.begin(), image.begin() + 64, s.chipContents().begin())) << slider;
-    s.trace.str("");
-    std::ranges::fill(s.rig.state.CodeBuffer, std::uint8_t{0});
-    s.rig.press("Read_button");
-    EXPECT_NE(onTheWires(s).find("S A0a 00a 00a S A1a "), std::string::npos) << slider;
-    EXPECT_TRUE(std::equal(image.begin(), image.begin() + 64, s.rig.state.CodeBuffer.begin()));
+    std::string wires = s.onTheWires();
+    // However often the chip is polled while it writes.
+    for (std::size_t at; (at = wires.find(" S A0 ")) != std::string::npos;) wires.erase(at, 5);
+    for (std::size_t at; (at = wires.find(" S A0n ")) != std::string::npos;) wires.erase(at, 6);
+    EXPECT_TRUE(
+        wires.ends_with("S A0a 00a 00a" + page + " P S A0a S A0a 00a 20a" + page + " P S A0a"))
+        << wires;
+    EXPECT_EQ(s.read(64), Bytes(64, 0x5A)) << slider;
+    EXPECT_NE(s.onTheWires().find("S A0a 00a 00a S A1a 5AA "), std::string::npos) << slider;
   }
 }
 
 TEST(SerialFaults, endWithTheAcknowledgeReport) {
-  enum class Fault { Empty, StuckHigh, StopsAcknowledging };
-  for (const Fault fault : {Fault::Empty, Fault::StuckHigh, Fault::StopsAcknowledging}) {
-    const auto image = randomBytes(4096, 31);
-    SimulatedForm s;
-    setUp(s, "24C32", {}, image);
-    std::unique_ptr<sim::Chip> chip;
-    if (fault == Fault::Empty) chip = s.board->takeOut();
-    if (fault == Fault::StuckHigh) s.board->stickDataLine(7, true);
-    if (fault == Fault::StopsAcknowledging) s.board->setChip({.acknowledgeLimit = 40});
+  using Fit = void (*)(SerialForm&);
+  for (const Fit fit : {Fit([](SerialForm& s) { (void)s.board->takeOut(); }),
+                        Fit([](SerialForm& s) { s.board->stickDataLine(7, true); }),
+                        Fit([](SerialForm& s) { s.board->setChip({.acknowledgeLimit = 40}); })}) {
+    SerialForm s("24C32", randomBytes(4096, 31));
+    fit(s);
     s.rig.program();
-    EXPECT_EQ(s.rig.log()[2], "Device 24CXX DOES NOT RESPOND - ACK Error");
-    EXPECT_EQ(s.rig.state.ProgramFailed, 1);
+    EXPECT_EQ(s.rig.log()[2], kNoAcknowledge);
     EXPECT_EQ(s.rig.state.I2CError, 200);
     EXPECT_FALSE(s.rig.controls.Read_button.enabled());
-    if (chip) s.board->insert(std::move(chip));
     s.board->freeDataLines();
-    s.board->setChip({});
+    s.insert("24C32");
     EXPECT_TRUE(s.rig.press("Error_label"));
     EXPECT_TRUE(s.rig.program());
-    EXPECT_TRUE(s.chipContents() == image);
+    EXPECT_TRUE(s.chipContents() == s.image);
   }
+}
+
+// A line that is always low acknowledges everything: nothing is written and only Verify shows it.
+TEST(SerialFaults, aDataLineStuckLowShowsInVerify) {
+  SerialForm s("24C32", randomBytes(4096, 31));
+  s.board->stickDataLine(7, false);
+  s.rig.controls.VerifyAfterProgramming.press();
+  s.rig.program();
+  EXPECT_THAT(s.chipContents(), testing::Each(0xFF));
+  EXPECT_TRUE(s.rig.logged("Device Memory DOES NOT VERIFY with Buffer Contents"));
+  EXPECT_EQ(s.rig.state.VerifyFailed, 1);
 }
 
 // 50 polls last some 150 ms. A chip that writes longer does not answer the next page.
 TEST(SerialFaults, aWriteCycleMayLastAsLongAsThePolls) {
   for (const auto& [cycleMs, succeeds] : {std::pair{100, true}, std::pair{400, false}}) {
-    SimulatedForm s;
-    const auto image = randomBytes(4096, 31);
-    setUp(s, "24C32", {}, image);
+    SerialForm s("24C32", randomBytes(4096, 31));
     s.rig.state.CodeLength = 64;
     s.board->setChip({.writeCycle = sim::milliseconds(cycleMs)});
     s.rig.program();
     EXPECT_EQ(s.rig.logged("Programming Device Successfull"), succeeds);
-    EXPECT_EQ(s.rig.logged("Device 24CXX DOES NOT RESPOND - ACK Error"), !succeeds);
-    EXPECT_EQ(std::equal(image.begin(), image.begin() + 64, s.chipContents().begin()), succeeds);
+    EXPECT_EQ(s.rig.logged(kNoAcknowledge), !succeeds);
+    EXPECT_EQ(std::equal(s.image.begin(), s.image.begin() + 64, s.chipContents().begin()),
+              succeeds);
   }
 }
 

@@ -103,9 +103,7 @@ TEST(EpromSetUp, loadsLatch0ByModelAndVoltage) {
     rig.state.VppVolts = c.vppVolts;
     (rig.eprom.*c.routine)();
     const auto events = rig.events();
-    SCOPED_TRACE(std::string(c.subCode) + " on model " + std::to_string(c.model) + " at " +
-                 std::to_string(c.vppVolts) + " V");
-    EXPECT_EQ(loadsOf(0, events), c.latch0);
+    EXPECT_EQ(loadsOf(0, events), c.latch0) << c.subCode << " on model " << c.model;
     EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 1500, events), c.waits ? 1 : 0);
     EXPECT_EQ(rig.log().front(),
               c.waits ? "Wait 1500ms second VPP Settling" : "Programming Started... Wait ");

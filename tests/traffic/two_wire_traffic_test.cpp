@@ -87,26 +87,6 @@ TEST(SerialWrite, startsAt300hWithTheBlockInTheSelectByte) {
   EXPECT_EQ(rig.state.I2CError, 0);
 }
 
-TEST(SerialWrite, sendsA24C32PagesOf32AtTwoAddressBytes) {
-  SerialRig rig("SC", 64);
-  rig.state.EraseMode = 1;
-  rig.port.thereafter = kYes;
-  rig.serial.Write24C32();
-  std::string page;
-  for (int i = 0; i < 32; ++i) page += " FFa";
-  EXPECT_EQ(rig.onTheWires(),
-            "S A0a 00a 00a" + page + " P S A0a S A0a 00a 20a" + page + " P S A0a");
-}
-
-TEST(AcknowledgePolling, endsAt200ForABusThatIsSilent) {
-  SerialRig rig("SC", 64);
-  rig.port.thereafter = 0xFF;
-  rig.serial.Read24CXX();
-  EXPECT_EQ(rig.state.I2CError, 200);
-  EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 1, rig.events()), 200);
-  EXPECT_EQ(rig.onTheWires(), "S A0n");
-}
-
 TEST(AcknowledgePolling, endsAt50AfterAPageAndGoesOn) {
   SerialRig rig("SB", 32);
   rig.answer(18, kYes);
