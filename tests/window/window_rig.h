@@ -102,14 +102,15 @@ struct WindowRig {
   }
   [[nodiscard]] QString logText() { return find<QPlainTextEdit>("SystemLog").toPlainText(); }
   [[nodiscard]] bool logged(const char* message) { return logText().contains(message); }
-  [[nodiscard]] QString displayText() {
-    return find<QPlainTextEdit>("BufferDisplay").toPlainText();
-  }
-  [[nodiscard]] std::vector<std::uint8_t> chipContents() {
-    const auto cells = ports.simulated()->board().chip()->contents();
-    return {cells.begin(), cells.end()};
+  [[nodiscard]] bool displayed(const char* text) {
+    return find<QPlainTextEdit>("BufferDisplay").toPlainText().contains(text);
   }
   [[nodiscard]] Controls& controls() { return form.controls(); }
+  [[nodiscard]] sim::Board& board() { return ports.simulated()->board(); }
+  [[nodiscard]] std::vector<std::uint8_t> chipContents() {
+    const auto cells = board().chip()->contents();
+    return {cells.begin(), cells.end()};
+  }
 
   /// A dialog that nobody answers fails the test instead of stopping it.
   static void closeForgottenDialog() {
@@ -139,30 +140,40 @@ struct WindowRig {
   QTimer watchdog_;
 };
 
-/// Waits for the next modal dialog and does something with it. Remembers what the dialog said.
+/// A rig after its start-up, the blank chip in its socket selected when that is
+/// asked for.
+struct StartedRig : WindowRig {
+  explicit StartedRig(const char* selected = nullptr)
+      : WindowRig(simulatedOptions(selected == nullptr ? "27C256" : selected)) {
+    start();
+    board().blankChip();
+    if (selected != nullptr) select(selected);
+  }
+};
+
+/// Waits for the next modal dialog and does something with it. Remembers what the dialog said: the
+/// text of a message box, the title of any other.
 class WithDialog {
  public:
   explicit WithDialog(std::function<void(QDialog&)> act) : act_(std::move(act)) {
     QObject::connect(&look_, &QTimer::timeout, &look_, [this] { look(); });
     look_.start(1);
   }
-  [[nodiscard]] const QString& said() const { return said_; }
-  [[nodiscard]] bool wasShown() const { return shown_; }
+  [[nodiscard]] std::string said() const { return said_.toStdString(); }
 
  private:
   void look() {
     auto* const dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
     if (dialog == nullptr) return;
     look_.stop();
-    shown_ = true;
-    if (auto* const box = dynamic_cast<QMessageBox*>(dialog)) said_ = box->text();
+    auto* const box = dynamic_cast<QMessageBox*>(dialog);
+    said_ = box ? box->text() : dialog->windowTitle();
     act_(*dialog);
   }
 
   std::function<void(QDialog&)> act_;
   QTimer look_;
   QString said_;
-  bool shown_ = false;
 };
 
 [[nodiscard]] inline WithDialog answering(QMessageBox::StandardButton answer) {
