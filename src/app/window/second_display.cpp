@@ -45,6 +45,7 @@ void SecondDisplay::build(const Binder& binder) {
   binder.mirror().bind(controls_.BufferDisplay, [this, page] {
     QString shown = text(controls_.BufferDisplay.text());
     page->setPlainText(shown.remove('\r'));
+    comeForward();
   });
   auto* const bar = new QScrollBar(Qt::Vertical, frame);
   new RangeReporter(controls_.VScroll1, *bar, binder);
@@ -61,6 +62,12 @@ void SecondDisplay::build(const Binder& binder) {
     });
     buttons->addWidget(button);
   }
+}
+
+// Who asks for the page again wants to see it.
+void SecondDisplay::comeForward() {
+  if (isMinimized()) showNormal();
+  if (isVisible()) raise();
 }
 
 void SecondDisplay::closeEvent(QCloseEvent* event) {

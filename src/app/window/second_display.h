@@ -20,6 +20,7 @@ class SecondDisplay final : public QWidget {
 
  private:
   void build(const Binder& binder);
+  void comeForward();
 
   SecondaryDisplay& controls_;
 };
