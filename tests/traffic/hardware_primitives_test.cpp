@@ -17,6 +17,8 @@ struct Bus {
     state.PortBase = 0x378;
     state.KestrelModel = model;
     registers.ApplyPortAndModel();
+    state.Reg1Fixed = 0x40;
+    state.Reg3Fixed = 0x02;
   }
   ProgrammerState state;
   Controls controls;
@@ -25,52 +27,46 @@ struct Bus {
   BusPrimitives bus{state, controls, registers, port, port};
 };
 
-/// Every latch with the byte that ends in its number.
-std::string allLoads(std::int16_t model) {
-  Bus b(model);
-  b.state.BusDelayCount = 12;
-  std::int16_t shadow = 0x50;
-  auto& s = b.state;
-  for (auto* const each :
-       {&s.RegShadow0, &s.RegShadow1, &s.RegShadow2, &s.RegShadow3, &s.RegShadow4})
-    *each = shadow++;
-  for (const auto load : {&Registers::SetReg0, &Registers::SetReg1, &Registers::SetReg2,
-                          &Registers::SetReg3, &Registers::SetReg4}) {
-    (b.registers.*load)();
-  }
-  return b.port.taken();
-}
-
 TEST(LatchLoad, model4HasTheStrobeActiveHighAndTheOthersAllLinesInverted) {
-  EXPECT_EQ(allLoads(4),
+  const std::string inverted =
+      "378=50 37A=05 spin12 37A=04 37A=05 378=51 37A=0D spin12 37A=0C 37A=0D "
+      "378=52 37A=07 spin12 37A=06 37A=07 378=53 37A=0F spin12 37A=0E 37A=0F "
+      "378=54 37A=01 spin12 37A=00 37A=01";
+  for (const auto& [model, loads] : std::initializer_list<std::pair<std::int16_t, std::string>>{
+           {4,
             "378=50 37A=0A spin12 37A=0B 37A=0A 378=51 37A=02 spin12 37A=03 37A=02 "
             "378=52 37A=08 spin12 37A=09 37A=08 378=53 37A=00 spin12 37A=01 37A=00 "
-            "378=54 37A=0E spin12 37A=0F 37A=0E");
-  EXPECT_EQ(allLoads(5),
-            "378=50 37A=05 spin12 37A=04 37A=05 378=51 37A=0D spin12 37A=0C 37A=0D "
-            "378=52 37A=07 spin12 37A=06 37A=07 378=53 37A=0F spin12 37A=0E 37A=0F "
-            "378=54 37A=01 spin12 37A=00 37A=01");
-  EXPECT_EQ(allLoads(6), allLoads(5));
+            "378=54 37A=0E spin12 37A=0F 37A=0E"},
+           {5, inverted},
+           {6, inverted}}) {
+    Bus b(model);
+    auto& s = b.state;
+    s.BusDelayCount = 12;
+    std::tie(s.RegShadow0, s.RegShadow1, s.RegShadow2, s.RegShadow3, s.RegShadow4) =
+        std::tuple(0x50, 0x51, 0x52, 0x53, 0x54);
+    b.registers.SetReg0();
+    b.registers.SetReg1();
+    b.registers.SetReg2();
+    b.registers.SetReg3();
+    b.registers.SetReg4();
+    EXPECT_EQ(b.port.taken(), loads);
+  }
 }
 
 TEST(Signals, changeTheirBitsAndLoadTheirLatches) {
-  struct Case {
-    void (BusPrimitives::*signal)();
-    std::int16_t latch0, latch3;
-    const char* loads;
-  };
   using B = BusPrimitives;
+  using Case = std::tuple<void (B::*)(), std::int16_t, std::int16_t, const char*>;
   const std::vector<Case> cases{
       {&B::CEON, 0x18, 0xC7, "3 47"},        {&B::CEOFF, 0x18, 0x47, "3 C7"},
       {&B::OEON, 0xD8, 0xC7, "0 18"},        {&B::OEOFF, 0x98, 0xC7, "0 D8"},
       {&B::VPP24_ON, 0x18, 0xC7, "0 D8"},    {&B::VPP24_OFF, 0xD8, 0xC7, "0 18"},
       {&B::CEOEON, 0xD8, 0xC7, "3 47,0 18"}, {&B::CEOEOFF, 0x18, 0x47, "3 C7,0 58"}};
   Bus b(5);
-  for (const Case& each : cases) {
-    b.state.RegShadow0 = each.latch0;
-    b.state.RegShadow3 = each.latch3;
-    (b.bus.*each.signal)();
-    EXPECT_EQ(b.port.taken(), loads5(each.loads));
+  for (const auto& [signal, latch0, latch3, loads] : cases) {
+    b.state.RegShadow0 = latch0;
+    b.state.RegShadow3 = latch3;
+    (b.bus.*signal)();
+    EXPECT_EQ(b.port.taken(), loads5(loads));
   }
   b.registers.REG4ON();
   b.registers.REG4OFF();
@@ -79,8 +75,6 @@ TEST(Signals, changeTheirBitsAndLoadTheirLatches) {
 
 TEST(Address, SETADRLoadsTheThreeLatchesThroughTheMaps) {
   Bus b(5);
-  b.state.Reg1Fixed = 0x40;
-  b.state.Reg3Fixed = 0x02;
   b.state.RegShadow3 = 0xDF;
   b.state.LinearAddress = 0x45A7E;
   b.bus.Endereco2Adr();
@@ -99,8 +93,6 @@ TEST(Address, SETADRLoadsTheThreeLatchesThroughTheMaps) {
 
 TEST(Address, SETADR_XICORLoadsOnlyWhatChanges) {
   Bus b(5);
-  b.state.Reg1Fixed = 0x40;
-  b.state.Reg3Fixed = 0x02;
   b.bus.Reset();
   EXPECT_EQ(b.port.taken(), loads5("0 40,1 40,2 00,3 C6"));
   // The first time latch 3 loses the bit that Reset alone sets.
@@ -114,35 +106,26 @@ TEST(Address, SETADR_XICORLoadsOnlyWhatChanges) {
   }
 }
 
-struct ReadBack {
-  std::uint8_t first, second;
-  int value;
-};
-
-void expectReadBack(std::int16_t model, const std::string& accesses,
-                    const std::vector<ReadBack>& cases) {
-  Bus b(model);
-  for (const ReadBack& each : cases) {
-    b.port.answers = {each.first, each.second};
-    b.bus.GetNibbles();
-    EXPECT_EQ(b.state.ReadByte, each.value);
-    EXPECT_EQ(b.port.taken(), accesses);
-  }
-}
-
 // On a model 4 a half's bits 0 to 3 come on status bits 6, 7 (BUSY, inverted), 5 and 4.
 TEST(GetNibbles, readsTheLowHalfThenTheHighOneAsTheModelIsWired) {
-  expectReadBack(4, "37A=00 379? 37A=04 379?",
-                 {{0x78, 0x78, 0xFF},
-                  {0xFF, 0xFF, 0xDD},
-                  {0x0F, 0x80, 0x02},
-                  {0xC0, 0xA0, 0x41},
-                  {0xA0, 0x10, 0xA4},
-                  {0x90, 0xC0, 0x18}});
-  for (const std::int16_t model : {std::int16_t{5}, std::int16_t{6}})
-    expectReadBack(
-        model, "37A=05 379? 37A=01 379?",
-        {{0x78, 0x70, 0xEF}, {0x87, 0x87, 0x00}, {0x08, 0x40, 0x81}, {0x20, 0x10, 0x24}});
+  struct Case {
+    std::int16_t model;
+    std::uint8_t first, second;
+    int value;
+  };
+  // clang-format off
+  for (const auto& [model, first, second, value] : std::initializer_list<Case>{
+           {4, 0x78, 0x78, 0xFF}, {4, 0xFF, 0xFF, 0xDD}, {4, 0x0F, 0x80, 0x02},
+           {4, 0xC0, 0xA0, 0x41}, {4, 0xA0, 0x10, 0xA4}, {4, 0x90, 0xC0, 0x18},
+           {5, 0x78, 0x70, 0xEF}, {5, 0x87, 0x87, 0x00}, {5, 0x08, 0x40, 0x81},
+           {5, 0x20, 0x10, 0x24}, {6, 0x08, 0x40, 0x81}, {6, 0x20, 0x10, 0x24}}) {
+    // clang-format on
+    Bus b(model);
+    b.port.answers = {first, second};
+    b.bus.GetNibbles();
+    EXPECT_EQ(b.state.ReadByte, value);
+    EXPECT_EQ(b.port.taken(), model == 4 ? "37A=00 379? 37A=04 379?" : "37A=05 379? 37A=01 379?");
+  }
 }
 
 }  // namespace

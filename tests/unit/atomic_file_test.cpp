@@ -5,7 +5,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
 
 #include "platform/runtime_error.h"
@@ -16,33 +15,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-TEST(AtomicFile, replacesTheWholeFileAndKeepsItsPermissions) {
+TEST(AtomicFile, replacesTheWholeFileAlsoBehindALinkAndKeepsItsPermissions) {
   const test::TemporaryFolder folder;
-  const fs::path file = folder / "image.bin";
-  writeFileAtomically(file, "a longer first content");
-  fs::permissions(file, fs::perms::owner_read | fs::perms::owner_write);
-  writeFileAtomically(file, "second");
-  EXPECT_EQ(readWholeTextFile(file), "second");
-  EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_read | fs::perms::owner_write);
-}
-
-TEST(AtomicFile, followsALinkInsteadOfReplacingIt) {
-  const test::TemporaryFolder folder;
-  writeFileAtomically(folder / "real", "old");
+  writeFileAtomically(folder / "real", "a longer first content");
+  fs::permissions(folder / "real", fs::perms::owner_read | fs::perms::owner_write);
   fs::create_symlink("real", folder / "link");
-  writeFileAtomically(folder / "link", "new");
+  writeFileAtomically(folder / "link", "second");
   EXPECT_TRUE(fs::is_symlink(folder / "link"));
-  EXPECT_EQ(readWholeTextFile(folder / "real"), "new");
-}
-
-TEST(AtomicFile, aFullDiskIsToldWithTheFileAndTheReason) {
-  try {
-    writeFileAtomically("/dev/full", "content");
-    FAIL() << "a write to a full device went through";
-  } catch (const FileError& error) {
-    EXPECT_EQ(error.number(), kDiskFullError);
-    EXPECT_EQ(std::string(error.what()), "Cannot write /dev/full: No space left on device");
-  }
+  EXPECT_EQ(readWholeTextFile(folder / "real"), "second");
+  EXPECT_EQ(fs::status(folder / "real").permissions(),
+            fs::perms::owner_read | fs::perms::owner_write);
 }
 
 TEST(AtomicFile, refusesWhatCannotBeReadOrWrittenAndWhatIsTooLong) {
@@ -53,6 +35,13 @@ TEST(AtomicFile, refusesWhatCannotBeReadOrWrittenAndWhatIsTooLong) {
   writeFileAtomically(folder / "ten", "0123456789");
   EXPECT_EQ(readWholeFile(folder / "ten", 10).size(), 10U);
   EXPECT_THROW((void)readWholeFile(folder / "ten", 9), FileError);
+  try {
+    writeFileAtomically("/dev/full", "content");
+    FAIL() << "a write to a full device went through";
+  } catch (const FileError& error) {
+    EXPECT_EQ(error.number(), kDiskFullError);
+    EXPECT_EQ(std::string(error.what()), "Cannot write /dev/full: No space left on device");
+  }
 }
 
 // A writer that is killed at any moment leaves one of the two contents, never a part of one.
@@ -62,15 +51,10 @@ TEST(AtomicFile, aKilledWriterLeavesAWholeFile) {
   const std::string first(200'000, 'a');
   const std::string second(200'000, 'b');
   writeFileAtomically(file, first);
-  for (int delayUs = 0; delayUs < 20'000; delayUs += 1'000) {
+  for (unsigned delayUs = 0; delayUs < 20'000; delayUs += 1'000) {
     const pid_t writer = ::fork();
-    if (writer == 0) {
-      for (;;) {
-        writeFileAtomically(file, second);
-        writeFileAtomically(file, first);
-      }
-    }
-    ::usleep(static_cast<useconds_t>(delayUs));
+    for (; writer == 0; writeFileAtomically(file, first)) writeFileAtomically(file, second);
+    ::usleep(delayUs);
     ::kill(writer, SIGKILL);
     ::waitpid(writer, nullptr, 0);
     const std::string now = readWholeTextFile(file);

@@ -10,14 +10,14 @@ namespace {
 
 struct Files : ScriptForm {
   Files() { load(); }
-
   std::string fileOf(std::size_t bytes) { return file("sized.bin", std::string(bytes, '\x5A')); }
-  std::string text(const std::string& path) { return readWholeTextFile(path); }
 };
 
 const std::string kCodeCommands = "Verify_button menuVerifyCode Program_button menuProgramCode";
+const std::string kSaving =
+    "tbToolBar(2) mnuFileSaveCode mnuFileSaveCodeAs menuEraseCode Erase_button";
 
-TEST(OpenCode, readsTheFileAndShowsIt) {
+TEST(OpenCode, readsAndShowsTheFileAndEnablesWhatNeedsOne) {
   Files f;
   const std::string path = f.file("Rom.bin", "ABCDEFGHIJKLMNOPabc");
   f.s.CodeBuffer[19] = 0x77;
@@ -27,24 +27,14 @@ TEST(OpenCode, readsTheFileAndShowsIt) {
             (std::vector<std::string>{"File " + path + " - was read into Buffer. 19 bytes long.",
                                       "Read File CRC = $05AE",
                                       "You can Install a Blank Eprom for Programming"}));
-  EXPECT_EQ(f.s.CodeBuffer[18], 'c');
-  EXPECT_EQ(f.s.CodeBuffer[19], 0x77);
   EXPECT_TRUE(f.c.BufferDisplay.text().starts_with(
       "\r\n000000| 41424344 45464748 494A4B4C 4D4E4F50 | ABCDEFGHIJKLMNOP"
       "\r\n000010| 61626377 00000000 00000000 00000000 | abcw............\r\n000020| "));
   EXPECT_EQ(f.c.FileNameCodeText.caption(), upperCase(path));
   EXPECT_EQ(f.c.FileNameCodeSize.caption(), "(19)");
   EXPECT_EQ(f.c.VScroll1.maximum(), -1);
-}
-
-TEST(OpenCode, enablesSavingAndErasingAndWithADeviceItsCommands) {
-  Files f;
-  const std::string kSaving =
-      "tbToolBar(2) mnuFileSaveCode mnuFileSaveCodeAs menuEraseCode Erase_button";
-  f.open("tbToolBar(1)", f.fileOf(1024));
   EXPECT_EQ(enabledOf(f.c, kSaving + " " + kCodeCommands), kSaving);
   f.rig.select("Eprom 27C256");
-  EXPECT_EQ(f.c.VScroll1.maximum(), 127);
   f.c.Program_button.setEnabled(false);
   f.open("tbToolBar(1)", f.fileOf(1024));
   EXPECT_EQ(disabledOf(f.c, kCodeCommands + " CheckCode"), "CheckCode");
@@ -59,17 +49,14 @@ TEST(OpenCode, takesAnEmptyFileAndOneThatFillsTheBuffer) {
   f.open("mnuFileOpenCode", f.fileOf(2'100'001));
   EXPECT_EQ(f.s.CodeLength, 2'100'001);
   EXPECT_EQ(f.s.CodeBuffer[2'100'000], 0x5A);
-  f.c.VScroll1.setValue(8202);
-  EXPECT_TRUE(f.c.BufferDisplay.text().starts_with("\r\n200A00| 5A5A5A5A "));
 }
 
 // Every refusal: one message box, one log line, and the earlier file as it was.
 TEST(OpenCode, refusesWhatCannotBeRead) {
-  const std::vector<std::pair<std::string, std::string>> cases{
-      {"missing.bin", "No such file or directory"},
-      {"", "Is a directory"},
-      {"sized.bin", "it is longer than the 2100001 bytes allowed"}};
-  for (const auto& [name, reason] : cases) {
+  for (const auto& [name, reason] : std::initializer_list<std::pair<const char*, std::string>>{
+           {"missing.bin", "No such file or directory"},
+           {"", "Is a directory"},
+           {"sized.bin", "it is longer than the 2100001 bytes allowed"}}) {
     Files f;
     f.open("mnuFileOpenCode", f.file("good.bin", "good"));
     f.rig.clearLog();
@@ -93,21 +80,19 @@ TEST(OpenData, takes8192BytesAndNoMore) {
   f.open("mnuFileOpenData", f.fileOf(8193));
   EXPECT_EQ(f.rig.log().back(),
             "Data File Size is 8193 bytes, bigger than the 8192 allowed - Will Not Open");
-  ASSERT_EQ(f.rig.dialogs.boxes.size(), 1U);
-  EXPECT_EQ(f.rig.dialogs.boxes[0].text, "Can't Open Data File Bigger than 8192 Bytes");
+  EXPECT_EQ(f.rig.dialogs.boxes.at(0).text, "Can't Open Data File Bigger than 8192 Bytes");
   EXPECT_EQ(f.s.DataBufferValid, 0);
   const std::string path = f.fileOf(8192);
   f.open("mnuFileOpenData", path);
   EXPECT_TRUE(f.rig.logged("File " + path + " - was read into DataBuffer. 8192 bytes long."));
   EXPECT_EQ(f.s.DataBuffer[8191], 0x5A);
-  EXPECT_EQ(f.s.DataBufferValid, 1);
   EXPECT_EQ(disabledOf(f.c,
                        "tbToolBar(5) Verify_button menuVerifyData Program_button menuProgramData "
                        "mnuFileSaveData mnuFileSaveDataAs Erase_button menuEraseData"),
             "");
 }
 
-TEST(SaveCode, writesAsManyBytesAsAreInUse) {
+TEST(SaveCode, writesAsManyBytesAsAreInUseAndKeepsTheFileWhenItFails) {
   Files f;
   f.rig.select("Eprom 2732");
   f.s.CodeBuffer[4095] = 0xA5;
@@ -115,18 +100,12 @@ TEST(SaveCode, writesAsManyBytesAsAreInUse) {
   const std::string path = (f.rig.folder / "out.bin").string();
   f.open("mnuFileSaveCode", path);
   EXPECT_EQ(f.rig.dialogs.asked.back(), "Save CODE BUFFER ...|All Files (*.*)|*.*");
-  EXPECT_EQ(f.text(path), std::string(4095, '\0') + '\xA5');
+  EXPECT_EQ(readWholeTextFile(path), std::string(4095, '\0') + '\xA5');
   EXPECT_EQ(f.rig.log().back(), "File Sucessfully Saved as " + path);
   f.s.CodeLength = 3;
   f.rig.press("mnuFileSaveCode");
-  EXPECT_EQ(f.text(path), std::string(3, '\0'));
   EXPECT_EQ(f.rig.dialogs.asked.size(), 1U);
-}
-
-TEST(SaveCode, aFailingSaveKeepsFileAndName) {
-  Files f;
-  const std::string path = f.file("Rom.bin", "abc");
-  f.open("mnuFileOpenCode", path);
+  f.c.mnuFileSaveCodeAs.setEnabled(true);
   f.open("mnuFileSaveCodeAs", (f.rig.folder / "no/such/folder.bin").string());
   EXPECT_EQ(f.s.CodeFileName, path);
   f.s.CodeBuffer[0] = 'X';
@@ -135,7 +114,7 @@ TEST(SaveCode, aFailingSaveKeepsFileAndName) {
     f.rig.press("mnuFileSaveCode");
   }
   EXPECT_EQ(f.rig.dialogs.boxes.size(), 2U);
-  EXPECT_EQ(f.text(path), "abc");
+  EXPECT_EQ(readWholeTextFile(path), std::string(3, '\0'));
 }
 
 TEST(SaveData, writesTheDataBytesIntoTheCodeFile) {
@@ -146,7 +125,7 @@ TEST(SaveData, writesTheDataBytesIntoTheCodeFile) {
   const std::string data = f.file("data.bin", "da");
   f.open("mnuFileOpenData", data);
   f.rig.press("mnuFileSaveData");
-  EXPECT_EQ(f.text(code), "da");
+  EXPECT_EQ(readWholeTextFile(code), "da");
   EXPECT_EQ(f.rig.log().back(), "File Sucessfully Saved as " + data);
 }
 
@@ -158,7 +137,6 @@ TEST(EraseBuffer, fillsOneByteMoreThanAMegabyte) {
   ASSERT_TRUE(f.rig.press("Erase_button"));
   EXPECT_EQ(f.s.DataBuffer[8192], 0xFF);
   EXPECT_EQ(f.s.DataBuffer[8193], 0x00);
-  EXPECT_EQ(f.s.CodeBuffer[0], 0xFF);
   EXPECT_EQ(f.s.CodeBuffer[1'048'576], 0xFF);
   EXPECT_EQ(f.s.CodeBuffer[1'048'577], 0x5A);
   EXPECT_EQ(f.s.CodeLength, 32768);
@@ -171,14 +149,13 @@ TEST(ShowBuffer, theCaptionDecidesFromTheFirstPressOn) {
   f.s.DataBuffer[0] = 0xDA;
   f.s.CodeBuffer[0] = 0xC0;
   f.rig.select("Eprom 27C256");
-  EXPECT_TRUE(f.c.BufferDisplay.text().starts_with("\r\n000000| C0"));
   f.rig.press("Show_button");
   EXPECT_EQ(f.c.Show_button.caption(), "Show Data");
   EXPECT_TRUE(f.c.BufferDisplay.text().starts_with("\r\n000000| C0"));
   f.rig.press("Show_button");
   EXPECT_EQ(f.c.Show_button.caption(), "Show Code");
-  EXPECT_TRUE(
-      f.c.BufferDisplay.text().starts_with("             *** BUFFER DATA ***\r\n000000| DA"));
+  EXPECT_TRUE(f.c.BufferDisplay.text().starts_with(std::string(13, ' ') +
+                                                   "*** BUFFER DATA ***\r\n000000| DA"));
   f.c.VScroll1.setValue(32);
   EXPECT_TRUE(f.c.BufferDisplay.text().ends_with("\r\n002060| 00000000 " + std::string(27, ' ') +
                                                  "| ...."));
