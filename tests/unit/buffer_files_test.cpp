@@ -40,10 +40,6 @@ TEST(OpenCode, readsAndShowsTheFileAndEnablesWhatNeedsOne) {
   EXPECT_EQ(disabledOf(f.c, kCodeCommands + " CheckCode"), "CheckCode");
   EXPECT_EQ(f.c.CheckCode.value(), 1);
   EXPECT_EQ(f.c.VScroll1.maximum(), 3);
-}
-
-TEST(OpenCode, takesAnEmptyFileAndOneThatFillsTheBuffer) {
-  Files f;
   f.open("mnuFileOpenCode", f.fileOf(0));
   EXPECT_EQ(f.s.FileChecksumText, "0000");
   f.open("mnuFileOpenCode", f.fileOf(2'100'001));
@@ -92,7 +88,7 @@ TEST(OpenData, takes8192BytesAndNoMore) {
             "");
 }
 
-TEST(SaveCode, writesAsManyBytesAsAreInUseAndKeepsTheFileWhenItFails) {
+TEST(Save, writesAsManyBytesAsAreInUseAndKeepsTheFileWhenItFails) {
   Files f;
   f.rig.select("Eprom 2732");
   f.s.CodeBuffer[4095] = 0xA5;
@@ -115,17 +111,12 @@ TEST(SaveCode, writesAsManyBytesAsAreInUseAndKeepsTheFileWhenItFails) {
   }
   EXPECT_EQ(f.rig.dialogs.boxes.size(), 2U);
   EXPECT_EQ(readWholeTextFile(path), std::string(3, '\0'));
-}
-
-TEST(SaveData, writesTheDataBytesIntoTheCodeFile) {
-  Files f;
-  const std::string code = f.file("code.bin", "codecode");
-  f.open("mnuFileOpenCode", code);
+  // The data bytes go into the code file.
   f.c.mnuFileOpenData.setEnabled(true);
   const std::string data = f.file("data.bin", "da");
   f.open("mnuFileOpenData", data);
   f.rig.press("mnuFileSaveData");
-  EXPECT_EQ(readWholeTextFile(code), "da");
+  EXPECT_EQ(readWholeTextFile(path), "da");
   EXPECT_EQ(f.rig.log().back(), "File Sucessfully Saved as " + data);
 }
 

@@ -11,7 +11,7 @@
 namespace kestrel {
 namespace {
 
-TEST(OptionButtons, theOthersGoOffBeforeTheHandlerRuns) {
+TEST(Buttons, ofAGroupGoOffBeforeTheHandlerRunsAndDisabledOnesCannotBePressed) {
   Controls c;
   int runs = 0;
   c.Voltage_button[2].onClick([&] {
@@ -24,11 +24,7 @@ TEST(OptionButtons, theOthersGoOffBeforeTheHandlerRuns) {
   EXPECT_EQ(runs, 1);
   c.HiLow_button[0].setValue(false);
   EXPECT_TRUE(c.HiLow_button[0].value()) << "one lane is always set";
-}
-
-TEST(Presses, aDisabledControlCannotBePressed) {
-  Controls c;
-  int runs = 0;
+  runs = 0;
   c.Read_button.onPress([&] { ++runs; });
   EXPECT_FALSE(c.Read_button.press());
   EXPECT_FALSE(c.Voltage_button[1].press());
