@@ -56,13 +56,6 @@ INSTANTIATE_TEST_SUITE_P(EverySignal, Killed,
                          testing::Values(SIGTERM, SIGINT, SIGHUP, SIGABRT, SIGSEGV, SIGKILL),
                          [](const auto& signal) { return sigabbrev_np(signal.param); });
 
-struct Ending {
-  const char* name;
-  void (*how)();
-  int end;
-  int switchOffs;  // a crash has the guard switch off before the program is gone, and after
-};
-
 unsigned overflowStack(unsigned depth) {
   volatile char frame[4096];
   frame[depth % sizeof frame] = 1;
@@ -70,20 +63,25 @@ unsigned overflowStack(unsigned depth) {
 }
 
 TEST(Ended, programLeavesTheBoardOff) {
-  for (const Ending& each :
-       {Ending{"without a word", [] { _exit(7); }, 7, 1},
-        Ending{"an uncaught exception", [] { throw std::runtime_error(""); }, -SIGABRT, 2},
-        Ending{"a stack overflow", [] { _exit(static_cast<int>(overflowStack(0))); }, -SIGSEGV, 2},
-        Ending{"Ctrl-\\", [] { raise(SIGQUIT); }, -SIGQUIT, 2}}) {
-    const Death death = test::dieWhileProgramming(sim::Model::kestrel5, 50ms, nullptr, each.how);
-    expectSafe(death, each.end, each.name);
-    EXPECT_EQ(death.switchOffs, each.switchOffs) << each.name;
+  const struct {
+    const char* name;
+    void (*how)();
+    int end, switchOffs;  // a crash has the guard switch off before the program is gone, and after
+  } cases[]{{"without a word", [] { _exit(7); }, 7, 1},
+            {"an uncaught exception", [] { throw std::runtime_error(""); }, -SIGABRT, 2},
+            {"a stack overflow", [] { _exit(static_cast<int>(overflowStack(0))); }, -SIGSEGV, 2},
+            {"Ctrl-\\", [] { raise(SIGQUIT); }, -SIGQUIT, 2}};
+  for (const auto& [name, how, end, switchOffs] : cases) {
+    const Death death = test::dieWhileProgramming(sim::Model::kestrel5, 50ms, nullptr, how);
+    expectSafe(death, end, name);
+    EXPECT_EQ(death.switchOffs, switchOffs) << name;
   }
 }
 
 TEST(Guard, holdsNothingDoesNothingAndGoesAfterAGoodBye) {
   test::Tape* const tape = test::Tape::make();
-  test::TapeKernel kernel(*tape);
+  test::StandInKernel kernel;
+  kernel.devices["/dev/parport0"].lines = tape;
   ParportDevice port(kernel, "/dev/parport0", 0x378);
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);

@@ -4,7 +4,10 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <stdexcept>
 
+#include "hardware/ports/port_choice.h"
+#include "hardware/ports/port_diagnosis.h"
 #include "simulator/simulated_port.h"
 #include "support/stand_in_kernel.h"
 #include "support/temporary_folder.h"
@@ -58,14 +61,14 @@ TEST_F(RealPortsTest, secondProgramIsToldAndChangesNothing) {
   auto first = open();
   for (const std::string process : {"4711", "4712"}) {
     write("proc/" + process + "/comm", process == "4711" ? "vpp-guard\n" : "kestrel\n");
-    fs::create_directories(root / ("proc/" + process + "/fd"));
+    fs::create_directory(root / ("proc/" + process + "/fd"));
     fs::create_symlink("/dev/parport0", root / ("proc/" + process + "/fd/5"));
   }
-  kernel.calls.clear();
+  kernel.calls = "";
   const std::uint64_t accesses = bench.accessCount();
   const auto second = open();
   EXPECT_FALSE(second->switchOff());
-  EXPECT_THAT(kernel.calls, ElementsAre("open /dev/parport0", "PPEXCL", "PPCLAIM", "close"));
+  EXPECT_EQ(kernel.calls, "open /dev/parport0, PPEXCL, PPCLAIM, close, ");
   EXPECT_THAT(second->diagnosis(), ElementsAre(HasSubstr("(kestrel, process 4712)")));
   EXPECT_EQ(bench.accessCount(), accesses);
   first.reset();
@@ -88,19 +91,70 @@ TEST_F(RealPortsTest, leaveTheVoltagesOfEveryModelOffHoweverTheyWereOn) {
   for (const auto model : {sim::Model::kestrel4, sim::Model::kestrel5, sim::Model::kestrel6}) {
     const sim::Board& board = bench.plug(model, 0x378);
     auto ports = open();
-    const auto switchAllOn = [&] {
+    for (const bool byHand : {true, false}) {
       ports->port().PortOut(0x378, 0xBF);
       ports->port().PortOut(0x37A, model == sim::Model::kestrel4 ? 0x0B : 0x04);
-      return board.vppPins() != 0;
-    };
-    EXPECT_TRUE(switchAllOn());
-    EXPECT_TRUE(ports->switchOff());
-    EXPECT_EQ(board.latch(0), 0x40);
-    EXPECT_TRUE(switchAllOn());
-    ports.reset();
-    EXPECT_EQ(board.latch(0), 0x40);
+      EXPECT_NE(board.vppPins(), 0U);
+      EXPECT_TRUE(!byHand || ports->switchOff());
+      if (!byHand) ports.reset();
+      EXPECT_EQ(board.latch(0), 0x40);
+    }
     lines.PortOut(0x378, 0xFF);
     for (std::size_t i = 0; i < 5; ++i) EXPECT_NE(board.latch(i), 0xFF) << i << " was left open";
+  }
+}
+
+const std::string kPort = "Port 378h (/dev/parport0): ";
+constexpr auto kHolder = "kestrel, process 4711";
+
+PortSurvey surveyOf(std::optional<PortProblem> problem, const std::string& device = "/dev/parport0",
+                    bool isLockedDown = false) {
+  PortSurvey survey;
+  survey.isLockedDown = isLockedDown;
+  survey.listed = {{.name = "parport0", .base = 0x378, .drivers = {}}};
+  survey.findings = {{0x378, device, false, problem, {}, kHolder}};
+  return survey;
+}
+
+TEST(Diagnosis, namesWhatIsInTheWayAndTheOneCure) {
+  PortSurvey noPort;
+  noPort.isPortDriverLoaded = true;
+  PortSurvey printer = surveyOf(PortProblem::Taken);
+  printer.listed[0].drivers = {"lp", "ppdev0"};
+  PortSurvey elsewhere = surveyOf(std::nullopt);
+  elsewhere.listed.push_back({.name = "parport1", .base = 0xD010, .drivers = {}});
+  const std::pair<PortSurvey, std::string> cases[]{
+      {PortSurvey(),
+       "No parallel port: the driver parport_pc is not loaded. Cure: sudo modprobe "
+       "-a parport_pc ppdev"},
+      {elsewhere,
+       "parport1 is at D010h, which is none of 378h, 278h and 3BCh. Cure: --port "
+       "278=/dev/parport1"},
+      {noPort, "is loaded and finds none"},
+      {surveyOf(PortProblem::NoDevice), kPort + "the driver ppdev, which makes the device file, is "
+                                                "not loaded. Cure: sudo modprobe ppdev"},
+      {surveyOf(PortProblem::NoPermission), kPort + "no permission to use it. Cure: sudo usermod "
+                                                    "-a -G lp $USER, then log in again"},
+      {surveyOf(PortProblem::Taken),
+       kPort + "another program has it (kestrel, process 4711). Cure: end that program"},
+      {printer, kPort + "the printer driver has it. Cure: sudo modprobe -r lp"},
+      {surveyOf(PortProblem::NotPermitted, "0xD010"), "direct access is for root alone"},
+      {surveyOf(PortProblem::NotPermitted, "0xD010", true),
+       "Port 378h (0xD010): the kernel is locked down and forbids direct access. Cure: "
+       "have a driver, sudo modprobe parport_pc io=0xD010 irq=none, and use its device "
+       "file, --port BASE=/dev/parportN"}};
+  for (const auto& [survey, text] : cases) {
+    EXPECT_THAT(diagnose(survey).back(), testing::HasSubstr(text));
+  }
+}
+
+TEST(PortChoice, takesADeviceFileOrAnAddressAndNothingElse) {
+  EXPECT_EQ(parsePortChoice("3bc=/dev/parport1").base, 0x3BC);
+  EXPECT_EQ(parsePortChoice("378=parport2").device, "/dev/parport2");
+  EXPECT_EQ(parsePortChoice("278=0xD010").address, 0xD010);
+  for (const char* text : {"378", "379=/dev/parport0", "=/dev/parport0", "1378=parport0",
+                           "378=LPT1", "378=0x", "378=0x60", "378=0xFFFD", "378=0xD01G"}) {
+    EXPECT_THROW(static_cast<void>(parsePortChoice(text)), std::invalid_argument) << text;
   }
 }
 

@@ -1,7 +1,6 @@
 // The form over the real ports' whole code: commands, stops and faults, with the simulated board
 // behind a kernel that is stood in for.
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <random>
@@ -11,13 +10,10 @@
 namespace kestrel::test {
 namespace {
 
-using testing::Contains;
 using Bytes = std::vector<std::uint8_t>;
 
 struct Family {
-  const char* code;
-  const char* device;
-  const char* chip;
+  const char *code, *device, *chip;
   std::int32_t bytes;  // handled: of EPROMs the beginning, to be quick
   sim::Model model = sim::Model::kestrel5;
   std::size_t voltage = 0;   // Voltage_button: 1 = 12.5 V, 2 = 21 V; 0: none is pressed
@@ -61,10 +57,10 @@ std::string traceOf(const Family& family) {
   f.trace.str("");
   if (family.isProgrammed) {
     f.rig.program();
-    EXPECT_THAT(f.rig.log(), Contains("Programming Device Successfull"));
+    EXPECT_TRUE(f.rig.logged("Programming Device Successfull"));
   }
   f.rig.press("Verify_button");
-  EXPECT_THAT(f.rig.log(), Contains("Device Contents MATCHES with Buffer Contents"));
+  EXPECT_TRUE(f.rig.logged("Device Contents MATCHES with Buffer Contents"));
   std::ranges::fill(f.rig.state.CodeBuffer, std::uint8_t{0});
   f.rig.press("Read_button");
   EXPECT_TRUE(std::equal(image.begin(), image.end(), f.rig.state.CodeBuffer.begin()));
@@ -78,50 +74,41 @@ TEST_P(WholeForm, hasTheSameTraceOnARealPortAsOnTheSimulatedOne) {
   const std::string real = traceOf<RealForm>(GetParam());
   const std::string simulated = traceOf<SimulatedForm>(GetParam());
   EXPECT_GT(std::ranges::count(simulated, '\n'), 10 * GetParam().bytes);
-  const auto at = std::ranges::mismatch(real, simulated).in1 - real.begin();
-  EXPECT_TRUE(real == simulated) << "they differ at byte " << at;
+  EXPECT_TRUE(real == simulated);
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryFamily, WholeForm, testing::ValuesIn(kFamilies),
                          [](const auto& family) { return family.param.code; });
 
-/// A 27C64 of which the first page counts, so that a command is short.
-struct Stopping {
-  Stopping() {
+TEST(Stop, atAnyMomentLeavesTheBoardIdleAndTheNextCommandWorking) {
+  constexpr std::int32_t kBytes = 256;  // of a 27C64, so that a command is short
+  std::mt19937 random(6);
+  int begun = 0;
+  for (const bool programs : {true, false}) {
+    RealForm f;
     f.start();
     f.rig.select("Eprom 27C64");
     f.rig.openImage(randomBytes(kBytes, 42));
     f.rig.controls.Voltage_button[1].press();
     f.rig.state.DeviceSizeBytes = kBytes;
-  }
-  /// Programs or reads, stopped at a port access; returns how many there were.
-  int run(bool programs, int stopAt) {
-    int count = 0;
-    f.insert("27C64", programs ? Bytes() : randomBytes(8192, 43));
-    f.lines.onAccess = [&] {
-      if (++count == stopAt) f.stop.throwIt();
+    // Programs or reads, stopped at a port access; returns how many there were.
+    const auto run = [&](int stopAt) {
+      int count = 0;
+      f.insert("27C64", programs ? Bytes() : randomBytes(8192, 43));
+      f.kernel.onAccess = [&] {
+        if (++count == stopAt) f.stop.throwIt();
+      };
+      programs ? f.rig.program() : f.rig.press("Read_button");
+      f.kernel.onAccess = nullptr;
+      return count;
     };
-    programs ? f.rig.program() : f.rig.press("Read_button");
-    f.lines.onAccess = nullptr;
-    return count;
-  }
-  static constexpr std::int32_t kBytes = 256;
-  RealForm f;
-};
-
-TEST(Stop, atAnyMomentLeavesTheBoardIdleAndTheNextCommandWorking) {
-  std::mt19937 random(6);
-  int begun = 0;
-  for (const bool programs : {true, false}) {
-    Stopping s;
-    RealForm& f = s.f;
-    std::vector<std::uint8_t>& buffer = f.rig.state.CodeBuffer;
-    std::uniform_int_distribution<int> moment(1, s.run(programs, 0) - 1);
+    Bytes& buffer = f.rig.state.CodeBuffer;
+    std::uniform_int_distribution<int> moment(1, run(0) - 1);
     for (int i = 0; i < 100; ++i) {
       const Bytes before = buffer = randomBytes(buffer.size(), 42);
       const int stopAt = moment(random);
       SCOPED_TRACE(std::to_string(stopAt) + (programs ? " of programming" : " of a read"));
-      s.run(programs, stopAt);
+      run(stopAt);
       EXPECT_EQ(f.rig.log().back(), "Operation stopped by operator");
       EXPECT_EQ(f.board->latch(0), 0x40);
       EXPECT_TRUE(buffer == before);
@@ -129,7 +116,7 @@ TEST(Stop, atAnyMomentLeavesTheBoardIdleAndTheNextCommandWorking) {
       begun += chip != Bytes(8192, 0xFF) ? 1 : 0;
       f.rig.press("Read_button");
       EXPECT_EQ(f.rig.form.lastOutcome(), frmMain::Outcome::Done);
-      EXPECT_TRUE(std::equal(chip.begin(), chip.begin() + Stopping::kBytes, buffer.begin()));
+      EXPECT_TRUE(std::equal(chip.begin(), chip.begin() + kBytes, buffer.begin()));
       f.rig.clearLog();
     }
   }
@@ -148,8 +135,6 @@ TEST(HardwareTest, takesAVanishedPortAnewAndTellsWhyNoBoardAnswers) {
   f.rig.press("TestHardware_button");
   EXPECT_EQ(f.rig.controls.Ready_label.caption(), "Ready");
   EXPECT_EQ(f.board->latch(0), 0x40);
-  f.rig.press("Read_button");
-  EXPECT_EQ(f.rig.form.lastOutcome(), frmMain::Outcome::Done);
   f.bench.unplug(0x378);
   f.rig.press("TestHardware_button");
   EXPECT_EQ(f.rig.log().back(),

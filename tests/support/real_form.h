@@ -1,30 +1,10 @@
 #pragma once
 
-#include <filesystem>
-#include <fstream>
-#include <functional>
-
 #include "hardware/ports/real_ports.h"
 #include "support/form_rig.h"
 #include "support/stand_in_kernel.h"
 
 namespace kestrel::test {
-
-/// The lines between a stand-in kernel and the board: something may happen at each access.
-struct WatchedLines final : PortAccess {
-  explicit WatchedLines(PortAccess& given) : lines(given) {}
-  void PortOut(std::int16_t port, std::uint8_t value) override {
-    if (onAccess) onAccess();
-    lines.PortOut(port, value);
-  }
-  std::uint8_t PortIn(std::int16_t port) override {
-    if (onAccess) onAccess();
-    return lines.PortIn(port);
-  }
-
-  PortAccess& lines;
-  std::function<void()> onAccess;
-};
 
 /// Looks after real ports as the programs do.
 struct CareOf final : PortCare {
@@ -41,23 +21,16 @@ struct CareOf final : PortCare {
 struct RealForm : BoardOnBench {
   explicit RealForm(sim::Model model = sim::Model::kestrel5) : BoardOnBench(model) {
     kernel.takesNotes = false;
+    kernel.devices["/dev/parport0"].lines = &port;
+    ports->takeMissing();
   }
 
   void start() { BoardOnBench::start(rig); }
 
-  /// The ports of one more program on this machine.
-  [[nodiscard]] std::unique_ptr<RealPorts> openPorts() {
-    const auto folder = root / "proc/sys/dev/parport/parport0";
-    std::filesystem::create_directories(folder);
-    std::ofstream(folder / "base-addr") << "888\t0\n";
-    kernel.devices["/dev/parport0"].lines = &lines;
-    return openRealPorts(kernel, {{}, root.path(), root.path()});
-  }
-
   TemporaryFolder root;
-  WatchedLines lines{port};
   StandInKernel kernel;
-  std::unique_ptr<RealPorts> ports = openPorts();
+  std::unique_ptr<RealPorts> ports =
+      openRealPorts(kernel, {{parsePortChoice("378=/dev/parport0")}, root.path(), root.path()});
   CareOf care{*ports};
   StopSwitch stop;
   FakeScreen screen;

@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -21,6 +22,8 @@ namespace kestrel::test {
 /// control lines. Every call is noted, such as "open /dev/parport0", "PPCLAIM", "data 40".
 class StandInKernel final : public SystemCalls {
  public:
+  static constexpr int kFirstFile = 900;
+
   struct Device {
     PortAccess* lines = nullptr;  // what is connected; addressed at `base`
     std::uint16_t base = 0x378;
@@ -31,8 +34,9 @@ class StandInKernel final : public SystemCalls {
   std::map<std::string, Device> devices;
   /// The next calls of this name fail with these errors, in order; 0 lets one pass.
   std::map<std::string, std::vector<int>> failures;
-  std::vector<std::string> calls;
+  std::string calls;       // each with a comma and a space after it
   bool takesNotes = true;  // not for whole commands: they are millions of calls
+  std::function<void()> onAccess;
   PortAccess* ioPorts = nullptr;  // what direct access reaches, once permitted
   bool isIoPermitted = false;
 
@@ -44,8 +48,10 @@ class StandInKernel final : public SystemCalls {
   }
 
   int ioctl(int descriptor, unsigned long request, void* argument) noexcept override {
+    if (onAccess) onAccess();
     auto* const value = static_cast<std::uint8_t*>(argument);
     File& file = fileOf(descriptor);
+    const bool isHeld = file.device->holder == descriptor;
     switch (request) {
       case PPEXCL:
         file.isExclusive = true;
@@ -53,13 +59,14 @@ class StandInKernel final : public SystemCalls {
       case PPCLAIM:
         return passes("PPCLAIM") ? claim(file, descriptor) : -1;
       case PPRELEASE:
-        return passes("PPRELEASE") ? leave(file, descriptor) : -1;
+        leave(file, descriptor);
+        return passes("PPRELEASE") ? 0 : -1;
       case PPWDATA:
-        return passes("data", hex(*value)) ? write(file, descriptor, 0, *value) : -1;
       case PPWCONTROL:
-        return passes("control", hex(*value)) ? write(file, descriptor, 2, *value) : -1;
+        if (!passes(request == PPWDATA ? "data" : "control", hex(*value))) return -1;
+        return isHeld ? write(*file.device, request == PPWDATA ? 0 : 2, *value) : refuse(EINVAL);
       case PPRSTATUS:
-        if (!passes("status") || file.device->holder != descriptor) return -1;
+        if (!passes("status") || !isHeld) return -1;
         *value = file.device->lines->PortIn(static_cast<std::int16_t>(file.device->base + 1));
         return 0;
       default:
@@ -68,19 +75,19 @@ class StandInKernel final : public SystemCalls {
   }
 
   int close(int descriptor) noexcept override {
-    calls.emplace_back("close");
-    return leave(fileOf(descriptor), descriptor);
+    calls += "close, ";
+    return leave(fileOf(descriptor), descriptor), 0;
   }
   int ioperm(unsigned long first, unsigned long /*count*/, bool permit) noexcept override {
-    calls.push_back((permit ? "permit " : "forbid ") + hex(first));
+    calls += (permit ? "permit " : "forbid ") + hex(first) + ", ";
     return isIoPermitted ? 0 : refuse(EPERM);
   }
   void outByte(std::uint16_t port, std::uint8_t value) noexcept override {
-    calls.push_back("outb " + hex(port) + " " + hex(value));
+    calls += "outb " + hex(port) + " " + hex(value) + ", ";
     ioPorts->PortOut(static_cast<std::int16_t>(port), value);
   }
   std::uint8_t inByte(std::uint16_t port) noexcept override {
-    calls.push_back("inb " + hex(port));
+    calls += "inb " + hex(port) + ", ";
     return ioPorts->PortIn(static_cast<std::int16_t>(port));
   }
 
@@ -89,7 +96,6 @@ class StandInKernel final : public SystemCalls {
     Device* device;
     bool isExclusive = false;
   };
-  static constexpr int kFirstFile = 900;
 
   File& fileOf(int descriptor) { return files_[static_cast<std::size_t>(descriptor - kFirstFile)]; }
 
@@ -103,7 +109,7 @@ class StandInKernel final : public SystemCalls {
     return -1;
   }
   bool passes(const std::string& name, const std::string& detail = {}) {
-    if (takesNotes) calls.push_back(detail.empty() ? name : name + " " + detail);
+    if (takesNotes) calls += name + (detail.empty() ? "" : " ") + detail + ", ";
     std::vector<int>& planned = failures[name];
     if (planned.empty()) return true;
     errno = planned.front();
@@ -112,17 +118,16 @@ class StandInKernel final : public SystemCalls {
   }
   static int claim(const File& file, int descriptor) {
     Device& device = *file.device;
-    if (file.isExclusive && (device.hasPrinterDriver || device.holder >= 0)) return refuse(ENXIO);
+    const bool isOthers = device.holder >= 0 && device.holder != descriptor;
+    if (file.isExclusive && (device.hasPrinterDriver || isOthers)) return refuse(ENXIO);
     device.holder = descriptor;
-    return write(file, descriptor, 2, 0x0C);
+    return write(device, 2, 0x0C);
   }
-  static int leave(const File& file, int descriptor) {
+  static void leave(const File& file, int descriptor) {
     if (file.device->holder == descriptor) file.device->holder = -1;
-    return 0;
   }
-  static int write(const File& file, int descriptor, int offset, std::uint8_t value) {
-    if (file.device->holder != descriptor) return refuse(EINVAL);
-    file.device->lines->PortOut(static_cast<std::int16_t>(file.device->base + offset), value);
+  static int write(const Device& device, int offset, std::uint8_t value) {
+    device.lines->PortOut(static_cast<std::int16_t>(device.base + offset), value);
     return 0;
   }
 

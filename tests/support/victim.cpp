@@ -9,6 +9,7 @@
 #include <map>
 
 #include "hardware/ports/attended_port.h"
+#include "hardware/ports/lpt_ports.h"
 #include "hardware/ports/real_ports.h"
 #include "hardware/ports/signal_stop.h"
 #include "support/form_rig.h"
@@ -19,25 +20,18 @@ namespace {
 using namespace std::chrono_literals;
 using Time = std::chrono::steady_clock;
 
-/// Passes on to a port that can be exchanged.
-struct Turnout final : PortAccess {
-  explicit Turnout(PortAccess& first) : to(&first) {}
-  void PortOut(std::int16_t port, std::uint8_t value) override { to->PortOut(port, value); }
-  std::uint8_t PortIn(std::int16_t port) override { return to->PortIn(port); }
-  PortAccess* to;
-};
-
 /// The form ready to press Program. It is started once, on the simulated port; every victim
 /// inherits it and goes on with its own real port to the same board.
 struct Program : BoardOnBench {
   explicit Program(sim::Model model) : BoardOnBench(model) {
+    turnout.connect(0x378, port);
     start(rig);
     insert("27C256");
     rig.select("Eprom 27C256");
     rig.openImage(randomBytes(32768, 51));
     rig.controls.Voltage_button[1].press();
   }
-  Turnout turnout{port};
+  LptPorts turnout;
   StopSwitch stop;
   FormRig rig{turnout, port, &stop};
 };
@@ -55,11 +49,15 @@ Program& readyProgram(sim::Model model) {
   setpgid(0, 0);
   switchOffOnCrash();
   const SignalStop signals(program.stop);
-  TapeKernel kernel(tape, &program.port);
+  tape.board = &program.port;
+  StandInKernel kernel;
+  kernel.takesNotes = false;
+  // Held from the beginning: the guard, forked before the claim, has a kernel of its own.
+  kernel.devices["/dev/parport0"] = {.lines = &tape, .holder = StandInKernel::kFirstFile};
   auto ports =
       openRealPorts(kernel, {{parsePortChoice("378=/dev/parport0")}, "/nowhere", "/nowhere"});
   AttendedPort attended(ports->port(), program.port, program.stop, program.rig.screen);
-  program.turnout.to = &attended;
+  program.turnout.connect(0x378, attended);
   // A signal between two commands: the next one puts the switch back, its first turn throws it.
   program.rig.screen.onTurn = [&] {
     if (signals.isEndRequested()) program.stop.throwIt();
@@ -67,6 +65,8 @@ Program& readyProgram(sim::Model model) {
   tape.isRunning = true;
   const auto endsAt = Time::now() + (end ? runsFor : 10s);
   kernel.onAccess = [&] {
+    // An access a microsecond, as on a real port.
+    for (const auto from = Time::now(); Time::now() < from + 1us;) continue;
     if (Time::now() > endsAt) end ? end() : _exit(98);
   };
   while (!signals.isEndRequested()) program.rig.program();
@@ -85,32 +85,6 @@ bool awaitAll(std::chrono::milliseconds limit) {
 }
 
 }  // namespace
-
-int TapeKernel::ioctl(int /*descriptor*/, unsigned long request, void* argument) noexcept {
-  if (onAccess) onAccess();
-  auto* const value = static_cast<std::uint8_t*>(argument);
-  if (request == PPCLAIM) write(2, 0x0C);
-  if (request == PPWDATA) write(0, *value);
-  if (request == PPWCONTROL) write(2, *value);
-  if (request == PPRSTATUS && lines_ != nullptr) *value = lines_->PortIn(0x379);
-  const auto end = Time::now() + 1us;
-  while (Time::now() < end) {
-  }
-  return 0;
-}
-
-// The tape first: what is on it has reached the board.
-void TapeKernel::write(unsigned offset, std::uint8_t value) noexcept {
-  tape_.write(offset, value);
-  if (lines_ != nullptr) lines_->PortOut(static_cast<std::int16_t>(0x378 + offset), value);
-}
-
-void Tape::playTo(sim::Bench& bench, std::size_t from, std::size_t to) const {
-  for (std::size_t i = from; i < to && i < entries.size(); ++i) {
-    bench.portOut(static_cast<std::uint16_t>(0x378 + (entries[i] >> 8)),
-                  static_cast<std::uint8_t>(entries[i] & 0xFF));
-  }
-}
 
 int Tape::switchOffsAtEnd() const {
   constexpr std::array<std::uint16_t, 7> kSequence{0x040, 0x205, 0x204, 0x205, 0x20A, 0x20B, 0x20A};
@@ -146,9 +120,11 @@ Death dieWhileProgramming(sim::Model model, std::chrono::microseconds runsFor,
   death.guardTook = std::chrono::duration_cast<std::chrono::microseconds>(Time::now() - killed);
   sim::Bench bench;
   const sim::Board& board = bench.plug(model, 0x378);
-  tape->playTo(bench, 0, moment);
-  death.wasUnderVpp = board.vppPins() != 0;
-  tape->playTo(bench, moment, tape->written);
+  for (std::size_t i = 0; i < tape->written && i < tape->entries.size(); ++i) {
+    bench.portOut(static_cast<std::uint16_t>(0x378 + (tape->entries[i] >> 8)),
+                  static_cast<std::uint8_t>(tape->entries[i] & 0xFF));
+    if (i + 1 == moment) death.wasUnderVpp = board.vppPins() != 0;
+  }
   death.latch0 = board.latch(0);
   death.vppPins = board.vppPins();
   death.switchOffs = tape->switchOffsAtEnd();

@@ -1,27 +1,22 @@
 #pragma once
 
-#include <linux/ppdev.h>
-#include <sys/ioctl.h>
 #include <sys/mman.h>
 
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <cstddef>
-#include <cstdint>
 #include <functional>
 #include <new>
 
-#include "hardware/ports/system_calls.h"
 #include "platform/port_access.h"
 #include "simulator/bench.h"
+#include "support/stand_in_kernel.h"
 
 namespace kestrel::test {
 
 /// What was written to a port, in memory that the processes of a test share: it outlives the one
-/// that wrote it.
-class Tape {
- public:
+/// that wrote it. It is passed on to a board, if there is one.
+struct Tape final : PortAccess {
   static Tape* make() {
     void* const memory = mmap(nullptr, sizeof(Tape), PROT_READ | PROT_WRITE,
                               MAP_SHARED | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
@@ -29,42 +24,23 @@ class Tape {
   }
   static void discard(Tape* tape) { munmap(tape, sizeof(Tape)); }
 
-  void write(unsigned offset, std::uint8_t value) noexcept {
+  // The entry first: what is on the tape has reached the board.
+  void PortOut(std::int16_t port, std::uint8_t value) override {
     const std::size_t at = written.fetch_add(1);
-    if (at < entries.size()) entries[at] = static_cast<std::uint16_t>(offset << 8 | value);
+    if (at < entries.size()) entries[at] = static_cast<std::uint16_t>((port - 0x378) << 8 | value);
+    if (board != nullptr) board->PortOut(port, value);
   }
-
-  /// Plays what stands between two places of the tape to a simulated board.
-  void playTo(sim::Bench& bench, std::size_t from, std::size_t to) const;
+  std::uint8_t PortIn(std::int16_t port) override {
+    return board != nullptr ? board->PortIn(port) : 0xFF;
+  }
 
   /// How often the tape's end repeats the sequence that switches a board of any model off.
   [[nodiscard]] int switchOffsAtEnd() const;
 
+  PortAccess* board = nullptr;
   std::atomic<std::size_t> written{0};
   std::atomic<bool> isRunning{false};
   std::array<std::uint16_t, 1 << 20> entries;
-};
-
-/// A driver that writes its port's lines onto a tape, an access a microsecond as on a real port,
-/// and passes them on to a board, if there is one.
-class TapeKernel final : public SystemCalls {
- public:
-  explicit TapeKernel(Tape& tape, PortAccess* lines = nullptr) : tape_(tape), lines_(lines) {}
-
-  std::function<void()> onAccess;
-
-  int open(const char* /*path*/, int /*flags*/) noexcept override { return 900; }
-  int close(int /*descriptor*/) noexcept override { return 0; }
-  int ioctl(int /*descriptor*/, unsigned long request, void* argument) noexcept override;
-  int ioperm(unsigned long, unsigned long, bool) noexcept override { return -1; }
-  void outByte(std::uint16_t, std::uint8_t) noexcept override {}
-  std::uint8_t inByte(std::uint16_t) noexcept override { return 0xFF; }
-
- private:
-  void write(unsigned offset, std::uint8_t value) noexcept;
-
-  Tape& tape_;
-  PortAccess* lines_;
 };
 
 /// How a program that was programming a chip came to its end.
