@@ -112,8 +112,7 @@ class TwoWireDecoder {
 
  private:
   struct Bit {
-    bool level = false;
-    bool driven = false;
+    bool level = false, driven = false;
   };
 
   void follow() {
@@ -134,9 +133,8 @@ class TwoWireDecoder {
   }
   void giveByte() {
     const Bit ninth = bits_.back();
-    const char* const yes = ninth.driven ? "A" : "a";
-    const char* const no = ninth.driven ? "N" : "n";
-    put(hexOfEight() + (ninth.level ? no : yes));
+    const char* const letters = ninth.driven ? "AN" : "an";
+    put(hexOfEight() + letters[ninth.level ? 1 : 0]);
     bits_.clear();
   }
   void cutOff() {
@@ -153,10 +151,7 @@ class TwoWireDecoder {
 
   long latch3_ = 0;  // the board at rest on a serial chip: clock low, data driven low
   long latch4_ = 0;
-  bool scl_ = false;
-  bool driven_ = true;
-  bool sda_ = false;
-  bool level_ = true;
+  bool scl_ = false, driven_ = true, sda_ = false, level_ = true;
   std::vector<Bit> bits_;
   std::string text_;
 };

@@ -12,8 +12,8 @@
 #include "simulator/bench.h"
 #include "simulator/chip_factory.h"
 #include "simulator/simulated_port.h"
+#include "support/control_names.h"
 #include "support/fakes.h"
-#include "support/log_messages.h"
 #include "support/temporary_folder.h"
 
 namespace kestrel::test {
