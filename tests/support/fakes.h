@@ -38,7 +38,8 @@ class ScriptedDialogs final : public Dialogs {
   void about() override { asked.emplace_back("About"); }
 
   std::deque<Answer> answers;
-  std::deque<std::string> texts, files;
+  std::deque<std::string> texts;
+  std::deque<std::string> files;
   std::vector<MessageBox> boxes;
   std::vector<std::string> asked;
 
@@ -82,16 +83,18 @@ class RecordingHelp final : public HelpViewer {
 
 class FakeScreen final : public Screen {
  public:
-  void repaint() override {}
+  void repaint() override { ++repaints; }
   void turn() override {
     if (onTurn) onTurn();
   }
   std::size_t openWindows() const override { return windows; }
   void closeLastWindow() override { --windows; }
-  void closeMainWindow() override {}
+  void closeMainWindow() override { mainClosed = true; }
 
   std::function<void()> onTurn;
+  int repaints = 0;
   std::size_t windows = 1;
+  bool mainClosed = false;
 };
 
 }  // namespace kestrel::test
