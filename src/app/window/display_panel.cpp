@@ -30,8 +30,12 @@ constexpr double kLargestFont = 1.8;
 QSize hexPageSize(const QPlainTextEdit& view, const QFont& font) {
   const QFontMetricsF metrics(font);
   const double margins = 2 * view.document()->documentMargin() + 2 * view.frameWidth();
+  // A line of text is laid out with ascent and descent rounded up each for itself.
+  const double lineHeight =
+      std::max(std::ceil(metrics.ascent()) + std::ceil(metrics.descent()) + metrics.leading(),
+               std::ceil(metrics.lineSpacing()));
   return {static_cast<int>(std::ceil(kPageColumns * metrics.horizontalAdvance('0') + margins + 2)),
-          static_cast<int>(std::ceil(kPageLines * std::ceil(metrics.lineSpacing()) + margins + 2))};
+          static_cast<int>(std::ceil(kPageLines * lineHeight + margins + 2))};
 }
 
 DisplayPanel::DisplayPanel(Controls& controls, const Binder& binder, QWidget* parent)
