@@ -19,7 +19,6 @@ constexpr const char* kAllFiles = "All Files (*.*)|*.*";
 constexpr std::uintmax_t kDataFileBytes = 8192;
 constexpr std::size_t kErasedCodeBytes = 1'048'577;
 constexpr std::size_t kErasedDataBytes = 8'193;
-constexpr std::uint8_t kErased = 0xFF;
 constexpr std::size_t kIdleFileBytes = 257;
 
 constexpr const char* kReadingText =

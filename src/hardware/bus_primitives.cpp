@@ -11,10 +11,6 @@ constexpr int kLatch3Kept = 0xF0;
 // Latch 3 at rest: chip deselected, data latch off the bus, pin 31 (/WE, /PGM) high.
 constexpr int kLatch3Idle = kChipDisable | kDataLatchOff | kPin31High;
 
-// Adding 40h to a middle byte that is not 0 moves A14 (bit 6) into bit 7 once the fixed bit 6, the
-// inactive write-enable, is or-ed in.
-constexpr int kA14ToBit7 = 0x40;
-
 constexpr unsigned kUpperStatusBits = 0xF0;
 
 }  // namespace
@@ -76,21 +72,26 @@ void BusPrimitives::IncADR() {
   ++state_.AddrHigh;
 }
 
-void BusPrimitives::SETADR() {
-  state_.RegShadow1 =
-      narrowed<std::int16_t>(at(state_.AddrMapMid, state_.AddrMid) | state_.Reg1Fixed);
+void BusPrimitives::latchMiddle(std::int32_t mid) {
+  state_.RegShadow1 = narrowed<std::int16_t>(at(state_.AddrMapMid, mid) | state_.Reg1Fixed);
   registers_.SetReg1();
-  state_.RegShadow2 = narrowed<std::int16_t>(state_.AddrLow);
-  registers_.SetReg2();
-  state_.RegShadow3 = narrowed<std::int16_t>(at(state_.AddrMapHigh, state_.AddrHigh) |
+}
+
+void BusPrimitives::latchHigh(std::int32_t high) {
+  state_.RegShadow3 = narrowed<std::int16_t>(at(state_.AddrMapHigh, high) |
                                              (state_.RegShadow3 & kLatch3Kept) | state_.Reg3Fixed);
   registers_.SetReg3();
 }
 
+void BusPrimitives::SETADR() {
+  latchMiddle(state_.AddrMid);
+  state_.RegShadow2 = narrowed<std::int16_t>(state_.AddrLow);
+  registers_.SetReg2();
+  latchHigh(state_.AddrHigh);
+}
+
 void BusPrimitives::SETADR_XICOR() {
-  std::int32_t mid = state_.AddrMid;
-  if (mid != 0) mid += kA14ToBit7;
-  mid |= state_.Reg1Fixed;
+  const std::int32_t mid = withA14InBit7(state_.AddrMid) | state_.Reg1Fixed;
   if (mid != state_.RegShadow1) {
     state_.RegShadow1 = narrowed<std::int16_t>(mid);
     registers_.SetReg1();

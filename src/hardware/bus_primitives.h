@@ -36,6 +36,11 @@ class BusPrimitives {
   /// RuntimeError 9 for an address byte above 255.
   void SETADR();
 
+  /// The parts of SETADR for a walk that changes one address byte at a time: the middle byte
+  /// through its map into latch 1, the high byte through its map into latch 3.
+  void latchMiddle(std::int32_t mid);
+  void latchHigh(std::int32_t high);
+
   /// SETADR as the flash routines call it.
   void SETADR_FLASH() { SETADR(); }
 

@@ -46,6 +46,10 @@ constexpr void clearBits(std::int16_t& shadow, int mask) {
   shadow = static_cast<std::int16_t>(shadow & ~mask);
 }
 
+/// The middle address byte of a 28C256: adding 40h to one that is not 0 moves A14 (bit 6) into bit
+/// 7 once bit 6, the inactive write-enable, is or-ed in.
+constexpr std::int32_t withA14InBit7(std::int32_t mid) { return mid != 0 ? mid + 0x40 : 0; }
+
 /// Loads the latches through the port. Every procedure changes a shadow and then loads its latch;
 /// a shadow outside 0..255 is an overflow (RuntimeError 6).
 class Registers {

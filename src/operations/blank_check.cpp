@@ -6,7 +6,6 @@ namespace kestrel {
 namespace {
 
 constexpr std::int64_t kPauseCounts = 100;
-constexpr std::uint8_t kErased = 0xFF;
 
 }  // namespace
 

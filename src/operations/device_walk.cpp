@@ -3,11 +3,6 @@
 #include "platform/runtime_error.h"
 
 namespace kestrel {
-namespace {
-
-constexpr int kLatch3Kept = 0xF0;
-
-}  // namespace
 
 void DeviceWalk::setBounds() {
   const std::int32_t last = p_.state.CodeLength - 1;
@@ -27,12 +22,9 @@ bool DeviceWalk::readAll(const Visit& visit) {
   ProgrammerState& s = p_.state;
   setBounds();
   for (std::int32_t high = 0; high <= s.ReadHighLast; ++high) {
-    s.RegShadow3 = narrowed<std::int16_t>(at(s.AddrMapHigh, high) | (s.RegShadow3 & kLatch3Kept) |
-                                          s.Reg3Fixed);
-    p_.registers.SetReg3();
+    p_.bus.latchHigh(high);
     for (std::int32_t mid = 0; mid <= s.ReadMidLast; ++mid) {
-      s.RegShadow1 = narrowed<std::int16_t>(at(s.AddrMapMid, mid) | s.Reg1Fixed);
-      p_.registers.SetReg1();
+      p_.bus.latchMiddle(mid);
       p_.reporting.advanceProgress();
       if (!readPage(high * 65536 + mid * 256, visit)) return false;
     }

@@ -7,7 +7,6 @@ namespace {
 
 constexpr std::int16_t kPulseBudget = 255;
 constexpr std::int16_t kLongPulsesBelow = 200;
-constexpr std::uint8_t kErased = 0xFF;
 constexpr std::int32_t kPulse2732Ms = 5;
 constexpr std::int32_t kVppSettlingMs = 1500;
 

@@ -44,8 +44,7 @@ void FlashProgrammer::ProgramFlash() {
     s.RegShadow3 = narrowed<std::int16_t>(at(s.AddrMapHigh, high) | s.Reg3Fixed | kChipDisable);
     p_.registers.SetReg3();
     for (std::int32_t mid = 0; mid <= lastMid; ++mid) {
-      s.RegShadow1 = narrowed<std::int16_t>(at(s.AddrMapMid, mid) | s.Reg1Fixed);
-      p_.registers.SetReg1();
+      p_.bus.latchMiddle(mid);
       p_.reporting.advanceProgress();
       if (!programPage()) return;
     }

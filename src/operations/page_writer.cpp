@@ -16,8 +16,6 @@ constexpr std::int32_t kBlinkMask = 7;
 constexpr std::int16_t kPagesPerProgressStep = 8;
 constexpr std::int32_t kProgressSteps = 64;
 constexpr std::size_t kDeviceBytes = 32768;
-constexpr std::uint8_t kErased = 0xFF;
-constexpr int kA14ToBit7 = 0x40;
 
 }  // namespace
 
@@ -114,7 +112,7 @@ void PageWriter::latchPageAddress(const Chip& chip, std::int32_t page) {
   s.LinearAddress = kPageBytes * page;
   p_.bus.Endereco2Adr();
   std::int32_t mid = s.AddrMid;
-  if (chip.movesA14 && mid != 0) mid += kA14ToBit7;
+  if (chip.movesA14) mid = withA14InBit7(mid);
   mid |= s.Reg1Fixed;
   if (mid == s.RegShadow1) return;
   s.RegShadow1 = narrowed<std::int16_t>(mid);

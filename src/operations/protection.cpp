@@ -9,7 +9,6 @@ namespace {
 
 constexpr int kWeAtmel = 0x80;
 constexpr int kWeXicor = 0x40;
-constexpr int kA14ToBit7 = 0x40;
 constexpr std::int64_t kStrobeCounts = 300;
 constexpr std::int32_t kSequenceEndMs = 5;
 
@@ -68,10 +67,9 @@ void ProtectionSequences::AtmelWriteByte() {
 
 void ProtectionSequences::XicorWriteByte() {
   ProgrammerState& s = p_.state;
-  int high = s.WriteAddress / 256;
+  const int high = s.WriteAddress / 256;
   s.RegShadow2 = narrowed<std::int16_t>(s.WriteAddress - high * 256);
-  if (high != 0) high += kA14ToBit7;
-  s.RegShadow1 = narrowed<std::int16_t>(high | kWeXicor);
+  s.RegShadow1 = narrowed<std::int16_t>(withA14InBit7(high) | kWeXicor);
   strobe({&ProtectionSequences::WEON_XICOR, &ProtectionSequences::WEOFF_XICOR});
 }
 

@@ -8,7 +8,6 @@ namespace {
 
 constexpr int kSelectWrite = 0xA0;
 constexpr int kSelectRead = 0xA1;
-constexpr std::uint8_t kErased = 0xFF;
 constexpr std::uint8_t kNotAcknowledged = 0x80;
 
 // The chip is powered through /OE: its supply is given time to come up.

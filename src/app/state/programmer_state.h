@@ -7,6 +7,9 @@
 
 namespace kestrel {
 
+/// The erased state of chips and buffers.
+inline constexpr std::uint8_t kErased = 0xFF;
+
 inline constexpr std::size_t kLatchCount = 5;
 inline constexpr std::size_t kCodeBufferBytes = 2'100'001;
 inline constexpr std::size_t kDataBufferBytes = 8'292;
