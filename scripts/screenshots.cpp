@@ -7,7 +7,7 @@
 #include <map>
 
 #include "app/launch/program_folders.h"
-#include "app/window/bench_panel.h"
+#include "app/window/board_panel.h"
 #include "app/window/help_window.h"
 #include "window/window_rig.h"
 
@@ -24,12 +24,14 @@ QPalette darkPalette() {
 }
 
 struct Scene : WindowRig {
-  explicit Scene(const LaunchOptions& options = simulatedOptions("27C256")) : WindowRig(options) {
+  explicit Scene(const launch::LaunchOptions& options = simulatedOptions("27C256"))
+      : WindowRig(options) {
     settings.texts = {{"Settings/MainLeft", "0"},
                       {"Settings/MainTop", "0"},
                       {"Settings/MainWidth", "19200"},
                       {"Settings/MainHeight", "11700"}};
-    window.addSidePanel(*new BenchPanel(*ports.simulated(), gate, &window), "Simulated board");
+    window.addSidePanel(*new window::SimulatedBoardPanel(*ports.simulated(), gate, &window),
+                        "Simulated board");
     start();
     ports.simulated()->startUpDone();
   }
@@ -39,7 +41,7 @@ struct Scene : WindowRig {
   }
   void openSample() {
     // A name without folders: a picture tells nothing of the machine it was taken on.
-    std::filesystem::current_path(programFolders({}).data / "sample");
+    std::filesystem::current_path(launch::programFolders({}).data / "sample");
     window.openCodeFile("sample-27C256.bin");
     turn();
   }
@@ -119,7 +121,7 @@ void longTexts(const QString& file) {
 }
 
 void help(const QString& file) {
-  HelpWindow window(programFolders({}).data / "help" / "kestrel5.hlp", nullptr);
+  window::HelpWindow window(launch::programFolders({}).data / "help" / "kestrel5.hlp", nullptr);
   window.open(HelpPage::Contents);
   WindowRig::turn();
   window.grab().save(file);

@@ -12,7 +12,7 @@
 #include "display/hex_line.h"
 #include "platform/atomic_file.h"
 
-namespace kestrel {
+namespace kestrel::buffers {
 namespace {
 
 constexpr const char* kAllFiles = "All Files (*.*)|*.*";
@@ -113,7 +113,7 @@ void BufferFiles::storeCode() {
 // The scroll range follows the code length, also after a data file.
 void BufferFiles::finishLoading() {
   p_.display.DisplayPageMemory();
-  p_.controls.VScroll1.setMaximum(p_.state.CodeLength / kPageBytes - 1);
+  p_.controls.VScroll1.setMaximum(p_.state.CodeLength / display::kPageBytes - 1);
   p_.controls.ProgressBar1.setValue(0);
   p_.controls.StatusBar.setText("");
 }
@@ -293,4 +293,4 @@ void BufferFiles::disableForErased(Button& verifyEntry, Button& programEntry) {
   p_.display.DisplayPageMemory();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::buffers

@@ -13,7 +13,7 @@
 #include "platform/dialogs.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::buffers {
 
 /// The shared pieces that the file commands are built on.
 struct BufferParts {
@@ -21,8 +21,8 @@ struct BufferParts {
   Controls& controls;
   Reporting& reporting;
   OperationButtons& buttons;
-  Lamps& lamps;
-  MemoryDisplay& display;
+  hardware::Lamps& lamps;
+  display::MemoryDisplay& display;
   Dialogs& dialogs;
 };
 
@@ -81,4 +81,4 @@ class BufferFiles {
   BufferParts p_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::buffers

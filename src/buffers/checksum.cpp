@@ -2,8 +2,8 @@
 
 #include "app/state/text_format.h"
 
-namespace kestrel {
+namespace kestrel::buffers {
 
 std::string checksumText(std::int32_t sum) { return hexText(sum, 4); }
 
-}  // namespace kestrel
+}  // namespace kestrel::buffers

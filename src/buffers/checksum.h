@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-namespace kestrel {
+namespace kestrel::buffers {
 
 /// The sum with one byte added, modulo 65536. Files and devices are summed alike.
 [[nodiscard]] constexpr std::int32_t addToChecksum(std::int32_t sum, std::uint8_t byte) {
@@ -14,4 +14,4 @@ namespace kestrel {
 /// Exactly four upper-case hexadecimal digits.
 [[nodiscard]] std::string checksumText(std::int32_t sum);
 
-}  // namespace kestrel
+}  // namespace kestrel::buffers

@@ -11,14 +11,14 @@
 
 #include "cli/commands.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 namespace {
 
 using Use = std::function<void(const std::string&)>;
 
 [[noreturn]] void refuse(std::string_view option, const std::string& text,
                          std::string_view remedy) {
-  throw UsageError(std::string(option) + ": \"" + text + "\" " + std::string(remedy));
+  throw launch::UsageError(std::string(option) + ": \"" + text + "\" " + std::string(remedy));
 }
 
 std::int32_t number(std::string_view option, const std::string& text, std::int32_t least,
@@ -51,7 +51,7 @@ std::size_t laneButton(const std::string& text) {
 }
 
 const std::string& named(std::string_view option, const std::string& text) {
-  if (text.empty()) throw UsageError(std::string(option) + " is empty; give it a name");
+  if (text.empty()) throw launch::UsageError(std::string(option) + " is empty; give it a name");
   return text;
 }
 
@@ -59,7 +59,7 @@ const std::string& named(std::string_view option, const std::string& text) {
 const std::string& setupName(const std::string& text) {
   const auto isControl = [](char c) { return static_cast<unsigned char>(c) < ' '; };
   if (std::ranges::any_of(text, isControl)) {
-    throw UsageError("save-setup: a name is one line of text");
+    throw launch::UsageError("save-setup: a name is one line of text");
   }
   return text;
 }
@@ -106,29 +106,29 @@ void addWork(CLI::App& app, Arguments& a) {
   app.add_flag("--quiet", a.quiet, "print no log");
 }
 
-void addMachine(CLI::App& app, LaunchOptions& launch) {
+void addMachine(CLI::App& app, launch::LaunchOptions& launch) {
   addRepeatable(app, "--port", "BASE=DEVICE", "parallel port device for the address BASE",
-                [&](const auto& text) { launch.ports.push_back(parsePort(text)); });
+                [&](const auto& text) { launch.ports.push_back(launch::parsePort(text)); });
   addOption(app, "--home", "DIR", "folder of kestrel6.ini",
             [&](const auto& text) { launch.home = named("--home", text); });
   addOption(app, "--trace", "FILE", "write every port access and wait to FILE",
             [&](const auto& text) { launch.trace = named("--trace", text); });
   addOption(app, "--count-ns", "N", "length of a delay-loop count in nanoseconds (25)",
-            [&](const auto& text) { launch.countNs = parseCountNs(text); });
+            [&](const auto& text) { launch.countNs = launch::parseCountNs(text); });
 }
 
-void addSimulation(CLI::App& app, LaunchOptions& launch) {
+void addSimulation(CLI::App& app, launch::LaunchOptions& launch) {
   app.add_flag("--simulate", launch.simulate, "work on a simulated board");
   addOption(app, "--model", "4|5|6", "its model (5)",
-            [&](const auto& text) { launch.model = parseModel(text); });
+            [&](const auto& text) { launch.model = launch::parseModel(text); });
   addOption(app, "--lpt", "378|278|3BC", "its port (378)",
-            [&](const auto& text) { launch.lpt = parseLpt(text); });
+            [&](const auto& text) { launch.lpt = launch::parseLpt(text); });
   addOption(app, "--chip", "TYPE[=FILE]", "the chip in its socket; FILE holds its contents",
-            [&](const auto& text) { launch.chip = parseChip(text); });
+            [&](const auto& text) { launch.chip = launch::parseChip(text); });
   addOption(app, "--board-vpp", "12.5|21|25", "voltage set by hand on a simulated model 4",
-            [&](const auto& text) { launch.boardVppMillivolts = parseBoardVpp(text); });
+            [&](const auto& text) { launch.boardVppMillivolts = launch::parseBoardVpp(text); });
   addRepeatable(app, "--fault", "FAULT", "weak:ADDR, stuck:BIT, unplug:N or empty; repeatable",
-                [&](const auto& text) { launch.faults.push_back(parseFault(text)); });
+                [&](const auto& text) { launch.faults.push_back(launch::parseFault(text)); });
 }
 
 void arrangeHelp(CLI::App& app) {
@@ -171,20 +171,21 @@ void refuseExtras(const CLI::App& app, const Arguments& a) {
   const std::vector<std::string> extras = app.remaining(true);
   if (!extras.empty()) {
     const std::string& first = extras.front();
-    if (first.starts_with('-')) throw UsageError(first + " is no option; see kestrel-cli --help");
+    if (first.starts_with('-'))
+      throw launch::UsageError(first + " is no option; see kestrel-cli --help");
     if (!a.command.empty())
-      throw UsageError("\"" + first + "\" is one word too many; see kestrel-cli --help");
-    throw UsageError("\"" + first + "\" is no command; use one of " + commandList());
+      throw launch::UsageError("\"" + first + "\" is one word too many; see kestrel-cli --help");
+    throw launch::UsageError("\"" + first + "\" is no command; use one of " + commandList());
   }
-  if (a.command.empty()) throw UsageError("no command; use one of " + commandList());
+  if (a.command.empty()) throw launch::UsageError("no command; use one of " + commandList());
 }
 
 void checkCommand(const Arguments& a) {
   if (a.page && a.command != "display") {
-    throw UsageError("--page is for the command display; leave it out");
+    throw launch::UsageError("--page is for the command display; leave it out");
   }
   if (a.show && a.command != "read") {
-    throw UsageError("--show is for the command read; leave it out");
+    throw launch::UsageError("--show is for the command read; leave it out");
   }
 }
 
@@ -213,15 +214,15 @@ std::optional<Arguments> readArguments(int argc, const char* const* argv) {
     const std::string text = error.what();
     const std::string option = text.substr(0, text.find(':'));
     const bool isTwice = text.find("received") != std::string::npos;
-    throw UsageError(option + (isTwice ? " is given twice; give it once"
-                                       : " needs a value; see kestrel-cli --help"));
+    throw launch::UsageError(option + (isTwice ? " is given twice; give it once"
+                                               : " needs a value; see kestrel-cli --help"));
   } catch (const CLI::ParseError& error) {
-    throw UsageError(error.what());
+    throw launch::UsageError(error.what());
   }
   refuseExtras(app, a);
   checkCommand(a);
-  checkTogether(a.launch);
+  launch::checkTogether(a.launch);
   return a;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

@@ -7,11 +7,11 @@
 
 #include "app/launch/option_values.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 
 /// The command line as it was given. What is not set was not given, and presses nothing.
 struct Arguments {
-  LaunchOptions launch;
+  launch::LaunchOptions launch;
 
   std::string command;
   std::optional<std::string> device;
@@ -36,4 +36,4 @@ struct Arguments {
 /// Throws UsageError.
 [[nodiscard]] std::optional<Arguments> readArguments(int argc, const char* const* argv);
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

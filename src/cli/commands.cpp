@@ -10,7 +10,7 @@
 #include "cli/session.h"
 #include "cli/silent_parts.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 namespace {
 
 constexpr std::int16_t kNoRoutine = 9;  // ProgramStatus after a family that has none
@@ -98,25 +98,26 @@ int runAtForm(const Arguments& a, const Command& command) {
   const DeviceCatalogue catalogue;
   const DeviceCatalogue::Device* const device = a.device ? &catalogue.find(*a.device) : nullptr;
   StopSwitch stop;
-  const SignalStop signals(stop);
+  const ports::SignalStop signals(stop);
   ConsoleView view(a.quiet);
   view.obey(signals, stop);
   ConsoleDialogs dialogs(view, a.yes, signals.descriptor());
   NoSound sounds;
   NoSettings settings;
   NoHelp help;
-  const std::string chip = device != nullptr ? chipTypeForDevice(device->name) : std::string();
-  MachinePorts ports(a.launch, chip, stop, view);
-  frmMain form({.port = ports.port(),
-                .clock = ports.clock(),
-                .sounds = sounds,
-                .settings = settings,
-                .help = help,
-                .dialogs = dialogs,
-                .screen = view,
-                .stop = stop,
-                .folders = programFolders(a.launch),
-                .care = &ports});
+  const std::string chip =
+      device != nullptr ? launch::chipTypeForDevice(device->name) : std::string();
+  launch::MachinePorts ports(a.launch, chip, stop, view);
+  form::frmMain form({.port = ports.port(),
+                      .clock = ports.clock(),
+                      .sounds = sounds,
+                      .settings = settings,
+                      .help = help,
+                      .dialogs = dialogs,
+                      .screen = view,
+                      .stop = stop,
+                      .folders = launch::programFolders(a.launch),
+                      .care = &ports});
   view.mirror(form.controls());
   Session session({.form = form,
                    .view = view,
@@ -138,4 +139,4 @@ int runCommand(const Arguments& arguments) {
   return command.alone != nullptr ? command.alone(arguments) : runAtForm(arguments, command);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

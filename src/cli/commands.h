@@ -5,7 +5,7 @@
 
 #include "cli/arguments.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 
 class Session;
 
@@ -26,4 +26,4 @@ struct Command {
 /// FileError for a chip or trace file.
 [[nodiscard]] int runCommand(const Arguments& arguments);
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

@@ -9,7 +9,7 @@
 
 #include "app/state/text_format.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 
 Answer ConsoleDialogs::messageBox(const MessageBox& box) {
   view_.clearProgress();
@@ -66,4 +66,4 @@ std::string ConsoleDialogs::saveFile(const std::string& /*title*/, const std::st
   return takePrepared();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

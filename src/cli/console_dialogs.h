@@ -6,7 +6,7 @@
 #include "cli/console_view.h"
 #include "platform/dialogs.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 
 /// Message boxes on standard error, questions at the terminal, and the names that the options
 /// answer. What happened in them counts for the exit status.
@@ -46,4 +46,4 @@ class ConsoleDialogs final : public Dialogs {
   bool wasRoutineMissing_ = false;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

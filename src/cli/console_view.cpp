@@ -9,7 +9,7 @@
 
 #include "app/state/text_format.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 namespace {
 
 using Clock = std::chrono::steady_clock;
@@ -39,7 +39,7 @@ void ConsoleView::mirror(Controls& controls) {
   controls.setListener(this);
 }
 
-void ConsoleView::obey(const SignalStop& signals, StopSwitch& stop) {
+void ConsoleView::obey(const ports::SignalStop& signals, StopSwitch& stop) {
   signals_ = &signals;
   stop_ = &stop;
 }
@@ -86,4 +86,4 @@ void ConsoleView::printPage(const TextBox& box) {
   std::cout << std::flush;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

@@ -9,7 +9,7 @@
 #include "platform/screen.h"
 #include "platform/stop_switch.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 
 /// What a terminal shows of the form: the log on standard output, line by line as it is logged, and
 /// the progress bar on standard error while that is a terminal.
@@ -25,7 +25,7 @@ class ConsoleView final : public ControlListener, public Screen {
 
   /// Throws the switch again at every turn once a signal asked for the end: one that came between
   /// two commands is forgotten when the next begins. Both outlive the view.
-  void obey(const SignalStop& signals, StopSwitch& stop);
+  void obey(const ports::SignalStop& signals, StopSwitch& stop);
 
   /// Takes the progress bar off the screen: before anything else is written there.
   void clearProgress();
@@ -49,7 +49,7 @@ class ConsoleView final : public ControlListener, public Screen {
 
  private:
   Controls* controls_ = nullptr;
-  const SignalStop* signals_ = nullptr;
+  const ports::SignalStop* signals_ = nullptr;
   StopSwitch* stop_ = nullptr;
   ProgressLine progress_;
   std::chrono::steady_clock::time_point drawnAt_{};
@@ -60,4 +60,4 @@ class ConsoleView final : public ControlListener, public Screen {
   bool isDue_ = false;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

@@ -13,7 +13,7 @@
 #include "app/state/text_format.h"
 #include "devices/device_table.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 namespace {
 
 using Device = DeviceCatalogue::Device;
@@ -89,14 +89,14 @@ std::string voltagesOf(const std::string& vppClass) {
 
 DeviceCatalogue::DeviceCatalogue() {
   const auto state = std::make_unique<ProgrammerState>();
-  BuildDeviceTable(*state);
+  devices::BuildDeviceTable(*state);
   for (std::int32_t position = 0; const auto& row : state->DeviceTable) {
-    if (!row[kNameColumn].empty()) {
+    if (!row[devices::kNameColumn].empty()) {
       devices_.push_back({.position = position,
-                          .name = std::string(trimmed(row[kNameColumn])),
-                          .isOffered = row[kListedColumn] == "Y",
-                          .sizeKB = std::stoi(row[kSizeKBColumn]),
-                          .voltages = voltagesOf(row[kVppClassColumn])});
+                          .name = std::string(trimmed(row[devices::kNameColumn])),
+                          .isOffered = row[devices::kListedColumn] == "Y",
+                          .sizeKB = std::stoi(row[devices::kSizeKBColumn]),
+                          .voltages = voltagesOf(row[devices::kVppClassColumn])});
     }
     ++position;
   }
@@ -107,8 +107,9 @@ const Device& DeviceCatalogue::find(std::string_view text) const {
     const auto found = fitting(devices_, text, fits, true);
     if (found.size() == 1) return *found.front();
     if (found.size() > 1) {
-      throw UsageError("-d: \"" + std::string(text) + "\" fits " + std::to_string(found.size()) +
-                       " devices: " + namesOf(found) + "; give more of the name");
+      throw launch::UsageError("-d: \"" + std::string(text) + "\" fits " +
+                               std::to_string(found.size()) + " devices: " + namesOf(found) +
+                               "; give more of the name");
     }
   }
   refuse(text);
@@ -119,20 +120,21 @@ void DeviceCatalogue::refuse(std::string_view text) const {
   for (const Fits fits : kWaysToFit) {
     const auto found = fitting(devices_, text, fits, false);
     if (found.empty()) continue;
-    throw UsageError(quoted + " is in the list but not available (N/A): " + namesOf(found) +
-                     "; kestrel-cli devices lists those that are");
+    throw launch::UsageError(quoted + " is in the list but not available (N/A): " + namesOf(found) +
+                             "; kestrel-cli devices lists those that are");
   }
   const auto near = fitting(devices_, text, isNear, true);
-  throw UsageError(quoted + " fits no device" +
-                   (near.empty() ? "" : "; perhaps you mean " + namesOf(near)) +
-                   "; kestrel-cli devices lists them all");
+  throw launch::UsageError(quoted + " fits no device" +
+                           (near.empty() ? "" : "; perhaps you mean " + namesOf(near)) +
+                           "; kestrel-cli devices lists them all");
 }
 
 void DeviceCatalogue::print(std::ostream& out) const {
   for (const Device& device : devices_) {
-    out << std::left << std::setw(38) << (device.isOffered ? "" : kNotAvailable) + device.name
-        << std::right << std::setw(5) << device.sizeKB << " KB   " << device.voltages << '\n';
+    out << std::left << std::setw(38)
+        << (device.isOffered ? "" : devices::kNotAvailable) + device.name << std::right
+        << std::setw(5) << device.sizeKB << " KB   " << device.voltages << '\n';
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kestrel {
+namespace kestrel::cli {
 
 /// The device list as the form shows it, without a form and without a board: row by row.
 class DeviceCatalogue {
@@ -37,4 +37,4 @@ class DeviceCatalogue {
   std::vector<Device> devices_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

@@ -3,7 +3,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace kestrel {
+namespace kestrel::cli {
 
 // What the program returns to the shell; 128 and the number after a signal.
 inline constexpr int kDone = 0;
@@ -24,4 +24,4 @@ class EarlyEnd : public std::runtime_error {
   int status_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

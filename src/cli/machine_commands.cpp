@@ -12,23 +12,24 @@
 #include "hardware/ports/safe_off.h"
 #include "hardware/ports/system_calls.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 namespace {
 
-std::uint16_t address(std::uint16_t base, PortRegister target) {
+std::uint16_t address(std::uint16_t base, ports::PortRegister target) {
   return static_cast<std::uint16_t>(base + static_cast<unsigned>(target));
 }
 
 void tellSwitchedOff(const Arguments& arguments, std::uint16_t base) {
   if (arguments.quiet) return;
-  std::cout << "Port " << hexText(base) << "h: latch 0 loaded with 40h, every voltage is off\n";
+  std::cout << "Port " << ports::addressText(base)
+            << "h: latch 0 loaded with 40h, every voltage is off\n";
 }
 
 int switchOffSimulated(const Arguments& arguments) {
   const StopSwitch stop;
   ConsoleView view(arguments.quiet);
-  MachinePorts ports(arguments.launch, {}, stop, view);
-  for (const PortWrite& write : kSafeOff) {
+  launch::MachinePorts ports(arguments.launch, {}, stop, view);
+  for (const ports::PortWrite& write : ports::kSafeOff) {
     const std::uint16_t port = address(ports.simulated()->base(), write.target);
     ports.port().PortOut(static_cast<std::int16_t>(port), write.value);
   }
@@ -37,10 +38,10 @@ int switchOffSimulated(const Arguments& arguments) {
 }
 
 int switchOffReal(const Arguments& arguments) {
-  LinuxCalls calls;
-  PortOptions options;
+  ports::LinuxCalls calls;
+  ports::PortOptions options;
   options.choices = arguments.launch.ports;
-  const auto ports = openRealPorts(calls, std::move(options));
+  const auto ports = ports::openRealPorts(calls, std::move(options));
   if (ports->switchOff()) {
     for (const std::uint16_t base : ports->taken()) tellSwitchedOff(arguments, base);
     return kDone;
@@ -60,4 +61,4 @@ int switchOff(const Arguments& arguments) {
   return arguments.launch.simulate ? switchOffSimulated(arguments) : switchOffReal(arguments);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

@@ -2,7 +2,7 @@
 
 #include "cli/arguments.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 
 // The commands that need no form: nothing is started up for them and no board is looked for.
 
@@ -12,4 +12,4 @@ namespace kestrel {
 /// Switches the board's voltages off, whatever its model. Returns kNoBoard without a port.
 [[nodiscard]] int switchOff(const Arguments& arguments);
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

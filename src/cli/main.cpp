@@ -10,8 +10,8 @@
 namespace {
 
 int run(int argc, char** argv) {
-  const auto arguments = kestrel::readArguments(argc, argv);
-  return arguments ? kestrel::runCommand(*arguments) : kestrel::kDone;
+  const auto arguments = kestrel::cli::readArguments(argc, argv);
+  return arguments ? kestrel::cli::runCommand(*arguments) : kestrel::cli::kDone;
 }
 
 int refused(const std::exception& error, int status) {
@@ -24,14 +24,14 @@ int refused(const std::exception& error, int status) {
 int main(int argc, char** argv) {
   // A reader of the log that goes away must not end the program with a voltage on.
   std::signal(SIGPIPE, SIG_IGN);
-  kestrel::switchOffOnCrash();
+  kestrel::ports::switchOffOnCrash();
   try {
     return run(argc, argv);
-  } catch (const kestrel::UsageError& error) {
-    return refused(error, kestrel::kBadUsage);
+  } catch (const kestrel::launch::UsageError& error) {
+    return refused(error, kestrel::cli::kBadUsage);
   } catch (const kestrel::FileError& error) {
-    return refused(error, kestrel::kBadUsage);
+    return refused(error, kestrel::cli::kBadUsage);
   } catch (const std::exception& error) {
-    return refused(error, kestrel::kFailed);
+    return refused(error, kestrel::cli::kFailed);
   }
 }

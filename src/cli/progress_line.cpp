@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
-namespace kestrel {
+namespace kestrel::cli {
 namespace {
 
 constexpr std::size_t kWidestBar = 50;
@@ -44,4 +44,4 @@ std::string ProgressLine::timeLeft(Time now) const {
   return "  " + std::to_string(seconds / 60) + (rest.size() < 2 ? ":0" : ":") + rest + " left";
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

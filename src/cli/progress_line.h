@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-namespace kestrel {
+namespace kestrel::cli {
 
 /// The progress bar of a command as a line of text: bar, percent, and the time left once that is
 /// more than a guess.
@@ -31,4 +31,4 @@ class ProgressLine {
   std::int32_t startValue_ = 0;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

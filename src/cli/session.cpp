@@ -6,7 +6,7 @@
 #include "cli/exit_status.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 namespace {
 
 constexpr const char* kNoBoardText =
@@ -139,7 +139,7 @@ void Session::pressOperation(Button& button, const std::string& whyDisabled) {
 void Session::afterEvent() {
   if (p_.signals.isEndRequested()) throw EarlyEnd(p_.signals.exitStatus());
   if (p_.dialogs.wasFileRefused()) throw EarlyEnd(kBadUsage);
-  if (p_.form.lastOutcome() == frmMain::Outcome::RunTimeError) throw EarlyEnd(kFailed);
+  if (p_.form.lastOutcome() == form::frmMain::Outcome::RunTimeError) throw EarlyEnd(kFailed);
 }
 
 std::string Session::unless(const std::string& what, const std::string& reason) {
@@ -161,4 +161,4 @@ void Session::shutDown(int& status) {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

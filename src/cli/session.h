@@ -4,7 +4,7 @@
 #include <string>
 
 #include "app/form/frm_main.h"
-#include "app/launch/simulated_bench.h"
+#include "app/launch/simulated_board.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/console_dialogs.h"
@@ -12,18 +12,18 @@
 #include "cli/device_catalogue.h"
 #include "hardware/ports/signal_stop.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 
 /// One run at the form: start-up, the options, the command, saving, shut-down. Every step is the
 /// press of the control that a person would press; what was not asked for presses nothing.
 class Session {
  public:
   struct Parts {
-    frmMain& form;
+    form::frmMain& form;
     ConsoleView& view;
     ConsoleDialogs& dialogs;
-    const SignalStop& signals;
-    SimulatedBench* simulated;              ///< nullptr with real ports
+    const ports::SignalStop& signals;
+    launch::SimulatedBoard* simulated;      ///< nullptr with real ports
     const DeviceCatalogue::Device* device;  ///< of -d; nullptr if not given
     const Arguments& arguments;
   };
@@ -73,4 +73,4 @@ class Session {
   Parts p_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

@@ -4,7 +4,7 @@
 #include "platform/settings_store.h"
 #include "platform/sound_player.h"
 
-namespace kestrel {
+namespace kestrel::cli {
 
 // What the form is given where a terminal has nothing to offer: it makes no sound, has no window
 // whose place could be kept, and its manual is a page of man.
@@ -29,4 +29,4 @@ class NoHelp final : public HelpViewer {
   void show(const std::filesystem::path& /*helpFile*/, HelpPage /*page*/) override {}
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::cli

@@ -5,7 +5,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::devices {
 namespace {
 
 // Width of the name column in the list, in characters.
@@ -102,4 +102,4 @@ void FillDeviceList(const ProgrammerState& state, DropDownList& list) {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::devices

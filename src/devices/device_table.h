@@ -3,7 +3,7 @@
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 
-namespace kestrel {
+namespace kestrel::devices {
 
 // Columns of DeviceTable.
 inline constexpr std::size_t kNameColumn = 0;
@@ -25,4 +25,4 @@ void BuildDeviceTable(ProgrammerState& state);
 /// list is the row.
 void FillDeviceList(const ProgrammerState& state, DropDownList& list);
 
-}  // namespace kestrel
+}  // namespace kestrel::devices

@@ -6,7 +6,7 @@
 #include "display/hex_line.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::display {
 namespace {
 
 constexpr std::int32_t kStartWaitMs = 500;
@@ -16,8 +16,8 @@ constexpr std::array<const char*, 6> kDrawnCodes{"EN", "FL", "FM", "FR", "FA", "
 }  // namespace
 
 DeviceDisplay::DeviceDisplay(ProgrammerState& state, Controls& controls, Reporting& reporting,
-                             Lamps& lamps, Registers& registers, BusPrimitives& bus,
-                             Dialogs& dialogs)
+                             hardware::Lamps& lamps, hardware::Registers& registers,
+                             hardware::BusPrimitives& bus, Dialogs& dialogs)
     : state_(state),
       controls_(controls),
       reporting_(reporting),
@@ -91,4 +91,4 @@ void DeviceDisplay::DisplayEprom() {
   lamps_.DataFlowLampOff();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::display

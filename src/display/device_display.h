@@ -11,13 +11,14 @@
 #include "hardware/registers.h"
 #include "platform/dialogs.h"
 
-namespace kestrel {
+namespace kestrel::display {
 
 /// The chip in the socket, page by page, straight from the board; nothing is kept between pages.
 class DeviceDisplay {
  public:
-  DeviceDisplay(ProgrammerState& state, Controls& controls, Reporting& reporting, Lamps& lamps,
-                Registers& registers, BusPrimitives& bus, Dialogs& dialogs);
+  DeviceDisplay(ProgrammerState& state, Controls& controls, Reporting& reporting,
+                hardware::Lamps& lamps, hardware::Registers& registers,
+                hardware::BusPrimitives& bus, Dialogs& dialogs);
 
   void Display_button_Click();
 
@@ -36,10 +37,10 @@ class DeviceDisplay {
   ProgrammerState& state_;
   Controls& controls_;
   Reporting& reporting_;
-  Lamps& lamps_;
-  Registers& registers_;
-  BusPrimitives& bus_;
+  hardware::Lamps& lamps_;
+  hardware::Registers& registers_;
+  hardware::BusPrimitives& bus_;
   Dialogs& dialogs_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::display

@@ -3,7 +3,7 @@
 #include "app/state/text_format.h"
 #include "platform/atomic_file.h"
 
-namespace kestrel {
+namespace kestrel::display {
 namespace {
 
 constexpr const char* kMaker = " - HALVARD LABS INC. https://www.halvardlabs.example";
@@ -49,4 +49,4 @@ void Exports::SystemLog_DblClick() {
   reporting_.LogMessage("System Log was Saved to KESTREL.LOG file");
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::display

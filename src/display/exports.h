@@ -9,7 +9,7 @@
 #include "platform/clock.h"
 #include "platform/folders.h"
 
-namespace kestrel {
+namespace kestrel::display {
 
 /// The StatCode of an export: the sum of the bytes of its text, line-break characters included.
 [[nodiscard]] double statCode(std::string_view text);
@@ -39,4 +39,4 @@ class Exports {
   const Folders& folders_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::display

@@ -2,7 +2,7 @@
 
 #include "app/state/text_format.h"
 
-namespace kestrel {
+namespace kestrel::display {
 namespace {
 
 constexpr std::size_t kGroupBytes = 4;
@@ -38,4 +38,4 @@ std::string hexLine(std::int32_t address, std::span<const std::uint8_t> bytes,
   return line + "| " + characters;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::display

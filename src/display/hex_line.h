@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace kestrel {
+namespace kestrel::display {
 
 inline constexpr std::int32_t kPageBytes = 256;
 inline constexpr std::int32_t kLineBytes = 16;
@@ -26,4 +26,4 @@ using ShownCharacters = std::bitset<256>;
 [[nodiscard]] std::string hexLine(std::int32_t address, std::span<const std::uint8_t> bytes,
                                   const ShownCharacters& shown);
 
-}  // namespace kestrel
+}  // namespace kestrel::display

@@ -5,7 +5,7 @@
 #include "display/hex_line.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::display {
 namespace {
 
 constexpr const char* kShowCode = "Show Code";
@@ -19,7 +19,8 @@ std::span<const std::uint8_t> lineOf(std::span<const std::uint8_t> buffer, std::
 
 }  // namespace
 
-MemoryDisplay::MemoryDisplay(ProgrammerState& state, Controls& controls, BusPrimitives& bus)
+MemoryDisplay::MemoryDisplay(ProgrammerState& state, Controls& controls,
+                             hardware::BusPrimitives& bus)
     : state_(state), controls_(controls), bus_(bus) {}
 
 void MemoryDisplay::drawPage(TextBox& box, std::int32_t page,
@@ -70,4 +71,4 @@ void MemoryDisplay::Command1_Click() {
   drawPage(second.BufferDisplay, second.VScroll1.value(), state_.CodeBuffer);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::display

@@ -7,12 +7,12 @@
 #include "app/state/programmer_state.h"
 #include "hardware/bus_primitives.h"
 
-namespace kestrel {
+namespace kestrel::display {
 
 /// Pages of the code and the data buffer as hex/ASCII lines.
 class MemoryDisplay {
  public:
-  MemoryDisplay(ProgrammerState& state, Controls& controls, BusPrimitives& bus);
+  MemoryDisplay(ProgrammerState& state, Controls& controls, hardware::BusPrimitives& bus);
 
   /// The page of the code buffer that the scroll bar names.
   void DisplayCodeMemory();
@@ -40,8 +40,8 @@ class MemoryDisplay {
 
   ProgrammerState& state_;
   Controls& controls_;
-  BusPrimitives& bus_;
+  hardware::BusPrimitives& bus_;
   bool captionDecides_ = true;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::display

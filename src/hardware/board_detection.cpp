@@ -9,16 +9,15 @@
 #include "platform/atomic_file.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::hardware {
 namespace {
 
 // In the order of the option buttons, and in the order of the probes.
-struct PortChoice {
+struct LptButton {
   std::int16_t base;
   const char* text;
 };
-constexpr std::array<PortChoice, 3> kPortChoices{
-    {{0x378, "378h"}, {0x278, "278h"}, {0x3BC, "3BCh"}}};
+constexpr std::array<LptButton, 3> kLptButtons{{{0x378, "378h"}, {0x278, "278h"}, {0x3BC, "3BCh"}}};
 constexpr std::array<std::int16_t, 3> kProbeOrder{0x278, 0x378, 0x3BC};
 
 // The probes look at status bits 4 to 6 alone: first all low, then all high.
@@ -173,8 +172,8 @@ void BoardDetection::ReportDetection() {
   p_.controls.Ready_label.setColour(Colour::Green);
   p_.controls.Ready_label.setCaption("Ready");
   setPort(p_.state.DetectedPort);
-  for (std::size_t i = 0; i < kPortChoices.size(); ++i) {
-    if (p_.state.PortBase == kPortChoices[i].base) p_.controls.LPTSelection[i].setValue(true);
+  for (std::size_t i = 0; i < kLptButtons.size(); ++i) {
+    if (p_.state.PortBase == kLptButtons[i].base) p_.controls.LPTSelection[i].setValue(true);
   }
   const std::int16_t model = p_.state.KestrelModel;
   std::optional<FileError> unsaved;
@@ -225,12 +224,12 @@ void BoardDetection::LoadHardwareConfig() {
 }
 
 void BoardDetection::LPTSelection_Click() {
-  for (std::size_t i = 0; i < kPortChoices.size(); ++i) {
+  for (std::size_t i = 0; i < kLptButtons.size(); ++i) {
     if (!p_.controls.LPTSelection[i].value()) continue;
-    const std::string text = kPortChoices[i].text;
+    const std::string text = kLptButtons[i].text;
     p_.controls.PortSelected.setText(text);
     p_.reporting.LogMessage("Port Selection changed to " + text);
-    setPort(kPortChoices[i].base);
+    setPort(kLptButtons[i].base);
   }
 }
 
@@ -246,4 +245,4 @@ void BoardDetection::forceModel(std::int16_t model) {
   p_.bus.Reset();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

@@ -14,7 +14,7 @@
 #include "platform/folders.h"
 #include "platform/port_access.h"
 
-namespace kestrel {
+namespace kestrel::hardware {
 
 /// The shared pieces that detection is built on.
 struct DetectionParts {
@@ -84,4 +84,4 @@ class BoardDetection {
   DetectionParts p_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

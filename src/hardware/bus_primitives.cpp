@@ -2,7 +2,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::hardware {
 namespace {
 
 // Latch 3 keeps /CE, the data-latch enable and bit 4; the low half is rebuilt from the address.
@@ -155,4 +155,4 @@ void BusPrimitives::WaitSettlingTime() {
   state_.LoopIndex = counts < 1 ? 1 : counts + 1;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

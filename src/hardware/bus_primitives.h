@@ -6,7 +6,7 @@
 #include "platform/clock.h"
 #include "platform/port_access.h"
 
-namespace kestrel {
+namespace kestrel::hardware {
 
 /// The signals of the board that every device routine is made of: chip enable, output enable, the
 /// programming voltage of 24-pin parts, the address, the byte that the device drives, the waits.
@@ -81,4 +81,4 @@ class BusPrimitives {
   Clock& clock_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

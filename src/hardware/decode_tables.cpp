@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace kestrel {
+namespace kestrel::hardware {
 namespace {
 
 // Model 4 wires the data bus to the status lines in no particular order. Index bits 0-3 are status
@@ -45,4 +45,4 @@ void BuildDecodeTables(ProgrammerState& state) {
       "?.>,<";
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

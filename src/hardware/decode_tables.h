@@ -2,7 +2,7 @@
 
 #include "app/state/programmer_state.h"
 
-namespace kestrel {
+namespace kestrel::hardware {
 
 /// Start-up tables: the status-port decoding of each board family, the identity address maps and
 /// the characters that the hex/ASCII display shows as themselves.
@@ -11,4 +11,4 @@ void BuildDecodeTables(ProgrammerState& state);
 /// Both address maps: entry i = i.
 void resetAddressMaps(ProgrammerState& state);
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

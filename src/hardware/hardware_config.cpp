@@ -2,7 +2,7 @@
 
 #include "app/state/text_format.h"
 
-namespace kestrel {
+namespace kestrel::hardware {
 
 std::string hardwareConfigText(std::string_view dateAndTime, int port, int model) {
   std::string text = "[KESTREL6 SETUP]\r\nDATE = ";
@@ -12,4 +12,4 @@ std::string hardwareConfigText(std::string_view dateAndTime, int port, int model
   return text;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

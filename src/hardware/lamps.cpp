@@ -1,6 +1,6 @@
 #include "hardware/lamps.h"
 
-namespace kestrel {
+namespace kestrel::hardware {
 
 Lamps::Lamps(ProgrammerState& state, Controls& controls, Registers& registers, Screen& screen)
     : state_(state), controls_(controls), registers_(registers), screen_(screen) {}
@@ -44,4 +44,4 @@ void Lamps::DataFlowLampOn() { show(controls_.DataFlow_label, Colour::Green); }
 
 void Lamps::DataFlowLampOff() { show(controls_.DataFlow_label, Colour::ButtonFace); }
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

@@ -5,7 +5,7 @@
 #include "hardware/registers.h"
 #include "platform/screen.h"
 
-namespace kestrel {
+namespace kestrel::hardware {
 
 /// The three indicator lamps of the form; the program lamp has a twin on the board, latch 0 bit 3.
 /// Each is repainted at once.
@@ -36,4 +36,4 @@ class Lamps {
   Screen& screen_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

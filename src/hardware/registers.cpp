@@ -2,7 +2,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::hardware {
 
 Registers::Registers(ProgrammerState& state, PortAccess& port, Clock& clock)
     : state_(state), port_(port), clock_(clock) {}
@@ -60,4 +60,4 @@ void Registers::REG4OFF() {
   SetReg3();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

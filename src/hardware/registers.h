@@ -7,7 +7,7 @@
 #include "platform/clock.h"
 #include "platform/port_access.h"
 
-namespace kestrel {
+namespace kestrel::hardware {
 
 // The board has five write-only latches. A byte on the data port is taken by the latch that the
 // control port addresses when the strobe goes active.
@@ -95,4 +95,4 @@ class Registers {
   Clock& clock_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::hardware

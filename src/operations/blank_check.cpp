@@ -2,7 +2,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 namespace {
 
 constexpr std::int64_t kPauseCounts = 100;
@@ -55,4 +55,4 @@ void BlankCheck::BlankCheckParallel() {
   p_.bus.Reset();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -5,7 +5,7 @@
 #include "operations/operation_parts.h"
 #include "platform/dialogs.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// Looks for the first byte of the chip that is not FFh, the erased state.
 class BlankCheck {
@@ -27,4 +27,4 @@ class BlankCheck {
   DeviceWalk walk_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

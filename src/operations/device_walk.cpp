@@ -2,7 +2,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 void DeviceWalk::setBounds() {
   const std::int32_t last = p_.state.CodeLength - 1;
@@ -42,4 +42,4 @@ bool DeviceWalk::readPage(std::int32_t pageAddress, const Visit& visit) {
   return true;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -5,7 +5,7 @@
 
 #include "operations/operation_parts.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// The walk over a parallel device that read, blank check and verify share.
 ///
@@ -33,4 +33,4 @@ class DeviceWalk {
   OperationParts p_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -2,7 +2,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 namespace {
 
 constexpr std::int16_t kPulseBudget = 255;
@@ -11,7 +11,7 @@ constexpr std::int32_t kPulse2732Ms = 5;
 constexpr std::int32_t kVppSettlingMs = 1500;
 
 // Latch 0 while programming: board lamp on, outputs off; on model 4 bit 2 switches VPP on.
-constexpr int kProgramming = kOutputDisable | kBoardLamp;
+constexpr int kProgramming = hardware::kOutputDisable | hardware::kBoardLamp;
 constexpr int kVppModel4 = 0x04;
 constexpr int kVpp21 = 0x02;
 constexpr int kVpp25 = 0x03;
@@ -123,8 +123,8 @@ void EpromProgrammer::setUpLatch0(const Algorithm& algorithm) {
   const auto bySubCode = [&](const char* code) {
     return pin == Algorithm::VppPin::BySubCode && s.FamilySubCode == code;
   };
-  if (pin == Algorithm::VppPin::Pin3 || (hasModel && bySubCode("4"))) latch |= kVppOnPin3;
-  if (hasModel && (pin == Algorithm::VppPin::Pin1 || bySubCode("8"))) latch |= kVppOnPin1;
+  if (pin == Algorithm::VppPin::Pin3 || (hasModel && bySubCode("4"))) latch |= hardware::kVppOnPin3;
+  if (hasModel && (pin == Algorithm::VppPin::Pin1 || bySubCode("8"))) latch |= hardware::kVppOnPin1;
   s.RegShadow0 = narrowed<std::int16_t>(latch);
   p_.registers.SetReg0();
 }
@@ -230,10 +230,10 @@ void EpromProgrammer::pulse2732() {
 
 void EpromProgrammer::pulse2764() {
   putByteOnBus();
-  clearBits(p_.state.RegShadow1, kPgmOnLatch1);
+  hardware::clearBits(p_.state.RegShadow1, kPgmOnLatch1);
   p_.registers.SetReg1();
   pulseDelay();
-  setBits(p_.state.RegShadow1, kPgmOnLatch1);
+  hardware::setBits(p_.state.RegShadow1, kPgmOnLatch1);
   p_.registers.SetReg1();
   p_.bus.ShortDelay20();
 }
@@ -260,12 +260,12 @@ void EpromProgrammer::pulse27080() {
 
 void EpromProgrammer::pulse27010() {
   putByteOnBus();
-  clearBits(p_.state.RegShadow3, kPin31High);
+  hardware::clearBits(p_.state.RegShadow3, hardware::kPin31High);
   p_.registers.SetReg3();
   pulseDelay();
-  setBits(p_.state.RegShadow3, kPin31High);
+  hardware::setBits(p_.state.RegShadow3, hardware::kPin31High);
   p_.registers.SetReg3();
   p_.bus.ShortDelay20();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

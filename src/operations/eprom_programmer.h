@@ -5,7 +5,7 @@
 #include "operations/failure_reports.h"
 #include "operations/operation_parts.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// The UV EPROM algorithms: latch the byte, pulse, read it back, again until it is right.
 ///
@@ -69,4 +69,4 @@ class EpromProgrammer {
   std::int16_t PulsesLeft_ = 0;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

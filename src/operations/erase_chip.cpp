@@ -1,6 +1,6 @@
 #include "operations/erase_chip.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 // A 24C16 is written by both serial writers; this is intended.
 void EraseChip::EraseFlash_button_Click() {
@@ -25,7 +25,7 @@ void EraseChip::finishSerial() {
   p_.lamps.ProgramLampOff();
   p_.lamps.DataFlowLampOff();
   p_.reporting.PlaySoundEvent("OK");
-  s.RegShadow0 = kLatch0Idle;
+  s.RegShadow0 = hardware::kLatch0Idle;
   p_.registers.SetReg0();
   p_.controls.ProgressBar1.setValue(0);
   p_.bus.CEON();
@@ -36,4 +36,4 @@ void EraseChip::finishSerial() {
   p_.registers.SetReg2();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -6,7 +6,7 @@
 #include "operations/page_writer.h"
 #include "operations/serial_eeprom.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// "Erase Chip", by the family of the device.
 class EraseChip {
@@ -27,4 +27,4 @@ class EraseChip {
   FailureReports& reports_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

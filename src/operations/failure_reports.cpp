@@ -5,7 +5,7 @@
 #include "app/state/text_format.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 namespace {
 
 const std::string kAsterisks(50, '*');
@@ -65,4 +65,4 @@ void FailureReports::ProgramFailureReport() {
   p_.reporting.PlaySoundEvent("ERROR");
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -1,14 +1,15 @@
 #pragma once
 
-#include "operations/error_alert.h"
+#include "hardware/error_alert.h"
 #include "operations/operation_parts.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// What the operator is told when an operation fails. Each report raises the error alert.
 class FailureReports {
  public:
-  FailureReports(const OperationParts& parts, ErrorAlert& alert) : p_(parts), alert_(alert) {}
+  FailureReports(const OperationParts& parts, hardware::ErrorAlert& alert)
+      : p_(parts), alert_(alert) {}
 
   /// The first byte that is not blank: ProgramIndex and ReadByte.
   void NotBlankReport();
@@ -25,7 +26,7 @@ class FailureReports {
 
  private:
   OperationParts p_;
-  ErrorAlert& alert_;
+  hardware::ErrorAlert& alert_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -6,7 +6,7 @@
 #include "app/state/text_format.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 namespace {
 
 constexpr std::int16_t kIdentify = 0x90;
@@ -79,14 +79,14 @@ void FlashIdentification::sendCommand(std::int16_t command) {
 void FlashIdentification::WEON_FLASH() {
   ProgrammerState& s = p_.state;
   s.RegShadow3 = narrowed<std::int16_t>(
-      (at(s.AddrMapHigh, s.AddrHigh) | s.Reg3Fixed | s.RegShadow3) & ~kPin31High);
+      (at(s.AddrMapHigh, s.AddrHigh) | s.Reg3Fixed | s.RegShadow3) & ~hardware::kPin31High);
   p_.registers.SetReg3();
 }
 
 void FlashIdentification::WEOFF_FLASH() {
   ProgrammerState& s = p_.state;
   s.RegShadow3 = narrowed<std::int16_t>(s.RegShadow3 | at(s.AddrMapHigh, s.AddrHigh) | s.Reg3Fixed |
-                                        kPin31High);
+                                        hardware::kPin31High);
   p_.registers.SetReg3();
 }
 
@@ -107,7 +107,7 @@ void FlashIdentification::ReadFlashID() {
   s.FlashPageSize = 0;
   s.FlashPageCount = 0;
   p_.bus.Reset();
-  setBits(s.RegShadow0, kBoardLamp);
+  hardware::setBits(s.RegShadow0, hardware::kBoardLamp);
   p_.registers.SetReg0();
   p_.bus.OEOFF();
   sendCommand(kIdentify);
@@ -127,7 +127,7 @@ void FlashIdentification::ReadFlashID() {
   s.FlashRawCode = hexText(first, kByteDigits) + hexText(second, kByteDigits);
   s.FlashCode = hexText(s.FlashMakerID, kByteDigits) + hexText(s.FlashDeviceID, kByteDigits);
   nameChip();
-  clearBits(s.RegShadow0, kBoardLamp);
+  hardware::clearBits(s.RegShadow0, hardware::kBoardLamp);
   p_.registers.SetReg0();
 }
 
@@ -173,4 +173,4 @@ void FlashIdentification::ResetFlash_Click() {
   WEOFF_FLASH();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -3,7 +3,7 @@
 #include "operations/operation_parts.h"
 #include "operations/protection.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// The maker and device code of a parallel flash, and the commands that ask for it.
 class FlashIdentification {
@@ -43,4 +43,4 @@ class FlashIdentification {
   ProtectionSequences& atmel_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

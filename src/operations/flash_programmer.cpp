@@ -2,7 +2,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 namespace {
 
 // JEDEC maker codes.
@@ -41,7 +41,8 @@ void FlashProgrammer::ProgramFlash() {
   const std::int32_t lastMid = (last - lastHigh * 65536) / 256;
   s.LinearAddress = 0;
   for (std::int32_t high = 0; high <= lastHigh; ++high) {
-    s.RegShadow3 = narrowed<std::int16_t>(at(s.AddrMapHigh, high) | s.Reg3Fixed | kChipDisable);
+    s.RegShadow3 =
+        narrowed<std::int16_t>(at(s.AddrMapHigh, high) | s.Reg3Fixed | hardware::kChipDisable);
     p_.registers.SetReg3();
     for (std::int32_t mid = 0; mid <= lastMid; ++mid) {
       p_.bus.latchMiddle(mid);
@@ -108,4 +109,4 @@ void FlashProgrammer::LoopFlashTest_Click() {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -5,7 +5,7 @@
 #include "operations/operation_parts.h"
 #include "platform/screen.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// 32-pin flash: the frame of its programming. The byte write and the chip erase are hooks that do
 /// nothing in this release, so programming succeeds where the chip already holds the bytes.
@@ -38,4 +38,4 @@ class FlashProgrammer {
   Screen& screen_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -1,6 +1,6 @@
 #include "operations/i2c_bus.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 namespace {
 
 constexpr std::int16_t kSdaHigh = 0x80;
@@ -92,4 +92,4 @@ void I2cBus::I2CReadByte() {
   p_.state.ReadByte = static_cast<std::uint8_t>(value);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

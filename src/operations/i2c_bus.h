@@ -2,7 +2,7 @@
 
 #include "operations/operation_parts.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// The two-wire bus of the serial chips, made of board lines. It knows lines and bytes.
 ///
@@ -41,4 +41,4 @@ class I2cBus {
   OperationParts p_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

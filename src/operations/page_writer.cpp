@@ -4,11 +4,11 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 namespace {
 
 constexpr std::int32_t kPages = 512;
-constexpr std::int32_t kPageBytes = 64;
+constexpr std::int32_t kWritePageBytes = 64;
 constexpr int kTries = 80;
 constexpr std::int32_t kBeforePageMs = 1;
 constexpr std::int32_t kWriteCycleMs = 3;
@@ -23,7 +23,7 @@ constexpr std::size_t kDeviceBytes = 32768;
 struct PageWriter::Chip {
   const char* startMessage;
   const char* endMessage;
-  void (BusPrimitives::*setAddress)();
+  void (hardware::BusPrimitives::*setAddress)();
   void (ProtectionSequences::*unlock)();
   std::int32_t afterUnlockMs;
   int writeEnable;  ///< active-low bit of latch 1
@@ -33,7 +33,7 @@ struct PageWriter::Chip {
 void PageWriter::ProgramAT29C256() {
   program({.startMessage = "Programming Atmel AT29C256",
            .endMessage = "FLASH Atmel AT29C256 Programmed Sucessfully",
-           .setAddress = &BusPrimitives::SETADR_FLASH,
+           .setAddress = &hardware::BusPrimitives::SETADR_FLASH,
            .unlock = &ProtectionSequences::AtmelSDPDisable,
            .afterUnlockMs = 50,
            .writeEnable = 0x80,
@@ -43,7 +43,7 @@ void PageWriter::ProgramAT29C256() {
 void PageWriter::ProgramX28C256() {
   program({.startMessage = "Programming 28C256 XICOR Device",
            .endMessage = "XICOR 28C256 Programmed Sucessfully",
-           .setAddress = &BusPrimitives::SETADR_XICOR,
+           .setAddress = &hardware::BusPrimitives::SETADR_XICOR,
            .unlock = &ProtectionSequences::XicorSDPDisable,
            .afterUnlockMs = 40,
            .writeEnable = 0x40,
@@ -109,10 +109,10 @@ bool PageWriter::programPage(const Chip& chip, std::int32_t page) {
 
 void PageWriter::latchPageAddress(const Chip& chip, std::int32_t page) {
   ProgrammerState& s = p_.state;
-  s.LinearAddress = kPageBytes * page;
+  s.LinearAddress = kWritePageBytes * page;
   p_.bus.Endereco2Adr();
   std::int32_t mid = s.AddrMid;
-  if (chip.movesA14) mid = withA14InBit7(mid);
+  if (chip.movesA14) mid = hardware::withA14InBit7(mid);
   mid |= s.Reg1Fixed;
   if (mid == s.RegShadow1) return;
   s.RegShadow1 = narrowed<std::int16_t>(mid);
@@ -130,16 +130,16 @@ void PageWriter::setByteAddress(std::int32_t address) {
 // but port access here.
 void PageWriter::loadPage(const Chip& chip, std::int32_t page) {
   ProgrammerState& s = p_.state;
-  for (std::int32_t i = 0; i < kPageBytes; ++i) {
-    setByteAddress(kPageBytes * page + i);
+  for (std::int32_t i = 0; i < kWritePageBytes; ++i) {
+    setByteAddress(kWritePageBytes * page + i);
     s.ByteToWrite = at(s.ProgramBuffer, s.LinearAddress);
     p_.registers.REG4ON();
     s.RegShadow4 = s.ByteToWrite;
     p_.registers.SetReg4();
     p_.bus.CEON();
-    clearBits(s.RegShadow1, chip.writeEnable);
+    hardware::clearBits(s.RegShadow1, chip.writeEnable);
     p_.registers.SetReg1();
-    setBits(s.RegShadow1, chip.writeEnable);
+    hardware::setBits(s.RegShadow1, chip.writeEnable);
     p_.registers.SetReg1();
     p_.bus.CEOFF();
   }
@@ -147,8 +147,8 @@ void PageWriter::loadPage(const Chip& chip, std::int32_t page) {
 
 bool PageWriter::pageReadsBack(std::int32_t page) {
   ProgrammerState& s = p_.state;
-  for (std::int32_t i = 0; i < kPageBytes; ++i) {
-    setByteAddress(kPageBytes * page + i);
+  for (std::int32_t i = 0; i < kWritePageBytes; ++i) {
+    setByteAddress(kWritePageBytes * page + i);
     p_.bus.CEOEON();
     p_.bus.GetNibbles();
     p_.bus.OEOFF();
@@ -160,4 +160,4 @@ bool PageWriter::pageReadsBack(std::int32_t page) {
   return true;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -5,7 +5,7 @@
 #include "operations/program_image.h"
 #include "operations/protection.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// The 32 KB chips that are written a page of 64 bytes at a time: each page is written, given its
 /// write cycle, read back, and written again whole until it is right, at most 79 times.
@@ -38,4 +38,4 @@ class PageWriter {
   FailureReports& reports_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

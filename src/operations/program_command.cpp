@@ -4,7 +4,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 namespace {
 
 constexpr std::int16_t kNoRoutine = 9;
@@ -63,7 +63,7 @@ void ProgramCommand::programDevice() {
     s.ProgramFailed = 1;
   }
   reportOutcome();
-  s.RegShadow0 = kLatch0Idle;
+  s.RegShadow0 = hardware::kLatch0Idle;
   p_.registers.SetReg0();
   p_.controls.ProgressBar1.setValue(0);
   if (p_.controls.VerifyAfterProgramming.isTicked() && s.ProgramFailed == 0) {
@@ -124,4 +124,4 @@ void ProgramCommand::leaveIdle() {
   p_.registers.SetReg2();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

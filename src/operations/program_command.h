@@ -1,8 +1,8 @@
 #pragma once
 
+#include "hardware/error_alert.h"
 #include "operations/blank_check.h"
 #include "operations/eprom_programmer.h"
-#include "operations/error_alert.h"
 #include "operations/failure_reports.h"
 #include "operations/flash_programmer.h"
 #include "operations/operation_parts.h"
@@ -12,12 +12,12 @@
 #include "operations/verify.h"
 #include "platform/dialogs.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// The units that the Program command puts together.
 struct ProgramUnits {
   ProgramImage& image;
-  ErrorAlert& alert;
+  hardware::ErrorAlert& alert;
   FailureReports& reports;
   BlankCheck& blank;
   Verify& verify;
@@ -49,4 +49,4 @@ class ProgramCommand {
   ProgramUnits u_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -2,7 +2,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 void ProgramImage::PrepareProgramBuffer() {
   ProgrammerState& s = state_;
@@ -28,4 +28,4 @@ void ProgramImage::takeLane(std::int32_t offset) {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -3,7 +3,7 @@
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// The image that is programmed and compared, made from the code buffer by the byte lane: all
 /// bytes, or the odd or even ones alone for one of the two chips of a 16-bit system.
@@ -23,4 +23,4 @@ class ProgramImage {
   const Controls& controls_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

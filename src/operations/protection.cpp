@@ -4,7 +4,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 namespace {
 
 constexpr int kWeAtmel = 0x80;
@@ -25,22 +25,22 @@ void ProtectionSequences::speedDelay(std::int32_t milliseconds) {
 }
 
 void ProtectionSequences::WEON_ATMEL() {
-  clearBits(p_.state.RegShadow1, kWeAtmel);
+  hardware::clearBits(p_.state.RegShadow1, kWeAtmel);
   p_.registers.SetReg1();
 }
 
 void ProtectionSequences::WEOFF_ATMEL() {
-  setBits(p_.state.RegShadow1, kWeAtmel);
+  hardware::setBits(p_.state.RegShadow1, kWeAtmel);
   p_.registers.SetReg1();
 }
 
 void ProtectionSequences::WEON_XICOR() {
-  clearBits(p_.state.RegShadow1, kWeXicor);
+  hardware::clearBits(p_.state.RegShadow1, kWeXicor);
   p_.registers.SetReg1();
 }
 
 void ProtectionSequences::WEOFF_XICOR() {
-  setBits(p_.state.RegShadow1, kWeXicor);
+  hardware::setBits(p_.state.RegShadow1, kWeXicor);
   p_.registers.SetReg1();
 }
 
@@ -69,7 +69,7 @@ void ProtectionSequences::XicorWriteByte() {
   ProgrammerState& s = p_.state;
   const int high = s.WriteAddress / 256;
   s.RegShadow2 = narrowed<std::int16_t>(s.WriteAddress - high * 256);
-  s.RegShadow1 = narrowed<std::int16_t>(withA14InBit7(high) | kWeXicor);
+  s.RegShadow1 = narrowed<std::int16_t>(hardware::withA14InBit7(high) | kWeXicor);
   strobe({&ProtectionSequences::WEON_XICOR, &ProtectionSequences::WEOFF_XICOR});
 }
 
@@ -113,4 +113,4 @@ void ProtectionSequences::sendAtmelCommand(std::uint8_t command) {
   send(cycles, &ProtectionSequences::AtmelWriteByte);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -5,7 +5,7 @@
 
 #include "operations/operation_parts.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// Single write cycles and unlock sequences of the 28-pin page-write chips: AT29C256 (/WE is latch
 /// 1 bit 7) and 28C256 (/WE is latch 1 bit 6, A14 is bit 7).
@@ -54,4 +54,4 @@ class ProtectionSequences {
   OperationParts p_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

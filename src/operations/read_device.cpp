@@ -5,11 +5,11 @@
 #include "buffers/checksum.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 ReadDevice::ReadDevice(const OperationParts& parts, OperationButtons& buttons,
-                       MemoryDisplay& display, SerialEeprom& serial, FailureReports& reports,
-                       Dialogs& dialogs)
+                       display::MemoryDisplay& display, SerialEeprom& serial,
+                       FailureReports& reports, Dialogs& dialogs)
     : p_(parts),
       buttons_(buttons),
       display_(display),
@@ -46,11 +46,11 @@ void ReadDevice::ReadParallel() {
   walk_.readAll([&s](std::int32_t) {
     // The bytes are stored one after the other, whatever address they were read from.
     at(s.CodeBuffer, s.LinearAddress) = s.ReadByte;
-    s.DeviceChecksum = addToChecksum(s.DeviceChecksum, s.ReadByte);
+    s.DeviceChecksum = buffers::addToChecksum(s.DeviceChecksum, s.ReadByte);
     ++s.LinearAddress;
     return true;
   });
-  s.DeviceChecksumText = checksumText(s.DeviceChecksum);
+  s.DeviceChecksumText = buffers::checksumText(s.DeviceChecksum);
   p_.lamps.DataFlowLampOff();
   p_.reporting.LogMessage(std::to_string(s.CodeLength) + " bytes Read from Device");
   p_.reporting.LogMessage("Device CHKSUMM = $" + s.DeviceChecksumText);
@@ -100,7 +100,7 @@ void ReadDevice::ReadSerial() {
   p_.bus.Reset();
   p_.bus.CEON();
   p_.bus.OEON();
-  s.RegShadow0 = kLatch0Idle;  // the shadow alone: latch 0 itself keeps /OE low
+  s.RegShadow0 = hardware::kLatch0Idle;  // the shadow alone: latch 0 itself keeps /OE low
   s.RegShadow1 = 0;
   s.RegShadow2 = 0;
   p_.registers.SetReg1();
@@ -119,4 +119,4 @@ void ReadDevice::ReadData() {
       {.text = "Please Write AT90S2313 Eeprom Read Routine", .title = "Routine Not Ready"});
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -8,13 +8,14 @@
 #include "operations/serial_eeprom.h"
 #include "platform/dialogs.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// The chip's contents into the code buffer.
 class ReadDevice {
  public:
-  ReadDevice(const OperationParts& parts, OperationButtons& buttons, MemoryDisplay& display,
-             SerialEeprom& serial, FailureReports& reports, Dialogs& dialogs);
+  ReadDevice(const OperationParts& parts, OperationButtons& buttons,
+             display::MemoryDisplay& display, SerialEeprom& serial, FailureReports& reports,
+             Dialogs& dialogs);
 
   /// Read_button: the memories that CheckCode and CheckData select.
   void Read_button_Click();
@@ -33,11 +34,11 @@ class ReadDevice {
 
   OperationParts p_;
   OperationButtons& buttons_;
-  MemoryDisplay& display_;
+  display::MemoryDisplay& display_;
   SerialEeprom& serial_;
   FailureReports& reports_;
   Dialogs& dialogs_;
   DeviceWalk walk_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -3,7 +3,7 @@
 #include "buffers/checksum.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 namespace {
 
 constexpr int kSelectWrite = 0xA0;
@@ -149,7 +149,7 @@ void SerialEeprom::Verify24CXX() {
   if (!startReading()) return;
   ProgrammerState& s = p_.state;
   readAll([&](std::int32_t i) {
-    s.DeviceChecksum = addToChecksum(s.DeviceChecksum, s.ReadByte);
+    s.DeviceChecksum = buffers::addToChecksum(s.DeviceChecksum, s.ReadByte);
     if (s.ReadByte == at(s.CodeBuffer, i)) return true;
     s.ProgramIndex = i;
     reports_.VerifyMismatchReport();
@@ -158,4 +158,4 @@ void SerialEeprom::Verify24CXX() {
   i2c_.I2CStop();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -6,7 +6,7 @@
 #include "operations/i2c_bus.h"
 #include "operations/operation_parts.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// The 24Cxx chips: pages and addresses over the two-wire bus. A missing acknowledge ends a
 /// procedure at once with I2CError set and no stop condition; the caller reports it.
@@ -45,4 +45,4 @@ class SerialEeprom {
   I2cBus i2c_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -3,7 +3,7 @@
 #include "buffers/checksum.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 Verify::Verify(const OperationParts& parts, ProgramImage& image, SerialEeprom& serial,
                FailureReports& reports, Dialogs& dialogs)
@@ -57,7 +57,7 @@ bool Verify::verifyParallel() {
   walk_.begin();
   p_.controls.ProgressBar1.setMaximum(s.CodeLength / 256);
   return walk_.readAll([&s](std::int32_t) {
-    s.DeviceChecksum = addToChecksum(s.DeviceChecksum, s.ReadByte);
+    s.DeviceChecksum = buffers::addToChecksum(s.DeviceChecksum, s.ReadByte);
     if (s.ReadByte != at(s.ProgramBuffer, s.LinearAddress)) {
       s.ProgramIndex = s.LinearAddress;
       return false;
@@ -70,10 +70,10 @@ bool Verify::verifyParallel() {
 void Verify::reportMatch() {
   p_.lamps.DataFlowLampOff();
   p_.reporting.LogMessage("Device Contents MATCHES with Buffer Contents");
-  p_.state.DeviceChecksumText = checksumText(p_.state.DeviceChecksum);
+  p_.state.DeviceChecksumText = buffers::checksumText(p_.state.DeviceChecksum);
   p_.reporting.LogMessage("Device CHKSUMM = $" + p_.state.DeviceChecksumText);
   p_.reporting.PlaySoundEvent("OK");
   p_.bus.Reset();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

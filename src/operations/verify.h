@@ -7,7 +7,7 @@
 #include "operations/serial_eeprom.h"
 #include "platform/dialogs.h"
 
-namespace kestrel {
+namespace kestrel::operations {
 
 /// Compares the chip with the image that programming would write.
 class Verify {
@@ -34,4 +34,4 @@ class Verify {
   DeviceWalk walk_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::operations

@@ -10,7 +10,7 @@
 #include "platform/atomic_file.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::setups {
 namespace {
 
 namespace fs = std::filesystem;
@@ -56,7 +56,7 @@ std::optional<std::string_view> valueOf(std::string_view line, std::string_view 
 }  // namespace
 
 NamedSetups::NamedSetups(ProgrammerState& state, Controls& controls, Reporting& reporting,
-                         BufferFiles& files, Dialogs& dialogs, const Folders& folders)
+                         buffers::BufferFiles& files, Dialogs& dialogs, const Folders& folders)
     : state_(state),
       controls_(controls),
       reporting_(reporting),
@@ -203,4 +203,4 @@ void NamedSetups::Setup_Click() {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::setups

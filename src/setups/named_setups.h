@@ -12,7 +12,7 @@
 #include "platform/dialogs.h"
 #include "platform/folders.h"
 
-namespace kestrel {
+namespace kestrel::setups {
 
 /// The four setup slots, KSSetup1.INI to KSSetup4.INI in the working folder.
 ///
@@ -20,8 +20,8 @@ namespace kestrel {
 /// blank-check box are written but never restored from a file that the program wrote.
 class NamedSetups {
  public:
-  NamedSetups(ProgrammerState& state, Controls& controls, Reporting& reporting, BufferFiles& files,
-              Dialogs& dialogs, const Folders& folders);
+  NamedSetups(ProgrammerState& state, Controls& controls, Reporting& reporting,
+              buffers::BufferFiles& files, Dialogs& dialogs, const Folders& folders);
 
   /// Slots count from 1 to 4.
   void SaveSetup_Click(std::size_t slot);
@@ -46,9 +46,9 @@ class NamedSetups {
   ProgrammerState& state_;
   Controls& controls_;
   Reporting& reporting_;
-  BufferFiles& files_;
+  buffers::BufferFiles& files_;
   Dialogs& dialogs_;
   const Folders& folders_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::setups

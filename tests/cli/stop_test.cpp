@@ -52,8 +52,8 @@ TEST(Question, isAskedAtTheTerminalAndOnlyOkPrograms) {
 // The time left counts from the first step of the command that runs, once it is no guess.
 TEST(Progress, hasBarPercentAndTimeLeft) {
   using std::chrono::seconds;
-  const ProgressLine::Time begin{std::chrono::hours(100)};  // the machine has run for days
-  ProgressLine line;
+  const cli::ProgressLine::Time begin{std::chrono::hours(100)};  // the machine has run for days
+  cli::ProgressLine line;
   line.set(5, 10, begin);
   line.set(0, 100, begin + seconds(1));  // a question stands meanwhile
   line.set(1, 100, begin + seconds(500));

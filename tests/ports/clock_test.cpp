@@ -29,8 +29,8 @@ void expectWithin(std::chrono::nanoseconds asked, std::chrono::nanoseconds longe
 }
 
 TEST(MonotonicClock, isNeverShorterThanAskedAndHardlyLonger) {
-  MonotonicClock clock;
-  MonotonicClock slow(100);
+  ports::MonotonicClock clock;
+  ports::MonotonicClock slow(100);
   expectWithin(100us, 110us, [&] { clock.Spin(4'000); });
   expectWithin(100us, 110us, [&] { slow.Spin(1'000); });
   expectWithin(300ns, 5us, [&] { clock.Spin(12); });
@@ -40,7 +40,7 @@ TEST(MonotonicClock, isNeverShorterThanAskedAndHardlyLonger) {
 
 TEST(MonotonicClock, endsWhenTheSwitchIsThrown) {
   StopSwitch stop;
-  MonotonicClock clock(25, &stop);
+  ports::MonotonicClock clock(25, &stop);
   const auto start = Time::now();
   std::thread person([&] { std::this_thread::sleep_for(20ms), stop.throwIt(); });
   clock.Spin(4'000'000'000), clock.Sleep(60'000);
@@ -55,7 +55,7 @@ void stall(int /*signal*/) {
 
 TEST(MonotonicClock, countsPulsesThatWereStretchedBeyondTwice) {
   const auto stretchedOf = [](std::int64_t counts, int loops) {
-    MonotonicClock clock;
+    ports::MonotonicClock clock;
     for (int i = 0; i < loops; ++i) clock.Spin(counts);
     return clock.stretchedPulses();
   };
@@ -72,7 +72,7 @@ TEST(MonotonicClock, countsPulsesThatWereStretchedBeyondTwice) {
 
 TEST(SuspendWatch, noticesASleepInTheMiddleOfACommandOnce) {
   constexpr std::int64_t kSecond = 1'000'000'000;
-  SuspendWatch watch;
+  ports::SuspendWatch watch;
   EXPECT_FALSE(watch.look(100 * kSecond, 130 * kSecond)) << "slept before the program began";
   EXPECT_TRUE(watch.look(101 * kSecond, 191 * kSecond));
   EXPECT_FALSE(watch.look(111 * kSecond, 801 * kSecond)) << "between two commands";

@@ -82,10 +82,10 @@ TEST(Guard, holdsNothingDoesNothingAndGoesAfterAGoodBye) {
   test::Tape* const tape = test::Tape::make();
   test::StandInKernel kernel;
   kernel.devices["/dev/parport0"].lines = tape;
-  ParportDevice port(kernel, "/dev/parport0", 0x378);
+  ports::ParportDevice port(kernel, "/dev/parport0", 0x378);
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
-  auto guard = std::make_unique<Guard>(port);
+  auto guard = std::make_unique<ports::Guard>(port);
   const pid_t process = guard->process();
   close(ends[1]);
   pollfd hangUp{.fd = ends[0], .events = 0, .revents = 0};
@@ -93,17 +93,17 @@ TEST(Guard, holdsNothingDoesNothingAndGoesAfterAGoodBye) {
   guard.reset();
   EXPECT_EQ(kill(process, 0), -1) << "still there";
   EXPECT_EQ(tape->written, 0U);
-  const Guard second(port);
+  const ports::Guard second(port);
   kill(second.process(), SIGKILL);
-  alarmGuards();  // must not end this program
+  ports::alarmGuards();  // must not end this program
 }
 
 // What a program of its own ends with: its exit status, or the signal as a negative number.
-int endOf(const std::function<int(const StopSwitch&, const SignalStop&)>& program) {
+int endOf(const std::function<int(const StopSwitch&, const ports::SignalStop&)>& program) {
   const pid_t process = fork();
   if (process == 0) {
     StopSwitch stop;
-    const SignalStop signals(stop);
+    const ports::SignalStop signals(stop);
     _exit(program(stop, signals));
   }
   int status = 0;
@@ -112,7 +112,7 @@ int endOf(const std::function<int(const StopSwitch&, const SignalStop&)>& progra
 }
 
 TEST(SignalStop, throwsTheSwitchFirstAndEndsTheProgramThen) {
-  const auto stopped = [](const StopSwitch& stop, const SignalStop& signals) {
+  const auto stopped = [](const StopSwitch& stop, const ports::SignalStop& signals) {
     raise(SIGTSTP);  // ignored: no sleep with a voltage on
     if (signals.isEndRequested()) return 1;
     raise(SIGHUP);

@@ -4,8 +4,8 @@
 
 #include <sstream>
 
-#include "hardware/ports/attended_port.h"
-#include "hardware/ports/lpt_ports.h"
+#include "hardware/ports/interruptible_port.h"
+#include "hardware/ports/lpt_filter.h"
 #include "hardware/ports/tracing_port.h"
 #include "platform/runtime_error.h"
 #include "support/fakes.h"
@@ -18,7 +18,7 @@ TEST(TracingPort, writesOneEventALineAndNothingWhereNoTimePasses) {
   test::PortScript machine;
   machine.answers = {0x78};
   std::ostringstream trace;
-  TracingPort port(machine, machine, trace);
+  ports::TracingPort port(machine, machine, trace);
   port.PortOut(0x37A, 0x0A);
   port.PortOut(-1, 0);
   EXPECT_EQ(port.PortIn(0x379), 0x78);
@@ -36,7 +36,7 @@ struct Attended : testing::Test {
   test::PortScript machine;
   test::FakeScreen screen;
   StopSwitch stop;
-  AttendedPort port{machine, machine, stop, screen};
+  ports::InterruptiblePort port{machine, machine, stop, screen};
 };
 
 TEST_F(Attended, givesTheScreenATurnInLongWaitsOfTheExactSumAndAtReadsNowAndThen) {
@@ -67,9 +67,9 @@ TEST_F(Attended, passesNothingOnWhileTheSwitchIsThrown) {
   EXPECT_EQ(machine.taken(), "sleep10 spin40002") << "each thrown in its middle";
 }
 
-TEST(LptPorts, letThroughTheThreeRegistersOfAConnectedBaseAlone) {
+TEST(LptFilter, letThroughTheThreeRegistersOfAConnectedBaseAlone) {
   test::PortScript machine;
-  LptPorts ports;
+  ports::LptFilter ports;
   ports.connect(0x378, machine);
   for (const int port : {0, 1, 2, 0x278, 0x27A, 0x377, 0x37B, 0x3BC, 0x778, -1}) {
     ports.PortOut(static_cast<std::int16_t>(port), 0x55);

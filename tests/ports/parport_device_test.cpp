@@ -4,7 +4,7 @@
 
 #include <optional>
 
-#include "hardware/ports/io_ports.h"
+#include "hardware/ports/direct_port.h"
 #include "support/port_script.h"
 #include "support/stand_in_kernel.h"
 #include "support/temporary_folder.h"
@@ -26,7 +26,7 @@ struct Parport : testing::Test {
     port->take();
   }
   /// What a board would see and what would be lost on it.
-  static void use(RealPort& port) {
+  static void use(ports::RealPort& port) {
     port.PortOut(0x378, 0x5A);
     port.PortOut(0x37A, 0xF7);  // bits 4 and 5 are no lines
     port.PortOut(0x379, 0x11);  // the status register cannot be written
@@ -34,18 +34,18 @@ struct Parport : testing::Test {
     EXPECT_EQ(port.PortIn(0x378), 0xFF);
   }
   [[nodiscard]] std::string calls() { return std::exchange(kernel.calls, {}); }
-  static void expectRefused(PortProblem problem, const std::function<void()>& action) {
+  static void expectRefused(ports::PortProblem problem, const std::function<void()>& action) {
     try {
       action();
       ADD_FAILURE() << "not refused";
-    } catch (const PortError& error) {
+    } catch (const ports::PortError& error) {
       EXPECT_EQ(error.problem(), problem);
     }
   }
 
   test::PortScript lines;
   test::StandInKernel kernel;
-  std::optional<ParportDevice> port;
+  std::optional<ports::ParportDevice> port;
 };
 
 TEST_F(Parport, isSwitchedOffFirstAndLastAlsoWhenSignalsInterrupt) {
@@ -65,10 +65,13 @@ TEST_F(Parport, isSwitchedOffFirstAndLastAlsoWhenSignalsInterrupt) {
 }
 
 TEST_F(Parport, thatIsRefusedSaysWhyAndIsNotTouched) {
-  const std::tuple<const char*, int, PortProblem> refusals[]{
-      {"open", ENOENT, PortProblem::NoDevice},  {"open", EACCES, PortProblem::NoPermission},
-      {"open", ENXIO, PortProblem::NoHardware}, {"PPEXCL", ENOTTY, PortProblem::NotAPort},
-      {"PPCLAIM", ENXIO, PortProblem::Taken},   {"PPCLAIM", ENOMEM, PortProblem::Other}};
+  const std::tuple<const char*, int, ports::PortProblem> refusals[]{
+      {"open", ENOENT, ports::PortProblem::NoDevice},
+      {"open", EACCES, ports::PortProblem::NoPermission},
+      {"open", ENXIO, ports::PortProblem::NoHardware},
+      {"PPEXCL", ENOTTY, ports::PortProblem::NotAPort},
+      {"PPCLAIM", ENXIO, ports::PortProblem::Taken},
+      {"PPCLAIM", ENOMEM, ports::PortProblem::Other}};
   for (const auto& [call, error, problem] : refusals) {
     kernel.failures[call] = {error};
     expectRefused(problem, [this] { take(); });
@@ -95,12 +98,12 @@ TEST_F(Parport, isUnavailableOnceItHasVanished) {
 TEST_F(Parport, reachedDirectlyIsForOneProgramWithPermission) {
   const test::TemporaryFolder locks;
   const auto open = [&](std::uint16_t address) {
-    return IoPorts(kernel, address, 0x378, locks.path().string());
+    return ports::DirectPort(kernel, address, 0x378, locks.path().string());
   };
   {
-    IoPorts direct = open(0xD010);
+    ports::DirectPort direct = open(0xD010);
     direct.take();
-    expectRefused(PortProblem::Taken, [&] { open(0xD010); });
+    expectRefused(ports::PortProblem::Taken, [&] { open(0xD010); });
     lines.answers = {0x78};
     use(direct);
   }
@@ -109,9 +112,9 @@ TEST_F(Parport, reachedDirectlyIsForOneProgramWithPermission) {
       "D012 0A, ";
   EXPECT_EQ(calls(), "permit D010, " + off + "outb D010 5A, outb D012 07, inb D011, " + off +
                          "forbid D010, ");
-  expectRefused(PortProblem::NotAPort, [&] { open(0x60); });
+  expectRefused(ports::PortProblem::NotAPort, [&] { open(0x60); });
   kernel.isIoPermitted = false;
-  expectRefused(PortProblem::NotPermitted, [&] { open(0xD010); });
+  expectRefused(ports::PortProblem::NotPermitted, [&] { open(0xD010); });
 }
 
 }  // namespace

@@ -31,10 +31,10 @@ struct RealPortsTest : testing::Test {
     fs::create_directories((root / file).parent_path());
     std::ofstream(root / file) << text;
   }
-  std::unique_ptr<RealPorts> open(const std::vector<std::string>& choices = {}) {
-    PortOptions options{.choices = {}, .root = root.path(), .lockFolder = root.path()};
-    for (const std::string& each : choices) options.choices.push_back(parsePortChoice(each));
-    return openRealPorts(kernel, options);
+  std::unique_ptr<ports::RealPorts> open(const std::vector<std::string>& choices = {}) {
+    ports::PortOptions options{.choices = {}, .root = root.path(), .lockFolder = root.path()};
+    for (const std::string& each : choices) options.choices.push_back(ports::parsePortChoice(each));
+    return ports::openRealPorts(kernel, options);
   }
 
   test::TemporaryFolder root;
@@ -107,9 +107,9 @@ TEST_F(RealPortsTest, leaveTheVoltagesOfEveryModelOffHoweverTheyWereOn) {
 const std::string kPort = "Port 378h (/dev/parport0): ";
 constexpr auto kHolder = "kestrel, process 4711";
 
-PortSurvey surveyOf(std::optional<PortProblem> problem, const std::string& device = "/dev/parport0",
-                    bool isLockedDown = false) {
-  PortSurvey survey;
+ports::PortSurvey surveyOf(std::optional<ports::PortProblem> problem,
+                           const std::string& device = "/dev/parport0", bool isLockedDown = false) {
+  ports::PortSurvey survey;
   survey.isLockedDown = isLockedDown;
   survey.listed = {{.name = "parport0", .base = 0x378, .drivers = {}}};
   survey.findings = {{0x378, device, false, problem, {}, kHolder}};
@@ -117,29 +117,31 @@ PortSurvey surveyOf(std::optional<PortProblem> problem, const std::string& devic
 }
 
 TEST(Diagnosis, namesWhatIsInTheWayAndTheOneCure) {
-  PortSurvey noPort;
+  ports::PortSurvey noPort;
   noPort.isPortDriverLoaded = true;
-  PortSurvey printer = surveyOf(PortProblem::Taken);
+  ports::PortSurvey printer = surveyOf(ports::PortProblem::Taken);
   printer.listed[0].drivers = {"lp", "ppdev0"};
-  PortSurvey elsewhere = surveyOf(std::nullopt);
+  ports::PortSurvey elsewhere = surveyOf(std::nullopt);
   elsewhere.listed.push_back({.name = "parport1", .base = 0xD010, .drivers = {}});
-  const std::pair<PortSurvey, std::string> cases[]{
-      {PortSurvey(),
+  const std::pair<ports::PortSurvey, std::string> cases[]{
+      {ports::PortSurvey(),
        "No parallel port: the driver parport_pc is not loaded. Cure: sudo modprobe "
        "-a parport_pc ppdev"},
       {elsewhere,
        "parport1 is at D010h, which is none of 378h, 278h and 3BCh. Cure: --port "
        "278=/dev/parport1"},
       {noPort, "is loaded and finds none"},
-      {surveyOf(PortProblem::NoDevice), kPort + "the driver ppdev, which makes the device file, is "
-                                                "not loaded. Cure: sudo modprobe ppdev"},
-      {surveyOf(PortProblem::NoPermission), kPort + "no permission to use it. Cure: sudo usermod "
-                                                    "-a -G lp $USER, then log in again"},
-      {surveyOf(PortProblem::Taken),
+      {surveyOf(ports::PortProblem::NoDevice),
+       kPort + "the driver ppdev, which makes the device file, is "
+               "not loaded. Cure: sudo modprobe ppdev"},
+      {surveyOf(ports::PortProblem::NoPermission),
+       kPort + "no permission to use it. Cure: sudo usermod "
+               "-a -G lp $USER, then log in again"},
+      {surveyOf(ports::PortProblem::Taken),
        kPort + "another program has it (kestrel, process 4711). Cure: end that program"},
       {printer, kPort + "the printer driver has it. Cure: sudo modprobe -r lp"},
-      {surveyOf(PortProblem::NotPermitted, "0xD010"), "direct access is for root alone"},
-      {surveyOf(PortProblem::NotPermitted, "0xD010", true),
+      {surveyOf(ports::PortProblem::NotPermitted, "0xD010"), "direct access is for root alone"},
+      {surveyOf(ports::PortProblem::NotPermitted, "0xD010", true),
        "Port 378h (0xD010): the kernel is locked down and forbids direct access. Cure: "
        "have a driver, sudo modprobe parport_pc io=0xD010 irq=none, and use its device "
        "file, --port BASE=/dev/parportN"}};
@@ -149,12 +151,12 @@ TEST(Diagnosis, namesWhatIsInTheWayAndTheOneCure) {
 }
 
 TEST(PortChoice, takesADeviceFileOrAnAddressAndNothingElse) {
-  EXPECT_EQ(parsePortChoice("3bc=/dev/parport1").base, 0x3BC);
-  EXPECT_EQ(parsePortChoice("378=parport2").device, "/dev/parport2");
-  EXPECT_EQ(parsePortChoice("278=0xD010").address, 0xD010);
+  EXPECT_EQ(ports::parsePortChoice("3bc=/dev/parport1").base, 0x3BC);
+  EXPECT_EQ(ports::parsePortChoice("378=parport2").device, "/dev/parport2");
+  EXPECT_EQ(ports::parsePortChoice("278=0xD010").address, 0xD010);
   for (const char* text : {"378", "379=/dev/parport0", "=/dev/parport0", "1378=parport0",
                            "378=LPT1", "378=0x", "378=0x60", "378=0xFFFD", "378=0xD01G"}) {
-    EXPECT_THROW(static_cast<void>(parsePortChoice(text)), std::invalid_argument) << text;
+    EXPECT_THROW(static_cast<void>(ports::parsePortChoice(text)), std::invalid_argument) << text;
   }
 }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/form/frm_main.h"
-#include "hardware/ports/attended_port.h"
+#include "hardware/ports/interruptible_port.h"
 #include "hardware/ports/tracing_port.h"
 #include "simulator/bench.h"
 #include "simulator/chip_factory.h"
@@ -86,7 +86,7 @@ struct FormRig {
   FakeScreen screen;
   StopSwitch ownStop;
   StopSwitch& stop;
-  frmMain form;
+  form::frmMain form;
   Controls& controls;
   ProgrammerState& state;
 };
@@ -135,7 +135,7 @@ struct SimulatedForm : BoardOnBench {
 
   void start() { BoardOnBench::start(rig); }
 
-  TracingPort traced{port, port, trace};
+  ports::TracingPort traced{port, port, trace};
   FormRig rig;
 };
 

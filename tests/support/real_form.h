@@ -8,11 +8,11 @@ namespace kestrel::test {
 
 /// Looks after real ports as the programs do.
 struct CareOf final : PortCare {
-  explicit CareOf(RealPorts& given) : ports(given) {}
+  explicit CareOf(ports::RealPorts& given) : ports(given) {}
   void takeMissing() override { ports.takeMissing(); }
   [[nodiscard]] std::vector<std::string> diagnosis() const override { return ports.diagnosis(); }
 
-  RealPorts& ports;
+  ports::RealPorts& ports;
 };
 
 /// The form over the whole code of the real ports, in the layers of the programs: trace,
@@ -29,13 +29,13 @@ struct RealForm : BoardOnBench {
 
   TemporaryFolder root;
   StandInKernel kernel;
-  std::unique_ptr<RealPorts> ports =
-      openRealPorts(kernel, {{parsePortChoice("378=/dev/parport0")}, root.path(), root.path()});
+  std::unique_ptr<ports::RealPorts> ports = ports::openRealPorts(
+      kernel, {{ports::parsePortChoice("378=/dev/parport0")}, root.path(), root.path()});
   CareOf care{*ports};
   StopSwitch stop;
   FakeScreen screen;
-  AttendedPort attended{ports->port(), port, stop, screen};
-  TracingPort traced{attended, attended, trace};
+  ports::InterruptiblePort interruptible{ports->port(), port, stop, screen};
+  ports::TracingPort traced{interruptible, interruptible, trace};
   FormRig rig{traced, traced, &stop, &care};
 };
 

@@ -20,7 +20,7 @@ namespace kestrel::test {
 /// ports reached directly. It keeps the driver's rules: a port that another has registered cannot
 /// be had exclusively, nothing is written before the claim, and the claim itself writes 0Ch to the
 /// control lines. Every call is noted, such as "open /dev/parport0", "PPCLAIM", "data 40".
-class StandInKernel final : public SystemCalls {
+class StandInKernel final : public ports::SystemCalls {
  public:
   static constexpr int kFirstFile = 900;
 

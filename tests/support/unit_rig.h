@@ -65,7 +65,7 @@ class ScriptedPort final : public PortAccess, public Clock {
 /// set, so that latch loads have no wait of their own.
 struct UnitRig {
   explicit UnitRig(int model = 5) : port(model) {
-    BuildDecodeTables(state);
+    hardware::BuildDecodeTables(state);
     registers.InitControlTables();
     state.PortBase = 0x378;
     state.KestrelModel = static_cast<std::int16_t>(model);
@@ -93,7 +93,7 @@ struct UnitRig {
 
   ScriptedPort port;
   std::ostringstream trace;
-  TracingPort traced{port, port, trace};
+  ports::TracingPort traced{port, port, trace};
   RecordingSounds sounds;
   FakeScreen screen;
   Folders folders;
@@ -101,19 +101,19 @@ struct UnitRig {
   Controls controls;
   Reporting reporting{state, controls, traced, sounds, screen, folders};
   OperationButtons buttons{state, controls};
-  Registers registers{state, traced, traced};
-  BusPrimitives bus{state, controls, registers, traced, traced};
-  Lamps lamps{state, controls, registers, screen};
-  OperationParts parts{state, controls, reporting, lamps, registers, bus};
-  ErrorAlert alert{parts, buttons};
-  FailureReports reports{parts, alert};
-  ProgramImage programImage{state, controls};
-  EpromProgrammer eprom{parts, reports};
-  ProtectionSequences protection{parts};
-  PageWriter pages{parts, protection, programImage, reports};
-  FlashIdentification identification{parts, protection};
-  FlashProgrammer flash{parts, identification, reports, screen};
-  SerialEeprom serial{parts, reports};
+  hardware::Registers registers{state, traced, traced};
+  hardware::BusPrimitives bus{state, controls, registers, traced, traced};
+  hardware::Lamps lamps{state, controls, registers, screen};
+  operations::OperationParts parts{state, controls, reporting, lamps, registers, bus};
+  hardware::ErrorAlert alert{parts, buttons};
+  operations::FailureReports reports{parts, alert};
+  operations::ProgramImage programImage{state, controls};
+  operations::EpromProgrammer eprom{parts, reports};
+  operations::ProtectionSequences protection{parts};
+  operations::PageWriter pages{parts, protection, programImage, reports};
+  operations::FlashIdentification identification{parts, protection};
+  operations::FlashProgrammer flash{parts, identification, reports, screen};
+  operations::SerialEeprom serial{parts, reports};
 };
 
 }  // namespace kestrel::test

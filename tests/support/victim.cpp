@@ -8,8 +8,8 @@
 #include <algorithm>
 #include <map>
 
-#include "hardware/ports/attended_port.h"
-#include "hardware/ports/lpt_ports.h"
+#include "hardware/ports/interruptible_port.h"
+#include "hardware/ports/lpt_filter.h"
 #include "hardware/ports/real_ports.h"
 #include "hardware/ports/signal_stop.h"
 #include "support/form_rig.h"
@@ -31,7 +31,7 @@ struct Program : BoardOnBench {
     rig.openImage(randomBytes(32768, 51));
     rig.controls.Voltage_button[1].press();
   }
-  LptPorts turnout;
+  ports::LptFilter turnout;
   StopSwitch stop;
   FormRig rig{turnout, port, &stop};
 };
@@ -47,17 +47,18 @@ Program& readyProgram(sim::Model model) {
   constexpr rlimit kNoCore{0, 0};
   setrlimit(RLIMIT_CORE, &kNoCore);
   setpgid(0, 0);
-  switchOffOnCrash();
-  const SignalStop signals(program.stop);
+  ports::switchOffOnCrash();
+  const ports::SignalStop signals(program.stop);
   tape.board = &program.port;
   StandInKernel kernel;
   kernel.takesNotes = false;
   // Held from the beginning: the guard, forked before the claim, has a kernel of its own.
   kernel.devices["/dev/parport0"] = {.lines = &tape, .holder = StandInKernel::kFirstFile};
-  auto ports =
-      openRealPorts(kernel, {{parsePortChoice("378=/dev/parport0")}, "/nowhere", "/nowhere"});
-  AttendedPort attended(ports->port(), program.port, program.stop, program.rig.screen);
-  program.turnout.connect(0x378, attended);
+  auto ports = ports::openRealPorts(
+      kernel, {{ports::parsePortChoice("378=/dev/parport0")}, "/nowhere", "/nowhere"});
+  ports::InterruptiblePort interruptible(ports->port(), program.port, program.stop,
+                                         program.rig.screen);
+  program.turnout.connect(0x378, interruptible);
   // A signal between two commands: the next one puts the switch back, its first turn throws it.
   program.rig.screen.onTurn = [&] {
     if (signals.isEndRequested()) program.stop.throwIt();

@@ -9,14 +9,14 @@
 namespace kestrel::test {
 namespace {
 
-using Routine = void (EpromProgrammer::*)();
+using Routine = void (operations::EpromProgrammer::*)();
 using Bytes = std::vector<std::uint8_t>;
 
-constexpr Routine k2732 = &EpromProgrammer::P2732;
-constexpr Routine k2764 = &EpromProgrammer::P2764_128;
-constexpr Routine k27256 = &EpromProgrammer::P27256_040;
-constexpr Routine k27080 = &EpromProgrammer::P27080;
-constexpr Routine k27010 = &EpromProgrammer::P27010_020;
+constexpr Routine k2732 = &operations::EpromProgrammer::P2732;
+constexpr Routine k2764 = &operations::EpromProgrammer::P2764_128;
+constexpr Routine k27256 = &operations::EpromProgrammer::P27256_040;
+constexpr Routine k27080 = &operations::EpromProgrammer::P27080;
+constexpr Routine k27010 = &operations::EpromProgrammer::P27010_020;
 
 /// An image in place, and the counts of the short and the long pulse.
 struct EpromRig : UnitRig {

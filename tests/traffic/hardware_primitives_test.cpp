@@ -12,7 +12,7 @@ namespace {
 
 struct Bus {
   explicit Bus(std::int16_t model) {
-    BuildDecodeTables(state);
+    hardware::BuildDecodeTables(state);
     registers.InitControlTables();
     state.PortBase = 0x378;
     state.KestrelModel = model;
@@ -23,8 +23,8 @@ struct Bus {
   ProgrammerState state;
   Controls controls;
   PortScript port;
-  Registers registers{state, port, port};
-  BusPrimitives bus{state, controls, registers, port, port};
+  hardware::Registers registers{state, port, port};
+  hardware::BusPrimitives bus{state, controls, registers, port, port};
 };
 
 TEST(LatchLoad, model4HasTheStrobeActiveHighAndTheOthersAllLinesInverted) {
@@ -54,7 +54,7 @@ TEST(LatchLoad, model4HasTheStrobeActiveHighAndTheOthersAllLinesInverted) {
 }
 
 TEST(Signals, changeTheirBitsAndLoadTheirLatches) {
-  using B = BusPrimitives;
+  using B = hardware::BusPrimitives;
   using Case = std::tuple<void (B::*)(), std::int16_t, std::int16_t, const char*>;
   const std::vector<Case> cases{
       {&B::CEON, 0x18, 0xC7, "3 47"},        {&B::CEOFF, 0x18, 0x47, "3 C7"},

@@ -35,17 +35,17 @@ std::string unlock(const PageChip& chip) {
 }
 
 TEST(Protection, isSwitchedOffAndOnByItsSequences) {
-  const auto traffic = [](const PageChip& chip, void (ProtectionSequences::*run)()) {
+  const auto traffic = [](const PageChip& chip, void (operations::ProtectionSequences::*run)()) {
     UnitRig rig;
     rig.start(chip.reg1Fixed, 0x02);
     (rig.protection.*run)();
     return rig.traffic();
   };
-  EXPECT_EQ(traffic(kXicor, &ProtectionSequences::XicorSDPDisable), unlock(kXicor));
-  EXPECT_EQ(traffic(kAtmel, &ProtectionSequences::AtmelSDPDisable), unlock(kAtmel));
-  EXPECT_EQ(traffic(kXicor, &ProtectionSequences::XicorSDPEnable),
+  EXPECT_EQ(traffic(kXicor, &operations::ProtectionSequences::XicorSDPDisable), unlock(kXicor));
+  EXPECT_EQ(traffic(kAtmel, &operations::ProtectionSequences::AtmelSDPDisable), unlock(kAtmel));
+  EXPECT_EQ(traffic(kXicor, &operations::ProtectionSequences::XicorSDPEnable),
             sequence(kXicor, {"AA", "55", "A0"}));
-  EXPECT_EQ(traffic(kAtmel, &ProtectionSequences::AtmelSDPEnable),
+  EXPECT_EQ(traffic(kAtmel, &operations::ProtectionSequences::AtmelSDPEnable),
             sequence(kAtmel, {"AA", "55", "A0"}));
 }
 

@@ -12,7 +12,7 @@ using testing::ElementsAre;
 
 TEST(FailureReports, tellWhatFailedAndWhatToDo) {
   struct Case {
-    void (FailureReports::*report)();
+    void (operations::FailureReports::*report)();
     std::vector<std::string> log;
     const char* traffic;  ///< when programming failed the voltages go first; the alert turns the
                           ///< board's lamp off, the report on again
@@ -22,15 +22,15 @@ TEST(FailureReports, tellWhatFailedAndWhatToDo) {
   const std::string click = "Click on [ERROR] Alert to Reset the Situation";
   // clang-format off
   const Case cases[]{
-      {&FailureReports::ProgramFailureReport,
+      {&operations::FailureReports::ProgramFailureReport,
        {"*** Programming Failure ***", "*** Address:1A0h, Programming BYTE:Fh, Read BYTE:AAh",
         "*** Aborting Programming - Click on [ERROR] Indicator to Reset"},
        "0=00 3=C0 0=40 0=40 0=48", 1, 0},
-      {&FailureReports::VerifyMismatchReport,
+      {&operations::FailureReports::VerifyMismatchReport,
        {asterisks, "Device Memory DOES NOT VERIFY with Buffer Contents",
         "Address: 2A ][ Buffer Data: 55 ][ Device Data: AA", click},
        "0=40 0=40 1=00 2=00 3=C4", 0, 1},
-      {&FailureReports::AckErrorReport,
+      {&operations::FailureReports::AckErrorReport,
        {asterisks, "Device 24CXX DOES NOT RESPOND - ACK Error",
         "Check Chip Installation Position on Socket", click},
        "0=40 0=40 1=00 2=00 3=C4", 0, 0},

@@ -43,9 +43,9 @@ std::string joined(const std::array<std::string, kDeviceTableColumns>& row) {
 TEST(DeviceTable, hasTheFortyRowsAndTheListThemInOrder) {
   ProgrammerState s;
   Controls c;
-  BuildDeviceTable(s);
+  devices::BuildDeviceTable(s);
   c.Device.addItem("of an earlier filling");
-  FillDeviceList(s, c.Device);
+  devices::FillDeviceList(s, c.Device);
   const auto& items = c.Device.items();
   ASSERT_EQ(items.size(), 41U);
   for (std::size_t row = 1; row <= kRows.size(); ++row) {

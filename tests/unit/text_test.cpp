@@ -22,8 +22,8 @@ TEST(Texts, ofNumbersAndLines) {
   EXPECT_EQ(linesOf("a\r\nb\rc\nd"), (std::vector<std::string>{"a", "b", "c", "d"}));
   EXPECT_EQ(trimmed(" \t a b  "), "a b");
   EXPECT_EQ(upperCase("/tmp/a\xC3\xA4z{"), "/TMP/A\xC3\xA4Z{");
-  EXPECT_EQ(checksumText(addToChecksum(0x2A00, 0xD4)), "2AD4");
-  EXPECT_EQ(checksumText(addToChecksum(65535, 1)), "0000");
+  EXPECT_EQ(buffers::checksumText(buffers::addToChecksum(0x2A00, 0xD4)), "2AD4");
+  EXPECT_EQ(buffers::checksumText(buffers::addToChecksum(65535, 1)), "0000");
 }
 
 TEST(LeadingNumbers, areReadAsFarAsTheyGoAndStayInRange) {
@@ -42,14 +42,14 @@ TEST(LeadingNumbers, areReadAsFarAsTheyGoAndStayInRange) {
 
 TEST(HexLine, hasSixDigitsFourGroupsAndTheCharactersOfItsDisplay) {
   ProgrammerState state;
-  BuildDecodeTables(state);
-  const ShownCharacters buffer = charactersIn(state.PrintableChars);
+  hardware::BuildDecodeTables(state);
+  const display::ShownCharacters buffer = display::charactersIn(state.PrintableChars);
   EXPECT_EQ(buffer.count(), 91U);
   const std::vector<std::uint8_t> bytes{' ', '"', '`',  '~', 0x7F, 0x80, 0xFF, 0x00,
                                         'z', '{', '\\', '|', '<',  0x1F, 0x0F, '9'};
-  EXPECT_EQ(hexLine(0x1FFFF0, bytes, buffer),
+  EXPECT_EQ(display::hexLine(0x1FFFF0, bytes, buffer),
             "\r\n1FFFF0| 2022607E 7F80FF00 7A7B5C7C 3C1F0F39 | ........z{\\|<..9");
-  EXPECT_EQ(hexLine(0, bytes, deviceCharacters()),
+  EXPECT_EQ(display::hexLine(0, bytes, display::deviceCharacters()),
             "\r\n000000| 2022607E 7F80FF00 7A7B5C7C 3C1F0F39 |  \"`.....z.\\.<..9");
 }
 

@@ -11,7 +11,7 @@
 namespace kestrel::test {
 namespace {
 
-using Outcome = frmMain::Outcome;
+using Outcome = form::frmMain::Outcome;
 
 /// A large chip is selected, so that the event loop gets its turns while it is read.
 struct LargeChip : StartedRig {
@@ -73,8 +73,8 @@ TEST(Running, closingWaitsForTheEndOfTheCommand) {
 
 TEST(Running, aSignalStopsTheCommandAndClosesTheWindow) {
   LargeChip rig;
-  const SignalStop signalStop(rig.stop);
-  const SignalEnd end(signalStop, rig.stop, rig.window);
+  const ports::SignalStop signalStop(rig.stop);
+  const window::SignalEnd end(signalStop, rig.stop, rig.window);
   EXPECT_EQ(rig.read([] { std::raise(SIGTERM); }), Outcome::Stopped);
   rig.turn();
   EXPECT_FALSE(rig.window.isVisible());
@@ -83,8 +83,8 @@ TEST(Running, aSignalStopsTheCommandAndClosesTheWindow) {
 
 TEST(Running, aSignalCancelsTheQuestionThatIsOpen) {
   StartedRig rig("27C256");
-  const SignalStop signalStop(rig.stop);
-  const SignalEnd end(signalStop, rig.stop, rig.window);
+  const ports::SignalStop signalStop(rig.stop);
+  const window::SignalEnd end(signalStop, rig.stop, rig.window);
   rig.openFile("image.bin", {1, 2, 3});
   const WithDialog asked([](QDialog&) { std::raise(SIGHUP); });
   rig.click("Program_button");
@@ -156,7 +156,7 @@ TEST(Files, recentOnesAreListedTheNewestFirst) {
   rig.window.openCodeFile(rig.folder / "missing.bin");
   EXPECT_THAT(told.said(), testing::HasSubstr("missing.bin"));
   EXPECT_EQ(rig.window.windowTitle(), "two.bin - Kestrel");
-  EXPECT_TRUE(RecentFiles(rig.settings).all().first().endsWith("two.bin"));
+  EXPECT_TRUE(window::RecentFiles(rig.settings).all().first().endsWith("two.bin"));
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 
 #include "app/launch/program_folders.h"
 #include "app/window/arguments.h"
-#include "app/window/bench_panel.h"
+#include "app/window/board_panel.h"
 #include "app/window/help_window.h"
 #include "app/window/qt_settings_store.h"
 #include "window/window_rig.h"
@@ -13,8 +13,8 @@ namespace kestrel::test {
 namespace {
 
 TEST(DialogBoxes, keepTheirFilterTheirDefaultAndAnAnswerGivenBeforehand) {
-  Mirror mirror;
-  QtDialogs dialogs(mirror);
+  window::Mirror mirror;
+  window::QtDialogs dialogs(mirror);
   dialogs.answerNextOpen("/a/b.bin");
   EXPECT_EQ(dialogs.openFile("t", "f|*"), "/a/b.bin");
   QStringList patterns;
@@ -36,14 +36,14 @@ TEST(DialogBoxes, keepTheirFilterTheirDefaultAndAnAnswerGivenBeforehand) {
 TEST(Settings, textsAreKeptBySectionAndKey) {
   const TemporaryFolder folder;
   const QString file = QString::fromStdString((folder / "k.conf").string());
-  QtSettingsStore(file).setValue("Settings", "MainLeft", "-100");
-  const QtSettingsStore store(file);
+  window::QtSettingsStore(file).setValue("Settings", "MainLeft", "-100");
+  const window::QtSettingsStore store(file);
   EXPECT_EQ(store.value("Settings", "MainLeft"), "-100");
   EXPECT_EQ(store.value("Other", "MainLeft"), std::nullopt);
 }
 
 TEST(Help, theWindowShowsTheManualAndFollowsItsList) {
-  HelpWindow window(programFolders({}).data / "help" / "kestrel5.hlp", nullptr);
+  window::HelpWindow window(launch::programFolders({}).data / "help" / "kestrel5.hlp", nullptr);
   window.open(HelpPage::Contents);
   const auto& page = *window.findChild<QTextBrowser*>("helpPage");
   auto& list = *window.findChild<QListWidget*>("helpPages");
@@ -58,14 +58,14 @@ TEST(Help, theWindowShowsTheManualAndFollowsItsList) {
 }
 
 TEST(Arguments, areThoseOfTheCommandLine) {
-  const Arguments read =
-      readArguments({"kestrel", "--simulate", "--model", "4", "--chip", "2764=x.bin", "--fault",
-                     "weak:10", "--fault", "empty", "rom.bin"});
+  const window::Arguments read =
+      window::readArguments({"kestrel", "--simulate", "--model", "4", "--chip", "2764=x.bin",
+                             "--fault", "weak:10", "--fault", "empty", "rom.bin"});
   EXPECT_EQ(read.launch.model, sim::Model::kestrel4);
   EXPECT_EQ(read.launch.chip->file, "x.bin");
   EXPECT_EQ(read.launch.faults.size(), 2U);
   EXPECT_EQ(read.codeFile, "rom.bin");
-  EXPECT_THROW((void)readArguments({"kestrel", "--nonsense"}), UsageError);
+  EXPECT_THROW((void)window::readArguments({"kestrel", "--nonsense"}), launch::UsageError);
 }
 
 struct BenchRig : StartedRig {
@@ -85,10 +85,10 @@ struct BenchRig : StartedRig {
     turn();
   }
 
-  BenchPanel panel;
+  window::SimulatedBoardPanel panel;
 };
 
-TEST(BenchPanel, chipsGoInAreErasedAndComeOut) {
+TEST(SimulatedBoardPanel, chipsGoInAreErasedAndComeOut) {
   BenchRig rig;
   rig.choose("chipType", "2764");
   rig.press("insertBlank");
@@ -101,7 +101,7 @@ TEST(BenchPanel, chipsGoInAreErasedAndComeOut) {
   EXPECT_EQ(rig.board().chip(), nullptr);
 }
 
-TEST(BenchPanel, anotherBoardIsFoundByTheHardwareTest) {
+TEST(SimulatedBoardPanel, anotherBoardIsFoundByTheHardwareTest) {
   BenchRig rig;
   const auto found = [&] {
     rig.click("TestHardware_button");

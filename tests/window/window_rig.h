@@ -25,16 +25,16 @@
 
 namespace kestrel::test {
 
-[[nodiscard]] inline LaunchOptions simulatedOptions(const std::string& chip) {
-  LaunchOptions options;
+[[nodiscard]] inline launch::LaunchOptions simulatedOptions(const std::string& chip) {
+  launch::LaunchOptions options;
   options.simulate = true;
-  options.chip = ChipChoice{.type = chip, .file = {}};
+  options.chip = launch::ChipChoice{.type = chip, .file = {}};
   return options;
 }
 
 /// The whole window on a simulated board, as its main puts it together, with silent surroundings.
 struct WindowRig {
-  explicit WindowRig(const LaunchOptions& options = simulatedOptions("27C256"))
+  explicit WindowRig(const launch::LaunchOptions& options = simulatedOptions("27C256"))
       : ports(options, "27C256", stop, screen),
         form({.port = ports.port(),
               .clock = ports.clock(),
@@ -123,18 +123,18 @@ struct WindowRig {
   }
 
   TemporaryFolder folder;
-  Mirror mirror;
-  HeldInput input;
-  CommandGate gate{mirror, input};
+  window::Mirror mirror;
+  window::HeldInput input;
+  window::CommandGate gate{mirror, input};
   StopSwitch stop;
-  QtScreen screen{mirror, gate, input};
-  QtDialogs dialogs{mirror};
+  window::QtScreen screen{mirror, gate, input};
+  window::QtDialogs dialogs{mirror};
   MemorySettings settings;
   RecordingSounds sounds;
   RecordingHelp help;
-  MachinePorts ports;
-  frmMain form;
-  MainWindow window;
+  launch::MachinePorts ports;
+  form::frmMain form;
+  window::MainWindow window;
 
  private:
   QTimer watchdog_;

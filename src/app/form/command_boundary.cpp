@@ -5,7 +5,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::form {
 namespace {
 
 constexpr int kOutOfMemoryError = 7;
@@ -108,4 +108,4 @@ void CommandBoundary::resetBoard() {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::form

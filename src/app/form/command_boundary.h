@@ -10,14 +10,14 @@
 #include "platform/port_care.h"
 #include "platform/stop_switch.h"
 
-namespace kestrel {
+namespace kestrel::form {
 
 /// Every handler runs inside this boundary. A run-time error is told; it and a Stop end the command
 /// with the board idle, the code buffer as before, and lamps, colours and progress at rest. Events
 /// that a command itself causes belong to that command.
 class CommandBoundary {
  public:
-  CommandBoundary(const OperationParts& parts, ErrorReport& errors, StopSwitch& stop,
+  CommandBoundary(const operations::OperationParts& parts, ErrorReport& errors, StopSwitch& stop,
                   PortCare& care)
       : p_(parts), errors_(errors), stop_(stop), care_(care) {}
 
@@ -41,7 +41,7 @@ class CommandBoundary {
   void putToRest();
   void tellStretchedPulses();
 
-  OperationParts p_;
+  operations::OperationParts p_;
   ErrorReport& errors_;
   StopSwitch& stop_;
   PortCare& care_;
@@ -51,4 +51,4 @@ class CommandBoundary {
   frmMain::Outcome outcome_ = frmMain::Outcome::Done;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::form

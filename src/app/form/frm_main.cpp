@@ -2,7 +2,7 @@
 
 #include "app/form/units.h"
 
-namespace kestrel {
+namespace kestrel::form {
 
 frmMain::frmMain(const Machine& machine) : units_(std::make_unique<Units>(machine)) {
   units_->connectAll();
@@ -18,4 +18,4 @@ bool frmMain::isRunning() const { return units_->boundary.isRunning(); }
 
 frmMain::Outcome frmMain::lastOutcome() const { return units_->boundary.lastOutcome(); }
 
-}  // namespace kestrel
+}  // namespace kestrel::form

@@ -6,7 +6,7 @@
 #include "app/state/programmer_state.h"
 #include "platform/machine.h"
 
-namespace kestrel {
+namespace kestrel::form {
 
 /// The main window's logic without a toolkit. It owns the one ProgrammerState and the Controls for
 /// the life of the process, puts the procedures together and routes every control's event to its
@@ -45,4 +45,4 @@ class frmMain {
   std::unique_ptr<Units> units_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::form

@@ -1,6 +1,6 @@
 #include "app/form/help_commands.h"
 
-namespace kestrel {
+namespace kestrel::form {
 
 void HelpCommands::mnuToolsOptions_Click() {
   dialogs_.messageBox({.text = "This menu option is not available."});
@@ -19,4 +19,4 @@ void HelpCommands::show(HelpPage page) {
   viewer_.show(file, page);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::form

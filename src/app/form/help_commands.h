@@ -4,7 +4,7 @@
 #include "platform/folders.h"
 #include "platform/help_viewer.h"
 
-namespace kestrel {
+namespace kestrel::form {
 
 /// The entries of the Help menu, and the two placeholders that only show a message.
 class HelpCommands {
@@ -25,4 +25,4 @@ class HelpCommands {
   const Folders& folders_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::form

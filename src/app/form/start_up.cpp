@@ -3,7 +3,7 @@
 #include "devices/device_table.h"
 #include "hardware/decode_tables.h"
 
-namespace kestrel {
+namespace kestrel::form {
 
 void frmMain::Form_Load() {
   Units& u = *units_;
@@ -18,7 +18,7 @@ void frmMain::Form_Load() {
   s.SpeedFactorB = 100;
   s.SpeedFactorA = 500;
   u.memoryDisplay.DisplayPageMemory();
-  BuildDecodeTables(s);
+  hardware::BuildDecodeTables(s);
   u.showNoBoardYet();
   s.DetectedPort = 0;
   s.PortBase = 0;
@@ -32,8 +32,8 @@ void frmMain::Form_Load() {
   });
   u.controls.SystemLog.setText("");
   u.controls.VScroll1.setValue(0);
-  BuildDeviceTable(s);
-  FillDeviceList(s, u.controls.Device);
+  devices::BuildDeviceTable(s);
+  devices::FillDeviceList(s, u.controls.Device);
   u.boundary.tell([&u] { u.bus.Reset(); });
   u.reporting.PlaySoundEvent("INIT");
 }
@@ -88,4 +88,4 @@ void frmMain::Form_Unload() {
   saveWindowPlace(u.controls.frmMain, u.machine.settings);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::form

@@ -6,15 +6,14 @@
 #include "app/state/error_report.h"
 #include "app/state/operation_buttons.h"
 #include "buffers/buffer_files.h"
-#include "devices/device_selection.h"
 #include "display/device_display.h"
 #include "display/exports.h"
 #include "display/memory_display.h"
 #include "hardware/board_detection.h"
+#include "hardware/error_alert.h"
 #include "operations/blank_check.h"
 #include "operations/eprom_programmer.h"
 #include "operations/erase_chip.h"
-#include "operations/error_alert.h"
 #include "operations/failure_reports.h"
 #include "operations/flash_identification.h"
 #include "operations/flash_programmer.h"
@@ -25,9 +24,10 @@
 #include "operations/read_device.h"
 #include "operations/serial_eeprom.h"
 #include "operations/verify.h"
+#include "selection/device_selection.h"
 #include "setups/named_setups.h"
 
-namespace kestrel {
+namespace kestrel::form {
 
 /// The composition: every unit with references to what it uses, in the order of the layers.
 struct frmMain::Units {
@@ -43,64 +43,65 @@ struct frmMain::Units {
   ErrorReport errors{reporting, machine.dialogs};
   OperationButtons buttons{state, controls};
 
-  Registers registers{state, machine.port, machine.clock};
-  BusPrimitives bus{state, controls, registers, machine.port, machine.clock};
-  Lamps lamps{state, controls, registers, machine.screen};
-  BoardDetection detection{{.state = state,
-                            .controls = controls,
-                            .reporting = reporting,
-                            .errors = errors,
-                            .buttons = buttons,
-                            .lamps = lamps,
-                            .registers = registers,
-                            .bus = bus,
-                            .port = machine.port,
-                            .clock = machine.clock,
-                            .folders = machine.folders}};
-  OperationParts parts{.state = state,
-                       .controls = controls,
-                       .reporting = reporting,
-                       .lamps = lamps,
-                       .registers = registers,
-                       .bus = bus};
+  hardware::Registers registers{state, machine.port, machine.clock};
+  hardware::BusPrimitives bus{state, controls, registers, machine.port, machine.clock};
+  hardware::Lamps lamps{state, controls, registers, machine.screen};
+  hardware::BoardDetection detection{{.state = state,
+                                      .controls = controls,
+                                      .reporting = reporting,
+                                      .errors = errors,
+                                      .buttons = buttons,
+                                      .lamps = lamps,
+                                      .registers = registers,
+                                      .bus = bus,
+                                      .port = machine.port,
+                                      .clock = machine.clock,
+                                      .folders = machine.folders}};
+  operations::OperationParts parts{.state = state,
+                                   .controls = controls,
+                                   .reporting = reporting,
+                                   .lamps = lamps,
+                                   .registers = registers,
+                                   .bus = bus};
 
-  MemoryDisplay memoryDisplay{state, controls, bus};
-  DeviceDisplay deviceDisplay{state, controls, reporting, lamps, registers, bus, machine.dialogs};
-  Exports exports{state, controls, reporting, machine.clock, machine.folders};
-  BufferFiles files{{.state = state,
-                     .controls = controls,
-                     .reporting = reporting,
-                     .buttons = buttons,
-                     .lamps = lamps,
-                     .display = memoryDisplay,
-                     .dialogs = machine.dialogs}};
+  display::MemoryDisplay memoryDisplay{state, controls, bus};
+  display::DeviceDisplay deviceDisplay{state,     controls, reporting,      lamps,
+                                       registers, bus,      machine.dialogs};
+  display::Exports exports{state, controls, reporting, machine.clock, machine.folders};
+  buffers::BufferFiles files{{.state = state,
+                              .controls = controls,
+                              .reporting = reporting,
+                              .buttons = buttons,
+                              .lamps = lamps,
+                              .display = memoryDisplay,
+                              .dialogs = machine.dialogs}};
 
-  ErrorAlert alert{parts, buttons};
-  FailureReports reports{parts, alert};
-  ProgramImage image{state, controls};
-  SerialEeprom serial{parts, reports};
-  ProtectionSequences protection{parts};
-  FlashIdentification flashIdentification{parts, protection};
-  FlashProgrammer flashProgrammer{parts, flashIdentification, reports, machine.screen};
-  PageWriter pages{parts, protection, image, reports};
-  EpromProgrammer eprom{parts, reports};
-  ReadDevice read{parts, buttons, memoryDisplay, serial, reports, machine.dialogs};
-  BlankCheck blank{parts, reports, machine.dialogs};
-  Verify verify{parts, image, serial, reports, machine.dialogs};
-  EraseChip erase{parts, pages, flashProgrammer, serial, reports};
-  ProgramCommand program{parts,
-                         {.image = image,
-                          .alert = alert,
-                          .reports = reports,
-                          .blank = blank,
-                          .verify = verify,
-                          .eprom = eprom,
-                          .pages = pages,
-                          .flash = flashProgrammer,
-                          .serial = serial,
-                          .dialogs = machine.dialogs}};
-  DeviceSelection devices{parts, buttons, memoryDisplay, flashIdentification};
-  NamedSetups setups{state, controls, reporting, files, machine.dialogs, machine.folders};
+  hardware::ErrorAlert alert{parts, buttons};
+  operations::FailureReports reports{parts, alert};
+  operations::ProgramImage image{state, controls};
+  operations::SerialEeprom serial{parts, reports};
+  operations::ProtectionSequences protection{parts};
+  operations::FlashIdentification flashIdentification{parts, protection};
+  operations::FlashProgrammer flashProgrammer{parts, flashIdentification, reports, machine.screen};
+  operations::PageWriter pages{parts, protection, image, reports};
+  operations::EpromProgrammer eprom{parts, reports};
+  operations::ReadDevice read{parts, buttons, memoryDisplay, serial, reports, machine.dialogs};
+  operations::BlankCheck blank{parts, reports, machine.dialogs};
+  operations::Verify verify{parts, image, serial, reports, machine.dialogs};
+  operations::EraseChip erase{parts, pages, flashProgrammer, serial, reports};
+  operations::ProgramCommand program{parts,
+                                     {.image = image,
+                                      .alert = alert,
+                                      .reports = reports,
+                                      .blank = blank,
+                                      .verify = verify,
+                                      .eprom = eprom,
+                                      .pages = pages,
+                                      .flash = flashProgrammer,
+                                      .serial = serial,
+                                      .dialogs = machine.dialogs}};
+  selection::DeviceSelection devices{parts, buttons, memoryDisplay, flashIdentification};
+  setups::NamedSetups setups{state, controls, reporting, files, machine.dialogs, machine.folders};
   HelpCommands help{machine.help, machine.dialogs, machine.folders};
   CommandBoundary boundary{parts, errors, machine.stop, care()};
 
@@ -128,4 +129,4 @@ struct frmMain::Units {
   void tbToolBar_ButtonClick(const std::string& key);
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::form

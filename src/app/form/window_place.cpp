@@ -4,7 +4,7 @@
 
 #include "app/state/text_format.h"
 
-namespace kestrel {
+namespace kestrel::form {
 namespace {
 
 constexpr const char* kSection = "Settings";
@@ -33,4 +33,4 @@ void saveWindowPlace(const Pane& window, SettingsStore& settings) {
   settings.setValue(kSection, "MainHeight", std::to_string(window.height()));
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::form

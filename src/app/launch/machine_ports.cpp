@@ -5,15 +5,15 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::launch {
 namespace {
 
-std::unique_ptr<SimulatedBench> simulatedBench(const LaunchOptions& options,
+std::unique_ptr<SimulatedBoard> simulatedBoard(const LaunchOptions& options,
                                                std::string_view defaultChip) {
-  return options.simulate ? std::make_unique<SimulatedBench>(options, defaultChip) : nullptr;
+  return options.simulate ? std::make_unique<SimulatedBoard>(options, defaultChip) : nullptr;
 }
 
-std::unique_ptr<sim::SimulatedPort> simulatedPort(SimulatedBench* simulated,
+std::unique_ptr<sim::SimulatedPort> simulatedPort(SimulatedBoard* simulated,
                                                   const LaunchOptions& options) {
   if (simulated == nullptr) return nullptr;
   return std::make_unique<sim::SimulatedPort>(simulated->bench(), options.countNs);
@@ -23,22 +23,22 @@ std::unique_ptr<sim::SimulatedPort> simulatedPort(SimulatedBench* simulated,
 
 MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaultChip,
                            const StopSwitch& stop, Screen& screen)
-    : simulated_(simulatedBench(options, defaultChip)),
+    : simulated_(simulatedBoard(options, defaultChip)),
       simulatedPort_(simulatedPort(simulated_.get(), options)),
       monotonic_(options.countNs, &stop),
-      attended_(lowestPort(options), lowestClock(), stop, screen) {
+      interruptible_(lowestPort(options), lowestClock(), stop, screen) {
   if (options.trace.empty()) return;
   traceFile_.open(options.trace, std::ios::binary | std::ios::trunc);
   if (!traceFile_) throw FileError("write", options.trace.string(), errno);
-  trace_ = std::make_unique<TracingPort>(attended_, attended_, traceFile_);
+  trace_ = std::make_unique<ports::TracingPort>(interruptible_, interruptible_, traceFile_);
 }
 
 PortAccess& MachinePorts::lowestPort(const LaunchOptions& options) {
   if (simulatedPort_) return *simulatedPort_;
-  lockMemory();
-  PortOptions portOptions;
+  ports::lockMemory();
+  ports::PortOptions portOptions;
   portOptions.choices = options.ports;
-  realPorts_ = openRealPorts(calls_, std::move(portOptions));
+  realPorts_ = ports::openRealPorts(calls_, std::move(portOptions));
   return realPorts_->port();
 }
 
@@ -67,12 +67,12 @@ std::uint64_t MachinePorts::takeStretchedPulses() {
 
 PortAccess& MachinePorts::port() {
   if (trace_) return *trace_;
-  return attended_;
+  return interruptible_;
 }
 
 Clock& MachinePorts::clock() {
   if (trace_) return *trace_;
-  return attended_;
+  return interruptible_;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::launch

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "app/launch/option_values.h"
-#include "app/launch/simulated_bench.h"
-#include "hardware/ports/attended_port.h"
+#include "app/launch/simulated_board.h"
+#include "hardware/ports/interruptible_port.h"
 #include "hardware/ports/monotonic_clock.h"
 #include "hardware/ports/real_ports.h"
 #include "hardware/ports/real_time.h"
@@ -21,10 +21,10 @@
 #include "platform/stop_switch.h"
 #include "simulator/simulated_port.h"
 
-namespace kestrel {
+namespace kestrel::launch {
 
 /// The ports and the clock that the options ask for, in their layers:
-/// trace (if asked for) over the attended port over the real ports or the simulated board.
+/// trace (if asked for) over the interruptible port over the real ports or the simulated board.
 class MachinePorts final : public PortCare {
  public:
   /// The switch and the screen outlive this. `defaultChip` is in the simulated socket when no
@@ -36,7 +36,7 @@ class MachinePorts final : public PortCare {
   [[nodiscard]] Clock& clock();
 
   /// The simulated machine; nullptr with real ports.
-  [[nodiscard]] SimulatedBench* simulated() { return simulated_.get(); }
+  [[nodiscard]] SimulatedBoard* simulated() { return simulated_.get(); }
 
   // The care for real ports; with the simulated board there is nothing to do.
   void beginCommand() override;
@@ -49,15 +49,15 @@ class MachinePorts final : public PortCare {
   PortAccess& lowestPort(const LaunchOptions& options);
   Clock& lowestClock();
 
-  std::unique_ptr<SimulatedBench> simulated_;
+  std::unique_ptr<SimulatedBoard> simulated_;
   std::unique_ptr<sim::SimulatedPort> simulatedPort_;
-  LinuxCalls calls_;
-  std::unique_ptr<RealPorts> realPorts_;
-  MonotonicClock monotonic_;
-  AttendedPort attended_;
-  std::optional<RealTimePriority> priority_;
+  ports::LinuxCalls calls_;
+  std::unique_ptr<ports::RealPorts> realPorts_;
+  ports::MonotonicClock monotonic_;
+  ports::InterruptiblePort interruptible_;
+  std::optional<ports::RealTimePriority> priority_;
   std::ofstream traceFile_;
-  std::unique_ptr<TracingPort> trace_;
+  std::unique_ptr<ports::TracingPort> trace_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::launch

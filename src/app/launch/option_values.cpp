@@ -7,7 +7,7 @@
 
 #include "simulator/chip_factory.h"
 
-namespace kestrel {
+namespace kestrel::launch {
 namespace {
 
 [[noreturn]] void refuse(std::string_view option, std::string_view text, std::string_view remedy) {
@@ -91,9 +91,9 @@ Fault parseFault(std::string_view text) {
   refuse("--fault", text, "is no fault; use weak:ADDR, stuck:BIT, unplug:N or empty");
 }
 
-PortChoice parsePort(std::string_view text) {
+ports::PortChoice parsePort(std::string_view text) {
   try {
-    return parsePortChoice(text);
+    return ports::parsePortChoice(text);
   } catch (const std::invalid_argument& error) {
     throw UsageError(std::string("--port: ") + error.what());
   }
@@ -129,4 +129,4 @@ void checkTogether(const LaunchOptions& options) {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::launch

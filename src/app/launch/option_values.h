@@ -12,7 +12,7 @@
 #include "platform/clock.h"
 #include "simulator/model.h"
 
-namespace kestrel {
+namespace kestrel::launch {
 
 /// An option that cannot be used as it was given. The text names the option, what is wrong with it
 /// and what would be right.
@@ -42,7 +42,7 @@ struct LaunchOptions {
   std::optional<ChipChoice> chip;         ///< what is in its socket
   std::optional<int> boardVppMillivolts;  ///< set by hand on a simulated model 4
   std::vector<Fault> faults;
-  std::vector<PortChoice> ports;
+  std::vector<ports::PortChoice> ports;
   std::filesystem::path home;   ///< empty: the user's configuration folder
   std::filesystem::path trace;  ///< empty: no trace
   std::int64_t countNs = kDefaultCountNs;
@@ -55,10 +55,10 @@ struct LaunchOptions {
 [[nodiscard]] ChipChoice parseChip(std::string_view text);
 [[nodiscard]] int parseBoardVpp(std::string_view text);
 [[nodiscard]] Fault parseFault(std::string_view text);
-[[nodiscard]] PortChoice parsePort(std::string_view text);
+[[nodiscard]] ports::PortChoice parsePort(std::string_view text);
 [[nodiscard]] std::int64_t parseCountNs(std::string_view text);
 
 /// Throws UsageError for options that exclude or need one another.
 void checkTogether(const LaunchOptions& options);
 
-}  // namespace kestrel
+}  // namespace kestrel::launch

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <string>
 
-namespace kestrel {
+namespace kestrel::launch {
 namespace {
 
 namespace fs = std::filesystem;
@@ -66,4 +66,4 @@ Folders programFolders(const LaunchOptions& options) {
   return folders;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::launch

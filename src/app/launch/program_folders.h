@@ -3,7 +3,7 @@
 #include "app/launch/option_values.h"
 #include "platform/folders.h"
 
-namespace kestrel {
+namespace kestrel::launch {
 
 /// Where this start's files are.
 ///
@@ -16,4 +16,4 @@ namespace kestrel {
 /// that the program was built in.
 [[nodiscard]] Folders programFolders(const LaunchOptions& options);
 
-}  // namespace kestrel
+}  // namespace kestrel::launch

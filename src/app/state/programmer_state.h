@@ -65,7 +65,7 @@ struct ProgrammerState {
   std::array<std::uint8_t, 256> StatusDecodeLow{};
   std::array<std::uint8_t, 256> StatusDecodeHigh{};
 
-  // Waits, in loop counts: devices/device_selection.
+  // Waits, in loop counts: selection/device_selection.
   std::int32_t SettleFactor = 0;
   std::int32_t SpeedFactorA = 0;
   std::int32_t SpeedFactorB = 0;

@@ -8,7 +8,7 @@
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
-namespace kestrel {
+namespace kestrel::window {
 
 QStringList systemInformationTool() {
   const QList<QStringList> known{{"kinfocenter"},
@@ -56,4 +56,4 @@ AboutBox::AboutBox(QWidget* parent) : QDialog(parent) {
   layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -3,7 +3,7 @@
 #include <QDialog>
 #include <QString>
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The About box: name, version, and the platform's system-information tool if there is one.
 class AboutBox final : public QDialog {
@@ -14,4 +14,4 @@ class AboutBox final : public QDialog {
 /// The command of the first system-information tool that is installed; empty if there is none.
 [[nodiscard]] QStringList systemInformationTool();
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -3,7 +3,7 @@
 #include <QCommandLineParser>
 #include <iostream>
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 void describe(QCommandLineParser& parser) {
@@ -23,24 +23,25 @@ void describe(QCommandLineParser& parser) {
   });
 }
 
-LaunchOptions launchOptions(const QCommandLineParser& parser) {
-  LaunchOptions options;
+launch::LaunchOptions launchOptions(const QCommandLineParser& parser) {
+  launch::LaunchOptions options;
   const auto value = [&](const char* name) { return parser.value(name).toStdString(); };
   options.simulate = parser.isSet("simulate");
-  if (parser.isSet("model")) options.model = parseModel(value("model"));
-  if (parser.isSet("lpt")) options.lpt = parseLpt(value("lpt"));
-  if (parser.isSet("chip")) options.chip = parseChip(value("chip"));
-  if (parser.isSet("board-vpp")) options.boardVppMillivolts = parseBoardVpp(value("board-vpp"));
+  if (parser.isSet("model")) options.model = launch::parseModel(value("model"));
+  if (parser.isSet("lpt")) options.lpt = launch::parseLpt(value("lpt"));
+  if (parser.isSet("chip")) options.chip = launch::parseChip(value("chip"));
+  if (parser.isSet("board-vpp"))
+    options.boardVppMillivolts = launch::parseBoardVpp(value("board-vpp"));
   for (const QString& fault : parser.values("fault")) {
-    options.faults.push_back(parseFault(fault.toStdString()));
+    options.faults.push_back(launch::parseFault(fault.toStdString()));
   }
   for (const QString& port : parser.values("port")) {
-    options.ports.push_back(parsePort(port.toStdString()));
+    options.ports.push_back(launch::parsePort(port.toStdString()));
   }
-  if (parser.isSet("count-ns")) options.countNs = parseCountNs(value("count-ns"));
+  if (parser.isSet("count-ns")) options.countNs = launch::parseCountNs(value("count-ns"));
   options.home = value("home");
   options.trace = value("trace");
-  checkTogether(options);
+  launch::checkTogether(options);
   return options;
 }
 
@@ -51,12 +52,12 @@ Arguments readArguments(const QStringList& arguments) {
   describe(parser);
   const QCommandLineOption help = parser.addHelpOption();
   const QCommandLineOption version = parser.addVersionOption();
-  if (!parser.parse(arguments)) throw UsageError(parser.errorText().toStdString());
+  if (!parser.parse(arguments)) throw launch::UsageError(parser.errorText().toStdString());
   if (parser.isSet(version)) parser.showVersion();
   if (parser.isSet(help)) parser.showHelp(0);
   const QStringList files = parser.positionalArguments();
-  if (files.size() > 1) throw UsageError("one code file can be opened, not several");
+  if (files.size() > 1) throw launch::UsageError("one code file can be opened, not several");
   return {.launch = launchOptions(parser), .codeFile = files.value(0).toStdString()};
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -5,14 +5,14 @@
 
 #include "app/launch/option_values.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 struct Arguments {
-  LaunchOptions launch;
+  launch::LaunchOptions launch;
   std::filesystem::path codeFile;  ///< empty: none to open
 };
 
 /// Reads the window's command line. Throws UsageError; --help and --version print and exit.
 [[nodiscard]] Arguments readArguments(const QStringList& arguments);
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -4,7 +4,7 @@
 
 #include "app/window/theme.h"
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 /// A radio button of a group that may be all clear lets itself be cleared only while it is not
@@ -19,7 +19,7 @@ void setChecked(QRadioButton& button, bool on) {
 }  // namespace
 
 void Binder::common(const Control& control, QWidget& widget) const {
-  widget.setObjectName(kestrel::text(control.name()));
+  widget.setObjectName(toQString(control.name()));
   mirror_.bind(control, [&control, &widget] {
     widget.setEnabled(control.enabled());
     widget.setVisible(control.visible());
@@ -29,7 +29,7 @@ void Binder::common(const Control& control, QWidget& widget) const {
 void Binder::button(Button& control, QAbstractButton& widget) const {
   common(control, widget);
   mirror_.bind(control, [&control, &widget] {
-    widget.setText(kestrel::text(control.caption()));
+    widget.setText(toQString(control.caption()));
     setButtonColour(widget, control.colour());
   });
   QObject::connect(&widget, &QAbstractButton::clicked, &widget,
@@ -37,9 +37,9 @@ void Binder::button(Button& control, QAbstractButton& widget) const {
 }
 
 void Binder::action(Button& control, QAction& action) const {
-  action.setObjectName(kestrel::text(control.name()));
+  action.setObjectName(toQString(control.name()));
   mirror_.bind(control, [&control, &action] {
-    if (!control.caption().empty()) action.setText(kestrel::text(control.caption()));
+    if (!control.caption().empty()) action.setText(toQString(control.caption()));
     action.setEnabled(control.enabled());
     action.setVisible(control.visible());
   });
@@ -51,7 +51,7 @@ void Binder::check(CheckBox& control, QCheckBox& widget) const {
   common(control, widget);
   mirror_.bind(control, [&control, &widget] {
     const QSignalBlocker quiet(widget);
-    widget.setText(kestrel::text(control.caption()));
+    widget.setText(toQString(control.caption()));
     widget.setCheckState(control.value() == 2 ? Qt::PartiallyChecked
                          : control.isTicked() ? Qt::Checked
                                               : Qt::Unchecked);
@@ -65,7 +65,7 @@ void Binder::check(CheckBox& control, QCheckBox& widget) const {
 void Binder::option(OptionButton& control, QRadioButton& widget) const {
   common(control, widget);
   mirror_.bind(control, [&control, &widget] {
-    widget.setText(kestrel::text(control.caption()));
+    widget.setText(toQString(control.caption()));
     setChecked(widget, control.value());
   });
   QObject::connect(&widget, &QRadioButton::clicked, &widget, [this, &control] {
@@ -76,12 +76,12 @@ void Binder::option(OptionButton& control, QRadioButton& widget) const {
 
 void Binder::caption(const Control& control, QLabel& widget) const {
   common(control, widget);
-  mirror_.bind(control, [&control, &widget] { widget.setText(kestrel::text(control.caption())); });
+  mirror_.bind(control, [&control, &widget] { widget.setText(toQString(control.caption())); });
 }
 
 void Binder::text(const TextBox& control, QLabel& widget) const {
   common(control, widget);
-  mirror_.bind(control, [&control, &widget] { widget.setText(kestrel::text(control.text())); });
+  mirror_.bind(control, [&control, &widget] { widget.setText(toQString(control.text())); });
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

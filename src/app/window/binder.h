@@ -12,9 +12,11 @@
 #include "app/window/command_gate.h"
 #include "app/window/mirror.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
-[[nodiscard]] inline QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
+[[nodiscard]] inline QString toQString(const std::string& utf8) {
+  return QString::fromStdString(utf8);
+}
 
 /// Joins one widget to one control: the widget takes the control's name as its object name, shows
 /// what the control is, and reports its presses through the gate.
@@ -40,4 +42,4 @@ class Binder {
   CommandGate& gate_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

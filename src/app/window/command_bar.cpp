@@ -6,7 +6,7 @@
 
 #include "app/window/lamp.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 CommandBar::CommandBar(Controls& controls, const Binder& binder, IconSet& icons, QWidget* parent)
     : QWidget(parent), controls_(controls), binder_(binder), icons_(icons) {
@@ -59,7 +59,7 @@ void CommandBar::showVoltage() {
   for (std::size_t index = 0; index < controls_.Voltage_button.size(); ++index) {
     const OptionButton& button = controls_.Voltage_button[index];
     if (!button.value()) continue;
-    voltage_->setCaption(text(button.caption()));
+    voltage_->setCaption(toQString(button.caption()));
     voltage_->setGround(index == 0   ? QColor()
                         : index == 1 ? amber(palette())
                                      : groundColour(Colour::Red, palette()));
@@ -67,4 +67,4 @@ void CommandBar::showVoltage() {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -9,7 +9,7 @@
 class QBoxLayout;
 class QPushButton;
 
-namespace kestrel {
+namespace kestrel::window {
 
 class Lamp;
 
@@ -30,4 +30,4 @@ class CommandBar final : public QWidget {
   Lamp* voltage_ = nullptr;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -4,7 +4,7 @@
 #include <exception>
 #include <utility>
 
-namespace kestrel {
+namespace kestrel::window {
 
 void CommandGate::run(std::function<void()> press) {
   waiting_.push_back(std::move(press));
@@ -30,4 +30,4 @@ void CommandGate::runOne(const std::function<void()>& press) {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -7,7 +7,7 @@
 #include "app/window/held_input.h"
 #include "app/window/mirror.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The one way from a widget's event to a control's handler. While a handler runs the gate is
 /// closed: what a timer asks for meanwhile waits for its end. No exception passes it.
@@ -38,4 +38,4 @@ class CommandGate {
   std::vector<std::function<void()>> ended_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

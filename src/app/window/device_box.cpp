@@ -10,7 +10,7 @@
 
 #include "app/window/theme.h"
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr int kVisibleEntries = 20;
@@ -51,7 +51,7 @@ void DeviceBox::show() {
   const QSignalBlocker quiet(this);
   showItems();
   setCurrentIndex(control_.position());
-  const QString shown = kestrel::text(control_.text());
+  const QString shown = toQString(control_.text());
   if (lineEdit()->text() != shown) lineEdit()->setText(shown);
   lineEdit()->setCursorPosition(0);
 }
@@ -59,7 +59,7 @@ void DeviceBox::show() {
 void DeviceBox::showItems() {
   if (count() == static_cast<int>(control_.items().size())) return;
   clear();
-  for (const std::string& item : control_.items()) addItem(kestrel::text(item));
+  for (const std::string& item : control_.items()) addItem(toQString(item));
   greyUnavailable();
 }
 
@@ -141,4 +141,4 @@ void DeviceBox::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange) greyUnavailable();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -5,7 +5,7 @@
 #include "app/state/value_controls.h"
 #include "app/window/binder.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The device list: all entries of the catalogue, searched as one types. Entries that are not
 /// available are greyed; choosing one is the form's business.
@@ -31,4 +31,4 @@ class DeviceBox final : public QComboBox {
   const Binder& binder_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -17,7 +17,7 @@
 #include "app/window/range_reporter.h"
 #include "app/window/theme.h"
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr int kPageBytes = 256;
@@ -57,7 +57,7 @@ void DisplayPanel::buildHeader(QBoxLayout& column) {
   title->setFont(bold);
   title->setObjectName("displayTitle");
   binder_.mirror().bind(controls_.Frame3,
-                        [this, title] { title->setText(text(controls_.Frame3.caption())); });
+                        [this, title] { title->setText(toQString(controls_.Frame3.caption())); });
   auto* const show = new QPushButton(this);
   binder_.button(controls_.Show_button, *show);
   show->setToolTip("Switch to the other buffer");
@@ -111,7 +111,7 @@ void DisplayPanel::buildScrollBar(QBoxLayout& row) {
 }
 
 void DisplayPanel::showPage() {
-  QString shown = text(controls_.BufferDisplay.text());
+  QString shown = toQString(controls_.BufferDisplay.text());
   shown.remove('\r');
   page_->setPlainText(shown);
 }
@@ -167,4 +167,4 @@ bool DisplayPanel::eventFilter(QObject* receiver, QEvent* event) {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -8,7 +8,7 @@
 
 class QBoxLayout;
 
-namespace kestrel {
+namespace kestrel::window {
 
 class RangeReporter;
 
@@ -37,4 +37,4 @@ class DisplayPanel final : public QWidget {
 /// The size that a hex page of 17 lines of 62 columns takes in the font.
 [[nodiscard]] QSize hexPageSize(const QPlainTextEdit& view, const QFont& font);
 
-}  // namespace kestrel
+}  // namespace kestrel::window

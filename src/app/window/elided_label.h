@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <QResizeEvent>
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// A line of text of any length in the room that there is: shortened in the middle or at the end,
 /// whole in its tool tip.
@@ -36,4 +36,4 @@ class ElidedLabel final : public QLabel {
   Qt::TextElideMode mode_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

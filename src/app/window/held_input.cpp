@@ -9,7 +9,7 @@
 #include <QWindow>
 #include <utility>
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr std::size_t kMostHeld = 256;  // nobody means more keys than this by the end of a command
@@ -121,4 +121,4 @@ void HeldInput::deliverNext() {
   release();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -9,7 +9,7 @@
 
 class QWidget;
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// Keeps user input back while a command runs, and delivers it when the command has ended. Only
 /// the Stop button and Esc get through.
@@ -49,4 +49,4 @@ class HeldInput final : public QObject {
   bool delivering_ = false;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -5,7 +5,7 @@
 #include <QFileInfo>
 #include <QTextDocument>
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 QString readAll(const QString& path) {
@@ -56,4 +56,4 @@ QList<HelpEntry> HelpBook::search(const QString& text) const {
   return byKeyword + byText;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -5,7 +5,7 @@
 #include <QStringList>
 #include <filesystem>
 
-namespace kestrel {
+namespace kestrel::window {
 
 struct HelpEntry {
   QString file;  ///< beside the help file
@@ -36,4 +36,4 @@ class HelpBook {
   QList<HelpEntry> pages_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -12,7 +12,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
-namespace kestrel {
+namespace kestrel::window {
 
 HelpWindow::HelpWindow(const std::filesystem::path& helpFile, QWidget* mainWindow)
     : QWidget(mainWindow, Qt::Window), book_(helpFile) {
@@ -112,4 +112,4 @@ void HelpWindow::open(HelpPage page) {
   activateWindow();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

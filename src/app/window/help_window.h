@@ -9,7 +9,7 @@ class QLineEdit;
 class QListWidget;
 class QTextBrowser;
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The manual: the pages and a search on the left, the page on the right.
 class HelpWindow final : public QWidget {
@@ -31,4 +31,4 @@ class HelpWindow final : public QWidget {
   QTextBrowser* page_ = nullptr;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

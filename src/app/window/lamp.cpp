@@ -7,7 +7,7 @@
 
 #include "app/window/theme.h"
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr int kPadding = 10;
@@ -89,7 +89,7 @@ void Lamp::paintEvent(QPaintEvent*) {
 void bindLamp(const Control& control, Lamp& lamp, const Binder& binder) {
   binder.common(control, lamp);
   binder.mirror().bind(control, [&control, &lamp] {
-    lamp.setCaption(text(control.caption()));
+    lamp.setCaption(toQString(control.caption()));
     const bool lit = control.colour() != Colour::ButtonFace;
     lamp.setGround(lit ? groundColour(control.colour(), lamp.palette()) : QColor());
   });
@@ -99,7 +99,7 @@ ErrorLamp::ErrorLamp(Button& control, const Binder& binder, QWidget* parent) : Q
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   binder.common(control, *this);
   binder.mirror().bind(control, [this, &control] {
-    caption_ = kestrel::text(control.caption());
+    caption_ = toQString(control.caption());
     setAlert(control.colour() == Colour::Red);
   });
   connect(this, &QPushButton::clicked, this,
@@ -128,4 +128,4 @@ void ErrorLamp::paintEvent(QPaintEvent*) {
   paintPill(*this, {.place = rect(), .text = label, .ground = ground, .focus = hasFocus()});
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

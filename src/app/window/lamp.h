@@ -6,7 +6,7 @@
 #include "app/state/controls.h"
 #include "app/window/binder.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// An indicator with a caption: filled with its colour when lit, an outline when not.
 class Lamp : public QWidget {
@@ -54,4 +54,4 @@ class ErrorLamp final : public QPushButton {
   bool alert_ = false;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -6,7 +6,7 @@
 
 #include "app/window/theme.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 LogView::LogView(Controls& controls, const Binder& binder, QWidget* parent)
     : QPlainTextEdit(parent), controls_(controls), binder_(binder) {
@@ -44,4 +44,4 @@ void LogView::mouseDoubleClickEvent(QMouseEvent*) {
   binder_.gate().run([this] { controls_.SystemLog_DblClick.press(); });
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -6,7 +6,7 @@
 #include "app/state/controls.h"
 #include "app/window/binder.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The system log. A new line costs the same however long the log is; the view follows the newest
 /// line unless the user has scrolled up.
@@ -25,4 +25,4 @@ class LogView final : public QPlainTextEdit {
   std::size_t shownBytes_ = 0;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

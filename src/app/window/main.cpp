@@ -7,7 +7,7 @@
 #include "app/launch/machine_ports.h"
 #include "app/launch/program_folders.h"
 #include "app/window/arguments.h"
-#include "app/window/bench_panel.h"
+#include "app/window/board_panel.h"
 #include "app/window/main_window.h"
 #include "app/window/qt_help_viewer.h"
 #include "app/window/qt_settings_store.h"
@@ -15,14 +15,14 @@
 #include "app/window/signal_end.h"
 #include "hardware/ports/signal_stop.h"
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr const char* kDefaultChip = "27C256";
 
 /// The configuration file of this simulated board must not tell of another one that was plugged in
 /// its place.
-void putAway(SimulatedBench& simulated, const Folders& folders) {
+void putAway(launch::SimulatedBoard& simulated, const Folders& folders) {
   std::error_code ignored;
   if (simulated.wasExchanged())
     std::filesystem::remove(folders.configuration / "kestrel6.ini", ignored);
@@ -36,24 +36,24 @@ int runProgram(const Arguments& arguments) {
   HeldInput input;
   CommandGate gate(mirror, input);
   StopSwitch stop;
-  const SignalStop signalStop(stop);
+  const ports::SignalStop signalStop(stop);
   QtScreen screen(mirror, gate, input);
   QtDialogs dialogs(mirror);
   QtSettingsStore settings;
   QtSoundPlayer sounds;
   QtHelpViewer help(screen);
-  const Folders folders = programFolders(arguments.launch);
-  MachinePorts ports(arguments.launch, kDefaultChip, stop, screen);
-  frmMain form({.port = ports.port(),
-                .clock = ports.clock(),
-                .sounds = sounds,
-                .settings = settings,
-                .help = help,
-                .dialogs = dialogs,
-                .screen = screen,
-                .stop = stop,
-                .folders = folders,
-                .care = &ports});
+  const Folders folders = launch::programFolders(arguments.launch);
+  launch::MachinePorts ports(arguments.launch, kDefaultChip, stop, screen);
+  form::frmMain form({.port = ports.port(),
+                      .clock = ports.clock(),
+                      .sounds = sounds,
+                      .settings = settings,
+                      .help = help,
+                      .dialogs = dialogs,
+                      .screen = screen,
+                      .stop = stop,
+                      .folders = folders,
+                      .care = &ports});
   MainWindow window({.form = form,
                      .mirror = mirror,
                      .gate = gate,
@@ -64,9 +64,9 @@ int runProgram(const Arguments& arguments) {
                      .stop = stop});
   const SignalEnd end(signalStop, stop, window);
   help.setOwner(window);
-  SimulatedBench* const simulated = ports.simulated();
+  launch::SimulatedBoard* const simulated = ports.simulated();
   if (simulated != nullptr) {
-    window.addSidePanel(*new BenchPanel(*simulated, gate, &window), "Simulated board");
+    window.addSidePanel(*new SimulatedBoardPanel(*simulated, gate, &window), "Simulated board");
   }
   window.start();
   if (simulated != nullptr) simulated->startUpDone();
@@ -93,13 +93,13 @@ bool hasDisplay(int argc, char** argv) {
 }
 
 }  // namespace
-}  // namespace kestrel
+}  // namespace kestrel::window
 
 int main(int argc, char** argv) {
   // A reader of the messages that goes away must not end the program with a voltage on.
   std::signal(SIGPIPE, SIG_IGN);
-  kestrel::switchOffOnCrash();
-  if (!kestrel::hasDisplay(argc, argv)) {
+  kestrel::ports::switchOffOnCrash();
+  if (!kestrel::window::hasDisplay(argc, argv)) {
     std::cerr << "kestrel: there is no display for the window; kestrel-cli does the same work.\n";
     return 2;
   }
@@ -109,8 +109,8 @@ int main(int argc, char** argv) {
   QApplication::setDesktopFileName("kestrel");
   QApplication::setWindowIcon(QIcon(":/icons/kestrel.svg"));
   try {
-    return kestrel::runProgram(kestrel::readArguments(QApplication::arguments()));
-  } catch (const kestrel::UsageError& error) {
+    return kestrel::window::runProgram(kestrel::window::readArguments(QApplication::arguments()));
+  } catch (const kestrel::launch::UsageError& error) {
     std::cerr << "kestrel: " << error.what() << "\nTry kestrel --help.\n";
     return 2;
   } catch (const std::exception& error) {

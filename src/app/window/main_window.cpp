@@ -21,7 +21,7 @@
 #include "app/window/status_strip.h"
 #include "app/window/twips.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 MainWindow::MainWindow(const WindowParts& parts)
     : parts_(parts),
@@ -111,8 +111,8 @@ void MainWindow::connectFile() {
 }
 
 void MainWindow::showTitle() {
-  const QString name = text(controls_.frmMain.caption());
-  const QString file = text(parts_.form.state().CodeFileName);
+  const QString name = toQString(controls_.frmMain.caption());
+  const QString file = toQString(parts_.form.state().CodeFileName);
   if (!file.isEmpty() && !controls_.FileNameCodeText.caption().empty()) {
     setWindowTitle(QFileInfo(file).fileName() + " - " + name);
     recent_.add(file);
@@ -219,4 +219,4 @@ void MainWindow::dropEvent(QDropEvent* event) {
   openCodeFile(file.toStdString());
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

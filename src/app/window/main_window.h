@@ -12,14 +12,14 @@
 
 class QSplitter;
 
-namespace kestrel {
+namespace kestrel::window {
 
 class Menus;
 class StatusStrip;
 
 /// What the window is put together with; all of it outlives the window.
 struct WindowParts {
-  frmMain& form;
+  form::frmMain& form;
   Mirror& mirror;
   CommandGate& gate;
   HeldInput& input;
@@ -73,4 +73,4 @@ class MainWindow final : public QMainWindow {
   bool unloaded_ = false;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

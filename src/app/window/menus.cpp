@@ -5,7 +5,7 @@
 #include <QToolButton>
 #include <utility>
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr qsizetype kLongestName = 60;  // of a setup; a damaged file may give one of any length
@@ -115,7 +115,7 @@ void Menus::buildBuffer() {
 }
 
 void Menus::buildSetup() {
-  QMenu& menu = *addMenu(text(controls_.Setup.caption()), text(controls_.Setup.name()));
+  QMenu& menu = *addMenu(toQString(controls_.Setup.caption()), toQString(controls_.Setup.name()));
   QMenu& load = *menu.addMenu("&Load Setup");
   QMenu& save = *menu.addMenu("&Save Setup");
   load.setObjectName("LoadSetup");
@@ -131,8 +131,8 @@ void Menus::buildSetup() {
 // The name that a setup was given is shown as it is: an ampersand in it marks no mnemonic.
 void Menus::addSetup(QMenu& menu, Button& entry) {
   QAction* const action = add(menu, entry);
-  binder_.mirror().bind(entry, [&entry, action, atStart = text(entry.caption())] {
-    QString name = text(entry.caption());
+  binder_.mirror().bind(entry, [&entry, action, atStart = toQString(entry.caption())] {
+    QString name = toQString(entry.caption());
     if (name.size() > kLongestName) name = name.left(kLongestName) + u'\u2026';
     const bool isUnnamed = name.isEmpty() || name == atStart;
     action->setText(isUnnamed ? atStart : name.replace("&", "&&"));
@@ -189,4 +189,4 @@ void Menus::buildToolbar() {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

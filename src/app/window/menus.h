@@ -11,7 +11,7 @@
 #include "app/window/recent_files.h"
 #include "app/window/theme.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The menu bar and the toolbar. Every entry presses the control of its name.
 class Menus final : public QObject {
@@ -50,4 +50,4 @@ class Menus final : public QObject {
   std::function<void(const std::filesystem::path&)> openRecent_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -4,7 +4,7 @@
 
 #include "app/state/value_controls.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 Mirror::Mirror() {
   wake_.setSingleShot(true);
@@ -34,4 +34,4 @@ void Mirror::refresh() {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -8,7 +8,7 @@
 
 #include "app/state/control.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// Keeps the widgets like the controls. A change only marks the control; what a person sees of it
 /// is brought up to date by the next refresh, so that a control which changes a thousand times
@@ -42,4 +42,4 @@ class Mirror final : public ControlListener {
   QTimer wake_;  // refreshes from the event loop what no command's turn has shown
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

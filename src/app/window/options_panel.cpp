@@ -17,7 +17,7 @@
 #include "app/window/lamp.h"
 #include "app/window/range_reporter.h"
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr int kAroundPanel = 200;  // menus, toolbar, status strip and the desktop's own bars
@@ -141,7 +141,7 @@ void OptionsPanel::buildVoltage(QBoxLayout& column) {
   auto* const buttons = new QHBoxLayout(frame);
   binder_.common(controls_.FrameVoltageSelection, *frame);
   binder_.mirror().bind(controls_.FrameVoltageSelection, [this, frame] {
-    frame->setTitle(text(controls_.FrameVoltageSelection.caption()));
+    frame->setTitle(toQString(controls_.FrameVoltageSelection.caption()));
   });
   for (OptionButton& control : controls_.Voltage_button) {
     auto* const button = new QRadioButton(frame);
@@ -199,7 +199,7 @@ void OptionsPanel::buildSpeed(QBoxLayout& column) {
   constexpr int kSmallStep = 1;
   constexpr int kLargeStep = 5;
   QHBoxLayout* const line = row(column);
-  auto* const label = new QLabel(text(controls_.Slider1.caption()), widget());
+  auto* const label = new QLabel(toQString(controls_.Slider1.caption()), widget());
   auto* const slider = new QSlider(Qt::Horizontal, widget());
   auto* const value = new QLabel(widget());
   slider->setSingleStep(kSmallStep);
@@ -270,4 +270,4 @@ void OptionsPanel::changeEvent(QEvent* event) {
   if (event->type() == QEvent::PaletteChange && hardware_ != nullptr) showHardwareColour();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -9,7 +9,7 @@
 class QBoxLayout;
 class QLabel;
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The left side, from top to bottom in the order of the work: device, file, options; at the foot
 /// the board.
@@ -42,4 +42,4 @@ class OptionsPanel final : public QScrollArea {
   QLabel* hardware_ = nullptr;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -7,7 +7,7 @@
 
 #include "app/window/about_box.h"
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 QMessageBox::Icon iconOf(MessageIcon icon) {
@@ -92,4 +92,4 @@ void QtDialogs::about() {
   box.exec();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -8,7 +8,7 @@
 #include "app/window/mirror.h"
 #include "platform/dialogs.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The questions of the commands as dialogs over the main window.
 class QtDialogs final : public Dialogs {
@@ -34,4 +34,4 @@ class QtDialogs final : public Dialogs {
   std::optional<std::filesystem::path> nextOpen_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

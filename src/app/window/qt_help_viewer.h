@@ -7,7 +7,7 @@
 #include "app/window/qt_screen.h"
 #include "platform/help_viewer.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// Shows the manual in a window of the program's own.
 class QtHelpViewer final : public HelpViewer {
@@ -28,4 +28,4 @@ class QtHelpViewer final : public HelpViewer {
   QPointer<HelpWindow> window_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

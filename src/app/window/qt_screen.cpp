@@ -4,7 +4,7 @@
 #include <QTimer>
 #include <algorithm>
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr qint64 kTurnMs = 16;  // at most 60 turns a second
@@ -62,4 +62,4 @@ void QtScreen::closeMainWindow() {
   if (main_) QTimer::singleShot(0, main_, [this] { main_->close(); });
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -10,7 +10,7 @@
 #include "app/window/mirror.h"
 #include "platform/screen.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The screen of a running command: repaints and lets the event loop have its turn.
 class QtScreen final : public Screen {
@@ -40,4 +40,4 @@ class QtScreen final : public Screen {
   std::vector<QPointer<QWidget>> others_;  // in the order in which they were opened
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

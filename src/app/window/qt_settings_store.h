@@ -4,7 +4,7 @@
 
 #include "platform/settings_store.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The user's own settings file, kestrel/kestrel.ini in the configuration folder.
 class QtSettingsStore final : public SettingsStore {
@@ -33,4 +33,4 @@ class QtSettingsStore final : public SettingsStore {
   QSettings store_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

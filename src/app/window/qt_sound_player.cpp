@@ -6,7 +6,7 @@
 #include <QSoundEffect>
 #include <QUrl>
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 QtMessageHandler otherMessages = nullptr;
@@ -36,4 +36,4 @@ void QtSoundPlayer::play(const std::filesystem::path& file) {
   effect_->play();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

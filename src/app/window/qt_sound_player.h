@@ -6,7 +6,7 @@
 
 class QSoundEffect;
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// Plays through the default audio output; without one it is silent.
 class QtSoundPlayer final : public SoundPlayer {
@@ -20,4 +20,4 @@ class QtSoundPlayer final : public SoundPlayer {
   std::unique_ptr<QSoundEffect> effect_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

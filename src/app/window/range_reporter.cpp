@@ -5,7 +5,7 @@
 #include <QWheelEvent>
 #include <algorithm>
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr int kNotch = 120;  // a click of an ordinary wheel, in eighths of a degree
@@ -63,4 +63,4 @@ bool RangeReporter::eventFilter(QObject*, QEvent* event) {
   return true;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

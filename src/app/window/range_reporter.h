@@ -7,7 +7,7 @@
 #include "app/state/value_controls.h"
 #include "app/window/binder.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// Joins a scroll bar or slider to its control. A drag is reported when it is let go, the turns of
 /// the wheel when the wheel rests: each is one change, one log line, one page read from the chip.
@@ -37,4 +37,4 @@ class RangeReporter final : public QObject {
   int wheelAngle_ = 0;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -2,7 +2,7 @@
 
 #include <QFileInfo>
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr int kMost = 8;
@@ -30,4 +30,4 @@ void RecentFiles::add(const QString& path) {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -5,7 +5,7 @@
 
 #include "platform/settings_store.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The code files opened last, the newest first, kept in the per-user store.
 class RecentFiles {
@@ -20,4 +20,4 @@ class RecentFiles {
   QStringList paths_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

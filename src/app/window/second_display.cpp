@@ -11,7 +11,7 @@
 #include "app/window/range_reporter.h"
 #include "app/window/theme.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 SecondDisplay::SecondDisplay(SecondaryDisplay& controls, const Binder& binder, QtScreen& screen,
                              QWidget* mainWindow)
@@ -43,7 +43,7 @@ void SecondDisplay::build(const Binder& binder) {
   page->setAccessibleName("Code buffer, first page");
   binder.common(controls_.BufferDisplay, *page);
   binder.mirror().bind(controls_.BufferDisplay, [this, page] {
-    QString shown = text(controls_.BufferDisplay.text());
+    QString shown = toQString(controls_.BufferDisplay.text());
     page->setPlainText(shown.remove('\r'));
     comeForward();
   });
@@ -75,4 +75,4 @@ void SecondDisplay::closeEvent(QCloseEvent* event) {
   event->accept();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

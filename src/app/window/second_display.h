@@ -6,7 +6,7 @@
 #include "app/window/binder.h"
 #include "app/window/qt_screen.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The secondary display window: one drawn page beside the main window. It has no behaviour of its
 /// own; its buttons are shown when somebody gives them a caption.
@@ -25,4 +25,4 @@ class SecondDisplay final : public QWidget {
   SecondaryDisplay& controls_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

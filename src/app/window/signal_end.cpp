@@ -2,14 +2,14 @@
 
 #include <QApplication>
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr int kStepMs = 20;
 
 }  // namespace
 
-SignalEnd::SignalEnd(const SignalStop& signalStop, StopSwitch& stop, QWidget& window)
+SignalEnd::SignalEnd(const ports::SignalStop& signalStop, StopSwitch& stop, QWidget& window)
     : stop_(stop), window_(window), notifier_(signalStop.descriptor(), QSocketNotifier::Read) {
   QObject::connect(&again_, &QTimer::timeout, &again_, [this] { step(); });
   QObject::connect(&notifier_, &QSocketNotifier::activated, &again_, [this] {
@@ -30,4 +30,4 @@ void SignalEnd::step() {
   if (!window_.isVisible()) again_.stop();
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -7,7 +7,7 @@
 #include "hardware/ports/signal_stop.h"
 #include "platform/stop_switch.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// Ends the program as if a person had pressed Stop, cancelled every dialog and closed the window,
 /// once a signal (SIGTERM, SIGINT, SIGHUP) asks for it. Works inside a running command too, when
@@ -15,7 +15,7 @@ namespace kestrel {
 class SignalEnd {
  public:
   /// All three outlive this.
-  SignalEnd(const SignalStop& signalStop, StopSwitch& stop, QWidget& window);
+  SignalEnd(const ports::SignalStop& signalStop, StopSwitch& stop, QWidget& window);
 
  private:
   void step();
@@ -26,4 +26,4 @@ class SignalEnd {
   QTimer again_;  // until the window is closed: one dialog may follow another
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

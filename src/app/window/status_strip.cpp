@@ -10,7 +10,7 @@
 #include "app/window/elided_label.h"
 #include "app/window/lamp.h"
 
-namespace kestrel {
+namespace kestrel::window {
 namespace {
 
 constexpr qint64 kFirstGuessMs = 1'000;  // earlier the time left is no more than noise
@@ -100,4 +100,4 @@ void StatusStrip::setRunning(bool running) {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -13,7 +13,7 @@ class QLabel;
 class QProgressBar;
 class QPushButton;
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// The strip at the foot: the lamps, what is going on, how far it is, and Stop.
 class StatusStrip final : public QWidget {
@@ -44,4 +44,4 @@ class StatusStrip final : public QWidget {
 /// "0:12" for 12 seconds.
 [[nodiscard]] QString minutesAndSeconds(qint64 milliseconds);
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -2,7 +2,7 @@
 
 #include <QFontDatabase>
 
-namespace kestrel {
+namespace kestrel::window {
 
 bool isDark(const QPalette& palette) {
   return palette.color(QPalette::Window).lightness() <
@@ -74,4 +74,4 @@ void IconSet::apply(const QPalette& palette) {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

@@ -11,7 +11,7 @@
 
 #include "app/state/control.h"
 
-namespace kestrel {
+namespace kestrel::window {
 
 [[nodiscard]] bool isDark(const QPalette& palette);
 
@@ -44,4 +44,4 @@ class IconSet {
   std::vector<Use> uses_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::window

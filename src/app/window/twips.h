@@ -3,7 +3,7 @@
 #include <cmath>
 #include <cstdint>
 
-namespace kestrel {
+namespace kestrel::window {
 
 /// Units of a window's stored place to an inch.
 inline constexpr double kTwipsPerInch = 1440.0;
@@ -17,4 +17,4 @@ inline constexpr double kTwipsPerInch = 1440.0;
   return static_cast<std::int32_t>(std::lround(pixels * kTwipsPerInch / dotsPerInch));
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::window

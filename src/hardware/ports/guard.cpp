@@ -16,7 +16,7 @@
 #include <cstring>
 #include <ctime>
 
-namespace kestrel {
+namespace kestrel::ports {
 namespace {
 
 constexpr char kReady = 'r';
@@ -149,4 +149,4 @@ void alarmGuards() noexcept {
   }
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

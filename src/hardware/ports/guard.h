@@ -4,7 +4,7 @@
 
 #include "hardware/ports/real_port.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// The guard process as the process list shows it. The name is not the program's, so that ending
 /// the program by name leaves the guard to do its work.
@@ -39,4 +39,4 @@ class Guard {
 /// handler of a crash, which may take long to die (a core file). Async-signal-safe.
 void alarmGuards() noexcept;
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

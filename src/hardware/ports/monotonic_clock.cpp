@@ -7,7 +7,7 @@
 
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 namespace {
 
 constexpr std::int64_t kNsPerSecond = 1'000'000'000;
@@ -66,4 +66,4 @@ void MonotonicClock::Sleep(std::int32_t milliseconds) {
   spinUntil(deadline);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -6,7 +6,7 @@
 #include "platform/clock.h"
 #include "platform/stop_switch.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// The real clock. Busy loops and waits run by the machine's monotonic time, so a count lasts the
 /// same on every processor: never shorter than asked for, and within 1 us above it while nothing
@@ -45,4 +45,4 @@ class MonotonicClock final : public Clock {
   std::uint64_t stretchedPulses_ = 0;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

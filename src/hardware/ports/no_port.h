@@ -4,7 +4,7 @@
 
 #include "platform/port_access.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// The machine without a parallel port: writes are lost, reads give FFh.
 class NoPort final : public PortAccess {
@@ -13,4 +13,4 @@ class NoPort final : public PortAccess {
   [[nodiscard]] std::uint8_t PortIn(std::int16_t /*port*/) override { return 0xFF; }
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -8,7 +8,7 @@
 #include <cstring>
 #include <utility>
 
-namespace kestrel {
+namespace kestrel::ports {
 namespace {
 
 PortProblem problemOfOpen(int errorNumber) {
@@ -115,4 +115,4 @@ std::uint8_t ParportDevice::PortIn(std::int16_t port) {
   return value;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -6,7 +6,7 @@
 #include "hardware/ports/real_port.h"
 #include "hardware/ports/system_calls.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 
 // A port by the kernel's user-space driver ppdev: needs no root, only the right to open the file
 // (group lp), and works on a locked-down kernel.
@@ -48,4 +48,4 @@ class ParportDevice final : public RealPort {
   bool gone_ = false;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

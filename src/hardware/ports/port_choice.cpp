@@ -5,10 +5,10 @@
 #include <optional>
 #include <stdexcept>
 
-#include "hardware/ports/io_ports.h"
-#include "hardware/ports/lpt_ports.h"
+#include "hardware/ports/direct_port.h"
+#include "hardware/ports/lpt_filter.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 namespace {
 
 constexpr std::string_view kHexMark = "0x";
@@ -32,7 +32,7 @@ std::uint16_t baseFrom(std::string_view text) {
 
 std::uint16_t addressFrom(std::string_view text) {
   const auto address = hexNumber(text.substr(kHexMark.size()));
-  if (!address || *address < IoPorts::kLowest || *address > IoPorts::kHighest) {
+  if (!address || *address < DirectPort::kLowest || *address > DirectPort::kHighest) {
     throw std::invalid_argument("no port can be at the address \"" + std::string(text) + "\"");
   }
   return *address;
@@ -60,4 +60,4 @@ PortChoice parsePortChoice(std::string_view text) {
   return choice;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// A port that the user gave one of the three bases, such as 378=/dev/parport1.
 struct PortChoice {
@@ -20,4 +20,4 @@ struct PortChoice {
 /// ("0xD010") for direct access. Throws std::invalid_argument with a text for the user.
 [[nodiscard]] PortChoice parsePortChoice(std::string_view text);
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

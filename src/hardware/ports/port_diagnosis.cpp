@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
-#include "hardware/ports/lpt_ports.h"
+#include "hardware/ports/lpt_filter.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 namespace {
 
 bool isLptBase(std::uint16_t base) {
@@ -75,7 +75,7 @@ std::string problemText(const PortSurvey& survey, const PortFinding& finding) {
 }
 
 std::string findingText(const PortSurvey& survey, const PortFinding& finding) {
-  const std::string where = "Port " + hexText(finding.base) + "h (" + finding.device + "): ";
+  const std::string where = "Port " + addressText(finding.base) + "h (" + finding.device + "): ";
   if (finding.problem) return where + problemText(survey, finding);
   return where +
          "the port works, but no board answers. Check the board's cable and power, and "
@@ -97,8 +97,8 @@ std::uint16_t freeBase(const PortSurvey& survey) {
 }
 
 std::string elsewhereText(const PortSurvey& survey, const ListedPort& port) {
-  return port.name + " is at " + hexText(port.base) +
-         "h, which is none of 378h, 278h and 3BCh. Cure: --port " + hexText(freeBase(survey)) +
+  return port.name + " is at " + addressText(port.base) +
+         "h, which is none of 378h, 278h and 3BCh. Cure: --port " + addressText(freeBase(survey)) +
          "=" + port.device();
 }
 
@@ -125,4 +125,4 @@ std::vector<std::string> diagnose(const PortSurvey& survey) {
   return lines;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

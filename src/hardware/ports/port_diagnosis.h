@@ -8,7 +8,7 @@
 #include "hardware/ports/port_discovery.h"
 #include "hardware/ports/real_port.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// What became of one of the three bases that has, or should have, a port behind it.
 struct PortFinding {
@@ -33,4 +33,4 @@ struct PortSurvey {
 /// Never empty.
 [[nodiscard]] std::vector<std::string> diagnose(const PortSurvey& survey);
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -10,7 +10,7 @@
 
 #include "hardware/ports/guard.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 namespace {
 
 namespace fs = std::filesystem;
@@ -104,4 +104,4 @@ std::string holderOf(const fs::path& root, const std::string& device) {
   return guard;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

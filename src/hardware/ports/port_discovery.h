@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace kestrel {
+namespace kestrel::ports {
 
 // What the kernel tells about the machine's parallel ports. `root` is "/" but in tests.
 
@@ -33,4 +33,4 @@ struct ListedPort {
 /// guard; empty when there is none that this user may look at.
 [[nodiscard]] std::string holderOf(const std::filesystem::path& root, const std::string& device);
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
-namespace kestrel {
+namespace kestrel::ports {
 namespace {
 
 std::string reasonFor(PortProblem problem, int errorNumber) {
@@ -16,7 +16,7 @@ std::string reasonFor(PortProblem problem, int errorNumber) {
 
 }  // namespace
 
-std::string hexText(std::uint16_t address) {
+std::string addressText(std::uint16_t address) {
   std::array<char, 8> text{};
   std::snprintf(text.data(), text.size(), "%X", address);
   return text.data();
@@ -36,4 +36,4 @@ bool RealPort::switchOff() noexcept {
   return written;
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -7,10 +7,10 @@
 #include "platform/port_access.h"
 #include "platform/runtime_error.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// An I/O address in upper-case hex, with nothing before or behind: 378.
-[[nodiscard]] std::string hexText(std::uint16_t address);
+[[nodiscard]] std::string addressText(std::uint16_t address);
 
 /// Why a port could not be taken.
 enum class PortProblem {
@@ -70,4 +70,4 @@ class RealPort : public PortAccess {
   std::uint16_t base_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -4,10 +4,10 @@
 #include <cerrno>
 #include <utility>
 
-#include "hardware/ports/io_ports.h"
+#include "hardware/ports/direct_port.h"
 #include "hardware/ports/parport_device.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 namespace {
 
 bool isListedAt(const std::vector<ListedPort>& listed, std::uint16_t address) {
@@ -43,7 +43,7 @@ void RealPorts::find(Slot& slot, const std::vector<ListedPort>& listed) const {
     if (each.base != slot.base) continue;
     slot.isDirect = each.isDirect();
     slot.address = each.address;
-    slot.device = each.isDirect() ? "0x" + hexText(each.address) : each.device;
+    slot.device = each.isDirect() ? "0x" + addressText(each.address) : each.device;
   }
 }
 
@@ -51,7 +51,8 @@ std::unique_ptr<RealPort> RealPorts::open(const Slot& slot, const std::vector<Li
   if (!slot.isDirect) return std::make_unique<ParportDevice>(calls_, slot.device, slot.base);
   // Its driver would not know of the access, nor keep others off.
   if (isListedAt(listed, slot.address)) throw PortError(PortProblem::Taken, slot.device, EBUSY);
-  return std::make_unique<IoPorts>(calls_, slot.address, slot.base, options_.lockFolder.string());
+  return std::make_unique<DirectPort>(calls_, slot.address, slot.base,
+                                      options_.lockFolder.string());
 }
 
 // The guard stands before the claim, which is the first thing that moves a line of the board.
@@ -144,4 +145,4 @@ std::unique_ptr<RealPorts> openRealPorts(SystemCalls& calls, PortOptions options
   return std::make_unique<RealPorts>(calls, std::move(options));
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -8,13 +8,13 @@
 #include <vector>
 
 #include "hardware/ports/guard.h"
-#include "hardware/ports/lpt_ports.h"
+#include "hardware/ports/lpt_filter.h"
 #include "hardware/ports/port_choice.h"
 #include "hardware/ports/port_diagnosis.h"
 #include "hardware/ports/real_port.h"
 #include "hardware/ports/system_calls.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 
 struct PortOptions {
   std::vector<PortChoice> choices;                 // --port; the last one of a base counts
@@ -72,11 +72,11 @@ class RealPorts {
 
   SystemCalls& calls_;
   PortOptions options_;
-  LptPorts filter_;
+  LptFilter filter_;
   std::vector<Slot> slots_;
 };
 
 /// Finds and takes the machine's ports.
 [[nodiscard]] std::unique_ptr<RealPorts> openRealPorts(SystemCalls& calls, PortOptions options);
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -4,7 +4,7 @@
 #include <sys/mman.h>
 #include <sys/resource.h>
 
-namespace kestrel {
+namespace kestrel::ports {
 
 // With a limit, locking what is yet to come would make a later allocation fail: then only what is
 // there now is locked, if the limit allows that much.
@@ -32,4 +32,4 @@ RealTimePriority::~RealTimePriority() {
   sched_setscheduler(0, policy, &before);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

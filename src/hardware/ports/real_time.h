@@ -1,6 +1,6 @@
 #pragma once
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// Keeps the program's memory from being paged out, where the user may: a page fault inside a
 /// pulse stretches it by the time of a disk. Without permission nothing happens.
@@ -24,4 +24,4 @@ class RealTimePriority {
   bool granted_ = false;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-namespace kestrel {
+namespace kestrel::ports {
 
 enum class PortRegister : std::uint8_t { Data, Status, Control, None };
 
@@ -33,4 +33,4 @@ inline constexpr std::array<PortWrite, 7> kSafeOff{{
     {PortRegister::Control, 0x0A},
 }};
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

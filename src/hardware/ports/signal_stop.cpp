@@ -11,7 +11,7 @@
 
 #include "hardware/ports/guard.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 namespace {
 
 constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP};
@@ -94,4 +94,4 @@ void switchOffOnCrash() {
   for (const int number : kCrashSignals) install(number, crash, SA_ONSTACK);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -2,7 +2,7 @@
 
 #include "platform/stop_switch.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// Lets SIGINT, SIGTERM and SIGHUP end the running command, and then the program in good order.
 ///
@@ -41,4 +41,4 @@ class SignalStop {
 /// on the main thread, whose stack overflow it survives too.
 void switchOffOnCrash();
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// Notices that the machine was suspended in the middle of a command. The monotonic time stands
 /// still while the machine sleeps and the boot time runs on: their distance grows by the sleep.
@@ -33,4 +33,4 @@ class SuspendWatch {
   std::int64_t lastLook_ = 0;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

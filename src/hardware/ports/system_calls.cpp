@@ -11,7 +11,7 @@
 #define KESTREL_HAS_IO_PORTS 1
 #endif
 
-namespace kestrel {
+namespace kestrel::ports {
 
 int LinuxCalls::open(const char* path, int flags) noexcept { return ::open(path, flags); }
 
@@ -44,4 +44,4 @@ std::uint8_t LinuxCalls::inByte(std::uint16_t /*port*/) noexcept { return 0xFF; 
 
 #endif
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// The few calls by which a port driver of the kernel is reached, so that a test can stand in for
 /// the kernel. Results are the kernel's: -1 and errno on failure. All are async-signal-safe.
@@ -34,4 +34,4 @@ class LinuxCalls final : public SystemCalls {
   [[nodiscard]] std::uint8_t inByte(std::uint16_t port) noexcept override;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

@@ -5,7 +5,7 @@
 #include <ostream>
 #include <string_view>
 
-namespace kestrel {
+namespace kestrel::ports {
 namespace {
 
 constexpr std::string_view kHexDigits = "0123456789ABCDEF";
@@ -72,4 +72,4 @@ void TracingPort::Spin(std::int64_t counts) {
   clock_.Spin(counts);
 }
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

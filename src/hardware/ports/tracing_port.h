@@ -7,7 +7,7 @@
 #include "platform/clock.h"
 #include "platform/port_access.h"
 
-namespace kestrel {
+namespace kestrel::ports {
 
 /// Records what the procedures ask of the port and the clock, one event a line:
 ///
@@ -38,4 +38,4 @@ class TracingPort final : public PortAccess, public Clock {
   std::ostream& trace_;
 };
 
-}  // namespace kestrel
+}  // namespace kestrel::ports

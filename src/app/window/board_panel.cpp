@@ -1,0 +1,262 @@
+#include "app/window/board_panel.h"
+
+#include <QComboBox>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+#include "platform/atomic_file.h"
+#include "simulator/chip_factory.h"
+
+namespace kestrel::window {
+namespace {
+
+constexpr std::size_t kLargestFile = 16 << 20;
+constexpr int kLookMs = 500;
+constexpr int kAsTheChipWants = 0;
+
+template <typename Text>
+QString toQString(const Text& text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QString sizeText(std::size_t bytes) {
+  return bytes % 1024 == 0 ? QString("%1 KB").arg(bytes / 1024) : QString("%1 bytes").arg(bytes);
+}
+
+}  // namespace
+
+SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated, CommandGate& gate,
+                                         QWidget* parent)
+    : QScrollArea(parent), simulated_(simulated), gate_(gate) {
+  setObjectName("boardPanel");
+  setFrameShape(QFrame::NoFrame);
+  setWidgetResizable(true);
+  setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  setFocusPolicy(Qt::NoFocus);
+  auto* const content = new QWidget(this);
+  auto* const column = new QVBoxLayout(content);
+  setWidget(content);
+  buildBoard(*column);
+  buildChip(*column);
+  buildFaults(*column);
+  buildFindings(*column);
+  setMinimumWidth(content->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width());
+  gate_.whenEnded([this] { showState(); });
+  look_.setInterval(kLookMs);
+  connect(&look_, &QTimer::timeout, this, [this] { showFindings(); });
+  look_.start();
+  showState();
+}
+
+QPushButton* SimulatedBoardPanel::addButton(QBoxLayout& row, const QString& caption,
+                                            const QString& name, std::function<void()> handler) {
+  auto* const button = new QPushButton(caption, widget());
+  button->setObjectName(name);
+  row.addWidget(button);
+  connect(button, &QPushButton::clicked, this,
+          [this, handler = std::move(handler)] { gate_.run(handler); });
+  return button;
+}
+
+void SimulatedBoardPanel::buildBoard(QBoxLayout& column) {
+  auto* const group = new QGroupBox("Board", widget());
+  auto* const form = new QFormLayout(group);
+  model_ = new QComboBox(group);
+  model_->setObjectName("boardModel");
+  for (const int model : {4, 5, 6}) model_->addItem(QString("KESTREL-%1").arg(model), model);
+  port_ = new QComboBox(group);
+  port_->setObjectName("boardPort");
+  for (const std::uint16_t base : sim::kPortBases) {
+    port_->addItem(QString::number(base, 16).toUpper() + "h", base);
+  }
+  voltage_ = new QComboBox(group);
+  voltage_->setObjectName("boardVoltage");
+  voltage_->addItem("as the chip wants", kAsTheChipWants);
+  for (const int millivolts : {12'500, 21'000, 25'000}) {
+    voltage_->addItem(QString("%1 V").arg(millivolts / 1000.0), millivolts);
+  }
+  form->addRow("&Model", model_);
+  form->addRow("P&ort", port_);
+  form->addRow("VPP by hand", voltage_);
+  auto* const row = new QHBoxLayout;
+  form->addRow(row);
+  plug_ = addButton(*row, "Unplug", "plugBoard", [this] { plugOrUnplug(); });
+  column.addWidget(group);
+  for (QComboBox* const box : {model_, port_}) {
+    connect(box, &QComboBox::activated, this, [this] { gate_.run([this] { changeBoard(); }); });
+  }
+  connect(voltage_, &QComboBox::activated, this, [this] { gate_.run([this] { setVoltage(); }); });
+}
+
+void SimulatedBoardPanel::buildChip(QBoxLayout& column) {
+  auto* const group = new QGroupBox("Socket", widget());
+  auto* const rows = new QVBoxLayout(group);
+  chip_ = new QLabel(group);
+  chip_->setObjectName("chipInSocket");
+  chip_->setWordWrap(true);
+  rows->addWidget(chip_);
+  type_ = new QComboBox(group);
+  type_->setObjectName("chipType");
+  type_->setAccessibleName("Type of the chip to put in");
+  for (const std::string_view name : sim::chipTypeNames()) type_->addItem(toQString(name));
+  if (const sim::Chip* const chip = board().chip())
+    type_->setCurrentText(toQString(chip->typeName()));
+  rows->addWidget(type_);
+  auto* const insert = new QHBoxLayout;
+  rows->addLayout(insert);
+  addButton(*insert, "Put In Blank", "insertBlank", [this] { insertBlank(); });
+  addButton(*insert, "From File...", "insertFromFile", [this] { insertFromFile(); });
+  auto* const act = new QHBoxLayout;
+  rows->addLayout(act);
+  takeOut_ = addButton(*act, "Take Out", "takeOut", [this] { takeOut(); });
+  erase_ = addButton(*act, "UV Lamp", "eraseUnderLamp", [this] { eraseUnderLamp(); });
+  erase_->setToolTip("Erase the chip under the ultraviolet lamp");
+  save_ = addButton(*rows, "Save Contents...", "saveContents", [this] { saveContents(); });
+  column.addWidget(group);
+}
+
+void SimulatedBoardPanel::buildFaults(QBoxLayout& column) {
+  auto* const group = new QGroupBox("Weak cell", widget());
+  auto* const row = new QHBoxLayout(group);
+  weakAddress_ = new QLineEdit(group);
+  weakAddress_->setObjectName("weakAddress");
+  weakAddress_->setPlaceholderText("Address, hex");
+  weakAddress_->setAccessibleName("Address of the weak cell, hexadecimal");
+  weakAddress_->setMaxLength(6);
+  row->addWidget(weakAddress_, 1);
+  weak_ = addButton(*row, "Fit", "fitWeakCell", [this] { fitWeakCell(); });
+  weak_->setToolTip("Make the byte at this address one that never programs");
+  column.addWidget(group);
+}
+
+void SimulatedBoardPanel::buildFindings(QBoxLayout& column) {
+  auto* const group = new QGroupBox("Findings", widget());
+  group->setToolTip("What no real socket forgives");
+  auto* const rows = new QVBoxLayout(group);
+  findings_ = new QListWidget(group);
+  findings_->setObjectName("findings");
+  findings_->setWordWrap(true);
+  findings_->setAccessibleName("Findings");
+  rows->addWidget(findings_, 1);
+  addButton(*rows, "Clear", "clearFindings", [this] { simulated_.bench().findings().clear(); });
+  column.addWidget(group, 1);
+}
+
+void SimulatedBoardPanel::plugOrUnplug() {
+  if (simulated_.bench().isPlugged(simulated_.base())) {
+    simulated_.bench().unplug(simulated_.base());
+  } else {
+    simulated_.plug(board().model(), simulated_.base());
+    setVoltage();
+  }
+}
+
+void SimulatedBoardPanel::changeBoard() {
+  simulated_.plug(static_cast<sim::Model>(model_->currentData().toInt()),
+                  static_cast<std::uint16_t>(port_->currentData().toUInt()));
+  setVoltage();
+}
+
+void SimulatedBoardPanel::setVoltage() {
+  const int millivolts = voltage_->currentData().toInt();
+  board().setVppByHand(millivolts == kAsTheChipWants ? std::nullopt : std::optional(millivolts));
+}
+
+void SimulatedBoardPanel::insertBlank() {
+  simulated_.releaseChip();
+  board().insert(sim::makeChip(type_->currentText().toStdString()));
+}
+
+void SimulatedBoardPanel::insertFromFile() {
+  const QString name = QFileDialog::getOpenFileName(this, "Contents of the chip");
+  if (name.isEmpty()) return;
+  auto chip = sim::makeChip(type_->currentText().toStdString());
+  const auto contents = readWholeFile(name.toStdString(), kLargestFile);
+  if (contents.size() != chip->contents().size()) {
+    QMessageBox::warning(this, "Kestrel",
+                         QString("The file holds %1 bytes, a %2 has %3.")
+                             .arg(contents.size())
+                             .arg(type_->currentText())
+                             .arg(chip->contents().size()));
+    return;
+  }
+  chip->load(contents);
+  simulated_.releaseChip();
+  board().insert(std::move(chip));
+}
+
+void SimulatedBoardPanel::takeOut() {
+  simulated_.releaseChip();
+  board().takeOut();
+}
+
+void SimulatedBoardPanel::eraseUnderLamp() {
+  if (board().eraseUnderLamp()) return;
+  QMessageBox::information(this, "Kestrel", "This chip has no window: the lamp does not erase it.");
+}
+
+void SimulatedBoardPanel::saveContents() {
+  const QString name = QFileDialog::getSaveFileName(this, "Save the contents of the chip");
+  if (!name.isEmpty()) writeFileAtomically(name.toStdString(), board().chip()->contents());
+}
+
+void SimulatedBoardPanel::fitWeakCell() {
+  bool isNumber = false;
+  const uint address = weakAddress_->text().toUInt(&isNumber, 16);
+  if (!isNumber || address >= board().chip()->contents().size()) {
+    QMessageBox::warning(this, "Kestrel", "That is no address of the chip in the socket.");
+    return;
+  }
+  board().fitWeakCell(address);
+  weakAddress_->clear();
+}
+
+void SimulatedBoardPanel::showState() {
+  const bool plugged = simulated_.bench().isPlugged(simulated_.base());
+  const sim::Chip* const chip = board().chip();
+  model_->setCurrentIndex(model_->findData(static_cast<int>(board().model())));
+  port_->setCurrentIndex(port_->findData(simulated_.base()));
+  plug_->setText(plugged ? "Unplug" : "Plug In");
+  voltage_->setEnabled(board().model() == sim::Model::kestrel4);
+  voltage_->setToolTip("Model 4 has its programming voltage set by hand on the board");
+  for (QPushButton* const button : {takeOut_, erase_, save_, weak_}) {
+    button->setEnabled(chip != nullptr);
+  }
+  if (chip == nullptr) {
+    chip_->setText("Empty");
+  } else {
+    const bool blank =
+        std::ranges::all_of(chip->contents(), [](auto cell) { return cell == 0xFF; });
+    chip_->setText(QString("<b>%1</b>, %2, %3")
+                       .arg(toQString(chip->typeName()), sizeText(chip->contents().size()),
+                            blank ? "blank" : "holds data"));
+  }
+  showFindings();
+}
+
+void SimulatedBoardPanel::showFindings() {
+  QStringList texts;
+  for (const sim::Finding& finding : simulated_.bench().findings().all()) {
+    const QString times = finding.count > 1 ? QString(" (%1 times)").arg(finding.count) : QString();
+    texts.append(toQString(finding.text) + times);
+  }
+  QStringList shown;
+  for (int row = 0; row < findings_->count(); ++row) shown.append(findings_->item(row)->text());
+  if (shown == texts) return;
+  findings_->clear();
+  findings_->addItems(texts);
+}
+
+}  // namespace kestrel::window

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <QScrollArea>
+#include <QTimer>
+#include <functional>
+
+#include "app/launch/simulated_board.h"
+#include "app/window/command_gate.h"
+
+class QBoxLayout;
+class QComboBox;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QPushButton;
+
+namespace kestrel::window {
+
+/// The bench with the simulated board: what a person would do there with the hands.
+class SimulatedBoardPanel final : public QScrollArea {
+ public:
+  SimulatedBoardPanel(launch::SimulatedBoard& simulated, CommandGate& gate, QWidget* parent);
+
+ private:
+  void buildBoard(QBoxLayout& column);
+  void buildChip(QBoxLayout& column);
+  void buildFaults(QBoxLayout& column);
+  void buildFindings(QBoxLayout& column);
+  QPushButton* addButton(QBoxLayout& row, const QString& caption, const QString& name,
+                         std::function<void()> handler);
+
+  void plugOrUnplug();
+  void changeBoard();
+  void setVoltage();
+  void insertBlank();
+  void insertFromFile();
+  void takeOut();
+  void eraseUnderLamp();
+  void saveContents();
+  void fitWeakCell();
+  void showState();
+  void showFindings();
+
+  [[nodiscard]] sim::Board& board() { return simulated_.board(); }
+
+  launch::SimulatedBoard& simulated_;
+  CommandGate& gate_;
+  QComboBox* model_ = nullptr;
+  QComboBox* port_ = nullptr;
+  QPushButton* plug_ = nullptr;
+  QComboBox* voltage_ = nullptr;
+  QLabel* chip_ = nullptr;
+  QComboBox* type_ = nullptr;
+  QPushButton* takeOut_ = nullptr;
+  QPushButton* erase_ = nullptr;
+  QPushButton* save_ = nullptr;
+  QLineEdit* weakAddress_ = nullptr;
+  QPushButton* weak_ = nullptr;
+  QListWidget* findings_ = nullptr;
+  QTimer look_;  // the board does not tell when something happens on it
+};
+
+}  // namespace kestrel::window

@@ -1,0 +1,21 @@
+#include "hardware/ports/lpt_filter.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace kestrel::ports {
+namespace {
+
+std::size_t indexOf(std::uint16_t base) {
+  const auto* const found = std::find(kLptBases.begin(), kLptBases.end(), base);
+  if (found == kLptBases.end()) throw std::invalid_argument("not a printer port base");
+  return static_cast<std::size_t>(found - kLptBases.begin());
+}
+
+}  // namespace
+
+void LptFilter::connect(std::uint16_t base, PortAccess& port) { ports_[indexOf(base)] = &port; }
+
+void LptFilter::disconnect(std::uint16_t base) { ports_[indexOf(base)] = &none_; }
+
+}  // namespace kestrel::ports

@@ -1,0 +1,100 @@
+// Flash identification by true chips, and the chip's pages on the display.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "driver/prepared_form.h"
+
+namespace kestrel::test {
+namespace {
+
+using testing::ElementsAre;
+
+TEST(FlashIdentification, namesTrueChipsInTheSocket) {
+  struct Case {
+    const char *chip, *device, *name, *rawCode;
+  };
+  // clang-format off
+  constexpr Case kCases[]{
+      {"AM29F010", "AMD AM29F010", "0120 - AMD am29F010 Flash Memory", "FFFF"},
+      {"AM29F040", "AMD AM29F040", "01A4 - AMD am29F040 Flash Memory", "FFFF"},
+      {"A29040", "AMIC A29040", "3786 - AMIC A29040 Flash Memory", "FFFF"},
+      // Answers 1C04h only with A8 high, which identification leaves low: the continuation code.
+      {"EN29F040", "EON EN29F040", "7F7F -  Not Valid!!!", "FFFF"},
+      // Its command leaves the data latch on the bus, so that F0h stands there in the second read.
+      {"AT29C256", "Atmel AT29C256", "1FDC - ATMEL 29C256 Flash Memory", "F0F0"},
+  };
+  // clang-format on
+  for (const Case& c : kCases) {
+    for (const sim::Model model : {sim::Model::kestrel4, sim::Model::kestrel5}) {
+      PreparedForm s(c.chip, std::string("Flash ") + c.device, {}, {}, model);
+      ASSERT_TRUE(s.rig.press("menuFlashShowCodeID"));
+      EXPECT_EQ(s.rig.log().back(), std::string("Device ID# ") + c.name);
+      EXPECT_EQ(s.rig.state.FlashRawCode, c.rawCode);
+    }
+  }
+}
+
+/// The hexadecimal digits of a page on the display, without their blanks.
+std::string digitsOf(const std::string& page) {
+  std::string hex;
+  std::istringstream lines(page);
+  for (std::string line; std::getline(lines, line);) {
+    if (line.size() > 44) hex += line.substr(8, 36);
+  }
+  std::erase(hex, ' ');
+  return hex;
+}
+
+TEST(DeviceDisplay, drawsTheBytesThatAReadGives) {
+  for (const auto& [chip, device, bytes] : {std::tuple{"2732A", "Eprom 2732A", 4096U},
+                                            {"27C020", "Eprom 27C020", 262144U},
+                                            {"28C256", "Eeprom XICOR X28C256", 32768U}}) {
+    PreparedForm s(chip, device, {}, randomBytes(bytes, 71));
+    const Bytes contents = s.chipContents();
+    s.rig.press("Display_button");
+    for (const std::size_t page : {bytes / 256 - 1, bytes / 512 + 3}) {
+      s.rig.controls.VScroll1.setValue(static_cast<std::int32_t>(page));
+      const std::string hex = digitsOf(s.rig.controls.BufferDisplay.text());
+      ASSERT_EQ(hex.size(), 512U);
+      for (std::size_t i = 0; i < 256; ++i) {
+        ASSERT_EQ(std::stoul(hex.substr(2 * i, 2), nullptr, 16), contents[page * 256 + i])
+            << chip << " page " << page << " byte " << i;
+      }
+    }
+  }
+}
+
+TEST(DeviceDisplay, hasItsOwnCharactersAndDrawsPage0) {
+  Bytes contents(8192, 0xFF);
+  const std::string text =
+      "A \"`z{~\x1F"
+      "01234567";
+  std::copy(text.begin(), text.end(), contents.begin() + 0x10);
+  PreparedForm s("27C64", "Eprom 27C64", {}, contents);
+  s.rig.controls.VScroll1.setValue(3);
+  s.rig.press("Display_button");
+  EXPECT_EQ(s.rig.controls.VScroll1.value(), 0);
+  EXPECT_NE(s.rig.controls.BufferDisplay.text().find(
+                "\r\n000010| 41202260 7A7B7E1F 30313233 34353637 | A \"`z...01234567\r\n000020| "),
+            std::string::npos);
+  EXPECT_EQ(s.rig.controls.Frame3.caption(), "Device Memory Hex/Ascii Display");
+  EXPECT_THAT(s.rig.log(), ElementsAre("Fetching Device Binary Contents to Screen"));
+  // Chip and outputs are off afterwards.
+  EXPECT_EQ(s.board->latch(0), 0x40);
+  EXPECT_EQ(s.board->latch(3) & 0xC0, 0xC0);
+  EXPECT_EQ(s.board->latch(2), 0xFF);
+}
+
+TEST(DeviceDisplay, drawsNothingOfASerialChip) {
+  PreparedForm s("24C16", "Eeprom 24C16", {}, randomBytes(2048, 5), sim::Model::kestrel5,
+                 SimulatedForm::Trace::On);
+  const std::string before = s.rig.controls.BufferDisplay.text();
+  s.rig.press("Display_button");
+  EXPECT_EQ(s.rig.controls.BufferDisplay.text(), before);
+  EXPECT_THAT(s.rig.log(), ElementsAre("Fetching Device Binary Contents to Screen"));
+  EXPECT_EQ(s.trace.str(), "");
+}
+
+}  // namespace
+}  // namespace kestrel::test

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "devices/device_table.h"
+#include "support/form_rig.h"
+
+namespace kestrel::test {
+
+using Bytes = std::vector<std::uint8_t>;
+
+constexpr sim::Model kModels[]{sim::Model::kestrel4, sim::Model::kestrel5, sim::Model::kestrel6};
+
+/// All set up as a person would before Program: the chip in its socket, blank or with contents, the
+/// device chosen, the image open. The flash rows, which the list calls not available, are opened.
+struct PreparedForm : SimulatedForm {
+  PreparedForm(const std::string& chip, const std::string& device, Bytes givenImage,
+               const Bytes& contents = {}, sim::Model model = sim::Model::kestrel5,
+               Trace tracing = Trace::Off)
+      : SimulatedForm(model, tracing), image(std::move(givenImage)) {
+    start();
+    insert(chip, contents);
+    for (std::size_t row = 23; row <= 28; ++row)
+      rig.state.DeviceTable[row][devices::kListedColumn] = "Y";
+    devices::FillDeviceList(rig.state, rig.controls.Device);
+    rig.select(device);
+    if (!image.empty()) rig.openImage(image);
+    rig.clearLog();
+    bench.findings().clear();
+    trace.str("");
+  }
+  /// What the first bytes of a buffer that was empty are after Read.
+  [[nodiscard]] Bytes read(std::size_t count) {
+    std::ranges::fill(rig.state.CodeBuffer, std::uint8_t{0});
+    rig.press("Read_button");
+    const auto begin = rig.state.CodeBuffer.begin();
+    return {begin, begin + static_cast<std::ptrdiff_t>(count)};
+  }
+
+  Bytes image;
+};
+
+}  // namespace kestrel::test

@@ -1,0 +1,153 @@
+// 24Cxx on the simulated board.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "driver/prepared_form.h"
+#include "support/board_trace.h"
+
+namespace kestrel::test {
+namespace {
+
+const std::string kNoAcknowledge = "Device 24CXX DOES NOT RESPOND - ACK Error";
+
+struct SerialForm : PreparedForm {
+  SerialForm(const std::string& chip, const Bytes& given, const Bytes& contents = {},
+             sim::Model model = sim::Model::kestrel5, Trace tracing = Trace::Off)
+      : PreparedForm(chip, "Eeprom " + chip, given, contents, model, tracing) {}
+
+  /// What has been on the wires since the last call.
+  [[nodiscard]] std::string onTheWires() {
+    const std::string taken = std::exchange(trace, std::ostringstream()).str();
+    return TwoWireDecoder().decode(boardEvents(taken, 5, rig.state.BusDelayCount));
+  }
+};
+
+class Serial24C32 : public testing::TestWithParam<sim::Model> {};
+
+TEST_P(Serial24C32, isProgrammedVerifiedReadAndErased) {
+  SerialForm s("24C32", randomBytes(4096, 31), {}, GetParam());
+  s.rig.controls.VerifyAfterProgramming.press();
+  ASSERT_TRUE(s.rig.program());
+  EXPECT_TRUE(s.rig.logged("Programming Device Successfull"));
+  EXPECT_TRUE(s.rig.logged("Device Contents MATCHES with Buffer Contents"));
+  EXPECT_TRUE(s.chipContents() == s.image);
+  EXPECT_TRUE(s.read(4096) == s.image);
+  s.rig.clearLog();
+  s.rig.press("EraseFlash_button");
+  EXPECT_THAT(s.rig.log(),
+              testing::ElementsAre("Erasing Device 24C32", "Program Buffer will not be erased",
+                                   "Programming Device Successfull"));
+  EXPECT_THAT(s.chipContents(), testing::Each(0xFF));
+  EXPECT_TRUE(std::equal(s.image.begin(), s.image.end(), s.rig.state.CodeBuffer.begin()));
+  // The chip's supply is /OE: it is left off, so that the chip can be taken out.
+  EXPECT_EQ(s.board->latch(0) | s.board->latch(1) | s.board->latch(2), 0x00);
+  EXPECT_TRUE(s.bench.findings().empty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, Serial24C32, testing::ValuesIn(kModels));
+
+// The writer begins at 300h and counts the whole size from there: at the end of the chip nobody
+// answers the next select byte.
+TEST(Serial24C08And16, areReadWholeAndProgrammedFrom300hOn) {
+  for (const auto& [chip, bytes, model] :
+       {std::tuple{"24C08", 1024U, sim::Model::kestrel5}, {"24C16", 2048U, sim::Model::kestrel4}}) {
+    const Bytes before = randomBytes(bytes, 17);
+    SerialForm s(chip, randomBytes(bytes, 18), before, model);
+    s.rig.program();
+    auto expected = s.image;
+    std::copy_n(before.begin(), 0x300, expected.begin());
+    EXPECT_TRUE(s.chipContents() == expected) << chip;
+    EXPECT_TRUE(s.rig.logged(kNoAcknowledge));
+    EXPECT_TRUE(s.rig.press("Error_label"));
+    s.rig.press("Verify_button");
+    EXPECT_TRUE(s.rig.logged("Device Memory DOES NOT VERIFY with Buffer Contents"));
+    s.rig.press("Error_label");
+    EXPECT_TRUE(s.read(bytes) == expected) << chip;
+    s.rig.press("Verify_button");
+    EXPECT_TRUE(s.rig.logged("Device Contents MATCHES with Buffer Contents"));
+    EXPECT_TRUE(s.bench.findings().empty());
+  }
+}
+
+// The second writer's high address byte is the address in a 24C16, and its low one data.
+TEST(Serial24C08And16, areErasedAsTheirWritersGo) {
+  for (const auto& [chip, bytes, erasedAt0, lastLine] :
+       {std::tuple{"24C08", 1024U, 0, "Click on [ERROR] Alert to Reset the Situation"},
+        {"24C16", 2048U, 16, "Programming Device Successfull"}}) {
+    auto expected = randomBytes(bytes, 17);
+    SerialForm s(chip, expected, expected);
+    s.rig.press("EraseFlash_button");
+    std::fill_n(expected.begin(), erasedAt0, std::uint8_t{0xFF});
+    std::fill(expected.begin() + 0x300, expected.end(), std::uint8_t{0xFF});
+    EXPECT_TRUE(s.chipContents() == expected) << chip;
+    EXPECT_EQ(s.rig.log().back(), lastLine);
+  }
+}
+
+TEST(TwoWireWaveform, isTheSameAtEverySliderPosition) {
+  std::string page;
+  for (int i = 0; i < 32; ++i) page += " 5Aa";
+  for (std::int32_t slider = 1; slider <= 20; ++slider) {
+    SerialForm s("24C32", Bytes(4096, 0x5A), {}, sim::Model::kestrel5, SerialForm::Trace::On);
+    s.rig.controls.Slider1.setValue(slider);
+    s.rig.state.CodeLength = 64;
+    s.rig.program();
+    std::string wires = s.onTheWires();
+    // However often the chip is polled while it writes.
+    for (std::size_t at; (at = wires.find(" S A0 ")) != std::string::npos;) wires.erase(at, 5);
+    for (std::size_t at; (at = wires.find(" S A0n ")) != std::string::npos;) wires.erase(at, 6);
+    EXPECT_TRUE(
+        wires.ends_with("S A0a 00a 00a" + page + " P S A0a S A0a 00a 20a" + page + " P S A0a"))
+        << wires;
+    EXPECT_EQ(s.read(64), Bytes(64, 0x5A)) << slider;
+    EXPECT_NE(s.onTheWires().find("S A0a 00a 00a S A1a 5AA "), std::string::npos) << slider;
+  }
+}
+
+TEST(SerialFaults, endWithTheAcknowledgeReport) {
+  using Fit = void (*)(SerialForm&);
+  for (const Fit fit : {Fit([](SerialForm& s) { (void)s.board->takeOut(); }),
+                        Fit([](SerialForm& s) { s.board->stickDataLine(7, true); }),
+                        Fit([](SerialForm& s) { s.board->setChip({.acknowledgeLimit = 40}); })}) {
+    SerialForm s("24C32", randomBytes(4096, 31));
+    fit(s);
+    s.rig.program();
+    EXPECT_EQ(s.rig.log()[2], kNoAcknowledge);
+    EXPECT_EQ(s.rig.state.I2CError, 200);
+    EXPECT_FALSE(s.rig.controls.Read_button.enabled());
+    s.board->freeDataLines();
+    s.insert("24C32");
+    EXPECT_TRUE(s.rig.press("Error_label"));
+    EXPECT_TRUE(s.rig.program());
+    EXPECT_TRUE(s.chipContents() == s.image);
+  }
+}
+
+// A line that is always low acknowledges everything: nothing is written and only Verify shows it.
+TEST(SerialFaults, aDataLineStuckLowShowsInVerify) {
+  SerialForm s("24C32", randomBytes(4096, 31));
+  s.board->stickDataLine(7, false);
+  s.rig.controls.VerifyAfterProgramming.press();
+  s.rig.program();
+  EXPECT_THAT(s.chipContents(), testing::Each(0xFF));
+  EXPECT_TRUE(s.rig.logged("Device Memory DOES NOT VERIFY with Buffer Contents"));
+  EXPECT_EQ(s.rig.state.VerifyFailed, 1);
+}
+
+// 50 polls last some 150 ms. A chip that writes longer does not answer the next page.
+TEST(SerialFaults, aWriteCycleMayLastAsLongAsThePolls) {
+  for (const auto& [cycleMs, succeeds] : {std::pair{100, true}, std::pair{400, false}}) {
+    SerialForm s("24C32", randomBytes(4096, 31));
+    s.rig.state.CodeLength = 64;
+    s.board->setChip({.writeCycle = sim::milliseconds(cycleMs)});
+    s.rig.program();
+    EXPECT_EQ(s.rig.logged("Programming Device Successfull"), succeeds);
+    EXPECT_EQ(s.rig.logged(kNoAcknowledge), !succeeds);
+    EXPECT_EQ(std::equal(s.image.begin(), s.image.begin() + 64, s.chipContents().begin()),
+              succeeds);
+  }
+}
+
+}  // namespace
+}  // namespace kestrel::test
