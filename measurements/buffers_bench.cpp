@@ -31,7 +31,8 @@ void appendToALog(benchmark::State& state) {
   test::FakeScreen screen;
   test::RecordingSounds sounds;
   const Folders folders{};
-  Reporting reporting(s.rig.state, s.rig.controls, s.port, sounds, screen, folders);
+  const TimeOfDay time;
+  Reporting reporting(s.rig.state, s.rig.controls, time, sounds, screen, folders);
   std::string text;
   for (std::int64_t line = 0; line < state.range(0); ++line) {
     text += "\r\n14:03:07>  Device Eprom 27C256 was Selected";

@@ -10,7 +10,7 @@ namespace kestrel {
 
 /// Time of one PortOut from the procedures' interface through stop switch and base filter down to
 /// the port given, which stands behind base 378h.
-inline void measurePortOut(benchmark::State& state, PortAccess& lowest, Clock& clock) {
+inline void measurePortOut(benchmark::State& state, PortAccess& lowest, Waits& clock) {
   ports::LptFilter ports;
   ports.connect(0x378, lowest);
   const StopSwitch stop;

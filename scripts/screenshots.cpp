@@ -97,7 +97,7 @@ void running(const QString& file) {
     if (scene.controls().ProgressBar1.value() < 45) return;
     look.stop();
     scene.window.grab().save(file);
-    scene.stop.throwIt();
+    scene.stop.stopCommand();
   });
   look.start(5);
   scene.click("Read_button");

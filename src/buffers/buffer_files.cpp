@@ -123,7 +123,7 @@ void BufferFiles::showCodeLoaded() {
   if (!p_.state.FamilyCode.empty()) {
     for (Button* const button :
          {&c.Verify_button, &c.menuVerifyCode, &c.Program_button, &c.menuProgramCode}) {
-      p_.buttons.enable(*button);
+      p_.alert.enable(*button);
     }
   }
   c.FileNameCodeSize.setCaption("(" + std::to_string(p_.state.CodeLength) + ")");
@@ -192,7 +192,7 @@ void BufferFiles::showDataLoaded() {
   for (Button* const button :
        {&c.Verify_button, &c.menuVerifyData, &c.Program_button, &c.menuProgramData,
         &c.mnuFileSaveData, &c.mnuFileSaveDataAs, &c.Erase_button, &c.menuEraseData}) {
-    p_.buttons.enable(*button);
+    p_.alert.enable(*button);
   }
 }
 
@@ -284,9 +284,9 @@ void BufferFiles::EraseDataBuffer() {
 }
 
 void BufferFiles::disableForErased(Button& verifyEntry, Button& programEntry) {
-  p_.buttons.setEnabled(p_.controls.Verify_button, false);
+  p_.alert.setEnabled(p_.controls.Verify_button, false);
   verifyEntry.setEnabled(false);
-  p_.buttons.setEnabled(p_.controls.Program_button, false);
+  p_.alert.setEnabled(p_.controls.Program_button, false);
   programEntry.setEnabled(false);
   p_.reporting.LogMessage("Buffer has been Erased");
   p_.state.DisplayMode = "Read";

@@ -5,10 +5,10 @@
 #include <string>
 
 #include "app/state/controls.h"
-#include "app/state/operation_buttons.h"
 #include "app/state/programmer_state.h"
 #include "app/state/reporting.h"
 #include "display/memory_display.h"
+#include "hardware/error_alert.h"
 #include "hardware/lamps.h"
 #include "platform/dialogs.h"
 #include "platform/runtime_error.h"
@@ -20,7 +20,7 @@ struct BufferParts {
   ProgrammerState& state;
   Controls& controls;
   Reporting& reporting;
-  OperationButtons& buttons;
+  hardware::ErrorAlert& alert;
   hardware::Lamps& lamps;
   display::MemoryDisplay& display;
   Dialogs& dialogs;

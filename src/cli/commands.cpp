@@ -98,9 +98,9 @@ int runAtForm(const Arguments& a, const Command& command) {
   const DeviceCatalogue catalogue;
   const DeviceCatalogue::Device* const device = a.device ? &catalogue.find(*a.device) : nullptr;
   StopSwitch stop;
+  const TimeOfDay time;
   const ports::SignalStop signals(stop);
   ConsoleView view(a.quiet);
-  view.obey(signals, stop);
   ConsoleDialogs dialogs(view, a.yes, signals.descriptor());
   NoSound sounds;
   NoSettings settings;
@@ -109,15 +109,16 @@ int runAtForm(const Arguments& a, const Command& command) {
       device != nullptr ? launch::chipTypeForDevice(device->name) : std::string();
   launch::MachinePorts ports(a.launch, chip, stop, view);
   form::frmMain form({.port = ports.port(),
-                      .clock = ports.clock(),
+                      .waits = ports.waits(),
+                      .portService = ports,
+                      .time = time,
                       .sounds = sounds,
                       .settings = settings,
                       .help = help,
                       .dialogs = dialogs,
                       .screen = view,
                       .stop = stop,
-                      .folders = launch::programFolders(a.launch),
-                      .care = &ports});
+                      .folders = launch::programFolders(a.launch)});
   view.mirror(form.controls());
   Session session({.form = form,
                    .view = view,

@@ -39,11 +39,6 @@ void ConsoleView::mirror(Controls& controls) {
   controls.setListener(this);
 }
 
-void ConsoleView::obey(const ports::SignalStop& signals, StopSwitch& stop) {
-  signals_ = &signals;
-  stop_ = &stop;
-}
-
 void ConsoleView::controlChanged(const Control& control) {
   if (!hasBar_ || &control != &controls_->ProgressBar1) return;
   const ProgressBar& bar = controls_->ProgressBar1;
@@ -62,7 +57,6 @@ void ConsoleView::textAppended(const TextBox& box, std::string_view piece) {
 }
 
 void ConsoleView::turn() {
-  if (stop_ != nullptr && signals_->isEndRequested()) stop_->throwIt();
   const auto now = Clock::now();
   if (!isDue_ || now - drawnAt_ < kFrame) return;
   std::cerr << '\r' << progress_.text(columns(), now) << "\033[K" << std::flush;

@@ -5,9 +5,7 @@
 
 #include "app/state/controls.h"
 #include "cli/progress_line.h"
-#include "hardware/ports/signal_stop.h"
 #include "platform/screen.h"
-#include "platform/stop_switch.h"
 
 namespace kestrel::cli {
 
@@ -22,10 +20,6 @@ class ConsoleView final : public ControlListener, public Screen {
 
   /// Mirrors these controls from now on, for as long as they live.
   void mirror(Controls& controls);
-
-  /// Throws the switch again at every turn once a signal asked for the end: one that came between
-  /// two commands is forgotten when the next begins. Both outlive the view.
-  void obey(const ports::SignalStop& signals, StopSwitch& stop);
 
   /// Takes the progress bar off the screen: before anything else is written there.
   void clearProgress();
@@ -49,8 +43,6 @@ class ConsoleView final : public ControlListener, public Screen {
 
  private:
   Controls* controls_ = nullptr;
-  const ports::SignalStop* signals_ = nullptr;
-  StopSwitch* stop_ = nullptr;
   ProgressLine progress_;
   std::chrono::steady_clock::time_point drawnAt_{};
   std::size_t linesDrawn_ = 0;

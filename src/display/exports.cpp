@@ -18,13 +18,13 @@ double statCode(std::string_view text) {
 }
 
 Exports::Exports(ProgrammerState& state, Controls& controls, Reporting& reporting,
-                 const Clock& clock, const Folders& folders)
-    : state_(state), controls_(controls), reporting_(reporting), clock_(clock), folders_(folders) {}
+                 const TimeOfDay& time, const Folders& folders)
+    : state_(state), controls_(controls), reporting_(reporting), time_(time), folders_(folders) {}
 
 void Exports::save(const char* fileName, const Heading& heading, const std::string& text) {
   std::string file = std::string(heading.title) + kMaker + "\r\n";
   file.append(heading.contents).append("\r\n");
-  file += clock_.shortDate() + " " + clock_.longTime();
+  file += time_.shortDate() + " " + time_.longTime();
   file += " StatCode:" + printForm(statCode(text));
   file += " Model:" + printForm(state_.KestrelModel) + "\r\n";
   file += std::string(kSeparatorLength, '-') + "\r\n";

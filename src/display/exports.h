@@ -6,8 +6,8 @@
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 #include "app/state/reporting.h"
-#include "platform/clock.h"
 #include "platform/folders.h"
+#include "platform/time_of_day.h"
 
 namespace kestrel::display {
 
@@ -18,7 +18,7 @@ namespace kestrel::display {
 /// cannot be written throws FileError and leaves the earlier one whole.
 class Exports {
  public:
-  Exports(ProgrammerState& state, Controls& controls, Reporting& reporting, const Clock& clock,
+  Exports(ProgrammerState& state, Controls& controls, Reporting& reporting, const TimeOfDay& time,
           const Folders& folders);
 
   void BufferDisplay_DblClick();
@@ -35,7 +35,7 @@ class Exports {
   ProgrammerState& state_;
   Controls& controls_;
   Reporting& reporting_;
-  const Clock& clock_;
+  const TimeOfDay& time_;
   const Folders& folders_;
 };
 

@@ -130,7 +130,7 @@ void BoardDetection::TestHardware_button_Click() {
   p_.lamps.ErrorLampOff();
   p_.lamps.ProgramLampOff();
   p_.lamps.DataFlowLampOff();
-  p_.buttons.unlock();
+  p_.alert.unlock();
   p_.state.DetectedPort = 0;
   p_.state.KestrelModel = 0;
   showNoHardware();
@@ -188,7 +188,7 @@ void BoardDetection::ReportDetection() {
 }
 
 void BoardDetection::SaveHardwareConfig() {
-  const std::string now = p_.clock.shortDate() + " " + p_.clock.shortTime();
+  const std::string now = p_.time.shortDate() + " " + p_.time.shortTime();
   std::error_code ignored;  // a folder that cannot be made fails at the write, which names it
   std::filesystem::create_directories(p_.folders.configuration, ignored);
   writeFileAtomically(p_.folders.configuration / kConfigFileName,

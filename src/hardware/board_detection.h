@@ -4,15 +4,15 @@
 
 #include "app/state/controls.h"
 #include "app/state/error_report.h"
-#include "app/state/operation_buttons.h"
 #include "app/state/programmer_state.h"
 #include "app/state/reporting.h"
 #include "hardware/bus_primitives.h"
+#include "hardware/error_alert.h"
 #include "hardware/lamps.h"
 #include "hardware/registers.h"
-#include "platform/clock.h"
 #include "platform/folders.h"
 #include "platform/port_access.h"
+#include "platform/time_of_day.h"
 
 namespace kestrel::hardware {
 
@@ -22,12 +22,12 @@ struct DetectionParts {
   Controls& controls;
   Reporting& reporting;
   ErrorReport& errors;
-  OperationButtons& buttons;
+  ErrorAlert& alert;
   Lamps& lamps;
   Registers& registers;
   BusPrimitives& bus;
   PortAccess& port;
-  const Clock& clock;
+  const TimeOfDay& time;
   const Folders& folders;
 };
 

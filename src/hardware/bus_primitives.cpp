@@ -16,8 +16,8 @@ constexpr unsigned kUpperStatusBits = 0xF0;
 }  // namespace
 
 BusPrimitives::BusPrimitives(ProgrammerState& state, Controls& controls, Registers& registers,
-                             PortAccess& port, Clock& clock)
-    : state_(state), controls_(controls), registers_(registers), port_(port), clock_(clock) {}
+                             PortAccess& port, Waits& waits)
+    : state_(state), controls_(controls), registers_(registers), port_(port), waits_(waits) {}
 
 void BusPrimitives::CEON() {
   clearBits(state_.RegShadow3, kChipDisable);
@@ -151,7 +151,7 @@ void BusPrimitives::GetNibbles24CXX() {
 
 void BusPrimitives::WaitSettlingTime() {
   const std::int32_t counts = state_.SettleFactor * 100;
-  clock_.Spin(counts);
+  waits_.Spin(counts);
   state_.LoopIndex = counts < 1 ? 1 : counts + 1;
 }
 

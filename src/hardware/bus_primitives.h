@@ -3,8 +3,8 @@
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 #include "hardware/registers.h"
-#include "platform/clock.h"
 #include "platform/port_access.h"
+#include "platform/waits.h"
 
 namespace kestrel::hardware {
 
@@ -13,7 +13,7 @@ namespace kestrel::hardware {
 class BusPrimitives {
  public:
   BusPrimitives(ProgrammerState& state, Controls& controls, Registers& registers, PortAccess& port,
-                Clock& clock);
+                Waits& waits);
 
   // Chip enable and output enable, both active low. OEON and VPP24_OFF also take the programming
   // voltage off pin 24; OEOFF leaves it as it is.
@@ -61,15 +61,15 @@ class BusPrimitives {
   /// Busy loop of SettleFactor x 100 counts, counted in LoopIndex.
   void WaitSettlingTime();
 
-  void Delay2Seconds() { clock_.Sleep(2000); }
-  void ShortDelay20() { clock_.Spin(20); }
-  void ShortDelay10() { clock_.Spin(10); }
+  void Delay2Seconds() { waits_.Sleep(2000); }
+  void ShortDelay20() { waits_.Spin(20); }
+  void ShortDelay10() { waits_.Spin(10); }
 
   /// Real-time wait of so many milliseconds.
-  void sleepMs(std::int32_t milliseconds) { clock_.Sleep(milliseconds); }
+  void sleepMs(std::int32_t milliseconds) { waits_.Sleep(milliseconds); }
 
   /// Busy loop of so many counts.
-  void spin(std::int64_t counts) { clock_.Spin(counts); }
+  void spin(std::int64_t counts) { waits_.Spin(counts); }
 
  private:
   [[nodiscard]] std::uint8_t readStatus(std::int16_t nibbleSelect);
@@ -78,7 +78,7 @@ class BusPrimitives {
   Controls& controls_;
   Registers& registers_;
   PortAccess& port_;
-  Clock& clock_;
+  Waits& waits_;
 };
 
 }  // namespace kestrel::hardware

@@ -1,21 +1,64 @@
 #include "hardware/error_alert.h"
 
+#include <algorithm>
+
 namespace kestrel::hardware {
+namespace {
+
+const char* textOf(bool enabled) { return enabled ? "True" : "False"; }
+
+}  // namespace
+
+ErrorAlert::ErrorAlert(ProgrammerState& state, Controls& controls, Reporting& reporting,
+                       Lamps& lamps, BusPrimitives& bus)
+    : state_(state),
+      controls_(controls),
+      reporting_(reporting),
+      lamps_(lamps),
+      bus_(bus),
+      buttons_{&controls.Program_button, &controls.Verify_button, &controls.Read_button,
+               &controls.Display_button} {}
 
 void ErrorAlert::RaiseErrorAlert() {
-  p_.lamps.ErrorLampOn();
-  buttons_.lock();
+  lamps_.ErrorLampOn();
+  lock();
 }
 
 void ErrorAlert::Error_label_Click() {
   if (!isRaised()) return;
-  p_.lamps.ErrorLampOff();
-  p_.lamps.ProgramLampOff();
-  p_.lamps.DataFlowLampOff();
-  p_.reporting.LogMessage("Error Alert was Turned Off");
-  p_.controls.ProgressBar1.setValue(0);
-  buttons_.unlock();
-  p_.bus.Reset();
+  lamps_.ErrorLampOff();
+  lamps_.ProgramLampOff();
+  lamps_.DataFlowLampOff();
+  reporting_.LogMessage("Error Alert was Turned Off");
+  controls_.ProgressBar1.setValue(0);
+  unlock();
+  bus_.Reset();
+}
+
+void ErrorAlert::setEnabled(Button& button, bool enabled) {
+  const auto* const found = std::ranges::find(buttons_, &button);
+  if (!locked_ || found == buttons_.end()) {
+    button.setEnabled(enabled);
+  } else {
+    state_.SavedButtonState[static_cast<std::size_t>(found - buttons_.begin())] = textOf(enabled);
+  }
+}
+
+void ErrorAlert::lock() {
+  if (locked_) return;
+  locked_ = true;
+  for (std::size_t i = 0; i < buttons_.size(); ++i) {
+    state_.SavedButtonState[i] = textOf(buttons_[i]->enabled());
+    buttons_[i]->setEnabled(false);
+  }
+}
+
+void ErrorAlert::unlock() {
+  if (!locked_) return;
+  locked_ = false;
+  for (std::size_t i = 0; i < buttons_.size(); ++i) {
+    buttons_[i]->setEnabled(state_.SavedButtonState[i] == textOf(true));
+  }
 }
 
 }  // namespace kestrel::hardware

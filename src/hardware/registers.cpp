@@ -4,8 +4,8 @@
 
 namespace kestrel::hardware {
 
-Registers::Registers(ProgrammerState& state, PortAccess& port, Clock& clock)
-    : state_(state), port_(port), clock_(clock) {}
+Registers::Registers(ProgrammerState& state, PortAccess& port, Waits& waits)
+    : state_(state), port_(port), waits_(waits) {}
 
 // Bits 1 to 3 address the latch and bit 0 is the strobe. Models 5 and 6 use all four control lines
 // inverted. Both tables are kept literally, so that they can be held against the drawing.

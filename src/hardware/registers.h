@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "app/state/programmer_state.h"
-#include "platform/clock.h"
 #include "platform/port_access.h"
+#include "platform/waits.h"
 
 namespace kestrel::hardware {
 
@@ -54,7 +54,7 @@ constexpr std::int32_t withA14InBit7(std::int32_t mid) { return mid != 0 ? mid +
 /// a shadow outside 0..255 is an overflow (RuntimeError 6).
 class Registers {
  public:
-  Registers(ProgrammerState& state, PortAccess& port, Clock& clock);
+  Registers(ProgrammerState& state, PortAccess& port, Waits& waits);
 
   /// Fills the control-code tables of the two board families. Once, before any port access.
   void InitControlTables();
@@ -80,7 +80,7 @@ class Registers {
   void REG4OFF();
 
   /// Busy loop of BusDelayCount counts between addressing a latch and strobing it.
-  void BusDelay() { clock_.Spin(state_.BusDelayCount); }
+  void BusDelay() { waits_.Spin(state_.BusDelayCount); }
 
   /// Loads a latch without a wait and past its shadow: flash command cycles must follow each other
   /// as fast as the port allows.
@@ -92,7 +92,7 @@ class Registers {
 
   ProgrammerState& state_;
   PortAccess& port_;
-  Clock& clock_;
+  Waits& waits_;
 };
 
 }  // namespace kestrel::hardware

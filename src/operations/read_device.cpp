@@ -7,11 +7,11 @@
 
 namespace kestrel::operations {
 
-ReadDevice::ReadDevice(const OperationParts& parts, OperationButtons& buttons,
+ReadDevice::ReadDevice(const OperationParts& parts, hardware::ErrorAlert& alert,
                        display::MemoryDisplay& display, SerialEeprom& serial,
                        FailureReports& reports, Dialogs& dialogs)
     : p_(parts),
-      buttons_(buttons),
+      alert_(alert),
       display_(display),
       serial_(serial),
       reports_(reports),
@@ -74,7 +74,7 @@ void ReadDevice::finishReading() {
   for (Button* const button :
        {&c.Verify_button, &c.menuVerifyCode, &c.Program_button, &c.menuProgramCode, &c.Erase_button,
         &c.menuEraseCode, &c.mnuFileSaveCodeAs}) {
-    buttons_.enable(*button);
+    alert_.enable(*button);
   }
   p_.state.CodeBufferValid = 1;
 }

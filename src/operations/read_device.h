@@ -1,7 +1,7 @@
 #pragma once
 
-#include "app/state/operation_buttons.h"
 #include "display/memory_display.h"
+#include "hardware/error_alert.h"
 #include "operations/device_walk.h"
 #include "operations/failure_reports.h"
 #include "operations/operation_parts.h"
@@ -13,7 +13,7 @@ namespace kestrel::operations {
 /// The chip's contents into the code buffer.
 class ReadDevice {
  public:
-  ReadDevice(const OperationParts& parts, OperationButtons& buttons,
+  ReadDevice(const OperationParts& parts, hardware::ErrorAlert& alert,
              display::MemoryDisplay& display, SerialEeprom& serial, FailureReports& reports,
              Dialogs& dialogs);
 
@@ -33,7 +33,7 @@ class ReadDevice {
   void finishReading();
 
   OperationParts p_;
-  OperationButtons& buttons_;
+  hardware::ErrorAlert& alert_;
   display::MemoryDisplay& display_;
   SerialEeprom& serial_;
   FailureReports& reports_;

@@ -26,10 +26,10 @@ bool isAddressMappedFlash(const std::string& code) {
 
 }  // namespace
 
-DeviceSelection::DeviceSelection(const operations::OperationParts& parts, OperationButtons& buttons,
-                                 display::MemoryDisplay& display,
+DeviceSelection::DeviceSelection(const operations::OperationParts& parts,
+                                 hardware::ErrorAlert& alert, display::MemoryDisplay& display,
                                  operations::FlashIdentification& flash)
-    : p_(parts), buttons_(buttons), display_(display), flash_(flash) {}
+    : p_(parts), alert_(alert), display_(display), flash_(flash) {}
 
 void DeviceSelection::Device_Click() {
   DropDownList& list = p_.controls.Device;
@@ -54,7 +54,7 @@ void DeviceSelection::Device_Click() {
   enableForLoadedBuffers();
   p_.lamps.ErrorLampOff();
   p_.lamps.DataFlowLampOff();
-  buttons_.unlock();
+  alert_.unlock();
   reportSelection();
 }
 
@@ -126,7 +126,7 @@ void DeviceSelection::enableCommands() {
   const std::string& letter = p_.state.FamilyLetter;
   for (Button* const button : {&c.Read_button, &c.menuReadCode, &c.Display_button,
                                &c.menuDisplayCode, &c.Blank_button, &c.menuBlankCheck}) {
-    buttons_.enable(*button);
+    alert_.enable(*button);
   }
   if (letter == "S") {
     c.Blank_button.setEnabled(false);
@@ -196,14 +196,14 @@ void DeviceSelection::enableForLoadedBuffers() {
   if (p_.state.CodeBufferValid == 1) {
     for (Button* const button : {&c.Erase_button, &c.menuEraseCode, &c.Program_button,
                                  &c.menuProgramCode, &c.Verify_button, &c.menuVerifyCode}) {
-      buttons_.enable(*button);
+      alert_.enable(*button);
     }
   }
   if (p_.state.DataBufferValid == 1) {
     c.CheckData.setValue(1);
     for (Button* const button : {&c.Erase_button, &c.menuEraseData, &c.Program_button,
                                  &c.menuProgramData, &c.Verify_button, &c.menuVerifyData}) {
-      buttons_.enable(*button);
+      alert_.enable(*button);
     }
   }
 }

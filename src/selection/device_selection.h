@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-#include "app/state/operation_buttons.h"
 #include "display/memory_display.h"
+#include "hardware/error_alert.h"
 #include "operations/flash_identification.h"
 #include "operations/operation_parts.h"
 
@@ -12,7 +12,7 @@ namespace kestrel::selection {
 /// Choosing a device, a programming voltage, a speed.
 class DeviceSelection {
  public:
-  DeviceSelection(const operations::OperationParts& parts, OperationButtons& buttons,
+  DeviceSelection(const operations::OperationParts& parts, hardware::ErrorAlert& alert,
                   display::MemoryDisplay& display, operations::FlashIdentification& flash);
 
   /// Takes over the row that the list's position names. An entry that is not available is
@@ -41,7 +41,7 @@ class DeviceSelection {
   void reportSelection();
 
   operations::OperationParts p_;
-  OperationButtons& buttons_;
+  hardware::ErrorAlert& alert_;
   display::MemoryDisplay& display_;
   operations::FlashIdentification& flash_;
 };

@@ -2,8 +2,8 @@
 
 #include <cstdint>
 
-#include "platform/clock.h"
 #include "platform/port_access.h"
+#include "platform/waits.h"
 #include "simulator/bench.h"
 
 namespace kestrel::sim {
@@ -12,7 +12,7 @@ namespace kestrel::sim {
 ///
 /// A sleep and a busy loop pass in virtual time, at once by the host's clock; time of day and date
 /// are the host's.
-class SimulatedPort final : public PortAccess, public Clock {
+class SimulatedPort final : public PortAccess, public Waits {
  public:
   /// The bench outlives the port. A busy-loop count lasts `countNs` nanoseconds.
   explicit SimulatedPort(Bench& bench, std::int64_t countNs = kDefaultCountNs)

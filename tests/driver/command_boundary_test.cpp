@@ -11,7 +11,7 @@ namespace {
 using Log = std::vector<std::string>;
 
 /// Passes on to the simulated board; before one of the reads something happens.
-struct DisturbedPort final : PortAccess, Clock {
+struct DisturbedPort final : PortAccess, Waits {
   explicit DisturbedPort(sim::SimulatedPort& given) : port(given) {}
   void PortOut(std::int16_t number, std::uint8_t value) override {
     if (stop != nullptr && stop->isThrown()) throw OperationStopped();
@@ -72,7 +72,7 @@ TEST(CommandBoundary, errorsAndStopAreToldOnceAndTheBoardPutToRest) {
   d.read([] { throw std::bad_alloc(); });
   d.read([] { throw std::logic_error("a slip"); });
   d.rig.dialogs.boxes.clear();
-  d.read([&d] { d.rig.stop.throwIt(); });
+  d.read([&d] { d.rig.stop.stopCommand(); });
   EXPECT_EQ(d.rig.form.lastOutcome(), form::frmMain::Outcome::Stopped);
   EXPECT_TRUE(d.rig.dialogs.boxes.empty());
   EXPECT_EQ(d.rig.log(),

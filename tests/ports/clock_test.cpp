@@ -42,7 +42,7 @@ TEST(MonotonicClock, endsWhenTheSwitchIsThrown) {
   StopSwitch stop;
   ports::MonotonicClock clock(25, &stop);
   const auto start = Time::now();
-  std::thread person([&] { std::this_thread::sleep_for(20ms), stop.throwIt(); });
+  std::thread person([&] { std::this_thread::sleep_for(20ms), stop.stopCommand(); });
   clock.Spin(4'000'000'000), clock.Sleep(60'000);
   EXPECT_LT(Time::now() - start, 10s);
   person.join();

@@ -56,12 +56,12 @@ TEST_F(Attended, passesNothingOnWhileTheSwitchIsThrown) {
   const std::function<void()> calls[]{[&] { port.PortOut(0x378, 0x5A); },
                                       [&] { static_cast<void>(port.PortIn(0x379)); },
                                       [&] { port.Sleep(500); }, [&] { port.Spin(40'002); }};
-  stop.throwIt();
+  stop.stopCommand();
   for (const auto& call : calls) EXPECT_THROW(call(), OperationStopped);
   EXPECT_EQ(machine.taken(), "");
-  machine.onEvent = [&] { stop.throwIt(); };
+  machine.onEvent = [&] { stop.stopCommand(); };
   for (const auto& wait : {calls[2], calls[3]}) {
-    stop.reset();
+    stop.beginCommand();
     EXPECT_THROW(wait(), OperationStopped);
   }
   EXPECT_EQ(machine.taken(), "sleep10 spin40002") << "each thrown in its middle";

@@ -96,7 +96,7 @@ TEST(Stop, atAnyMomentLeavesTheBoardIdleAndTheNextCommandWorking) {
       int count = 0;
       f.insert("27C64", programs ? Bytes() : randomBytes(8192, 43));
       f.kernel.onAccess = [&] {
-        if (++count == stopAt) f.stop.throwIt();
+        if (++count == stopAt) f.stop.stopCommand();
       };
       programs ? f.rig.program() : f.rig.press("Read_button");
       f.kernel.onAccess = nullptr;

@@ -13,6 +13,7 @@
 #include "platform/screen.h"
 #include "platform/settings_store.h"
 #include "platform/sound_player.h"
+#include "platform/time_of_day.h"
 
 namespace kestrel::test {
 
@@ -51,6 +52,13 @@ class ScriptedDialogs final : public Dialogs {
     script.pop_front();
     return next;
   }
+};
+
+class FixedTime final : public TimeOfDay {
+ public:
+  [[nodiscard]] std::string longTime() const override { return "14:03:07"; }
+  [[nodiscard]] std::string shortTime() const override { return "14:03"; }
+  [[nodiscard]] std::string shortDate() const override { return "2026-11-21"; }
 };
 
 class RecordingSounds final : public SoundPlayer {

@@ -21,10 +21,13 @@ namespace kestrel::test {
 /// The form over any port and clock, with scripted surroundings and its own folders. A stop switch
 /// that layers below share, and a care for real ports, are given from outside.
 struct FormRig {
-  FormRig(PortAccess& port, Clock& clock, StopSwitch* shared = nullptr, PortCare* care = nullptr)
+  FormRig(PortAccess& port, Waits& waits, StopSwitch* shared = nullptr,
+          PortService* service = nullptr)
       : stop(shared != nullptr ? *shared : ownStop),
         form({.port = port,
-              .clock = clock,
+              .waits = waits,
+              .portService = service != nullptr ? *service : noService,
+              .time = time,
               .sounds = sounds,
               .settings = settings,
               .help = help,
@@ -33,8 +36,7 @@ struct FormRig {
               .stop = stop,
               .folders = {.configuration = folder / "config",
                           .data = folder / "data",
-                          .working = folder.path()},
-              .care = care}),
+                          .working = folder.path()}}),
         controls(form.controls()),
         state(form.state()) {}
 
@@ -79,6 +81,8 @@ struct FormRig {
   }
 
   TemporaryFolder folder;
+  FixedTime time;
+  PortService noService;
   RecordingSounds sounds;
   MemorySettings settings;
   RecordingHelp help;
@@ -131,7 +135,7 @@ struct SimulatedForm : BoardOnBench {
   explicit SimulatedForm(sim::Model model = sim::Model::kestrel5, Trace tracing = Trace::On)
       : BoardOnBench(model),
         rig(tracing == Trace::On ? static_cast<PortAccess&>(traced) : port,
-            tracing == Trace::On ? static_cast<Clock&>(traced) : port) {}
+            tracing == Trace::On ? static_cast<Waits&>(traced) : port) {}
 
   void start() { BoardOnBench::start(rig); }
 

@@ -7,15 +7,15 @@
 #include <string>
 
 #include "app/state/text_format.h"
-#include "platform/clock.h"
 #include "platform/port_access.h"
+#include "platform/waits.h"
 
 namespace kestrel::test {
 
 /// A port and a clock that answer reads from a script (FFh when it is empty) and write down what is
 /// asked of them in one line: a write "378=5A", a read "379?", a busy loop "spin12", a wait
 /// "sleep200".
-class PortScript final : public PortAccess, public Clock {
+class PortScript final : public PortAccess, public Waits {
  public:
   void PortOut(std::int16_t port, std::uint8_t value) override {
     note(hexText(port) + "=" + hexText(value, 2));
@@ -31,9 +31,6 @@ class PortScript final : public PortAccess, public Clock {
   void Spin(std::int64_t counts) override {
     if (counts > 0) note("spin" + std::to_string(counts));
   }
-  [[nodiscard]] std::string longTime() const override { return "14:03:07"; }
-  [[nodiscard]] std::string shortTime() const override { return "14:03"; }
-  [[nodiscard]] std::string shortDate() const override { return "2026-11-21"; }
 
   /// What was written down since the last call.
   [[nodiscard]] std::string taken() { return std::exchange(line_, std::string()); }

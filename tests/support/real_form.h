@@ -7,8 +7,8 @@
 namespace kestrel::test {
 
 /// Looks after real ports as the programs do.
-struct CareOf final : PortCare {
-  explicit CareOf(ports::RealPorts& given) : ports(given) {}
+struct ServiceOf final : PortService {
+  explicit ServiceOf(ports::RealPorts& given) : ports(given) {}
   void takeMissing() override { ports.takeMissing(); }
   [[nodiscard]] std::vector<std::string> diagnosis() const override { return ports.diagnosis(); }
 
@@ -31,12 +31,12 @@ struct RealForm : BoardOnBench {
   StandInKernel kernel;
   std::unique_ptr<ports::RealPorts> ports = ports::openRealPorts(
       kernel, {{ports::parsePortChoice("378=/dev/parport0")}, root.path(), root.path()});
-  CareOf care{*ports};
+  ServiceOf service{*ports};
   StopSwitch stop;
   FakeScreen screen;
   ports::InterruptiblePort interruptible{ports->port(), port, stop, screen};
   ports::TracingPort traced{interruptible, interruptible, trace};
-  FormRig rig{traced, traced, &stop, &care};
+  FormRig rig{traced, traced, &stop, &service};
 };
 
 }  // namespace kestrel::test

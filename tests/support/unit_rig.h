@@ -24,7 +24,7 @@ struct ScriptEnd {};
 /// A port over which a board seems to give bytes from a script: the low half of the next byte, then
 /// its high half, as control bit 2 chooses. A high half alone takes a byte of its own. Waits pass
 /// at once.
-class ScriptedPort final : public PortAccess, public Clock {
+class ScriptedPort final : public PortAccess, public Waits {
  public:
   explicit ScriptedPort(int model) : isModel4_(model == 4) {}
 
@@ -99,13 +99,13 @@ struct UnitRig {
   Folders folders;
   ProgrammerState state;
   Controls controls;
-  Reporting reporting{state, controls, traced, sounds, screen, folders};
-  OperationButtons buttons{state, controls};
+  FixedTime time;
+  Reporting reporting{state, controls, time, sounds, screen, folders};
   hardware::Registers registers{state, traced, traced};
   hardware::BusPrimitives bus{state, controls, registers, traced, traced};
   hardware::Lamps lamps{state, controls, registers, screen};
   operations::OperationParts parts{state, controls, reporting, lamps, registers, bus};
-  hardware::ErrorAlert alert{parts, buttons};
+  hardware::ErrorAlert alert{state, controls, reporting, lamps, bus};
   operations::FailureReports reports{parts, alert};
   operations::ProgramImage programImage{state, controls};
   operations::EpromProgrammer eprom{parts, reports};

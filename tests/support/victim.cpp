@@ -61,7 +61,7 @@ Program& readyProgram(sim::Model model) {
   program.turnout.connect(0x378, interruptible);
   // A signal between two commands: the next one puts the switch back, its first turn throws it.
   program.rig.screen.onTurn = [&] {
-    if (signals.isEndRequested()) program.stop.throwIt();
+    if (signals.isEndRequested()) program.stop.stopCommand();
   };
   tape.isRunning = true;
   const auto endsAt = Time::now() + (end ? runsFor : 10s);

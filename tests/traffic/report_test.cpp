@@ -57,5 +57,22 @@ TEST(FailureReports, tellWhatFailedAndWhatToDo) {
   }
 }
 
+TEST(AlertLock, givesBackTheRecordAndWhatAProcedureEnabledMeanwhile) {
+  UnitRig rig;
+  Controls& c = rig.controls;
+  rig.alert.enable(c.Program_button);
+  rig.alert.enable(c.Read_button);
+  rig.alert.RaiseErrorAlert();
+  EXPECT_EQ(rig.state.SavedButtonState,
+            (std::array<std::string, 4>{"True", "False", "True", "False"}));
+  rig.alert.RaiseErrorAlert();
+  rig.alert.enable(c.Display_button);
+  rig.alert.setEnabled(c.Read_button, false);
+  EXPECT_EQ(enabledOf(c, "Program_button Verify_button Read_button Display_button"), "");
+  rig.alert.unlock();
+  EXPECT_EQ(enabledOf(c, "Program_button Verify_button Read_button Display_button"),
+            "Program_button Display_button");
+}
+
 }  // namespace
 }  // namespace kestrel::test

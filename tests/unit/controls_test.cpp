@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "app/state/operation_buttons.h"
+#include "hardware/error_alert.h"
 #include "platform/runtime_error.h"
 #include "support/control_names.h"
 
@@ -72,23 +72,6 @@ TEST(FormAtStart, whatAProcedureEnablesIsDisabledAndWhatOneShowsIsHidden) {
             "frmDisplay1 FileNameDataLabel FileNameDataSize FileNameDataText tbToolBar(3) "
             "tbToolBar(4) tbToolBar(5)");
   EXPECT_EQ(c.Slider1.value(), 18);
-}
-
-TEST(OperationButtonLock, givesBackTheRecordAndWhatAProcedureEnabledMeanwhile) {
-  ProgrammerState state;
-  Controls c;
-  OperationButtons buttons(state, c);
-  buttons.enable(c.Program_button);
-  buttons.enable(c.Read_button);
-  buttons.lock();
-  EXPECT_EQ(state.SavedButtonState, (std::array<std::string, 4>{"True", "False", "True", "False"}));
-  buttons.lock();
-  buttons.enable(c.Display_button);
-  buttons.setEnabled(c.Read_button, false);
-  EXPECT_EQ(test::enabledOf(c, "Program_button Verify_button Read_button Display_button"), "");
-  buttons.unlock();
-  EXPECT_EQ(test::enabledOf(c, "Program_button Verify_button Read_button Display_button"),
-            "Program_button Display_button");
 }
 
 }  // namespace

@@ -74,7 +74,7 @@ TEST(Running, closingWaitsForTheEndOfTheCommand) {
 TEST(Running, aSignalStopsTheCommandAndClosesTheWindow) {
   LargeChip rig;
   const ports::SignalStop signalStop(rig.stop);
-  const window::SignalEnd end(signalStop, rig.stop, rig.window);
+  const window::SignalEnd end(signalStop, rig.window);
   EXPECT_EQ(rig.read([] { std::raise(SIGTERM); }), Outcome::Stopped);
   rig.turn();
   EXPECT_FALSE(rig.window.isVisible());
@@ -84,7 +84,7 @@ TEST(Running, aSignalStopsTheCommandAndClosesTheWindow) {
 TEST(Running, aSignalCancelsTheQuestionThatIsOpen) {
   StartedRig rig("27C256");
   const ports::SignalStop signalStop(rig.stop);
-  const window::SignalEnd end(signalStop, rig.stop, rig.window);
+  const window::SignalEnd end(signalStop, rig.window);
   rig.openFile("image.bin", {1, 2, 3});
   const WithDialog asked([](QDialog&) { std::raise(SIGHUP); });
   rig.click("Program_button");

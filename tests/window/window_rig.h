@@ -37,7 +37,9 @@ struct WindowRig {
   explicit WindowRig(const launch::LaunchOptions& options = simulatedOptions("27C256"))
       : ports(options, "27C256", stop, screen),
         form({.port = ports.port(),
-              .clock = ports.clock(),
+              .waits = ports.waits(),
+              .portService = ports,
+              .time = time,
               .sounds = sounds,
               .settings = settings,
               .help = help,
@@ -46,8 +48,7 @@ struct WindowRig {
               .stop = stop,
               .folders = {.configuration = folder / "config",
                           .data = folder / "data",
-                          .working = folder.path()},
-              .care = &ports}),
+                          .working = folder.path()}}),
         window({.form = form,
                 .mirror = mirror,
                 .gate = gate,
@@ -126,6 +127,7 @@ struct WindowRig {
   window::Mirror mirror;
   window::HeldInput input;
   window::CommandGate gate{mirror, input};
+  const TimeOfDay time;
   StopSwitch stop;
   window::QtScreen screen{mirror, gate, input};
   window::QtDialogs dialogs{mirror};

@@ -32,15 +32,15 @@ void CommandBoundary::run(const std::function<void()>& handler) {
     return;
   }
   const Running running(running_);
-  stop_.reset();
+  stop_.beginCommand();
   keepBuffer();
-  care_.beginCommand();
+  service_.beginOperation();
   outcome_ = runToOutcome(handler);
   if (outcome_ != frmMain::Outcome::Done) {
     restoreBuffer();
     (void)runToOutcome([this] { putToRest(); });
   }
-  care_.endCommand();
+  service_.endOperation();
   tellStretchedPulses();
 }
 
@@ -68,7 +68,7 @@ frmMain::Outcome CommandBoundary::runToOutcome(const std::function<void()>& step
 }
 
 void CommandBoundary::tellStretchedPulses() {
-  const std::uint64_t pulses = care_.takeStretchedPulses();
+  const std::uint64_t pulses = service_.takeStretchedPulses();
   if (pulses == 0) return;
   p_.reporting.LogMessage(std::to_string(pulses) +
                           " pulses lasted more than twice their time, the computer was busy");
@@ -94,18 +94,9 @@ void CommandBoundary::putToRest() {
   resetBoard();
 }
 
-// The stop that ended the command must not end this too, nor a second one that comes meanwhile.
 void CommandBoundary::resetBoard() {
-  bool isIdle = false;
-  while (!isIdle) {
-    stop_.reset();
-    try {
-      p_.bus.Reset();
-      isIdle = true;
-    } catch (const OperationStopped&) {
-      continue;
-    }
-  }
+  const StopSwitch::Shield shield(stop_);
+  p_.bus.Reset();
 }
 
 }  // namespace kestrel::form

@@ -7,7 +7,7 @@
 #include "app/form/frm_main.h"
 #include "app/state/error_report.h"
 #include "operations/operation_parts.h"
-#include "platform/port_care.h"
+#include "platform/port_service.h"
 #include "platform/stop_switch.h"
 
 namespace kestrel::form {
@@ -18,8 +18,8 @@ namespace kestrel::form {
 class CommandBoundary {
  public:
   CommandBoundary(const operations::OperationParts& parts, ErrorReport& errors, StopSwitch& stop,
-                  PortCare& care)
-      : p_(parts), errors_(errors), stop_(stop), care_(care) {}
+                  PortService& service)
+      : p_(parts), errors_(errors), stop_(stop), service_(service) {}
 
   void run(const std::function<void()>& handler);
 
@@ -44,7 +44,7 @@ class CommandBoundary {
   operations::OperationParts p_;
   ErrorReport& errors_;
   StopSwitch& stop_;
-  PortCare& care_;
+  PortService& service_;
   std::vector<std::uint8_t> keptBuffer_;
   std::int32_t keptLength_ = 0;
   bool running_ = false;

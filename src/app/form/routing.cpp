@@ -97,7 +97,7 @@ void frmMain::Units::connectValues() {
 }
 
 void frmMain::Units::testHardware() {
-  care().takeMissing();
+  machine.portService.takeMissing();
   detection.TestHardware_button_Click();
   tellDiagnosis();
 }

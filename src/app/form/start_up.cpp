@@ -73,7 +73,7 @@ void frmMain::Units::findBoard() {
 // Why a real port may have no board behind it.
 void frmMain::Units::tellDiagnosis() {
   if (state.KestrelModel != 0) return;
-  for (const std::string& line : care().diagnosis()) reporting.LogMessage(line);
+  for (const std::string& line : machine.portService.diagnosis()) reporting.LogMessage(line);
 }
 
 // The board comes first; a port that has gone must not keep the window from closing.

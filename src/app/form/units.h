@@ -4,7 +4,6 @@
 #include "app/form/frm_main.h"
 #include "app/form/help_commands.h"
 #include "app/state/error_report.h"
-#include "app/state/operation_buttons.h"
 #include "buffers/buffer_files.h"
 #include "display/device_display.h"
 #include "display/exports.h"
@@ -34,28 +33,27 @@ struct frmMain::Units {
   explicit Units(const Machine& given) : machine(given) {}
 
   Machine machine;
-  PortCare noCare;
   ProgrammerState state;
   Controls controls;
 
-  Reporting reporting{state,          controls,       machine.clock,
+  Reporting reporting{state,          controls,       machine.time,
                       machine.sounds, machine.screen, machine.folders};
   ErrorReport errors{reporting, machine.dialogs};
-  OperationButtons buttons{state, controls};
 
-  hardware::Registers registers{state, machine.port, machine.clock};
-  hardware::BusPrimitives bus{state, controls, registers, machine.port, machine.clock};
+  hardware::Registers registers{state, machine.port, machine.waits};
+  hardware::BusPrimitives bus{state, controls, registers, machine.port, machine.waits};
   hardware::Lamps lamps{state, controls, registers, machine.screen};
+  hardware::ErrorAlert alert{state, controls, reporting, lamps, bus};
   hardware::BoardDetection detection{{.state = state,
                                       .controls = controls,
                                       .reporting = reporting,
                                       .errors = errors,
-                                      .buttons = buttons,
+                                      .alert = alert,
                                       .lamps = lamps,
                                       .registers = registers,
                                       .bus = bus,
                                       .port = machine.port,
-                                      .clock = machine.clock,
+                                      .time = machine.time,
                                       .folders = machine.folders}};
   operations::OperationParts parts{.state = state,
                                    .controls = controls,
@@ -67,16 +65,15 @@ struct frmMain::Units {
   display::MemoryDisplay memoryDisplay{state, controls, bus};
   display::DeviceDisplay deviceDisplay{state,     controls, reporting,      lamps,
                                        registers, bus,      machine.dialogs};
-  display::Exports exports{state, controls, reporting, machine.clock, machine.folders};
+  display::Exports exports{state, controls, reporting, machine.time, machine.folders};
   buffers::BufferFiles files{{.state = state,
                               .controls = controls,
                               .reporting = reporting,
-                              .buttons = buttons,
+                              .alert = alert,
                               .lamps = lamps,
                               .display = memoryDisplay,
                               .dialogs = machine.dialogs}};
 
-  hardware::ErrorAlert alert{parts, buttons};
   operations::FailureReports reports{parts, alert};
   operations::ProgramImage image{state, controls};
   operations::SerialEeprom serial{parts, reports};
@@ -85,7 +82,7 @@ struct frmMain::Units {
   operations::FlashProgrammer flashProgrammer{parts, flashIdentification, reports, machine.screen};
   operations::PageWriter pages{parts, protection, image, reports};
   operations::EpromProgrammer eprom{parts, reports};
-  operations::ReadDevice read{parts, buttons, memoryDisplay, serial, reports, machine.dialogs};
+  operations::ReadDevice read{parts, alert, memoryDisplay, serial, reports, machine.dialogs};
   operations::BlankCheck blank{parts, reports, machine.dialogs};
   operations::Verify verify{parts, image, serial, reports, machine.dialogs};
   operations::EraseChip erase{parts, pages, flashProgrammer, serial, reports};
@@ -100,10 +97,10 @@ struct frmMain::Units {
                                       .flash = flashProgrammer,
                                       .serial = serial,
                                       .dialogs = machine.dialogs}};
-  selection::DeviceSelection devices{parts, buttons, memoryDisplay, flashIdentification};
+  selection::DeviceSelection devices{parts, alert, memoryDisplay, flashIdentification};
   setups::NamedSetups setups{state, controls, reporting, files, machine.dialogs, machine.folders};
   HelpCommands help{machine.help, machine.dialogs, machine.folders};
-  CommandBoundary boundary{parts, errors, machine.stop, care()};
+  CommandBoundary boundary{parts, errors, machine.stop, machine.portService};
 
   // Start-up and shut-down.
   void showNoBoardYet();
@@ -118,7 +115,6 @@ struct frmMain::Units {
   void connectToolbar();
 
  private:
-  [[nodiscard]] PortCare& care() { return machine.care != nullptr ? *machine.care : noCare; }
   template <typename Unit>
   void onPress(Button& button, Unit& unit, void (Unit::*handler)()) {
     button.onPress([this, &unit, handler] { boundary.run([&] { (unit.*handler)(); }); });

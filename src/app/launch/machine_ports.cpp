@@ -26,7 +26,7 @@ MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaul
     : simulated_(simulatedBoard(options, defaultChip)),
       simulatedPort_(simulatedPort(simulated_.get(), options)),
       monotonic_(options.countNs, &stop),
-      interruptible_(lowestPort(options), lowestClock(), stop, screen) {
+      interruptible_(lowestPort(options), lowestWaits(), stop, screen) {
   if (options.trace.empty()) return;
   traceFile_.open(options.trace, std::ios::binary | std::ios::trunc);
   if (!traceFile_) throw FileError("write", options.trace.string(), errno);
@@ -42,12 +42,12 @@ PortAccess& MachinePorts::lowestPort(const LaunchOptions& options) {
   return realPorts_->port();
 }
 
-Clock& MachinePorts::lowestClock() {
+Waits& MachinePorts::lowestWaits() {
   if (simulatedPort_) return *simulatedPort_;
   return monotonic_;
 }
 
-void MachinePorts::beginCommand() {
+void MachinePorts::beginOperation() {
   if (realPorts_) priority_.emplace();
 }
 
@@ -70,7 +70,7 @@ PortAccess& MachinePorts::port() {
   return interruptible_;
 }
 
-Clock& MachinePorts::clock() {
+Waits& MachinePorts::waits() {
   if (trace_) return *trace_;
   return interruptible_;
 }

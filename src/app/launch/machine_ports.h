@@ -16,7 +16,7 @@
 #include "hardware/ports/real_time.h"
 #include "hardware/ports/system_calls.h"
 #include "hardware/ports/tracing_port.h"
-#include "platform/port_care.h"
+#include "platform/port_service.h"
 #include "platform/screen.h"
 #include "platform/stop_switch.h"
 #include "simulator/simulated_port.h"
@@ -25,7 +25,7 @@ namespace kestrel::launch {
 
 /// The ports and the clock that the options ask for, in their layers:
 /// trace (if asked for) over the interruptible port over the real ports or the simulated board.
-class MachinePorts final : public PortCare {
+class MachinePorts final : public PortService {
  public:
   /// The switch and the screen outlive this. `defaultChip` is in the simulated socket when no
   /// --chip is given. Throws UsageError, and FileError for a chip or trace file.
@@ -33,21 +33,21 @@ class MachinePorts final : public PortCare {
                Screen& screen);
 
   [[nodiscard]] PortAccess& port();
-  [[nodiscard]] Clock& clock();
+  [[nodiscard]] Waits& waits();
 
   /// The simulated machine; nullptr with real ports.
   [[nodiscard]] SimulatedBoard* simulated() { return simulated_.get(); }
 
-  // The care for real ports; with the simulated board there is nothing to do.
-  void beginCommand() override;
-  void endCommand() override { priority_.reset(); }
+  // The service of real ports; with the simulated board there is nothing to do.
+  void beginOperation() override;
+  void endOperation() override { priority_.reset(); }
   void takeMissing() override;
   [[nodiscard]] std::vector<std::string> diagnosis() const override;
   [[nodiscard]] std::uint64_t takeStretchedPulses() override;
 
  private:
   PortAccess& lowestPort(const LaunchOptions& options);
-  Clock& lowestClock();
+  Waits& lowestWaits();
 
   std::unique_ptr<SimulatedBoard> simulated_;
   std::unique_ptr<sim::SimulatedPort> simulatedPort_;

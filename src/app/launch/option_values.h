@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "hardware/ports/port_choice.h"
-#include "platform/clock.h"
+#include "platform/waits.h"
 #include "simulator/model.h"
 
 namespace kestrel::launch {

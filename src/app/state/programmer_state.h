@@ -131,8 +131,7 @@ struct ProgrammerState {
   std::string LastMessage;
   std::int16_t ProgressStep = 0;
   std::int16_t ProgressCount = 0;
-  std::array<std::string, 4>
-      SavedButtonState{};  ///< "True" or "False"; app/state/operation_buttons
+  std::array<std::string, 4> SavedButtonState{};  ///< "True" or "False"; hardware/error_alert
 };
 
 }  // namespace kestrel

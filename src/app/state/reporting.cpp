@@ -19,17 +19,17 @@ constexpr std::array<std::pair<std::string_view, const char*>, 5> kSoundFiles{{
 
 }  // namespace
 
-Reporting::Reporting(ProgrammerState& state, Controls& controls, const Clock& clock,
+Reporting::Reporting(ProgrammerState& state, Controls& controls, const TimeOfDay& time,
                      SoundPlayer& sounds, Screen& screen, const Folders& folders)
     : state_(state),
       controls_(controls),
-      clock_(clock),
+      time_(time),
       sounds_(sounds),
       screen_(screen),
       folders_(folders) {}
 
 void Reporting::LogMessage(std::string_view message) {
-  controls_.SystemLog.append("\r\n" + clock_.longTime() + ">  " + std::string(message));
+  controls_.SystemLog.append("\r\n" + time_.longTime() + ">  " + std::string(message));
   screen_.turn();
 }
 

@@ -4,17 +4,17 @@
 
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
-#include "platform/clock.h"
 #include "platform/folders.h"
 #include "platform/screen.h"
 #include "platform/sound_player.h"
+#include "platform/time_of_day.h"
 
 namespace kestrel {
 
 /// How every operation reports: the system log, a sound for the outcome, the progress bar.
 class Reporting {
  public:
-  Reporting(ProgrammerState& state, Controls& controls, const Clock& clock, SoundPlayer& sounds,
+  Reporting(ProgrammerState& state, Controls& controls, const TimeOfDay& time, SoundPlayer& sounds,
             Screen& screen, const Folders& folders);
 
   /// Appends a line break, the time of day, ">  " and the message to the system log. The log is
@@ -34,7 +34,7 @@ class Reporting {
  private:
   ProgrammerState& state_;
   Controls& controls_;
-  const Clock& clock_;
+  const TimeOfDay& time_;
   SoundPlayer& sounds_;
   Screen& screen_;
   const Folders& folders_;

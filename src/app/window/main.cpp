@@ -36,6 +36,7 @@ int runProgram(const Arguments& arguments) {
   HeldInput input;
   CommandGate gate(mirror, input);
   StopSwitch stop;
+  const TimeOfDay time;
   const ports::SignalStop signalStop(stop);
   QtScreen screen(mirror, gate, input);
   QtDialogs dialogs(mirror);
@@ -45,15 +46,16 @@ int runProgram(const Arguments& arguments) {
   const Folders folders = launch::programFolders(arguments.launch);
   launch::MachinePorts ports(arguments.launch, kDefaultChip, stop, screen);
   form::frmMain form({.port = ports.port(),
-                      .clock = ports.clock(),
+                      .waits = ports.waits(),
+                      .portService = ports,
+                      .time = time,
                       .sounds = sounds,
                       .settings = settings,
                       .help = help,
                       .dialogs = dialogs,
                       .screen = screen,
                       .stop = stop,
-                      .folders = folders,
-                      .care = &ports});
+                      .folders = folders});
   MainWindow window({.form = form,
                      .mirror = mirror,
                      .gate = gate,
@@ -62,7 +64,7 @@ int runProgram(const Arguments& arguments) {
                      .dialogs = dialogs,
                      .settings = settings,
                      .stop = stop});
-  const SignalEnd end(signalStop, stop, window);
+  const SignalEnd end(signalStop, window);
   help.setOwner(window);
   launch::SimulatedBoard* const simulated = ports.simulated();
   if (simulated != nullptr) {

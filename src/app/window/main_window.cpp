@@ -92,13 +92,10 @@ void MainWindow::connectCommands() {
   parts_.screen.setMainWindow(*this);
   parts_.dialogs.setOwner(*this);
   parts_.gate.setOwner(*this);
-  const auto stop = [this] { parts_.stop.throwIt(); };
+  const auto stop = [this] { parts_.stop.stopCommand(); };
   parts_.input.setStop(strip_->stopButton(), stop);
   strip_->onStop(stop);
-  parts_.gate.whenStarted([this] {
-    parts_.stop.reset();
-    strip_->setRunning(true);
-  });
+  parts_.gate.whenStarted([this] { strip_->setRunning(true); });
   parts_.gate.whenEnded([this] {
     strip_->setRunning(false);
     if (closeWanted_) QTimer::singleShot(0, this, [this] { close(); });

@@ -9,8 +9,8 @@ constexpr int kStepMs = 20;
 
 }  // namespace
 
-SignalEnd::SignalEnd(const ports::SignalStop& signalStop, StopSwitch& stop, QWidget& window)
-    : stop_(stop), window_(window), notifier_(signalStop.descriptor(), QSocketNotifier::Read) {
+SignalEnd::SignalEnd(const ports::SignalStop& signalStop, QWidget& window)
+    : window_(window), notifier_(signalStop.descriptor(), QSocketNotifier::Read) {
   QObject::connect(&again_, &QTimer::timeout, &again_, [this] { step(); });
   QObject::connect(&notifier_, &QSocketNotifier::activated, &again_, [this] {
     notifier_.setEnabled(false);  // the descriptor stays readable
@@ -19,9 +19,7 @@ SignalEnd::SignalEnd(const ports::SignalStop& signalStop, StopSwitch& stop, QWid
   });
 }
 
-// A command that was just beginning has put back the switch that the signal threw.
 void SignalEnd::step() {
-  stop_.throwIt();
   if (QWidget* const dialog = QApplication::activeModalWidget()) {
     dialog->close();
     return;

@@ -5,7 +5,6 @@
 #include <QWidget>
 
 #include "hardware/ports/signal_stop.h"
-#include "platform/stop_switch.h"
 
 namespace kestrel::window {
 
@@ -14,13 +13,12 @@ namespace kestrel::window {
 /// that gives the event loop its turns.
 class SignalEnd {
  public:
-  /// All three outlive this.
-  SignalEnd(const ports::SignalStop& signalStop, StopSwitch& stop, QWidget& window);
+  /// Both outlive this.
+  SignalEnd(const ports::SignalStop& signalStop, QWidget& window);
 
  private:
   void step();
 
-  StopSwitch& stop_;
   QWidget& window_;
   QSocketNotifier notifier_;
   QTimer again_;  // until the window is closed: one dialog may follow another

@@ -14,9 +14,9 @@ constexpr std::int64_t kNsPerMs = 1'000'000;
 
 }  // namespace
 
-InterruptiblePort::InterruptiblePort(PortAccess& port, Clock& clock, const StopSwitch& stop,
+InterruptiblePort::InterruptiblePort(PortAccess& port, Waits& waits, const StopSwitch& stop,
                                      Screen& screen)
-    : port_(port), clock_(clock), stop_(stop), screen_(screen) {}
+    : port_(port), waits_(waits), stop_(stop), screen_(screen) {}
 
 void InterruptiblePort::stopped() { throw OperationStopped(); }
 
@@ -34,7 +34,7 @@ std::uint8_t InterruptiblePort::PortIn(std::int16_t port) {
 }
 
 void InterruptiblePort::sleepSlice(std::int32_t milliseconds) {
-  clock_.Sleep(milliseconds);
+  waits_.Sleep(milliseconds);
   sinceTurnNs_ += milliseconds * kNsPerMs;
   throwIfStopped();
 }
@@ -56,7 +56,7 @@ void InterruptiblePort::Sleep(std::int32_t milliseconds) {
 
 void InterruptiblePort::Spin(std::int64_t counts) {
   throwIfStopped();
-  clock_.Spin(counts);
+  waits_.Spin(counts);
   sinceTurnNs_ += std::clamp<std::int64_t>(counts, 0, kTurnNs) * kDefaultCountNs;
   throwIfStopped();
 }

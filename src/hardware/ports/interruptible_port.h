@@ -3,10 +3,10 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/clock.h"
 #include "platform/port_access.h"
 #include "platform/screen.h"
 #include "platform/stop_switch.h"
+#include "platform/waits.h"
 
 namespace kestrel::ports {
 
@@ -23,14 +23,14 @@ namespace kestrel::ports {
 ///   one that the switch interrupts (MonotonicClock), and the exception follows here.
 ///
 /// Not thread-safe, as the ports are not.
-class InterruptiblePort final : public PortAccess, public Clock {
+class InterruptiblePort final : public PortAccess, public Waits {
  public:
   static constexpr std::int32_t kLongSleepMs = 20;
   static constexpr std::int32_t kSliceMs = 10;
   static constexpr std::int64_t kTurnNs = 4'000'000;
 
   /// All four outlive this layer.
-  InterruptiblePort(PortAccess& port, Clock& clock, const StopSwitch& stop, Screen& screen);
+  InterruptiblePort(PortAccess& port, Waits& waits, const StopSwitch& stop, Screen& screen);
 
   void PortOut(std::int16_t port, std::uint8_t value) override {
     throwIfStopped();
@@ -39,9 +39,6 @@ class InterruptiblePort final : public PortAccess, public Clock {
   [[nodiscard]] std::uint8_t PortIn(std::int16_t port) override;
   void Sleep(std::int32_t milliseconds) override;
   void Spin(std::int64_t counts) override;
-  [[nodiscard]] std::string longTime() const override { return clock_.longTime(); }
-  [[nodiscard]] std::string shortTime() const override { return clock_.shortTime(); }
-  [[nodiscard]] std::string shortDate() const override { return clock_.shortDate(); }
 
  private:
   void throwIfStopped() const {
@@ -52,7 +49,7 @@ class InterruptiblePort final : public PortAccess, public Clock {
   void turn();
 
   PortAccess& port_;
-  Clock& clock_;
+  Waits& waits_;
   const StopSwitch& stop_;
   Screen& screen_;
   std::int64_t sinceTurnNs_ = 0;

@@ -3,8 +3,8 @@
 #include <cstdint>
 
 #include "hardware/ports/suspend_watch.h"
-#include "platform/clock.h"
 #include "platform/stop_switch.h"
+#include "platform/waits.h"
 
 namespace kestrel::ports {
 
@@ -17,7 +17,7 @@ namespace kestrel::ports {
 /// RuntimeError 57 instead: nobody knows what the board went through meanwhile.
 ///
 /// A thrown stop switch ends a running loop or wait early: the only case of a shorter one.
-class MonotonicClock final : public Clock {
+class MonotonicClock final : public Waits {
  public:
   /// A loop of this length or longer counts as a pulse; the settling loops of the bus are shorter.
   static constexpr std::int64_t kPulseNs = 10'000;

@@ -47,7 +47,7 @@ void stopOrDie(int number) {
   const int reason = errno;
   int none = 0;
   if (!firstSignal.compare_exchange_strong(none, number)) dieOf(number);
-  if (StopSwitch* const stop = switchToThrow.load()) stop->throwIt();
+  if (StopSwitch* const stop = switchToThrow.load()) stop->endProgram();
   const std::uint64_t once = 1;
   static_cast<void>(!::write(wakeUp.load(), &once, sizeof once));
   errno = reason;

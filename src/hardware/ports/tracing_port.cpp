@@ -48,8 +48,8 @@ std::uint16_t asPortNumber(std::int16_t port) { return static_cast<std::uint16_t
 
 }  // namespace
 
-TracingPort::TracingPort(PortAccess& port, Clock& clock, std::ostream& trace)
-    : port_(port), clock_(clock), trace_(trace) {}
+TracingPort::TracingPort(PortAccess& port, Waits& waits, std::ostream& trace)
+    : port_(port), waits_(waits), trace_(trace) {}
 
 void TracingPort::PortOut(std::int16_t port, std::uint8_t value) {
   Line("out ").hex(asPortNumber(port), 1).blank().hex(value, 2).writeTo(trace_);
@@ -64,12 +64,12 @@ std::uint8_t TracingPort::PortIn(std::int16_t port) {
 
 void TracingPort::Sleep(std::int32_t milliseconds) {
   if (milliseconds > 0) Line("sleep ").decimal(milliseconds).writeTo(trace_);
-  clock_.Sleep(milliseconds);
+  waits_.Sleep(milliseconds);
 }
 
 void TracingPort::Spin(std::int64_t counts) {
   if (counts > 0) Line("spin ").decimal(counts).writeTo(trace_);
-  clock_.Spin(counts);
+  waits_.Spin(counts);
 }
 
 }  // namespace kestrel::ports

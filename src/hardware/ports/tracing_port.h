@@ -4,8 +4,8 @@
 #include <iosfwd>
 #include <string>
 
-#include "platform/clock.h"
 #include "platform/port_access.h"
+#include "platform/waits.h"
 
 namespace kestrel::ports {
 
@@ -19,22 +19,19 @@ namespace kestrel::ports {
 /// A loop of no counts and a wait of no time pass no time and leave no line. A line is written
 /// before the event, so that the last line names what a failure ended; a read's line has its
 /// answer and therefore comes after. The stream is not flushed, nothing is allocated.
-class TracingPort final : public PortAccess, public Clock {
+class TracingPort final : public PortAccess, public Waits {
  public:
   /// All three outlive the trace.
-  TracingPort(PortAccess& port, Clock& clock, std::ostream& trace);
+  TracingPort(PortAccess& port, Waits& waits, std::ostream& trace);
 
   void PortOut(std::int16_t port, std::uint8_t value) override;
   [[nodiscard]] std::uint8_t PortIn(std::int16_t port) override;
   void Sleep(std::int32_t milliseconds) override;
   void Spin(std::int64_t counts) override;
-  [[nodiscard]] std::string longTime() const override { return clock_.longTime(); }
-  [[nodiscard]] std::string shortTime() const override { return clock_.shortTime(); }
-  [[nodiscard]] std::string shortDate() const override { return clock_.shortDate(); }
 
  private:
   PortAccess& port_;
-  Clock& clock_;
+  Waits& waits_;
   std::ostream& trace_;
 };
 

@@ -1,4 +1,4 @@
-#include "platform/clock.h"
+#include "platform/time_of_day.h"
 
 #include <array>
 #include <ctime>
@@ -21,10 +21,10 @@ std::string localTimeAs(const char* format) {
 
 }  // namespace
 
-std::string Clock::longTime() const { return localTimeAs("%H:%M:%S"); }
+std::string TimeOfDay::longTime() const { return localTimeAs("%H:%M:%S"); }
 
-std::string Clock::shortTime() const { return localTimeAs("%H:%M"); }
+std::string TimeOfDay::shortTime() const { return localTimeAs("%H:%M"); }
 
-std::string Clock::shortDate() const { return localTimeAs("%Y-%m-%d"); }
+std::string TimeOfDay::shortDate() const { return localTimeAs("%Y-%m-%d"); }
 
 }  // namespace kestrel

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace kestrel {
+
+/// What a real port offers beside its accesses; a simulated one has nothing of it to do.
+class PortService {
+ public:
+  virtual ~PortService() = default;
+
+  /// Around a device operation, never across a question: this thread before all ordinary programs
+  /// and its memory kept from being paged out, where the user may.
+  virtual void beginOperation() {}
+  virtual void endOperation() {}
+
+  /// Before a hardware test: tries again to take a port that was missing, busy or has vanished.
+  virtual void takeMissing() {}
+
+  /// Why no board may have answered, and what cures it: one line for each port or driver concerned.
+  [[nodiscard]] virtual std::vector<std::string> diagnosis() const { return {}; }
+
+  /// Pulses since the last call that lasted more than twice as long as asked for, because the
+  /// computer gave the processor to something else.
+  [[nodiscard]] virtual std::uint64_t takeStretchedPulses() { return 0; }
+};
+
+/// A device operation for as long as it lives. One within another changes nothing.
+class DeviceOperation {
+ public:
+  explicit DeviceOperation(PortService& service) : service_(service) { service_.beginOperation(); }
+  ~DeviceOperation() { service_.endOperation(); }
+  DeviceOperation(const DeviceOperation&) = delete;
+  DeviceOperation& operator=(const DeviceOperation&) = delete;
+
+ private:
+  PortService& service_;
+};
+
+}  // namespace kestrel
