@@ -15,22 +15,21 @@
 
 namespace kestrel::buffers {
 
-/// The shared pieces that the file commands are built on.
-struct BufferParts {
-  ProgrammerState& state;
-  Controls& controls;
-  Reporting& reporting;
-  hardware::ErrorAlert& alert;
-  hardware::Lamps& lamps;
-  display::MemoryDisplay& display;
-  Dialogs& dialogs;
-};
-
 /// Raw binary files into the code and the data buffer and out of them. A file that cannot be read
 /// or written is told in a message box and the log, and nothing else has changed then.
 class BufferFiles {
  public:
-  explicit BufferFiles(const BufferParts& parts) : p_(parts) {}
+  BufferFiles(BufferState& buffers, const SelectionState& device, Controls& controls,
+              Reporting& reporting, hardware::Lamps& lamps, hardware::ErrorAlert& alert,
+              display::MemoryDisplay& display, Dialogs& dialogs)
+      : buffers_(buffers),
+        device_(device),
+        controls_(controls),
+        reporting_(reporting),
+        lamps_(lamps),
+        alert_(alert),
+        display_(display),
+        dialogs_(dialogs) {}
 
   void mnuFileOpenCode_Click();
   void mnuFileOpenData_Click();
@@ -78,7 +77,14 @@ class BufferFiles {
   bool writeData(const std::string& path);
   void disableForErased(Button& verifyEntry, Button& programEntry);
 
-  BufferParts p_;
+  BufferState& buffers_;
+  const SelectionState& device_;
+  Controls& controls_;
+  Reporting& reporting_;
+  hardware::Lamps& lamps_;
+  hardware::ErrorAlert& alert_;
+  display::MemoryDisplay& display_;
+  Dialogs& dialogs_;
 };
 
 }  // namespace kestrel::buffers

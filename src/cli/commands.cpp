@@ -3,17 +3,15 @@
 #include <algorithm>
 #include <array>
 
-#include "app/launch/machine_ports.h"
-#include "app/launch/program_folders.h"
+#include "app/launch/program.h"
 #include "cli/exit_status.h"
 #include "cli/machine_commands.h"
 #include "cli/session.h"
 #include "cli/silent_parts.h"
+#include "devices/remarks.h"
 
 namespace kestrel::cli {
 namespace {
-
-constexpr std::int16_t kNoRoutine = 9;  // ProgramStatus after a family that has none
 
 void detect(Session& s) {
   s.press(s.controls().TestHardware_button, {});
@@ -21,30 +19,27 @@ void detect(Session& s) {
 }
 
 void read(Session& s) {
-  s.pressOperation(s.controls().Read_button, s.unless("read", "not offered for this device"));
+  s.press(s.controls().Read_button, s.unless("read", "not offered for this device"));
   if (s.arguments().show) s.view().printPage(s.controls().BufferDisplay);
 }
 
 void blank(Session& s) {
-  s.pressOperation(
-      s.controls().Blank_button,
-      s.unless("blank", "a serial EEPROM has no blank check; read --show looks into it"));
+  s.press(s.controls().Blank_button,
+          s.unless("blank", s.remark(devices::whyNoBlankCheck) + "; read --show looks into it"));
 }
 
 void verify(Session& s) {
-  s.pressOperation(s.controls().Verify_button,
-                   s.unless("verify", "there is nothing to compare with; add -i FILE"));
+  s.press(s.controls().Verify_button,
+          s.unless("verify", "there is nothing to compare with; add -i FILE"));
 }
 
 void program(Session& s) {
-  s.pressOperation(s.controls().Program_button,
-                   s.unless("program", "there is nothing to program; add -i FILE"));
-  if (s.state().ProgramStatus == kNoRoutine) throw EarlyEnd(kFailed);
+  s.press(s.controls().Program_button,
+          s.unless("program", "there is nothing to program; add -i FILE"));
 }
 
 void erase(Session& s) {
-  s.pressOperation(s.controls().EraseFlash_button,
-                   s.unless("erase", "an EPROM is erased under the lamp, not by the board"));
+  s.press(s.controls().EraseFlash_button, s.unless("erase", s.remark(devices::whyNoErase)));
 }
 
 void goToPage(Session& s, std::int32_t page) {
@@ -53,18 +48,16 @@ void goToPage(Session& s, std::int32_t page) {
     throw EarlyEnd(kBadUsage, "--page " + std::to_string(page) + ": the pages are 0 to " +
                                   std::to_string(bar.maximum()));
   }
-  bar.setValue(page);
-  s.afterEvent();
+  s.use([&bar, page] { bar.setValue(page); });
 }
 
 void display(Session& s) {
-  const std::size_t before = s.view().linesDrawn();
-  s.pressOperation(s.controls().Display_button, s.unless("display", "not offered for this device"));
-  if (s.view().linesDrawn() == before) {
-    throw EarlyEnd(kFailed,
-                   "display: there is no device display for a serial EEPROM; "
-                   "read --show looks into it");
+  const CommandResult result =
+      s.tryToPress(s.controls().Display_button, s.unless("display", "not offered for this device"));
+  if (result.ending == Ending::NoRoutine) {
+    throw EarlyEnd(kFailed, "display: " + result.reason + "; read --show looks into it");
   }
+  s.endUnlessDone(result);
   if (s.arguments().page) goToPage(s, *s.arguments().page);
   s.view().printPage(s.controls().BufferDisplay);
 }
@@ -98,7 +91,6 @@ int runAtForm(const Arguments& a, const Command& command) {
   const DeviceCatalogue catalogue;
   const DeviceCatalogue::Device* const device = a.device ? &catalogue.find(*a.device) : nullptr;
   StopSwitch stop;
-  const TimeOfDay time;
   const ports::SignalStop signals(stop);
   ConsoleView view(a.quiet);
   ConsoleDialogs dialogs(view, a.yes, signals.descriptor());
@@ -107,24 +99,17 @@ int runAtForm(const Arguments& a, const Command& command) {
   NoHelp help;
   const std::string chip =
       device != nullptr ? launch::chipTypeForDevice(device->name) : std::string();
-  launch::MachinePorts ports(a.launch, chip, stop, view);
-  form::frmMain form({.port = ports.port(),
-                      .waits = ports.waits(),
-                      .portService = ports,
-                      .time = time,
-                      .sounds = sounds,
-                      .settings = settings,
-                      .help = help,
-                      .dialogs = dialogs,
-                      .screen = view,
-                      .stop = stop,
-                      .folders = launch::programFolders(a.launch)});
+  launch::LaunchedProgram program(
+      a.launch, chip,
+      {.sounds = sounds, .settings = settings, .help = help, .dialogs = dialogs, .screen = view},
+      stop);
+  form::frmMain& form = program.form();
   view.mirror(form.controls());
   Session session({.form = form,
                    .view = view,
                    .dialogs = dialogs,
                    .signals = signals,
-                   .simulated = ports.simulated(),
+                   .simulated = program.simulated(),
                    .device = device,
                    .arguments = a});
   return session.run(command);

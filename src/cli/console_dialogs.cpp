@@ -14,15 +14,11 @@ namespace kestrel::cli {
 Answer ConsoleDialogs::messageBox(const MessageBox& box) {
   view_.clearProgress();
   if (box.buttons == MessageButtons::OkCancel) {
-    const Answer answer = yes_ ? Answer::Ok : ask(box);
-    wasCancelled_ = wasCancelled_ || answer == Answer::Cancel;
-    return answer;
+    return yes_ ? Answer::Ok : ask(box);
   }
   const bool isNamed = !box.title.empty() && box.title != "Kestrel";
   std::cerr << "kestrel-cli: " << (isNamed ? box.title + ": " : std::string()) << box.text
             << std::endl;
-  wasFileRefused_ = wasFileRefused_ || box.icon == MessageIcon::Exclamation;
-  wasRoutineMissing_ = wasRoutineMissing_ || box.icon == MessageIcon::None;
   return Answer::Ok;
 }
 

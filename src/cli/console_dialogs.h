@@ -9,7 +9,7 @@
 namespace kestrel::cli {
 
 /// Message boxes on standard error, questions at the terminal, and the names that the options
-/// answer. What happened in them counts for the exit status.
+/// answer.
 class ConsoleDialogs final : public Dialogs {
  public:
   /// `yes` answers questions with OK. `endDescriptor` becomes readable when a signal asks for the
@@ -26,12 +26,6 @@ class ConsoleDialogs final : public Dialogs {
   [[nodiscard]] std::string saveFile(const std::string& title, const std::string& filter) override;
   void about() override {}
 
-  [[nodiscard]] bool wasCancelled() const { return wasCancelled_; }
-  /// A box said that a file cannot be used.
-  [[nodiscard]] bool wasFileRefused() const { return wasFileRefused_; }
-  /// A box said that there is no routine for what was asked.
-  [[nodiscard]] bool wasRoutineMissing() const { return wasRoutineMissing_; }
-
  private:
   [[nodiscard]] Answer ask(const MessageBox& box);
   [[nodiscard]] bool isLineComing() const;
@@ -41,9 +35,6 @@ class ConsoleDialogs final : public Dialogs {
   bool yes_;
   int endDescriptor_;
   std::string prepared_;
-  bool wasCancelled_ = false;
-  bool wasFileRefused_ = false;
-  bool wasRoutineMissing_ = false;
 };
 
 }  // namespace kestrel::cli

@@ -49,7 +49,6 @@ void ConsoleView::controlChanged(const Control& control) {
 
 // An entry of the log begins with its line break; a terminal wants it at the end.
 void ConsoleView::textAppended(const TextBox& box, std::string_view piece) {
-  if (&box == &controls_->BufferDisplay) ++linesDrawn_;
   if (&box != &controls_->SystemLog || quiet_) return;
   clearProgress();
   if (piece.starts_with("\r\n")) piece.remove_prefix(2);

@@ -27,9 +27,6 @@ class ConsoleView final : public ControlListener, public Screen {
   /// Prints the page that stands in a text box of lines.
   void printPage(const TextBox& box);
 
-  /// How often the text of the buffer display has grown.
-  [[nodiscard]] std::size_t linesDrawn() const { return linesDrawn_; }
-
   // ControlListener
   void controlChanged(const Control& control) override;
   void textAppended(const TextBox& box, std::string_view piece) override;
@@ -45,7 +42,6 @@ class ConsoleView final : public ControlListener, public Screen {
   Controls* controls_ = nullptr;
   ProgressLine progress_;
   std::chrono::steady_clock::time_point drawnAt_{};
-  std::size_t linesDrawn_ = 0;
   bool quiet_;
   bool hasBar_;
   bool isDrawn_ = false;

@@ -89,7 +89,7 @@ std::string voltagesOf(const std::string& vppClass) {
 
 DeviceCatalogue::DeviceCatalogue() {
   const auto state = std::make_unique<ProgrammerState>();
-  devices::BuildDeviceTable(*state);
+  devices::BuildDeviceTable(*state, *state);
   for (std::int32_t position = 0; const auto& row : state->DeviceTable) {
     if (!row[devices::kNameColumn].empty()) {
       devices_.push_back({.position = position,

@@ -3,6 +3,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "app/state/ending.h"
+
 namespace kestrel::cli {
 
 // What the program returns to the shell; 128 and the number after a signal.
@@ -10,6 +12,24 @@ inline constexpr int kDone = 0;
 inline constexpr int kFailed = 1;    ///< the operation failed, was refused or cancelled
 inline constexpr int kBadUsage = 2;  ///< usage, an unusable file, a control that is not enabled
 inline constexpr int kNoBoard = 3;
+
+/// The status that tells how a command ended.
+[[nodiscard]] constexpr int statusOf(Ending ending) {
+  switch (ending) {
+    case Ending::Done:
+      return kDone;
+    case Ending::Refused:
+      return kBadUsage;
+    case Ending::Differs:
+    case Ending::Failed:
+    case Ending::Cancelled:
+    case Ending::NoRoutine:
+    case Ending::RunTimeError:
+    case Ending::Stopped:
+      break;
+  }
+  return kFailed;
+}
 
 /// Ends the run before its last step. The text is for the person at the terminal; it is empty when
 /// the reason has been told already.

@@ -4,13 +4,14 @@
 #include <utility>
 
 #include "app/launch/machine_ports.h"
-#include "cli/console_view.h"
+#include "app/launch/program.h"
 #include "cli/device_catalogue.h"
 #include "cli/exit_status.h"
 #include "hardware/ports/real_port.h"
 #include "hardware/ports/real_ports.h"
 #include "hardware/ports/safe_off.h"
 #include "hardware/ports/system_calls.h"
+#include "hardware/ports/tracing_port.h"
 
 namespace kestrel::cli {
 namespace {
@@ -19,7 +20,7 @@ std::uint16_t address(std::uint16_t base, ports::PortRegister target) {
   return static_cast<std::uint16_t>(base + static_cast<unsigned>(target));
 }
 
-void tellSwitchedOff(const Arguments& arguments, std::uint16_t base) {
+void reportSwitchedOff(const Arguments& arguments, std::uint16_t base) {
   if (arguments.quiet) return;
   std::cout << "Port " << ports::addressText(base)
             << "h: latch 0 loaded with 40h, every voltage is off\n";
@@ -27,13 +28,14 @@ void tellSwitchedOff(const Arguments& arguments, std::uint16_t base) {
 
 int switchOffSimulated(const Arguments& arguments) {
   const StopSwitch stop;
-  ConsoleView view(arguments.quiet);
-  launch::MachinePorts ports(arguments.launch, {}, stop, view);
+  launch::MachinePorts ports(arguments.launch, {}, stop);
+  std::ofstream traceFile = launch::openTrace(arguments.launch);
+  ports::TracingPort traced(ports.port(), ports.waits(), traceFile);
   for (const ports::PortWrite& write : ports::kSafeOff) {
     const std::uint16_t port = address(ports.simulated()->base(), write.target);
-    ports.port().PortOut(static_cast<std::int16_t>(port), write.value);
+    traced.PortOut(static_cast<std::int16_t>(port), write.value);
   }
-  tellSwitchedOff(arguments, ports.simulated()->base());
+  reportSwitchedOff(arguments, ports.simulated()->base());
   return kDone;
 }
 
@@ -43,7 +45,7 @@ int switchOffReal(const Arguments& arguments) {
   options.choices = arguments.launch.ports;
   const auto ports = ports::openRealPorts(calls, std::move(options));
   if (ports->switchOff()) {
-    for (const std::uint16_t base : ports->taken()) tellSwitchedOff(arguments, base);
+    for (const std::uint16_t base : ports->taken()) reportSwitchedOff(arguments, base);
     return kDone;
   }
   for (const std::string& line : ports->diagnosis()) std::cerr << "kestrel-cli: " << line << '\n';

@@ -57,7 +57,7 @@ void Session::startUp(const Command& command) {
     if (!command.testsHardware) p_.simulated->putChipBack();
     p_.simulated->startUpDone();
   }
-  afterEvent();
+  endUnlessDone({});
   if (command.needsBoard && !isReady()) throw EarlyEnd(kNoBoard, kNoBoardText);
 }
 
@@ -68,15 +68,11 @@ void Session::applyOptions() {
   Controls& c = controls();
   if (a.setup) loadSetup(*a.setup);
   if (p_.device != nullptr) {
-    c.Device.setPosition(p_.device->position);
-    afterEvent();
+    use([&] { c.Device.setPosition(p_.device->position); });
   }
-  if (a.speed) {
-    c.Slider1.setValue(*a.speed);
-    afterEvent();
-  }
+  if (a.speed) use([&] { c.Slider1.setValue(*a.speed); });
   if (a.voltage) chooseVoltage(*a.voltage);
-  if (a.lane) c.HiLow_button.at(*a.lane).press();
+  if (a.lane) use([&] { c.HiLow_button.at(*a.lane).press(); });
   if (a.blankCheck) tick(c.CheckBlankPriorProgramming, "--blank-check");
   if (a.verify) tick(c.VerifyAfterProgramming, "--verify");
   if (a.codeFile) openCodeFile(*a.codeFile);
@@ -92,7 +88,7 @@ void Session::loadSetup(std::size_t slot) {
 
 void Session::chooseVoltage(std::size_t index) {
   OptionButton& button = controls().Voltage_button.at(index);
-  if (!button.press()) {
+  if (!button.enabled()) {
     std::string offered;
     for (const OptionButton& other : controls().Voltage_button) {
       if (other.enabled()) offered += (offered.empty() ? "" : ", ") + other.caption();
@@ -101,7 +97,7 @@ void Session::chooseVoltage(std::size_t index) {
                                                   button.caption() + " (offered: " + offered +
                                                   "); leave --vpp out or choose one of these"));
   }
-  afterEvent();
+  use([&button] { button.press(); });
 }
 
 // The boxes are not on the form before a device is selected.
@@ -109,7 +105,7 @@ void Session::tick(CheckBox& box, const char* option) {
   if (!box.visible() || !box.enabled()) {
     throw EarlyEnd(kBadUsage, unless(option, "not offered"));
   }
-  if (!box.isTicked()) box.press();
+  if (!box.isTicked()) use([&box] { box.press(); });
 }
 
 void Session::openCodeFile(const std::string& name) {
@@ -124,22 +120,25 @@ void Session::saveBuffer(const std::string& name) {
 }
 
 void Session::press(Button& button, const std::string& whyDisabled) {
-  if (!button.press()) throw EarlyEnd(kBadUsage, whyDisabled);
-  afterEvent();
+  endUnlessDone(tryToPress(button, whyDisabled));
 }
 
-void Session::pressOperation(Button& button, const std::string& whyDisabled) {
-  press(button, whyDisabled);
-  const bool isAlert = controls().Error_label.colour() == Colour::Red;
-  if (isAlert || p_.dialogs.wasCancelled() || p_.dialogs.wasRoutineMissing()) {
-    throw EarlyEnd(kFailed);
-  }
+CommandResult Session::tryToPress(Button& button, const std::string& whyDisabled) {
+  if (!button.enabled()) throw EarlyEnd(kBadUsage, whyDisabled);
+  return p_.form.runner().press(button);
 }
 
-void Session::afterEvent() {
+void Session::use(const std::function<void()>& event) {
+  endUnlessDone(p_.form.runner().run(event));
+}
+
+void Session::endUnlessDone(const CommandResult& result) const {
   if (p_.signals.isEndRequested()) throw EarlyEnd(p_.signals.exitStatus());
-  if (p_.dialogs.wasFileRefused()) throw EarlyEnd(kBadUsage);
-  if (p_.form.lastOutcome() == form::frmMain::Outcome::RunTimeError) throw EarlyEnd(kFailed);
+  if (result.ending != Ending::Done) throw EarlyEnd(statusOf(result.ending));
+}
+
+std::string Session::remark(std::string_view (*find)(const devices::Family&)) {
+  return std::string(find(devices::familyOf(state().FamilyCode)));
 }
 
 std::string Session::unless(const std::string& what, const std::string& reason) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 
 #include "app/form/frm_main.h"
@@ -10,6 +11,7 @@
 #include "cli/console_dialogs.h"
 #include "cli/console_view.h"
 #include "cli/device_catalogue.h"
+#include "devices/families.h"
 #include "hardware/ports/signal_stop.h"
 
 namespace kestrel::cli {
@@ -45,16 +47,21 @@ class Session {
   /// What the next dialog is answered with.
   void answerWith(std::string text) { p_.dialogs.answerWith(std::move(text)); }
 
-  /// Presses a control. Throws EarlyEnd: when it is disabled, with that reason; when what it ran
-  /// ended by an error, at a file or by a signal.
+  /// Presses a control. Throws EarlyEnd when it is disabled, with that reason, and when what it ran
+  /// did not end well.
   void press(Button& button, const std::string& whyDisabled);
 
-  /// Presses the button of a device command; throws EarlyEnd also when the operation failed, was
-  /// cancelled or has no routine.
-  void pressOperation(Button& button, const std::string& whyDisabled);
+  /// Presses it and gives back how that ended. Throws EarlyEnd when it is disabled.
+  [[nodiscard]] CommandResult tryToPress(Button& button, const std::string& whyDisabled);
 
-  /// A control other than a button was used: throws EarlyEnd as press() does.
-  void afterEvent();
+  /// Throws EarlyEnd unless the command ended well and no signal asked for the end.
+  void endUnlessDone(const CommandResult& result) const;
+
+  /// Uses a control other than a button. Throws EarlyEnd when that did not end well.
+  void use(const std::function<void()>& event);
+
+  /// What the selected device has to say; empty with none selected.
+  [[nodiscard]] std::string remark(std::string_view (*find)(const devices::Family&));
 
   /// Why a command or an option cannot be had: no device is selected, or else the given reason.
   [[nodiscard]] std::string unless(const std::string& what, const std::string& reason);

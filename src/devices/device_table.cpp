@@ -77,26 +77,26 @@ std::string padded(std::string name) {
 
 }  // namespace
 
-void BuildDeviceTable(ProgrammerState& state) {
-  for (state.LoopIndex = 1; const CatalogueRow& row : kCatalogue) {
-    at(state.DeviceTable, state.LoopIndex) = {padded(row.name),
-                                              row.familyLetter,
-                                              row.familySubCode,
-                                              std::to_string(row.sizeKB),
-                                              std::to_string(row.reg1Fixed),
-                                              std::to_string(row.reg3Fixed),
-                                              std::to_string(row.vppClass),
-                                              row.listed};
-    ++state.LoopIndex;
+void BuildDeviceTable(CatalogueState& catalogue, ShellState& shell) {
+  for (shell.LoopIndex = 1; const CatalogueRow& row : kCatalogue) {
+    at(catalogue.DeviceTable, shell.LoopIndex) = {padded(row.name),
+                                                  row.familyLetter,
+                                                  row.familySubCode,
+                                                  std::to_string(row.sizeKB),
+                                                  std::to_string(row.reg1Fixed),
+                                                  std::to_string(row.reg3Fixed),
+                                                  std::to_string(row.vppClass),
+                                                  row.listed};
+    ++shell.LoopIndex;
   }
 }
 
-void FillDeviceList(const ProgrammerState& state, DropDownList& list) {
+void FillDeviceList(const CatalogueState& catalogue, DropDownList& list) {
   while (!list.items().empty()) list.removeFirst();
   const auto hasName = [](const auto& row) { return !row[kNameColumn].empty(); };
   const auto last =
-      std::find_if(state.DeviceTable.rbegin(), state.DeviceTable.rend(), hasName).base();
-  for (auto row = state.DeviceTable.begin(); row != last; ++row) {
+      std::find_if(catalogue.DeviceTable.rbegin(), catalogue.DeviceTable.rend(), hasName).base();
+  for (auto row = catalogue.DeviceTable.begin(); row != last; ++row) {
     const bool isListed = (*row)[kListedColumn] == "Y";
     list.addItem(isListed ? (*row)[kNameColumn] : kNotAvailable + (*row)[kNameColumn]);
   }

@@ -19,10 +19,10 @@ inline constexpr std::size_t kListedColumn = 7;
 inline constexpr const char* kNotAvailable = "N/A - ";
 
 /// Writes the catalogue into rows 1 to 40 of DeviceTable; row 0 and the rows above stay empty.
-void BuildDeviceTable(ProgrammerState& state);
+void BuildDeviceTable(CatalogueState& catalogue, ShellState& shell);
 
 /// One list entry for every row from 0 to the last one with a name, so that the position in the
 /// list is the row.
-void FillDeviceList(const ProgrammerState& state, DropDownList& list);
+void FillDeviceList(const CatalogueState& catalogue, DropDownList& list);
 
 }  // namespace kestrel::devices

@@ -3,73 +3,72 @@
 #include <algorithm>
 #include <span>
 
+#include "devices/remarks.h"
 #include "display/hex_line.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::display {
 namespace {
 
-constexpr std::int32_t kStartWaitMs = 500;
 constexpr std::int64_t kPauseCounts = 100;
-constexpr std::array<const char*, 6> kDrawnCodes{"EN", "FL", "FM", "FR", "FA", "FS"};
 
 }  // namespace
 
-DeviceDisplay::DeviceDisplay(ProgrammerState& state, Controls& controls, Reporting& reporting,
-                             hardware::Lamps& lamps, hardware::Registers& registers,
-                             hardware::BusPrimitives& bus, Dialogs& dialogs)
-    : state_(state),
-      controls_(controls),
-      reporting_(reporting),
-      lamps_(lamps),
-      registers_(registers),
-      bus_(bus),
-      dialogs_(dialogs) {}
-
-bool DeviceDisplay::isDrawn() const {
-  return state_.FamilyLetter == "P" ||
-         std::ranges::find(kDrawnCodes, state_.FamilyCode) != kDrawnCodes.end();
-}
-
 void DeviceDisplay::Display_button_Click() {
   if (!controls_.CheckCode.isTicked()) return;
-  state_.DisplayMode = "DisplayEprom";
+  buffers_.DisplayMode = "DisplayEprom";
   // From another page this already draws page 0 through the change handler.
   controls_.VScroll1.setValue(0);
   reporting_.LogMessage("Fetching Device Binary Contents to Screen");
   controls_.Frame3.setCaption("Device Memory Hex/Ascii Display");
-  if (isDrawn()) DisplayEprom();
-  if (state_.FamilyLetter == "M") {
+  const devices::Family& family = devices::familyOf(device_.FamilyCode);
+  if (family.hasDisplay) {
+    DisplayEprom();
+  } else {
+    reporting_.noteEnding(Ending::NoRoutine, std::string(devices::whyNoDisplay(family)));
+  }
+  if (family.hasDataMemory) {
     dialogs_.messageBox(
         {.text = "Please Write AT90S2313 Code Display ROutine", .title = "Routine Not Ready"});
   }
 }
 
-void DeviceDisplay::latchAddress() {
-  if (state_.FamilyLetter == "P") bus_.SETADR();
-  if (state_.FamilyCode == "EN") bus_.SETADR_XICOR();
-  if (state_.FamilyLetter == "F") bus_.SETADR_FLASH();
+void DeviceDisplay::latchAddress(devices::DisplayAddress address) {
+  switch (address) {
+    case devices::DisplayAddress::Setadr:
+      return board_.bus.SETADR();
+    case devices::DisplayAddress::SetadrXicor:
+      return board_.bus.SETADR_XICOR();
+    case devices::DisplayAddress::SetadrFlash:
+      return board_.bus.SETADR_FLASH();
+    case devices::DisplayAddress::None:
+      return;
+  }
 }
 
-void DeviceDisplay::readPage(Page& page) {
-  for (state_.ProgramIndex = 0; state_.ProgramIndex < kPageBytes; ++state_.ProgramIndex) {
-    latchAddress();
-    bus_.OEON();
-    bus_.CEON();
-    bus_.GetNibbles();
-    bus_.CEOFF();
-    bus_.OEOFF();
-    at(page, state_.ProgramIndex) = state_.ReadByte;
-    bus_.IncADR();
+DeviceDisplay::Page DeviceDisplay::readPage(devices::DisplayAddress address) {
+  Page page{};
+  for (operation_.ProgramIndex = 0; operation_.ProgramIndex < kPageBytes;
+       ++operation_.ProgramIndex) {
+    latchAddress(address);
+    board_.bus.OEON();
+    board_.bus.CEON();
+    board_.bus.GetNibbles();
+    board_.bus.CEOFF();
+    board_.bus.OEOFF();
+    at(page, operation_.ProgramIndex) = latches_.ReadByte;
+    board_.bus.IncADR();
   }
+  return page;
 }
 
 void DeviceDisplay::drawPage(const Page& page) {
   const ShownCharacters shown = deviceCharacters();
   const std::int32_t begin = controls_.VScroll1.value() * kPageBytes;
   controls_.BufferDisplay.setText("");
-  for (state_.ProgramIndex = 0; state_.ProgramIndex < kPageLines; ++state_.ProgramIndex) {
-    const std::int32_t offset = state_.ProgramIndex * kLineBytes;
+  for (operation_.ProgramIndex = 0; operation_.ProgramIndex < kPageLines;
+       ++operation_.ProgramIndex) {
+    const std::int32_t offset = operation_.ProgramIndex * kLineBytes;
     const std::span bytes =
         std::span(page).subspan(static_cast<std::size_t>(offset), std::size_t{kLineBytes});
     controls_.BufferDisplay.append(hexLine(begin + offset, bytes, shown));
@@ -77,18 +76,18 @@ void DeviceDisplay::drawPage(const Page& page) {
 }
 
 void DeviceDisplay::DisplayEprom() {
-  lamps_.DataFlowLampOn();
-  bus_.Reset();
-  latchAddress();
-  bus_.sleepMs(kStartWaitMs);
-  registers_.REG4OFF();
-  state_.LinearAddress = controls_.VScroll1.value() * kPageBytes;
-  bus_.Endereco2Adr();
-  bus_.spin(kPauseCounts);
-  Page page{};
-  readPage(page);
-  drawPage(page);
-  lamps_.DataFlowLampOff();
+  const DeviceOperation operation = board_.operation();
+  board_.lamps.DataFlowLampOn();
+  const devices::DisplayAddress address = devices::familyOf(device_.FamilyCode).display;
+  board_.bus.Reset();
+  latchAddress(address);
+  board_.bus.sleepMs(hardware::Board::kStartWaitMs);
+  board_.registers.REG4OFF();
+  latches_.LinearAddress = controls_.VScroll1.value() * kPageBytes;
+  board_.bus.Endereco2Adr();
+  board_.bus.spin(kPauseCounts);
+  drawPage(readPage(address));
+  board_.lamps.DataFlowLampOff();
 }
 
 }  // namespace kestrel::display

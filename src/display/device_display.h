@@ -6,9 +6,8 @@
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 #include "app/state/reporting.h"
-#include "hardware/bus_primitives.h"
-#include "hardware/lamps.h"
-#include "hardware/registers.h"
+#include "devices/families.h"
+#include "hardware/board.h"
 #include "platform/dialogs.h"
 
 namespace kestrel::display {
@@ -16,9 +15,17 @@ namespace kestrel::display {
 /// The chip in the socket, page by page, straight from the board; nothing is kept between pages.
 class DeviceDisplay {
  public:
-  DeviceDisplay(ProgrammerState& state, Controls& controls, Reporting& reporting,
-                hardware::Lamps& lamps, hardware::Registers& registers,
-                hardware::BusPrimitives& bus, Dialogs& dialogs);
+  DeviceDisplay(const SelectionState& device, LatchState& latches, OperationState& operation,
+                BufferState& buffers, Controls& controls, Reporting& reporting,
+                hardware::Board& board, Dialogs& dialogs)
+      : device_(device),
+        latches_(latches),
+        operation_(operation),
+        buffers_(buffers),
+        controls_(controls),
+        reporting_(reporting),
+        board_(board),
+        dialogs_(dialogs) {}
 
   void Display_button_Click();
 
@@ -29,17 +36,17 @@ class DeviceDisplay {
  private:
   using Page = std::array<std::uint8_t, 257>;
 
-  [[nodiscard]] bool isDrawn() const;
-  void latchAddress();
-  void readPage(Page& page);
+  void latchAddress(devices::DisplayAddress address);
+  [[nodiscard]] Page readPage(devices::DisplayAddress address);
   void drawPage(const Page& page);
 
-  ProgrammerState& state_;
+  const SelectionState& device_;
+  LatchState& latches_;
+  OperationState& operation_;
+  BufferState& buffers_;
   Controls& controls_;
   Reporting& reporting_;
-  hardware::Lamps& lamps_;
-  hardware::Registers& registers_;
-  hardware::BusPrimitives& bus_;
+  hardware::Board& board_;
   Dialogs& dialogs_;
 };
 

@@ -17,16 +17,12 @@ double statCode(std::string_view text) {
   return sum;
 }
 
-Exports::Exports(ProgrammerState& state, Controls& controls, Reporting& reporting,
-                 const TimeOfDay& time, const Folders& folders)
-    : state_(state), controls_(controls), reporting_(reporting), time_(time), folders_(folders) {}
-
 void Exports::save(const char* fileName, const Heading& heading, const std::string& text) {
   std::string file = std::string(heading.title) + kMaker + "\r\n";
   file.append(heading.contents).append("\r\n");
   file += time_.shortDate() + " " + time_.longTime();
   file += " StatCode:" + printForm(statCode(text));
-  file += " Model:" + printForm(state_.KestrelModel) + "\r\n";
+  file += " Model:" + printForm(portState_.KestrelModel) + "\r\n";
   file += std::string(kSeparatorLength, '-') + "\r\n";
   file += text + "\r\n";
   writeFileAtomically(folders_.working / fileName, file);

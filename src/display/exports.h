@@ -18,8 +18,13 @@ namespace kestrel::display {
 /// cannot be written throws FileError and leaves the earlier one whole.
 class Exports {
  public:
-  Exports(ProgrammerState& state, Controls& controls, Reporting& reporting, const TimeOfDay& time,
-          const Folders& folders);
+  Exports(const PortState& portState, Controls& controls, Reporting& reporting,
+          const TimeOfDay& time, const Folders& folders)
+      : portState_(portState),
+        controls_(controls),
+        reporting_(reporting),
+        time_(time),
+        folders_(folders) {}
 
   void BufferDisplay_DblClick();
   void SystemLog_DblClick();
@@ -32,7 +37,7 @@ class Exports {
 
   void save(const char* fileName, const Heading& heading, const std::string& text);
 
-  ProgrammerState& state_;
+  const PortState& portState_;
   Controls& controls_;
   Reporting& reporting_;
   const TimeOfDay& time_;

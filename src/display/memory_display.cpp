@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "app/state/address_fields.h"
 #include "display/hex_line.h"
 #include "platform/runtime_error.h"
 
@@ -19,17 +20,13 @@ std::span<const std::uint8_t> lineOf(std::span<const std::uint8_t> buffer, std::
 
 }  // namespace
 
-MemoryDisplay::MemoryDisplay(ProgrammerState& state, Controls& controls,
-                             hardware::BusPrimitives& bus)
-    : state_(state), controls_(controls), bus_(bus) {}
-
 void MemoryDisplay::drawPage(TextBox& box, std::int32_t page,
                              std::span<const std::uint8_t> buffer) {
-  state_.LinearAddress = narrowed<std::int32_t>(std::int64_t{page} * kPageBytes);
-  bus_.Endereco2Adr();
-  const ShownCharacters shown = charactersIn(state_.PrintableChars);
-  for (state_.LoopIndex = 0; state_.LoopIndex < kPageLines; ++state_.LoopIndex) {
-    const std::int32_t address = page * kPageBytes + state_.LoopIndex * kLineBytes;
+  latches_.LinearAddress = narrowed<std::int32_t>(std::int64_t{page} * kPageBytes);
+  splitLinearAddress(latches_);
+  const ShownCharacters shown = charactersIn(shell_.PrintableChars);
+  for (shell_.LoopIndex = 0; shell_.LoopIndex < kPageLines; ++shell_.LoopIndex) {
+    const std::int32_t address = page * kPageBytes + shell_.LoopIndex * kLineBytes;
     const std::span<const std::uint8_t> bytes = lineOf(buffer, address);
     if (!bytes.empty()) box.append(hexLine(address, bytes, shown));
   }
@@ -38,13 +35,13 @@ void MemoryDisplay::drawPage(TextBox& box, std::int32_t page,
 void MemoryDisplay::DisplayCodeMemory() {
   controls_.Frame3.setCaption("Code Buffer Hex/Ascii Display");
   controls_.BufferDisplay.setText("");
-  drawPage(controls_.BufferDisplay, controls_.VScroll1.value(), state_.CodeBuffer);
+  drawPage(controls_.BufferDisplay, controls_.VScroll1.value(), buffers_.CodeBuffer);
 }
 
 void MemoryDisplay::DisplayDataMemory() {
   controls_.Frame3.setCaption("Data Buffer Hex/Ascii Display");
   controls_.BufferDisplay.setText("             *** BUFFER DATA ***");
-  drawPage(controls_.BufferDisplay, controls_.VScroll1.value(), state_.DataBuffer);
+  drawPage(controls_.BufferDisplay, controls_.VScroll1.value(), buffers_.DataBuffer);
 }
 
 void MemoryDisplay::DisplayPageMemory() {
@@ -59,7 +56,7 @@ void MemoryDisplay::Show_button_Click() {
   const bool toCode = controls_.Show_button.caption() == kShowCode;
   controls_.Show_button.setCaption(toCode ? kShowData : kShowCode);
   letCaptionDecide();
-  state_.DisplayMode = "Read";
+  buffers_.DisplayMode = "Read";
   DisplayPageMemory();
 }
 
@@ -68,7 +65,7 @@ void MemoryDisplay::Command1_Click() {
   second.window.setVisible(true);
   second.VScroll1.setValue(0);
   second.BufferDisplay.setText("");
-  drawPage(second.BufferDisplay, second.VScroll1.value(), state_.CodeBuffer);
+  drawPage(second.BufferDisplay, second.VScroll1.value(), buffers_.CodeBuffer);
 }
 
 }  // namespace kestrel::display

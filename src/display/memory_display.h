@@ -5,14 +5,14 @@
 
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
-#include "hardware/bus_primitives.h"
 
 namespace kestrel::display {
 
 /// Pages of the code and the data buffer as hex/ASCII lines.
 class MemoryDisplay {
  public:
-  MemoryDisplay(ProgrammerState& state, Controls& controls, hardware::BusPrimitives& bus);
+  MemoryDisplay(BufferState& buffers, LatchState& latches, ShellState& shell, Controls& controls)
+      : buffers_(buffers), latches_(latches), shell_(shell), controls_(controls) {}
 
   /// The page of the code buffer that the scroll bar names.
   void DisplayCodeMemory();
@@ -38,9 +38,10 @@ class MemoryDisplay {
  private:
   void drawPage(TextBox& box, std::int32_t page, std::span<const std::uint8_t> buffer);
 
-  ProgrammerState& state_;
+  BufferState& buffers_;
+  LatchState& latches_;
+  ShellState& shell_;
   Controls& controls_;
-  hardware::BusPrimitives& bus_;
   bool captionDecides_ = true;
 };
 

@@ -1,5 +1,7 @@
 #include "hardware/bus_primitives.h"
 
+#include "app/state/address_fields.h"
+#include "devices/page_write_pins.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::hardware {
@@ -15,27 +17,23 @@ constexpr unsigned kUpperStatusBits = 0xF0;
 
 }  // namespace
 
-BusPrimitives::BusPrimitives(ProgrammerState& state, Controls& controls, Registers& registers,
-                             PortAccess& port, Waits& waits)
-    : state_(state), controls_(controls), registers_(registers), port_(port), waits_(waits) {}
-
 void BusPrimitives::CEON() {
-  clearBits(state_.RegShadow3, kChipDisable);
+  clearBits(latches_.RegShadow3, kChipDisable);
   registers_.SetReg3();
 }
 
 void BusPrimitives::CEOFF() {
-  setBits(state_.RegShadow3, kChipDisable);
+  setBits(latches_.RegShadow3, kChipDisable);
   registers_.SetReg3();
 }
 
 void BusPrimitives::OEON() {
-  clearBits(state_.RegShadow0, kVppOnPin24 | kOutputDisable);
+  clearBits(latches_.RegShadow0, kVppOnPin24 | kOutputDisable);
   registers_.SetReg0();
 }
 
 void BusPrimitives::OEOFF() {
-  setBits(state_.RegShadow0, kOutputDisable);
+  setBits(latches_.RegShadow0, kOutputDisable);
   registers_.SetReg0();
 }
 
@@ -50,109 +48,104 @@ void BusPrimitives::CEOEOFF() {
 }
 
 void BusPrimitives::VPP24_ON() {
-  setBits(state_.RegShadow0, kVppOnPin24 | kOutputDisable);
+  setBits(latches_.RegShadow0, kVppOnPin24 | kOutputDisable);
   registers_.SetReg0();
 }
 
 void BusPrimitives::VPP24_OFF() { OEON(); }
 
-void BusPrimitives::Endereco2Adr() {
-  state_.AddrHigh = state_.LinearAddress / state_.AddrDivHigh;
-  const std::int32_t rest = state_.LinearAddress - state_.AddrHigh * state_.AddrDivHigh;
-  state_.AddrMid = rest / state_.AddrDivLow;
-  state_.AddrLow = rest % state_.AddrDivLow;
-}
+void BusPrimitives::Endereco2Adr() { splitLinearAddress(latches_); }
 
 void BusPrimitives::IncADR() {
-  ++state_.LinearAddress;
-  if (++state_.AddrLow <= 255) return;
-  state_.AddrLow = 0;
-  if (++state_.AddrMid <= 255) return;
-  state_.AddrMid = 0;
-  ++state_.AddrHigh;
+  ++latches_.LinearAddress;
+  if (++latches_.AddrLow <= 255) return;
+  latches_.AddrLow = 0;
+  if (++latches_.AddrMid <= 255) return;
+  latches_.AddrMid = 0;
+  ++latches_.AddrHigh;
 }
 
 void BusPrimitives::latchMiddle(std::int32_t mid) {
-  state_.RegShadow1 = narrowed<std::int16_t>(at(state_.AddrMapMid, mid) | state_.Reg1Fixed);
+  latches_.RegShadow1 = narrowed<std::int16_t>(at(device_.AddrMapMid, mid) | device_.Reg1Fixed);
   registers_.SetReg1();
 }
 
 void BusPrimitives::latchHigh(std::int32_t high) {
-  state_.RegShadow3 = narrowed<std::int16_t>(at(state_.AddrMapHigh, high) |
-                                             (state_.RegShadow3 & kLatch3Kept) | state_.Reg3Fixed);
+  latches_.RegShadow3 = narrowed<std::int16_t>(
+      at(device_.AddrMapHigh, high) | (latches_.RegShadow3 & kLatch3Kept) | device_.Reg3Fixed);
   registers_.SetReg3();
 }
 
 void BusPrimitives::SETADR() {
-  latchMiddle(state_.AddrMid);
-  state_.RegShadow2 = narrowed<std::int16_t>(state_.AddrLow);
+  latchMiddle(latches_.AddrMid);
+  latches_.RegShadow2 = narrowed<std::int16_t>(latches_.AddrLow);
   registers_.SetReg2();
-  latchHigh(state_.AddrHigh);
+  latchHigh(latches_.AddrHigh);
 }
 
 void BusPrimitives::SETADR_XICOR() {
-  const std::int32_t mid = withA14InBit7(state_.AddrMid) | state_.Reg1Fixed;
-  if (mid != state_.RegShadow1) {
-    state_.RegShadow1 = narrowed<std::int16_t>(mid);
+  const std::int32_t mid = devices::withA14InBit7(latches_.AddrMid) | device_.Reg1Fixed;
+  if (mid != latches_.RegShadow1) {
+    latches_.RegShadow1 = narrowed<std::int16_t>(mid);
     registers_.SetReg1();
   }
-  if (state_.AddrLow != state_.RegShadow2) {
-    state_.RegShadow2 = narrowed<std::int16_t>(state_.AddrLow);
+  if (latches_.AddrLow != latches_.RegShadow2) {
+    latches_.RegShadow2 = narrowed<std::int16_t>(latches_.AddrLow);
     registers_.SetReg2();
   }
-  const std::int32_t high = (state_.RegShadow3 & kLatch3Kept) | state_.Reg3Fixed | state_.AddrHigh;
-  if (high != state_.RegShadow3) {
-    state_.RegShadow3 = narrowed<std::int16_t>(high);
+  const std::int32_t high =
+      (latches_.RegShadow3 & kLatch3Kept) | device_.Reg3Fixed | latches_.AddrHigh;
+  if (high != latches_.RegShadow3) {
+    latches_.RegShadow3 = narrowed<std::int16_t>(high);
     registers_.SetReg3();
   }
 }
 
 void BusPrimitives::Reset() {
-  state_.RegShadow0 = kLatch0Idle;
+  latches_.RegShadow0 = kLatch0Idle;
   registers_.SetReg0();
-  state_.LinearAddress = 0;
+  latches_.LinearAddress = 0;
   Endereco2Adr();
-  state_.RegShadow1 = narrowed<std::int16_t>(state_.AddrMid | state_.Reg1Fixed);
+  latches_.RegShadow1 = narrowed<std::int16_t>(latches_.AddrMid | device_.Reg1Fixed);
   registers_.SetReg1();
-  state_.RegShadow2 = narrowed<std::int16_t>(state_.AddrLow);
+  latches_.RegShadow2 = narrowed<std::int16_t>(latches_.AddrLow);
   registers_.SetReg2();
-  state_.RegShadow3 = narrowed<std::int16_t>(state_.Reg3Fixed | kLatch3Idle);
+  latches_.RegShadow3 = narrowed<std::int16_t>(device_.Reg3Fixed | kLatch3Idle);
   registers_.SetReg3();
-  controls_.ProgressBar1.setMaximum(100);
-  controls_.ProgressBar1.setValue(0);
-  state_.EraseMode = 0;
+  atRest_.boardIsAtRest();
+  operation_.EraseMode = 0;
 }
 
 std::uint8_t BusPrimitives::readStatus(std::int16_t nibbleSelect) {
-  port_.PortOut(state_.ControlPort, narrowed<std::uint8_t>(nibbleSelect));
-  return port_.PortIn(state_.StatusPort);
+  port_.PortOut(portState_.ControlPort, narrowed<std::uint8_t>(nibbleSelect));
+  return port_.PortIn(portState_.StatusPort);
 }
 
 void BusPrimitives::GetNibbles() {
-  const std::int16_t model = state_.KestrelModel;
+  const std::int16_t model = portState_.KestrelModel;
   if (model != 4 && model != 5 && model != 6) return;
-  const unsigned first = state_.StatusLow = readStatus(state_.NibbleSelA);
-  const unsigned second = state_.StatusHigh = readStatus(state_.NibbleSelB);
+  const unsigned first = latches_.StatusLow = readStatus(portState_.NibbleSelA);
+  const unsigned second = latches_.StatusHigh = readStatus(portState_.NibbleSelB);
   if (model == 4) {
-    state_.ReadByte = state_.StatusDecode4[(second & kUpperStatusBits) | (first >> 4U)];
+    latches_.ReadByte = latches_.StatusDecode4[(second & kUpperStatusBits) | (first >> 4U)];
   } else {
-    state_.ReadByte =
-        static_cast<std::uint8_t>(state_.StatusDecodeHigh[second] | state_.StatusDecodeLow[first]);
+    latches_.ReadByte = static_cast<std::uint8_t>(latches_.StatusDecodeHigh[second] |
+                                                  latches_.StatusDecodeLow[first]);
   }
 }
 
 void BusPrimitives::GetNibbles24CXX() {
-  const std::int16_t model = state_.KestrelModel;
+  const std::int16_t model = portState_.KestrelModel;
   if (model != 4 && model != 5 && model != 6) return;
-  const unsigned status = readStatus(state_.NibbleSelB);
-  state_.ReadByte = model == 4 ? state_.StatusDecode4[status & kUpperStatusBits]
-                               : state_.StatusDecodeHigh[status];
+  const unsigned status = readStatus(portState_.NibbleSelB);
+  latches_.ReadByte = model == 4 ? latches_.StatusDecode4[status & kUpperStatusBits]
+                                 : latches_.StatusDecodeHigh[status];
 }
 
 void BusPrimitives::WaitSettlingTime() {
-  const std::int32_t counts = state_.SettleFactor * 100;
+  const std::int32_t counts = timing_.SettleFactor * 100;
   waits_.Spin(counts);
-  state_.LoopIndex = counts < 1 ? 1 : counts + 1;
+  shell_.LoopIndex = counts < 1 ? 1 : counts + 1;
 }
 
 }  // namespace kestrel::hardware

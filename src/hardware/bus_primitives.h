@@ -2,6 +2,7 @@
 
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
+#include "app/state/rest_listener.h"
 #include "hardware/registers.h"
 #include "platform/port_access.h"
 #include "platform/waits.h"
@@ -12,8 +13,19 @@ namespace kestrel::hardware {
 /// programming voltage of 24-pin parts, the address, the byte that the device drives, the waits.
 class BusPrimitives {
  public:
-  BusPrimitives(ProgrammerState& state, Controls& controls, Registers& registers, PortAccess& port,
-                Waits& waits);
+  BusPrimitives(const PortState& portState, LatchState& latches, const SelectionState& device,
+                OperationState& operation, ShellState& shell, const TimingState& timing,
+                Registers& registers, RestListener& atRest, PortAccess& port, Waits& waits)
+      : portState_(portState),
+        latches_(latches),
+        device_(device),
+        operation_(operation),
+        shell_(shell),
+        timing_(timing),
+        registers_(registers),
+        atRest_(atRest),
+        port_(port),
+        waits_(waits) {}
 
   // Chip enable and output enable, both active low. OEON and VPP24_OFF also take the programming
   // voltage off pin 24; OEOFF leaves it as it is.
@@ -74,9 +86,14 @@ class BusPrimitives {
  private:
   [[nodiscard]] std::uint8_t readStatus(std::int16_t nibbleSelect);
 
-  ProgrammerState& state_;
-  Controls& controls_;
+  const PortState& portState_;
+  LatchState& latches_;
+  const SelectionState& device_;
+  OperationState& operation_;
+  ShellState& shell_;
+  const TimingState& timing_;
   Registers& registers_;
+  RestListener& atRest_;
   PortAccess& port_;
   Waits& waits_;
 };

@@ -26,10 +26,10 @@ constexpr std::uint8_t decodeModel4(unsigned index) {
 
 }  // namespace
 
-void resetAddressMaps(ProgrammerState& state) {
-  for (std::size_t i = 0; i < state.AddrMapMid.size(); ++i) {
-    state.AddrMapMid[i] = static_cast<std::int16_t>(i);
-    state.AddrMapHigh[i] = static_cast<std::int16_t>(i);
+void resetAddressMaps(SelectionState& device) {
+  for (std::size_t i = 0; i < device.AddrMapMid.size(); ++i) {
+    device.AddrMapMid[i] = static_cast<std::int16_t>(i);
+    device.AddrMapHigh[i] = static_cast<std::int16_t>(i);
   }
 }
 

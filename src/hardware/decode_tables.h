@@ -9,6 +9,6 @@ namespace kestrel::hardware {
 void BuildDecodeTables(ProgrammerState& state);
 
 /// Both address maps: entry i = i.
-void resetAddressMaps(ProgrammerState& state);
+void resetAddressMaps(SelectionState& device);
 
 }  // namespace kestrel::hardware

@@ -9,9 +9,9 @@ const char* textOf(bool enabled) { return enabled ? "True" : "False"; }
 
 }  // namespace
 
-ErrorAlert::ErrorAlert(ProgrammerState& state, Controls& controls, Reporting& reporting,
-                       Lamps& lamps, BusPrimitives& bus)
-    : state_(state),
+ErrorAlert::ErrorAlert(ShellState& shell, Controls& controls, Reporting& reporting, Lamps& lamps,
+                       BusPrimitives& bus)
+    : shell_(shell),
       controls_(controls),
       reporting_(reporting),
       lamps_(lamps),
@@ -20,18 +20,18 @@ ErrorAlert::ErrorAlert(ProgrammerState& state, Controls& controls, Reporting& re
                &controls.Display_button} {}
 
 void ErrorAlert::RaiseErrorAlert() {
-  lamps_.ErrorLampOn();
   lock();
+  lamps_.ErrorLampOn();
 }
 
 void ErrorAlert::Error_label_Click() {
   if (!isRaised()) return;
   lamps_.ErrorLampOff();
+  unlock();
   lamps_.ProgramLampOff();
   lamps_.DataFlowLampOff();
   reporting_.LogMessage("Error Alert was Turned Off");
   controls_.ProgressBar1.setValue(0);
-  unlock();
   bus_.Reset();
 }
 
@@ -40,15 +40,22 @@ void ErrorAlert::setEnabled(Button& button, bool enabled) {
   if (!locked_ || found == buttons_.end()) {
     button.setEnabled(enabled);
   } else {
-    state_.SavedButtonState[static_cast<std::size_t>(found - buttons_.begin())] = textOf(enabled);
+    shell_.SavedButtonState[static_cast<std::size_t>(found - buttons_.begin())] = textOf(enabled);
   }
+}
+
+bool ErrorAlert::isEnabled(const Button& button) const {
+  const auto* const found = std::ranges::find(buttons_, &button);
+  if (!locked_ || found == buttons_.end()) return button.enabled();
+  return shell_.SavedButtonState[static_cast<std::size_t>(found - buttons_.begin())] ==
+         textOf(true);
 }
 
 void ErrorAlert::lock() {
   if (locked_) return;
   locked_ = true;
   for (std::size_t i = 0; i < buttons_.size(); ++i) {
-    state_.SavedButtonState[i] = textOf(buttons_[i]->enabled());
+    shell_.SavedButtonState[i] = textOf(buttons_[i]->enabled());
     buttons_[i]->setEnabled(false);
   }
 }
@@ -57,7 +64,7 @@ void ErrorAlert::unlock() {
   if (!locked_) return;
   locked_ = false;
   for (std::size_t i = 0; i < buttons_.size(); ++i) {
-    buttons_[i]->setEnabled(state_.SavedButtonState[i] == textOf(true));
+    buttons_[i]->setEnabled(shell_.SavedButtonState[i] == textOf(true));
   }
 }
 

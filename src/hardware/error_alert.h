@@ -17,7 +17,7 @@ namespace kestrel::hardware {
 /// will be restored instead.
 class ErrorAlert {
  public:
-  ErrorAlert(ProgrammerState& state, Controls& controls, Reporting& reporting, Lamps& lamps,
+  ErrorAlert(ShellState& shell, Controls& controls, Reporting& reporting, Lamps& lamps,
              BusPrimitives& bus);
 
   void RaiseErrorAlert();
@@ -31,6 +31,9 @@ class ErrorAlert {
   void setEnabled(Button& button, bool enabled);
   void enable(Button& button) { setEnabled(button, true); }
 
+  /// Whether a button is enabled, or will be once the lock is off.
+  [[nodiscard]] bool isEnabled(const Button& button) const;
+
   /// Gives the four the recorded state back; nothing happens when they are not locked.
   void unlock();
 
@@ -39,7 +42,7 @@ class ErrorAlert {
   /// they were recorded.
   void lock();
 
-  ProgrammerState& state_;
+  ShellState& shell_;
   Controls& controls_;
   Reporting& reporting_;
   Lamps& lamps_;

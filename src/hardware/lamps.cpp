@@ -2,9 +2,6 @@
 
 namespace kestrel::hardware {
 
-Lamps::Lamps(ProgrammerState& state, Controls& controls, Registers& registers, Screen& screen)
-    : state_(state), controls_(controls), registers_(registers), screen_(screen) {}
-
 void Lamps::show(Control& lamp, Colour colour) {
   lamp.setColour(colour);
   screen_.repaint();
@@ -23,20 +20,20 @@ bool Lamps::errorLampIsOn() const { return controls_.Error_label.colour() == Col
 
 void Lamps::ProgramLampOn() {
   show(controls_.Program_label, Colour::Green);
-  setBits(state_.RegShadow0, kBoardLamp);
+  setBits(latches_.RegShadow0, kBoardLamp);
   registers_.SetReg0();
 }
 
 void Lamps::ProgramLampOff() {
   show(controls_.Program_label, Colour::ButtonFace);
-  clearBits(state_.RegShadow0, kBoardLamp);
+  clearBits(latches_.RegShadow0, kBoardLamp);
   registers_.SetReg0();
 }
 
 void Lamps::BlinkProgramLamp() {
   const bool isGreen = controls_.Program_label.colour() == Colour::Green;
   show(controls_.Program_label, isGreen ? Colour::ButtonFace : Colour::Green);
-  state_.RegShadow0 = static_cast<std::int16_t>(state_.RegShadow0 ^ kBoardLamp);
+  latches_.RegShadow0 = static_cast<std::int16_t>(latches_.RegShadow0 ^ kBoardLamp);
   registers_.SetReg0();
 }
 

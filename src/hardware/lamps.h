@@ -11,7 +11,8 @@ namespace kestrel::hardware {
 /// Each is repainted at once.
 class Lamps {
  public:
-  Lamps(ProgrammerState& state, Controls& controls, Registers& registers, Screen& screen);
+  Lamps(LatchState& latches, Controls& controls, Registers& registers, Screen& screen)
+      : latches_(latches), controls_(controls), registers_(registers), screen_(screen) {}
 
   /// Red, and the other two off. Loads latch 0, as the program lamp goes off.
   void ErrorLampOn();
@@ -30,7 +31,7 @@ class Lamps {
  private:
   void show(Control& lamp, Colour colour);
 
-  ProgrammerState& state_;
+  LatchState& latches_;
   Controls& controls_;
   Registers& registers_;
   Screen& screen_;

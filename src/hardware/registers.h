@@ -46,15 +46,13 @@ constexpr void clearBits(std::int16_t& shadow, int mask) {
   shadow = static_cast<std::int16_t>(shadow & ~mask);
 }
 
-/// The middle address byte of a 28C256: adding 40h to one that is not 0 moves A14 (bit 6) into bit
-/// 7 once bit 6, the inactive write-enable, is or-ed in.
-constexpr std::int32_t withA14InBit7(std::int32_t mid) { return mid != 0 ? mid + 0x40 : 0; }
-
 /// Loads the latches through the port. Every procedure changes a shadow and then loads its latch;
 /// a shadow outside 0..255 is an overflow (RuntimeError 6).
 class Registers {
  public:
-  Registers(ProgrammerState& state, PortAccess& port, Waits& waits);
+  Registers(PortState& portState, LatchState& latches, const TimingState& timing, PortAccess& port,
+            Waits& waits)
+      : portState_(portState), latches_(latches), timing_(timing), port_(port), waits_(waits) {}
 
   /// Fills the control-code tables of the two board families. Once, before any port access.
   void InitControlTables();
@@ -64,14 +62,15 @@ class Registers {
   /// whose neighbours do not fit 16 bits.
   void ApplyPortAndModel();
 
-  /// StatusPort and ControlPort beside a new PortBase.
-  void derivePorts();
+  /// PortBase, StatusPort and ControlPort together, or none of them: throws RuntimeError 6 for a
+  /// base whose neighbours do not fit 16 bits.
+  void setPort(std::int16_t base);
 
-  void SetReg0() { loadLatch(0, state_.RegShadow0); }
-  void SetReg1() { loadLatch(1, state_.RegShadow1); }
-  void SetReg2() { loadLatch(2, state_.RegShadow2); }
-  void SetReg3() { loadLatch(3, state_.RegShadow3); }
-  void SetReg4() { loadLatch(4, state_.RegShadow4); }
+  void SetReg0() { loadLatch(0, latches_.RegShadow0); }
+  void SetReg1() { loadLatch(1, latches_.RegShadow1); }
+  void SetReg2() { loadLatch(2, latches_.RegShadow2); }
+  void SetReg3() { loadLatch(3, latches_.RegShadow3); }
+  void SetReg4() { loadLatch(4, latches_.RegShadow4); }
 
   /// The data latch drives the device's data bus.
   void REG4ON();
@@ -80,7 +79,7 @@ class Registers {
   void REG4OFF();
 
   /// Busy loop of BusDelayCount counts between addressing a latch and strobing it.
-  void BusDelay() { waits_.Spin(state_.BusDelayCount); }
+  void BusDelay() { waits_.Spin(timing_.BusDelayCount); }
 
   /// Loads a latch without a wait and past its shadow: flash command cycles must follow each other
   /// as fast as the port allows.
@@ -90,7 +89,9 @@ class Registers {
   void loadLatch(std::size_t latch, std::int16_t shadow);
   void apply(const ControlCodes& codes, std::int16_t nibbleSelA, std::int16_t nibbleSelB);
 
-  ProgrammerState& state_;
+  PortState& portState_;
+  LatchState& latches_;
+  const TimingState& timing_;
   PortAccess& port_;
   Waits& waits_;
 };

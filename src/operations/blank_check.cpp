@@ -1,5 +1,6 @@
 #include "operations/blank_check.h"
 
+#include "devices/remarks.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::operations {
@@ -10,49 +11,52 @@ constexpr std::int64_t kPauseCounts = 100;
 }  // namespace
 
 void BlankCheck::Blank_button_Click() {
-  if (p_.controls.CheckCode.isTicked()) BlankCode();
-  if (p_.controls.CheckData.isTicked()) BlankData();
+  if (controls_.CheckCode.isTicked()) BlankCode();
+  if (controls_.CheckData.isTicked()) BlankData();
 }
 
 void BlankCheck::BlankCode() {
-  const ProgrammerState& s = p_.state;
-  if (s.FamilyLetter == "F" || s.FamilyLetter == "P" || s.FamilyCode == "EN") {
+  if (devices::familyOf(device_.FamilyCode).hasBlankCheck) {
     BlankCheckParallel();
   } else {
+    reporting_.noteEnding(
+        Ending::NoRoutine,
+        std::string(devices::whyNoBlankCheck(devices::familyOf(device_.FamilyCode))));
     dialogs_.messageBox(
         {.text = "Please Write Missing Routines at BLANKCODE", .title = "Missing Routine"});
   }
 }
 
 void BlankCheck::BlankData() {
+  reporting_.noteEnding(Ending::NoRoutine, "there is no routine that blank-checks the data memory");
   dialogs_.messageBox(
       {.text = "Please Write AT90S2313 Check Blank Eeprom Routine", .title = "Routine Not Ready"});
 }
 
 void BlankCheck::BlankCheckParallel() {
-  ProgrammerState& s = p_.state;
-  p_.lamps.DataFlowLampOn();
-  p_.reporting.LogMessage("Checking Device for BLANK (Erased)... Wait");
-  s.ProgressStep = narrowed<std::int16_t>(s.CodeLength / 100);
-  s.ProgressCount = 0;
+  const DeviceOperation operation = board_.operation();
+  board_.lamps.DataFlowLampOn();
+  reporting_.LogMessage("Checking Device for BLANK (Erased)... Wait");
+  shell_.ProgressStep = narrowed<std::int16_t>(buffers_.CodeLength / 100);
+  shell_.ProgressCount = 0;
   walk_.begin();
-  p_.controls.ProgressBar1.setValue(0);
-  p_.controls.ProgressBar1.setMaximum(s.CodeLength / 256);
-  p_.bus.spin(kPauseCounts);
-  const bool isBlank = walk_.readAll([&s](std::int32_t address) {
-    if (s.ReadByte == kErased) return true;
-    s.ProgramIndex = address;
+  controls_.ProgressBar1.setValue(0);
+  controls_.ProgressBar1.setMaximum(buffers_.CodeLength / 256);
+  board_.bus.spin(kPauseCounts);
+  const bool isBlank = walk_.readAll([this](std::int32_t address) {
+    if (latches_.ReadByte == kErased) return true;
+    operation_.ProgramIndex = address;
     return false;
   });
   if (!isBlank) {
     reports_.NotBlankReport();
     return;
   }
-  p_.lamps.DataFlowLampOff();
-  p_.reporting.LogMessage("Device IS BLANK (ERASED)");
-  p_.controls.ProgressBar1.setValue(0);
-  p_.reporting.PlaySoundEvent("OK");
-  p_.bus.Reset();
+  board_.lamps.DataFlowLampOff();
+  reporting_.LogMessage("Device IS BLANK (ERASED)");
+  controls_.ProgressBar1.setValue(0);
+  reporting_.PlaySoundEvent("OK");
+  board_.bus.Reset();
 }
 
 }  // namespace kestrel::operations

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "hardware/board.h"
 #include "operations/device_walk.h"
 #include "operations/failure_reports.h"
-#include "operations/operation_parts.h"
 #include "platform/dialogs.h"
 
 namespace kestrel::operations {
@@ -10,8 +13,20 @@ namespace kestrel::operations {
 /// Looks for the first byte of the chip that is not FFh, the erased state.
 class BlankCheck {
  public:
-  BlankCheck(const OperationParts& parts, FailureReports& reports, Dialogs& dialogs)
-      : p_(parts), reports_(reports), dialogs_(dialogs), walk_(parts) {}
+  BlankCheck(const SelectionState& device, const BufferState& buffers, LatchState& latches,
+             OperationState& operation, ShellState& shell, Controls& controls, Reporting& reporting,
+             hardware::Board& board, FailureReports& reports, DeviceWalk& walk, Dialogs& dialogs)
+      : device_(device),
+        buffers_(buffers),
+        latches_(latches),
+        operation_(operation),
+        shell_(shell),
+        controls_(controls),
+        reporting_(reporting),
+        board_(board),
+        reports_(reports),
+        walk_(walk),
+        dialogs_(dialogs) {}
 
   /// Blank_button: the memories that CheckCode and CheckData select.
   void Blank_button_Click();
@@ -21,10 +36,17 @@ class BlankCheck {
   void BlankCheckParallel();
 
  private:
-  OperationParts p_;
+  const SelectionState& device_;
+  const BufferState& buffers_;
+  LatchState& latches_;
+  OperationState& operation_;
+  ShellState& shell_;
+  Controls& controls_;
+  Reporting& reporting_;
+  hardware::Board& board_;
   FailureReports& reports_;
-  Dialogs& dialogs_;
   DeviceWalk walk_;
+  Dialogs& dialogs_;
 };
 
 }  // namespace kestrel::operations

@@ -3,7 +3,9 @@
 #include <cstdint>
 #include <functional>
 
-#include "operations/operation_parts.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "hardware/board.h"
 
 namespace kestrel::operations {
 
@@ -14,7 +16,13 @@ namespace kestrel::operations {
 /// still covers one page.
 class DeviceWalk {
  public:
-  explicit DeviceWalk(const OperationParts& parts) : p_(parts) {}
+  DeviceWalk(const BufferState& buffers, LatchState& latches, OperationState& operation,
+             Reporting& reporting, hardware::Board& board)
+      : buffers_(buffers),
+        latches_(latches),
+        operation_(operation),
+        reporting_(reporting),
+        board_(board) {}
 
   /// Sees the byte in ReadByte and the address that stands on the pins; false ends the walk.
   using Visit = std::function<bool(std::int32_t address)>;
@@ -30,7 +38,11 @@ class DeviceWalk {
   void setBounds();
   bool readPage(std::int32_t pageAddress, const Visit& visit);
 
-  OperationParts p_;
+  const BufferState& buffers_;
+  LatchState& latches_;
+  OperationState& operation_;
+  Reporting& reporting_;
+  hardware::Board& board_;
 };
 
 }  // namespace kestrel::operations

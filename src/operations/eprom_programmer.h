@@ -2,20 +2,32 @@
 
 #include <cstdint>
 
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "devices/families.h"
+#include "hardware/board.h"
 #include "operations/failure_reports.h"
-#include "operations/operation_parts.h"
 
 namespace kestrel::operations {
 
 /// The UV EPROM algorithms: latch the byte, pulse, read it back, again until it is right.
 ///
-/// All five share one frame and one pulse loop; a row of a table says in what they differ. A byte
-/// gets at most 254 pulses: 55 short ones, then long ones. FFh, the erased state, is never
-/// programmed.
+/// How many pulses a byte gets and where they grow long is the family's plan: at most 254, 55 short
+/// ones and then long ones. FFh, the erased state, is never programmed.
 class EpromProgrammer {
  public:
-  EpromProgrammer(const OperationParts& parts, FailureReports& reports)
-      : p_(parts), reports_(reports) {}
+  EpromProgrammer(const PortState& portState, const SelectionState& device, LatchState& latches,
+                  OperationState& operation, ShellState& shell, const TimingState& timing,
+                  Reporting& reporting, hardware::Board& board, FailureReports& reports)
+      : portState_(portState),
+        device_(device),
+        latches_(latches),
+        operation_(operation),
+        shell_(shell),
+        timing_(timing),
+        reporting_(reporting),
+        board_(board),
+        reports_(reports) {}
 
   /// 2716, 2732: VPP on the /OE pin, 5 ms pulses on /CE, each address read first.
   void P2732();
@@ -33,25 +45,26 @@ class EpromProgrammer {
   void P27010_020();
 
  private:
-  struct Algorithm;
-  struct Algorithms;
-
-  void program(const Algorithm& algorithm);
-  void setUpLatch0(const Algorithm& algorithm);
+  void setUpLatch0();
+  [[nodiscard]] int levelBits(const devices::Family& family) const;
   void waitForVppSettling();
-  bool programByte(const Algorithm& algorithm);
-  bool pulseUntilRight(const Algorithm& algorithm);
+  void reportStart();
+
+  /// Gives each byte of the image to `programByte`, with its address standing; false from it, a
+  /// byte that failed, ends the walk.
+  template <typename ProgramByte>
+  bool forEachByte(std::int32_t& index, std::int32_t blinkMask, const ProgramByte& programByte);
+
+  /// Pulses until the byte read back is right; reports a byte that never is.
+  template <typename PulseAndReadBack>
+  bool pulseUntilRight(const PulseAndReadBack& pulseAndReadBack);
+
   void ReadBackByte();
+  void readBackWithOutputsOn();
 
-  // The bus before the set-up of latch 0.
-  void deselect();
-  void selectWithOutputsOff();
-
-  // What is done at an address before its first pulse.
-  void latchAddress();
-  void latchAddressAndSelect();
-  void readFirst24();
-  void readFirst();
+  // Passing over what is right already.
+  void readAddress();
+  bool isRightAlready();
 
   // One pulse, up to the read-back.
   void pulse2732();
@@ -64,8 +77,16 @@ class EpromProgrammer {
   void putByteInLatch();
   void pulseDelay();
 
-  OperationParts p_;
+  const PortState& portState_;
+  const SelectionState& device_;
+  LatchState& latches_;
+  OperationState& operation_;
+  ShellState& shell_;
+  const TimingState& timing_;
+  Reporting& reporting_;
+  hardware::Board& board_;
   FailureReports& reports_;
+  devices::PulsePlan pulses_;
   std::int16_t PulsesLeft_ = 0;
 };
 

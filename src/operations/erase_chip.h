@@ -1,29 +1,41 @@
 #pragma once
 
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "hardware/board.h"
 #include "operations/failure_reports.h"
-#include "operations/flash_programmer.h"
-#include "operations/operation_parts.h"
-#include "operations/page_writer.h"
-#include "operations/serial_eeprom.h"
+#include "operations/routines.h"
 
 namespace kestrel::operations {
 
 /// "Erase Chip", by the family of the device.
 class EraseChip {
  public:
-  EraseChip(const OperationParts& parts, PageWriter& pages, FlashProgrammer& flash,
-            SerialEeprom& serial, FailureReports& reports)
-      : p_(parts), pages_(pages), flash_(flash), serial_(serial), reports_(reports) {}
+  EraseChip(const SelectionState& device, LatchState& latches, OperationState& operation,
+            Controls& controls, Reporting& reporting, hardware::Board& board, Routines& routines,
+            FailureReports& reports)
+      : device_(device),
+        latches_(latches),
+        operation_(operation),
+        controls_(controls),
+        reporting_(reporting),
+        board_(board),
+        routines_(routines),
+        reports_(reports) {}
 
   void EraseFlash_button_Click();
 
  private:
   void finishSerial();
 
-  OperationParts p_;
-  PageWriter& pages_;
-  FlashProgrammer& flash_;
-  SerialEeprom& serial_;
+  const SelectionState& device_;
+  LatchState& latches_;
+  OperationState& operation_;
+  Controls& controls_;
+  Reporting& reporting_;
+  hardware::Board& board_;
+  Routines& routines_;
   FailureReports& reports_;
 };
 

@@ -13,56 +13,63 @@ const std::string kAsterisks(50, '*');
 }  // namespace
 
 void FailureReports::NotBlankReport() {
+  reporting_.noteEnding(Ending::Differs,
+                        "the device is not blank at address " + hexText(operation_.ProgramIndex));
   alert_.RaiseErrorAlert();
-  p_.lamps.DataFlowLampOff();
-  p_.reporting.LogMessage("Device IS NOT BLANK (ERASED)");
-  p_.reporting.LogMessage("Address: " + hexText(p_.state.ProgramIndex) +
-                          " ][ Device Data: " + hexText(p_.state.ReadByte));
-  p_.reporting.LogMessage("Click on [ERROR] alert to Reset the Situation");
-  p_.reporting.PlaySoundEvent("ERROR");
+  board_.lamps.DataFlowLampOff();
+  reporting_.LogMessage("Device IS NOT BLANK (ERASED)");
+  reporting_.LogMessage("Address: " + hexText(operation_.ProgramIndex) +
+                        " ][ Device Data: " + hexText(latches_.ReadByte));
+  reporting_.LogMessage("Click on [ERROR] alert to Reset the Situation");
+  reporting_.PlaySoundEvent("ERROR");
 }
 
 void FailureReports::VerifyMismatchReport() {
-  p_.state.VerifyFailed = 1;
+  operation_.VerifyFailed = 1;
+  reporting_.noteEnding(Ending::Differs, "the device differs from the buffer at address " +
+                                             hexText(operation_.ProgramIndex));
   alert_.RaiseErrorAlert();
-  p_.lamps.DataFlowLampOff();
-  p_.reporting.LogMessage(kAsterisks);
-  p_.reporting.LogMessage("Device Memory DOES NOT VERIFY with Buffer Contents");
+  board_.lamps.DataFlowLampOff();
+  reporting_.LogMessage(kAsterisks);
+  reporting_.LogMessage("Device Memory DOES NOT VERIFY with Buffer Contents");
   // The byte of the code buffer, also when an odd or even image was compared.
-  p_.reporting.LogMessage("Address: " + hexText(p_.state.ProgramIndex) + " ][ Buffer Data: " +
-                          hexText(at(p_.state.CodeBuffer, p_.state.ProgramIndex)) +
-                          " ][ Device Data: " + hexText(p_.state.ReadByte));
-  p_.reporting.LogMessage("Click on [ERROR] Alert to Reset the Situation");
-  p_.controls.Verify_button.setColour(Colour::ButtonFace);
-  p_.reporting.PlaySoundEvent("ERROR");
-  p_.bus.Reset();
+  reporting_.LogMessage("Address: " + hexText(operation_.ProgramIndex) + " ][ Buffer Data: " +
+                        hexText(at(buffers_.CodeBuffer, operation_.ProgramIndex)) +
+                        " ][ Device Data: " + hexText(latches_.ReadByte));
+  reporting_.LogMessage("Click on [ERROR] Alert to Reset the Situation");
+  controls_.Verify_button.setColour(Colour::ButtonFace);
+  reporting_.PlaySoundEvent("ERROR");
+  board_.bus.Reset();
 }
 
 void FailureReports::AckErrorReport() {
+  reporting_.noteEnding(Ending::Failed, "the device does not acknowledge");
   alert_.RaiseErrorAlert();
-  p_.lamps.DataFlowLampOff();
-  p_.reporting.LogMessage(kAsterisks);
-  p_.reporting.LogMessage("Device 24CXX DOES NOT RESPOND - ACK Error");
-  p_.reporting.LogMessage("Check Chip Installation Position on Socket");
-  p_.reporting.LogMessage("Click on [ERROR] Alert to Reset the Situation");
-  p_.reporting.PlaySoundEvent("ERROR");
-  p_.bus.Reset();
+  board_.lamps.DataFlowLampOff();
+  reporting_.LogMessage(kAsterisks);
+  reporting_.LogMessage("Device 24CXX DOES NOT RESPOND - ACK Error");
+  reporting_.LogMessage("Check Chip Installation Position on Socket");
+  reporting_.LogMessage("Click on [ERROR] Alert to Reset the Situation");
+  reporting_.PlaySoundEvent("ERROR");
+  board_.bus.Reset();
 }
 
 void FailureReports::ProgramFailureReport() {
-  p_.state.RegShadow0 = 0;
-  p_.registers.SetReg0();
-  p_.bus.CEOFF();
-  p_.bus.OEOFF();
-  p_.reporting.LogMessage("*** Programming Failure ***");
-  p_.reporting.LogMessage("*** Address:" + hexText(p_.state.LinearAddress) +
-                          "h, Programming BYTE:" + hexText(p_.state.ByteToWrite) +
-                          "h, Read BYTE:" + hexText(p_.state.ReadByte) + "h");
-  p_.reporting.LogMessage("*** Aborting Programming - Click on [ERROR] Indicator to Reset");
+  latches_.RegShadow0 = 0;
+  board_.registers.SetReg0();
+  board_.bus.CEOFF();
+  board_.bus.OEOFF();
+  reporting_.noteEnding(Ending::Failed, "the byte at address " + hexText(latches_.LinearAddress) +
+                                            " does not program");
+  reporting_.LogMessage("*** Programming Failure ***");
+  reporting_.LogMessage("*** Address:" + hexText(latches_.LinearAddress) +
+                        "h, Programming BYTE:" + hexText(operation_.ByteToWrite) +
+                        "h, Read BYTE:" + hexText(latches_.ReadByte) + "h");
+  reporting_.LogMessage("*** Aborting Programming - Click on [ERROR] Indicator to Reset");
   alert_.RaiseErrorAlert();
-  p_.lamps.ProgramLampOn();
-  p_.state.ProgramFailed = 1;
-  p_.reporting.PlaySoundEvent("ERROR");
+  board_.lamps.ProgramLampOn();
+  operation_.ProgramFailed = 1;
+  reporting_.PlaySoundEvent("ERROR");
 }
 
 }  // namespace kestrel::operations

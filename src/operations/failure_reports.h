@@ -1,15 +1,26 @@
 #pragma once
 
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "hardware/board.h"
 #include "hardware/error_alert.h"
-#include "operations/operation_parts.h"
 
 namespace kestrel::operations {
 
 /// What the operator is told when an operation fails. Each report raises the error alert.
 class FailureReports {
  public:
-  FailureReports(const OperationParts& parts, hardware::ErrorAlert& alert)
-      : p_(parts), alert_(alert) {}
+  FailureReports(LatchState& latches, OperationState& operation, const BufferState& buffers,
+                 Controls& controls, Reporting& reporting, hardware::Board& board,
+                 hardware::ErrorAlert& alert)
+      : latches_(latches),
+        operation_(operation),
+        buffers_(buffers),
+        controls_(controls),
+        reporting_(reporting),
+        board_(board),
+        alert_(alert) {}
 
   /// The first byte that is not blank: ProgramIndex and ReadByte.
   void NotBlankReport();
@@ -25,7 +36,12 @@ class FailureReports {
   void ProgramFailureReport();
 
  private:
-  OperationParts p_;
+  LatchState& latches_;
+  OperationState& operation_;
+  const BufferState& buffers_;
+  Controls& controls_;
+  Reporting& reporting_;
+  hardware::Board& board_;
   hardware::ErrorAlert& alert_;
 };
 

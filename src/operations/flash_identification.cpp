@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/state/text_format.h"
+#include "devices/families.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::operations {
@@ -47,129 +48,129 @@ constexpr std::array<FlashChip, 12> kFlashChips{{
 
 // The strobe: chip enabled, write enable low, high again (the chip takes the data), chip disabled.
 void FlashIdentification::fastCycle(std::uint8_t mid, std::uint8_t low, std::uint8_t data) {
-  p_.registers.loadLatchFast(4, data);
-  p_.registers.loadLatchFast(1, mid);
-  p_.registers.loadLatchFast(2, low);
+  board_.registers.loadLatchFast(4, data);
+  board_.registers.loadLatchFast(1, mid);
+  board_.registers.loadLatchFast(2, low);
   for (const std::uint8_t step : {kSelected, kWriteEnabled, kSelected, kDeselected}) {
-    p_.registers.loadLatchFast(3, step);
+    board_.registers.loadLatchFast(3, step);
   }
 }
 
 void FlashIdentification::FlashCommand() {
-  if (p_.state.FamilyCode == "FA") {
+  if (devices::familyOf(device_.FamilyCode).flashCommands == devices::FlashCommands::Atmel) {
     FlashCommandAtmel();
     return;
   }
-  p_.bus.OEOFF();
-  p_.registers.loadLatchFast(3, kDeselected);
+  board_.bus.OEOFF();
+  board_.registers.loadLatchFast(3, kDeselected);
   fastCycle(0x05, 0x55, 0xAA);
   fastCycle(0x02, 0xAA, 0x55);
-  fastCycle(0x05, 0x55, narrowed<std::uint8_t>(p_.state.FlashCmd));
+  fastCycle(0x05, 0x55, narrowed<std::uint8_t>(operation_.FlashCmd));
 }
 
 void FlashIdentification::FlashCommandAtmel() {
-  atmel_.sendAtmelCommand(narrowed<std::uint8_t>(p_.state.FlashCmd));
+  protection_.sendAtmelCommand(narrowed<std::uint8_t>(operation_.FlashCmd));
 }
 
 void FlashIdentification::sendCommand(std::int16_t command) {
-  p_.state.FlashCmd = command;
+  operation_.FlashCmd = command;
   FlashCommand();
 }
 
 void FlashIdentification::WEON_FLASH() {
-  ProgrammerState& s = p_.state;
-  s.RegShadow3 = narrowed<std::int16_t>(
-      (at(s.AddrMapHigh, s.AddrHigh) | s.Reg3Fixed | s.RegShadow3) & ~hardware::kPin31High);
-  p_.registers.SetReg3();
+  latches_.RegShadow3 = narrowed<std::int16_t>(
+      (at(device_.AddrMapHigh, latches_.AddrHigh) | device_.Reg3Fixed | latches_.RegShadow3) &
+      ~hardware::kPin31High);
+  board_.registers.SetReg3();
 }
 
 void FlashIdentification::WEOFF_FLASH() {
-  ProgrammerState& s = p_.state;
-  s.RegShadow3 = narrowed<std::int16_t>(s.RegShadow3 | at(s.AddrMapHigh, s.AddrHigh) | s.Reg3Fixed |
-                                        hardware::kPin31High);
-  p_.registers.SetReg3();
+  latches_.RegShadow3 =
+      narrowed<std::int16_t>(latches_.RegShadow3 | at(device_.AddrMapHigh, latches_.AddrHigh) |
+                             device_.Reg3Fixed | hardware::kPin31High);
+  board_.registers.SetReg3();
 }
 
 std::uint8_t FlashIdentification::readHere() {
-  p_.bus.SETADR_FLASH();
-  p_.bus.GetNibbles();
-  return p_.state.ReadByte;
+  board_.bus.SETADR_FLASH();
+  board_.bus.GetNibbles();
+  return latches_.ReadByte;
 }
 
 std::uint8_t FlashIdentification::readNext() {
-  p_.bus.IncADR();
+  board_.bus.IncADR();
   return readHere();
 }
 
 void FlashIdentification::ReadFlashID() {
-  ProgrammerState& s = p_.state;
-  if (s.FamilyLetter != "F") return;
-  s.FlashPageSize = 0;
-  s.FlashPageCount = 0;
-  p_.bus.Reset();
-  hardware::setBits(s.RegShadow0, hardware::kBoardLamp);
-  p_.registers.SetReg0();
-  p_.bus.OEOFF();
+  const DeviceOperation operation = board_.operation();
+  if (devices::familyOf(device_.FamilyCode).flashCommands == devices::FlashCommands::None) return;
+  operation_.FlashPageSize = 0;
+  operation_.FlashPageCount = 0;
+  board_.bus.Reset();
+  hardware::setBits(latches_.RegShadow0, hardware::kBoardLamp);
+  board_.registers.SetReg0();
+  board_.bus.OEOFF();
   sendCommand(kIdentify);
-  p_.bus.CEOEON();
-  p_.registers.REG4OFF();
-  s.FlashMakerID = readHere();
-  s.FlashDeviceID = readNext();
-  p_.bus.OEOFF();
+  board_.bus.CEOEON();
+  board_.registers.REG4OFF();
+  operation_.FlashMakerID = readHere();
+  operation_.FlashDeviceID = readNext();
+  board_.bus.OEOFF();
   sendCommand(kReadReset);
-  p_.bus.sleepMs(kReadModeWaitMs);
-  p_.bus.sleepMs(kReadModeWaitMs);
-  s.AddrLow = s.AddrMid = s.AddrHigh = 0;
-  p_.bus.CEOEON();
+  board_.bus.sleepMs(kReadModeWaitMs);
+  board_.bus.sleepMs(kReadModeWaitMs);
+  latches_.AddrLow = latches_.AddrMid = latches_.AddrHigh = 0;
+  board_.bus.CEOEON();
   const std::uint8_t first = readHere();
   const std::uint8_t second = readNext();
-  p_.bus.CEOEOFF();
-  s.FlashRawCode = hexText(first, kByteDigits) + hexText(second, kByteDigits);
-  s.FlashCode = hexText(s.FlashMakerID, kByteDigits) + hexText(s.FlashDeviceID, kByteDigits);
+  board_.bus.CEOEOFF();
+  operation_.FlashRawCode = hexText(first, kByteDigits) + hexText(second, kByteDigits);
+  operation_.FlashCode = hexText(operation_.FlashMakerID, kByteDigits) +
+                         hexText(operation_.FlashDeviceID, kByteDigits);
   nameChip();
-  hardware::clearBits(s.RegShadow0, hardware::kBoardLamp);
-  p_.registers.SetReg0();
+  hardware::clearBits(latches_.RegShadow0, hardware::kBoardLamp);
+  board_.registers.SetReg0();
 }
 
 void FlashIdentification::nameChip() {
-  ProgrammerState& s = p_.state;
-  if (s.FlashCode == s.FlashRawCode) {
-    p_.reporting.LogMessage("*** Not a Flash Unit, Address 00&01 = FlashCode ***");
+  if (operation_.FlashCode == operation_.FlashRawCode) {
+    reporting_.LogMessage("*** Not a Flash Unit, Address 00&01 = FlashCode ***");
   }
-  const std::string prefix = "Device ID# " + s.FlashCode + " - ";
+  const std::string prefix = "Device ID# " + operation_.FlashCode + " - ";
   for (const FlashChip& chip : kFlashChips) {
-    if (s.FlashCode != chip.code) continue;
-    p_.reporting.LogMessage(prefix + chip.name);
-    s.FlashPageSize = chip.pageSize;
-    s.FlashPageCount = chip.pageCount;
+    if (operation_.FlashCode != chip.code) continue;
+    reporting_.LogMessage(prefix + chip.name);
+    operation_.FlashPageSize = chip.pageSize;
+    operation_.FlashPageCount = chip.pageCount;
   }
-  if (s.FlashPageSize == 0) p_.reporting.LogMessage(prefix + " Not Valid!!!");
+  if (operation_.FlashPageSize == 0) reporting_.LogMessage(prefix + " Not Valid!!!");
 }
 
 void FlashIdentification::ProbeFlashID() {
   sendCommand(kIdentify);
-  p_.bus.CEOEON();
-  p_.registers.REG4OFF();
+  board_.bus.CEOEON();
+  board_.registers.REG4OFF();
   (void)readHere();
   (void)readNext();
-  p_.bus.OEOFF();
+  board_.bus.OEOFF();
   sendCommand(kReadReset);
-  p_.bus.sleepMs(kReadModeWaitMs);
+  board_.bus.sleepMs(kReadModeWaitMs);
 }
 
 void FlashIdentification::menuFlashShowCodeID_Click() {
-  p_.reporting.LogMessage("Reading Flash Code ID_________________ wait");
+  reporting_.LogMessage("Reading Flash Code ID_________________ wait");
   ReadFlashID();
 }
 
 void FlashIdentification::ResetFlash_Click() {
-  p_.bus.CEOFF();
-  p_.bus.OEOFF();
-  p_.state.RegShadow4 = kReadReset;
-  p_.registers.SetReg4();
+  board_.bus.CEOFF();
+  board_.bus.OEOFF();
+  latches_.RegShadow4 = kReadReset;
+  board_.registers.SetReg4();
   WEON_FLASH();
-  p_.bus.CEON();
-  p_.bus.CEOFF();
+  board_.bus.CEON();
+  board_.bus.CEOFF();
   WEOFF_FLASH();
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
-#include "operations/operation_parts.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "hardware/board.h"
 #include "operations/protection.h"
 
 namespace kestrel::operations {
@@ -8,8 +10,14 @@ namespace kestrel::operations {
 /// The maker and device code of a parallel flash, and the commands that ask for it.
 class FlashIdentification {
  public:
-  FlashIdentification(const OperationParts& parts, ProtectionSequences& atmel)
-      : p_(parts), atmel_(atmel) {}
+  FlashIdentification(const SelectionState& device, LatchState& latches, OperationState& operation,
+                      Reporting& reporting, hardware::Board& board, ProtectionSequences& protection)
+      : device_(device),
+        latches_(latches),
+        operation_(operation),
+        reporting_(reporting),
+        board_(board),
+        protection_(protection) {}
 
   /// Sends the three-cycle command sequence with FlashCmd as its last byte; the AT29C256 has its
   /// own form.
@@ -39,8 +47,12 @@ class FlashIdentification {
   std::uint8_t readNext();
   void nameChip();
 
-  OperationParts p_;
-  ProtectionSequences& atmel_;
+  const SelectionState& device_;
+  LatchState& latches_;
+  OperationState& operation_;
+  Reporting& reporting_;
+  hardware::Board& board_;
+  ProtectionSequences& protection_;
 };
 
 }  // namespace kestrel::operations

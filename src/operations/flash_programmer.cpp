@@ -19,92 +19,90 @@ constexpr std::int32_t kLoopTestRounds = 1000;
 }  // namespace
 
 bool FlashProgrammer::hasKnownMaker() const {
-  const std::int16_t maker = p_.state.FlashMakerID;
+  const std::int16_t maker = operation_.FlashMakerID;
   return maker == kMakerAmic || maker == kMakerAmd || maker == kMakerEon || maker == kMakerAtmel;
 }
 
 void FlashProgrammer::ProgramFlash() {
-  ProgrammerState& s = p_.state;
   identification_.ReadFlashID();
   if (!hasKnownMaker()) {
-    p_.reporting.LogMessage("Device ID# " + s.FlashCode + " - Not Supported");
-    s.ProgramStatus = 0;
+    reporting_.LogMessage("Device ID# " + operation_.FlashCode + " - Not Supported");
+    reporting_.noteEnding(Ending::Failed, "a flash of another maker is in the socket");
+    operation_.ProgramStatus = 0;
     return;
   }
-  p_.reporting.LogMessage("Device ID# " + s.FlashCode + " - Start programming");
-  p_.controls.ProgressBar1.setMaximum(s.CodeLength / 256);
-  p_.registers.REG4ON();
-  p_.bus.OEOFF();
-  p_.bus.CEOFF();
-  const std::int32_t last = s.CodeLength - 1;
+  reporting_.LogMessage("Device ID# " + operation_.FlashCode + " - Start programming");
+  controls_.ProgressBar1.setMaximum(buffers_.CodeLength / 256);
+  board_.registers.REG4ON();
+  board_.bus.OEOFF();
+  board_.bus.CEOFF();
+  const std::int32_t last = buffers_.CodeLength - 1;
   const std::int32_t lastHigh = last / 65536;
   const std::int32_t lastMid = (last - lastHigh * 65536) / 256;
-  s.LinearAddress = 0;
+  latches_.LinearAddress = 0;
   for (std::int32_t high = 0; high <= lastHigh; ++high) {
-    s.RegShadow3 =
-        narrowed<std::int16_t>(at(s.AddrMapHigh, high) | s.Reg3Fixed | hardware::kChipDisable);
-    p_.registers.SetReg3();
+    latches_.RegShadow3 = narrowed<std::int16_t>(at(device_.AddrMapHigh, high) | device_.Reg3Fixed |
+                                                 hardware::kChipDisable);
+    board_.registers.SetReg3();
     for (std::int32_t mid = 0; mid <= lastMid; ++mid) {
-      p_.bus.latchMiddle(mid);
-      p_.reporting.advanceProgress();
+      board_.bus.latchMiddle(mid);
+      reporting_.advanceProgress();
       if (!programPage()) return;
     }
   }
 }
 
 bool FlashProgrammer::programPage() {
-  ProgrammerState& s = p_.state;
-  for (s.RegShadow2 = 0; s.RegShadow2 <= 255; ++s.RegShadow2) {
-    p_.registers.SetReg2();
+  for (latches_.RegShadow2 = 0; latches_.RegShadow2 <= 255; ++latches_.RegShadow2) {
+    board_.registers.SetReg2();
     if (!programByte()) return false;
-    ++s.LinearAddress;
+    ++latches_.LinearAddress;
   }
   return true;
 }
 
 bool FlashProgrammer::programByte() {
-  ProgrammerState& s = p_.state;
   int tries = kTries;
   do {
     if (--tries == 0) {
       reports_.ProgramFailureReport();
       return false;
     }
-    s.ByteToWrite = at(s.ProgramBuffer, s.LinearAddress);
+    operation_.ByteToWrite = at(operation_.ProgramBuffer, latches_.LinearAddress);
     FlashWriteByte();
-    if (s.FlashMakerID == kMakerAtmel) {
-      p_.bus.sleepMs(kAtmelByteMs);
-      s.FlashPollPending = 0;
+    if (operation_.FlashMakerID == kMakerAtmel) {
+      board_.bus.sleepMs(kAtmelByteMs);
+      operation_.FlashPollPending = 0;
     } else {
       FlashPollByte();
     }
-  } while (s.FlashPollPending > 0);
+  } while (operation_.FlashPollPending > 0);
   return true;
 }
 
 void FlashProgrammer::FlashPollByte() {
-  ProgrammerState& s = p_.state;
-  p_.registers.REG4OFF();
-  s.FlashPollPending = 1;
-  p_.bus.CEON();
-  p_.bus.OEON();
-  p_.bus.GetNibbles();
-  p_.bus.OEOFF();
-  p_.bus.CEOFF();
-  if (s.ReadByte == s.ByteToWrite) {
-    s.FlashPollPending = 0;
+  board_.registers.REG4OFF();
+  operation_.FlashPollPending = 1;
+  board_.bus.CEON();
+  board_.bus.OEON();
+  board_.bus.GetNibbles();
+  board_.bus.OEOFF();
+  board_.bus.CEOFF();
+  if (latches_.ReadByte == operation_.ByteToWrite) {
+    operation_.FlashPollPending = 0;
   } else {
-    ++s.FlashPollMisses;
+    ++operation_.FlashPollMisses;
   }
-  p_.registers.REG4ON();
+  board_.registers.REG4ON();
 }
 
 void FlashProgrammer::LoopFlashTest_Click() {
-  const std::int32_t rounds = p_.controls.Slider1.value() * kLoopTestRounds;
-  std::int32_t& round = p_.state.LoopIndex;
+  const DeviceOperation operation = board_.operation();
+  const std::int32_t rounds = controls_.Slider1.value() * kLoopTestRounds;
+  std::int32_t& round = shell_.LoopIndex;
   for (round = 1; round <= rounds; ++round) {
     FlashWriteByte();
-    p_.bus.spin(kLoopTestCounts);
+    board_.bus.spin(kLoopTestCounts);
     if (round % kLoopTestRounds == 0) screen_.turn();
   }
 }

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "hardware/board.h"
 #include "operations/failure_reports.h"
 #include "operations/flash_identification.h"
-#include "operations/operation_parts.h"
 #include "platform/screen.h"
 
 namespace kestrel::operations {
@@ -11,9 +14,21 @@ namespace kestrel::operations {
 /// nothing in this release, so programming succeeds where the chip already holds the bytes.
 class FlashProgrammer {
  public:
-  FlashProgrammer(const OperationParts& parts, FlashIdentification& identification,
+  FlashProgrammer(const BufferState& buffers, const SelectionState& device, LatchState& latches,
+                  OperationState& operation, ShellState& shell, Controls& controls,
+                  Reporting& reporting, hardware::Board& board, FlashIdentification& identification,
                   FailureReports& reports, Screen& screen)
-      : p_(parts), identification_(identification), reports_(reports), screen_(screen) {}
+      : buffers_(buffers),
+        device_(device),
+        latches_(latches),
+        operation_(operation),
+        shell_(shell),
+        controls_(controls),
+        reporting_(reporting),
+        board_(board),
+        identification_(identification),
+        reports_(reports),
+        screen_(screen) {}
 
   void ProgramFlash();
 
@@ -32,7 +47,14 @@ class FlashProgrammer {
   bool programPage();
   bool programByte();
 
-  OperationParts p_;
+  const BufferState& buffers_;
+  const SelectionState& device_;
+  LatchState& latches_;
+  OperationState& operation_;
+  ShellState& shell_;
+  Controls& controls_;
+  Reporting& reporting_;
+  hardware::Board& board_;
   FlashIdentification& identification_;
   FailureReports& reports_;
   Screen& screen_;

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "operations/operation_parts.h"
+#include "app/state/programmer_state.h"
+#include "hardware/board.h"
 
 namespace kestrel::operations {
 
@@ -13,7 +14,8 @@ namespace kestrel::operations {
 /// Every procedure leaves SCL low.
 class I2cBus {
  public:
-  explicit I2cBus(const OperationParts& parts) : p_(parts) {}
+  I2cBus(LatchState& latches, OperationState& operation, hardware::Board& board)
+      : latches_(latches), operation_(operation), board_(board) {}
 
   void I2CStart();
   void I2CStop();
@@ -38,7 +40,9 @@ class I2cBus {
   void setSda(std::int16_t level);
   void sendBits();
 
-  OperationParts p_;
+  LatchState& latches_;
+  OperationState& operation_;
+  hardware::Board& board_;
 };
 
 }  // namespace kestrel::operations

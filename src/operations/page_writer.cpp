@@ -16,145 +16,137 @@ constexpr std::int32_t kBlinkMask = 7;
 constexpr std::int16_t kPagesPerProgressStep = 8;
 constexpr std::int32_t kProgressSteps = 64;
 constexpr std::size_t kDeviceBytes = 32768;
+constexpr std::int32_t kAfterAtmelUnlockMs = 50;
+constexpr std::int32_t kAfterXicorUnlockMs = 40;
 
 }  // namespace
 
-/// In what the two chips differ.
-struct PageWriter::Chip {
-  const char* startMessage;
-  const char* endMessage;
-  void (hardware::BusPrimitives::*setAddress)();
-  void (ProtectionSequences::*unlock)();
-  std::int32_t afterUnlockMs;
-  int writeEnable;  ///< active-low bit of latch 1
-  bool movesA14;    ///< A14 goes to bit 7 of latch 1
-};
-
 void PageWriter::ProgramAT29C256() {
-  program({.startMessage = "Programming Atmel AT29C256",
-           .endMessage = "FLASH Atmel AT29C256 Programmed Sucessfully",
-           .setAddress = &hardware::BusPrimitives::SETADR_FLASH,
-           .unlock = &ProtectionSequences::AtmelSDPDisable,
-           .afterUnlockMs = 50,
-           .writeEnable = 0x80,
-           .movesA14 = false});
+  const auto setAddress = [this] { board_.bus.SETADR_FLASH(); };
+  begin("Programming Atmel AT29C256", setAddress);
+  protection_.AtmelSDPDisable();
+  endUnlock(kAfterAtmelUnlockMs);
+  if (programPages(devices::kAt29C256Pins)) {
+    finish("FLASH Atmel AT29C256 Programmed Sucessfully");
+  }
 }
 
 void PageWriter::ProgramX28C256() {
-  program({.startMessage = "Programming 28C256 XICOR Device",
-           .endMessage = "XICOR 28C256 Programmed Sucessfully",
-           .setAddress = &hardware::BusPrimitives::SETADR_XICOR,
-           .unlock = &ProtectionSequences::XicorSDPDisable,
-           .afterUnlockMs = 40,
-           .writeEnable = 0x40,
-           .movesA14 = true});
+  const auto setAddress = [this] { board_.bus.SETADR_XICOR(); };
+  begin("Programming 28C256 XICOR Device", setAddress);
+  protection_.XicorSDPDisable();
+  endUnlock(kAfterXicorUnlockMs);
+  if (programPages(devices::kX28C256Pins)) finish("XICOR 28C256 Programmed Sucessfully");
 }
 
 void PageWriter::EraseX28C256() {
-  std::fill_n(p_.state.ProgramBuffer.begin(), kDeviceBytes, kErased);
-  p_.reporting.LogMessage("Erasing Program Buffer");
-  p_.reporting.LogMessage("Erasing XICOR 28C256");
+  std::fill_n(operation_.ProgramBuffer.begin(), kDeviceBytes, kErased);
+  reporting_.LogMessage("Erasing Program Buffer");
+  reporting_.LogMessage("Erasing XICOR 28C256");
   ProgramX28C256();
   image_.PrepareProgramBuffer();
 }
 
-void PageWriter::program(const Chip& chip) {
-  unlock(chip);
-  p_.controls.ProgressBar1.setMaximum(kProgressSteps);
-  p_.state.ProgressStep = kPagesPerProgressStep;
-  p_.state.ProgressCount = 0;
+template <typename SetAddress>
+void PageWriter::begin(const char* message, const SetAddress& setAddress) {
+  latches_.LinearAddress = 0;
+  board_.bus.Endereco2Adr();
+  setAddress();
+  board_.bus.sleepMs(hardware::Board::kStartWaitMs);
+  board_.registers.REG4ON();
+  board_.bus.OEOFF();
+  board_.bus.CEOFF();
+  reporting_.LogMessage(message);
+  board_.bus.Reset();
+  setAddress();
+}
+
+void PageWriter::endUnlock(std::int32_t waitMs) {
+  board_.bus.sleepMs(waitMs);
+  board_.bus.OEOFF();
+  board_.bus.CEOFF();
+}
+
+bool PageWriter::programPages(const devices::PageWritePins& pins) {
+  controls_.ProgressBar1.setMaximum(kProgressSteps);
+  shell_.ProgressStep = kPagesPerProgressStep;
+  shell_.ProgressCount = 0;
   for (std::int32_t page = 0; page < kPages; ++page) {
-    if (!programPage(chip, page)) {
+    if (!programPage(pins, page)) {
       reports_.ProgramFailureReport();
-      p_.state.RegShadow0 = 0;
-      p_.registers.SetReg0();
-      return;
+      latches_.RegShadow0 = 0;
+      board_.registers.SetReg0();
+      return false;
     }
-    if ((page & kBlinkMask) == 0) p_.lamps.BlinkProgramLamp();
-    p_.reporting.GoProgressiveBar1();
+    if ((page & kBlinkMask) == 0) board_.lamps.BlinkProgramLamp();
+    reporting_.GoProgressiveBar1();
   }
-  p_.reporting.LogMessage(chip.endMessage);
-  p_.bus.Reset();
+  return true;
 }
 
-void PageWriter::unlock(const Chip& chip) {
-  p_.state.LinearAddress = 0;
-  p_.bus.Endereco2Adr();
-  (p_.bus.*chip.setAddress)();
-  p_.bus.sleepMs(kStartWaitMs);
-  p_.registers.REG4ON();
-  p_.bus.OEOFF();
-  p_.bus.CEOFF();
-  p_.reporting.LogMessage(chip.startMessage);
-  p_.bus.Reset();
-  (p_.bus.*chip.setAddress)();
-  (protection_.*chip.unlock)();
-  p_.bus.sleepMs(chip.afterUnlockMs);
-  p_.bus.OEOFF();
-  p_.bus.CEOFF();
+void PageWriter::finish(const char* message) {
+  reporting_.LogMessage(message);
+  board_.bus.Reset();
 }
 
-bool PageWriter::programPage(const Chip& chip, std::int32_t page) {
+bool PageWriter::programPage(const devices::PageWritePins& pins, std::int32_t page) {
   for (int tries = kTries - 1; tries > 0; --tries) {
     protection_.speedDelay(kBeforePageMs);
-    p_.registers.REG4ON();
-    latchPageAddress(chip, page);
-    loadPage(chip, page);
+    board_.registers.REG4ON();
+    latchPageAddress(pins, page);
+    loadPage(pins, page);
     protection_.speedDelay(kWriteCycleMs);
-    p_.registers.REG4OFF();
+    board_.registers.REG4OFF();
     if (pageReadsBack(page)) return true;
   }
   return false;
 }
 
-void PageWriter::latchPageAddress(const Chip& chip, std::int32_t page) {
-  ProgrammerState& s = p_.state;
-  s.LinearAddress = kWritePageBytes * page;
-  p_.bus.Endereco2Adr();
-  std::int32_t mid = s.AddrMid;
-  if (chip.movesA14) mid = hardware::withA14InBit7(mid);
-  mid |= s.Reg1Fixed;
-  if (mid == s.RegShadow1) return;
-  s.RegShadow1 = narrowed<std::int16_t>(mid);
-  p_.registers.SetReg1();
+void PageWriter::latchPageAddress(const devices::PageWritePins& pins, std::int32_t page) {
+  latches_.LinearAddress = kWritePageBytes * page;
+  board_.bus.Endereco2Adr();
+  std::int32_t mid = latches_.AddrMid;
+  if (pins.movesA14) mid = devices::withA14InBit7(mid);
+  mid |= device_.Reg1Fixed;
+  if (mid == latches_.RegShadow1) return;
+  latches_.RegShadow1 = narrowed<std::int16_t>(mid);
+  board_.registers.SetReg1();
 }
 
 void PageWriter::setByteAddress(std::int32_t address) {
-  p_.state.LinearAddress = address;
-  p_.bus.Endereco2Adr();
-  p_.state.RegShadow2 = narrowed<std::int16_t>(p_.state.AddrLow);
-  p_.registers.SetReg2();
+  latches_.LinearAddress = address;
+  board_.bus.Endereco2Adr();
+  latches_.RegShadow2 = narrowed<std::int16_t>(latches_.AddrLow);
+  board_.registers.SetReg2();
 }
 
 // The bytes of a page must follow each other within the chip's load window, so there is nothing
 // but port access here.
-void PageWriter::loadPage(const Chip& chip, std::int32_t page) {
-  ProgrammerState& s = p_.state;
+void PageWriter::loadPage(const devices::PageWritePins& pins, std::int32_t page) {
   for (std::int32_t i = 0; i < kWritePageBytes; ++i) {
     setByteAddress(kWritePageBytes * page + i);
-    s.ByteToWrite = at(s.ProgramBuffer, s.LinearAddress);
-    p_.registers.REG4ON();
-    s.RegShadow4 = s.ByteToWrite;
-    p_.registers.SetReg4();
-    p_.bus.CEON();
-    hardware::clearBits(s.RegShadow1, chip.writeEnable);
-    p_.registers.SetReg1();
-    hardware::setBits(s.RegShadow1, chip.writeEnable);
-    p_.registers.SetReg1();
-    p_.bus.CEOFF();
+    operation_.ByteToWrite = at(operation_.ProgramBuffer, latches_.LinearAddress);
+    board_.registers.REG4ON();
+    latches_.RegShadow4 = operation_.ByteToWrite;
+    board_.registers.SetReg4();
+    board_.bus.CEON();
+    hardware::clearBits(latches_.RegShadow1, pins.writeEnable);
+    board_.registers.SetReg1();
+    hardware::setBits(latches_.RegShadow1, pins.writeEnable);
+    board_.registers.SetReg1();
+    board_.bus.CEOFF();
   }
 }
 
 bool PageWriter::pageReadsBack(std::int32_t page) {
-  ProgrammerState& s = p_.state;
   for (std::int32_t i = 0; i < kWritePageBytes; ++i) {
     setByteAddress(kWritePageBytes * page + i);
-    p_.bus.CEOEON();
-    p_.bus.GetNibbles();
-    p_.bus.OEOFF();
-    const std::uint8_t expected = at(s.ProgramBuffer, s.LinearAddress);
-    if (s.ReadByte == expected) continue;
-    s.ByteToWrite = expected;
+    board_.bus.CEOEON();
+    board_.bus.GetNibbles();
+    board_.bus.OEOFF();
+    const std::uint8_t expected = at(operation_.ProgramBuffer, latches_.LinearAddress);
+    if (latches_.ReadByte == expected) continue;
+    operation_.ByteToWrite = expected;
     return false;
   }
   return true;

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "devices/page_write_pins.h"
+#include "hardware/board.h"
 #include "operations/failure_reports.h"
-#include "operations/operation_parts.h"
 #include "operations/program_image.h"
 #include "operations/protection.h"
 
@@ -11,9 +15,19 @@ namespace kestrel::operations {
 /// write cycle, read back, and written again whole until it is right, at most 79 times.
 class PageWriter {
  public:
-  PageWriter(const OperationParts& parts, ProtectionSequences& protection, ProgramImage& image,
-             FailureReports& reports)
-      : p_(parts), protection_(protection), image_(image), reports_(reports) {}
+  PageWriter(const SelectionState& device, LatchState& latches, OperationState& operation,
+             ShellState& shell, Controls& controls, Reporting& reporting, hardware::Board& board,
+             ProtectionSequences& protection, ProgramImage& image, FailureReports& reports)
+      : device_(device),
+        latches_(latches),
+        operation_(operation),
+        shell_(shell),
+        controls_(controls),
+        reporting_(reporting),
+        board_(board),
+        protection_(protection),
+        image_(image),
+        reports_(reports) {}
 
   void ProgramAT29C256();
   void ProgramX28C256();
@@ -22,17 +36,25 @@ class PageWriter {
   void EraseX28C256();
 
  private:
-  struct Chip;
-
-  void program(const Chip& chip);
-  void unlock(const Chip& chip);
-  bool programPage(const Chip& chip, std::int32_t page);
-  void latchPageAddress(const Chip& chip, std::int32_t page);
-  void loadPage(const Chip& chip, std::int32_t page);
+  /// The chip's supply is given time to come up, and the start reported.
+  template <typename SetAddress>
+  void begin(const char* message, const SetAddress& setAddress);
+  void endUnlock(std::int32_t waitMs);
+  bool programPages(const devices::PageWritePins& pins);
+  bool programPage(const devices::PageWritePins& pins, std::int32_t page);
+  void latchPageAddress(const devices::PageWritePins& pins, std::int32_t page);
+  void loadPage(const devices::PageWritePins& pins, std::int32_t page);
   bool pageReadsBack(std::int32_t page);
   void setByteAddress(std::int32_t address);
+  void finish(const char* message);
 
-  OperationParts p_;
+  const SelectionState& device_;
+  LatchState& latches_;
+  OperationState& operation_;
+  ShellState& shell_;
+  Controls& controls_;
+  Reporting& reporting_;
+  hardware::Board& board_;
   ProtectionSequences& protection_;
   ProgramImage& image_;
   FailureReports& reports_;

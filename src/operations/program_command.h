@@ -1,38 +1,43 @@
 #pragma once
 
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "devices/families.h"
+#include "hardware/board.h"
 #include "hardware/error_alert.h"
 #include "operations/blank_check.h"
-#include "operations/eprom_programmer.h"
 #include "operations/failure_reports.h"
-#include "operations/flash_programmer.h"
-#include "operations/operation_parts.h"
-#include "operations/page_writer.h"
 #include "operations/program_image.h"
-#include "operations/serial_eeprom.h"
+#include "operations/routines.h"
 #include "operations/verify.h"
 #include "platform/dialogs.h"
 
 namespace kestrel::operations {
 
-/// The units that the Program command puts together.
-struct ProgramUnits {
-  ProgramImage& image;
-  hardware::ErrorAlert& alert;
-  FailureReports& reports;
-  BlankCheck& blank;
-  Verify& verify;
-  EpromProgrammer& eprom;
-  PageWriter& pages;
-  FlashProgrammer& flash;
-  SerialEeprom& serial;
-  Dialogs& dialogs;
-};
-
 /// Writes the code buffer into the chip: the safety question, the blank check, the image by byte
 /// lane, the routine of the device's family, the verify.
 class ProgramCommand {
  public:
-  ProgramCommand(const OperationParts& parts, const ProgramUnits& units) : p_(parts), u_(units) {}
+  ProgramCommand(const SelectionState& device, LatchState& latches, OperationState& operation,
+                 ShellState& shell, Controls& controls, Reporting& reporting,
+                 hardware::Board& board, hardware::ErrorAlert& alert, ProgramImage& image,
+                 FailureReports& reports, BlankCheck& blank, Verify& verify, Routines& routines,
+                 Dialogs& dialogs)
+      : device_(device),
+        latches_(latches),
+        operation_(operation),
+        shell_(shell),
+        controls_(controls),
+        reporting_(reporting),
+        board_(board),
+        alert_(alert),
+        image_(image),
+        reports_(reports),
+        blank_(blank),
+        verify_(verify),
+        routines_(routines),
+        dialogs_(dialogs) {}
 
   void Program_button_Click();
   void ProgramCode();
@@ -40,13 +45,25 @@ class ProgramCommand {
 
  private:
   [[nodiscard]] bool isConfirmed();
-  void programDevice();
-  void dispatch();
+  void programDevice(const devices::Family& family);
+  void dispatch(const devices::Family& family);
   void reportOutcome();
-  void leaveIdle();
+  void leaveIdle(const devices::Family& family);
 
-  OperationParts p_;
-  ProgramUnits u_;
+  const SelectionState& device_;
+  LatchState& latches_;
+  OperationState& operation_;
+  ShellState& shell_;
+  Controls& controls_;
+  Reporting& reporting_;
+  hardware::Board& board_;
+  hardware::ErrorAlert& alert_;
+  ProgramImage& image_;
+  FailureReports& reports_;
+  BlankCheck& blank_;
+  Verify& verify_;
+  Routines& routines_;
+  Dialogs& dialogs_;
 };
 
 }  // namespace kestrel::operations

@@ -5,26 +5,26 @@
 namespace kestrel::operations {
 
 void ProgramImage::PrepareProgramBuffer() {
-  ProgrammerState& s = state_;
   if (controls_.HiLow_button[0].value()) {
-    for (std::int32_t i = 0; i < s.DeviceSizeBytes; ++i) {
-      at(s.ProgramBuffer, i) = at(s.CodeBuffer, i);
+    for (std::int32_t i = 0; i < device_.DeviceSizeBytes; ++i) {
+      at(operation_.ProgramBuffer, i) = at(buffers_.CodeBuffer, i);
     }
-    s.ProgramLength = s.DeviceSizeBytes;
+    operation_.ProgramLength = device_.DeviceSizeBytes;
   }
   if (controls_.HiLow_button[1].value()) {
     takeLane(1);
-    s.ProgramLength = s.DeviceSizeBytes / 2;  // every size is even, so there is nothing to round
+    operation_.ProgramLength =
+        device_.DeviceSizeBytes / 2;  // every size is even, so there is nothing to round
   }
   if (controls_.HiLow_button[2].value()) {
     takeLane(0);
-    s.ProgramLength = s.DeviceSizeBytes / 2;
+    operation_.ProgramLength = device_.DeviceSizeBytes / 2;
   }
 }
 
 void ProgramImage::takeLane(std::int32_t offset) {
-  for (std::int32_t i = 0; i < state_.DeviceSizeBytes; i += 2) {
-    at(state_.ProgramBuffer, i / 2) = at(state_.CodeBuffer, i + offset);
+  for (std::int32_t i = 0; i < device_.DeviceSizeBytes; i += 2) {
+    at(operation_.ProgramBuffer, i / 2) = at(buffers_.CodeBuffer, i + offset);
   }
 }
 

@@ -9,8 +9,9 @@ namespace kestrel::operations {
 /// bytes, or the odd or even ones alone for one of the two chips of a 16-bit system.
 class ProgramImage {
  public:
-  ProgramImage(ProgrammerState& state, const Controls& controls)
-      : state_(state), controls_(controls) {}
+  ProgramImage(const BufferState& buffers, const SelectionState& device, OperationState& operation,
+               const Controls& controls)
+      : buffers_(buffers), device_(device), operation_(operation), controls_(controls) {}
 
   /// Builds ProgramBuffer and ProgramLength; the length is the device's size or half of it,
   /// whatever CodeLength is.
@@ -19,7 +20,9 @@ class ProgramImage {
  private:
   void takeLane(std::int32_t offset);
 
-  ProgrammerState& state_;
+  const BufferState& buffers_;
+  const SelectionState& device_;
+  OperationState& operation_;
   const Controls& controls_;
 };
 

@@ -1,9 +1,12 @@
 #pragma once
 
 #include <cstdint>
-#include <span>
 
-#include "operations/operation_parts.h"
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "devices/page_write_pins.h"
+#include "hardware/board.h"
+#include "platform/waits.h"
 
 namespace kestrel::operations {
 
@@ -11,7 +14,13 @@ namespace kestrel::operations {
 /// 1 bit 7) and 28C256 (/WE is latch 1 bit 6, A14 is bit 7).
 class ProtectionSequences {
  public:
-  explicit ProtectionSequences(const OperationParts& parts) : p_(parts) {}
+  ProtectionSequences(const SelectionState& device, LatchState& latches, OperationState& operation,
+                      const Controls& controls, hardware::Board& board)
+      : device_(device),
+        latches_(latches),
+        operation_(operation),
+        controls_(controls),
+        board_(board) {}
 
   /// One write cycle at WriteAddress with the byte in RegShadow4.
   void AtmelWriteByte();
@@ -26,32 +35,30 @@ class ProtectionSequences {
   /// The AT29C256's three-cycle command with its last byte.
   void sendAtmelCommand(std::uint8_t command);
 
-  void WEON_ATMEL();
-  void WEOFF_ATMEL();
-  void WEON_XICOR();
-  void WEOFF_XICOR();
+  // /WE of each chip, active low.
+  void WEON_ATMEL() { lowerWriteEnable(devices::kAt29C256Pins); }
+  void WEOFF_ATMEL() { raiseWriteEnable(devices::kAt29C256Pins); }
+  void WEON_XICOR() { lowerWriteEnable(devices::kX28C256Pins); }
+  void WEOFF_XICOR() { raiseWriteEnable(devices::kX28C256Pins); }
   void WriteStrobeDelay();
 
   /// Waits so many milliseconds more than the program-speed slider is below its maximum.
   void speedDelay(std::int32_t milliseconds);
 
  private:
-  struct Cycle {
-    std::int16_t address;
-    std::uint8_t data;
-  };
-  using WriteByte = void (ProtectionSequences::*)();
-  struct WriteEnable {
-    void (ProtectionSequences::*on)();
-    void (ProtectionSequences::*off)();
-  };
+  void lowerWriteEnable(const devices::PageWritePins& pins);
+  void raiseWriteEnable(const devices::PageWritePins& pins);
+  void strobe(const devices::PageWritePins& pins);
 
-  void send(std::span<const Cycle> cycles, WriteByte writeByte);
-  void sendDisable(WriteByte writeByte);
-  void sendEnable(WriteByte writeByte);
-  void strobe(const WriteEnable& writeEnable);
+  /// The cycles one after the other, each by `writeByte`, and the wait that ends a sequence.
+  template <typename Cycles, typename WriteByte>
+  void send(const Cycles& cycles, const WriteByte& writeByte);
 
-  OperationParts p_;
+  const SelectionState& device_;
+  LatchState& latches_;
+  OperationState& operation_;
+  const Controls& controls_;
+  hardware::Board& board_;
 };
 
 }  // namespace kestrel::operations

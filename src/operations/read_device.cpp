@@ -3,72 +3,65 @@
 #include <string>
 
 #include "buffers/checksum.h"
+#include "devices/families.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::operations {
 
-ReadDevice::ReadDevice(const OperationParts& parts, hardware::ErrorAlert& alert,
-                       display::MemoryDisplay& display, SerialEeprom& serial,
-                       FailureReports& reports, Dialogs& dialogs)
-    : p_(parts),
-      alert_(alert),
-      display_(display),
-      serial_(serial),
-      reports_(reports),
-      dialogs_(dialogs),
-      walk_(parts) {}
-
 void ReadDevice::Read_button_Click() {
-  if (p_.controls.CheckCode.isTicked()) ReadCode();
-  if (p_.controls.CheckData.isTicked()) ReadData();
+  if (controls_.CheckCode.isTicked()) ReadCode();
+  if (controls_.CheckData.isTicked()) ReadData();
 }
 
 void ReadDevice::ReadCode() {
-  const ProgrammerState& s = p_.state;
-  if (s.FamilyLetter == "F" || s.FamilyLetter == "P" || s.FamilyCode == "EN") {
-    ReadParallel();
-  } else if (s.FamilyLetter == "S") {
-    ReadSerial();
-  } else {
-    dialogs_.messageBox(
-        {.text = "Please Write Missing Routines at READCODE", .title = "Routine Not Ready"});
+  switch (devices::familyOf(device_.FamilyCode).read) {
+    case devices::BusKind::Parallel:
+      return ReadParallel();
+    case devices::BusKind::Serial:
+      return ReadSerial();
+    case devices::BusKind::None:
+      reporting_.noteEnding(Ending::NoRoutine, "there is no routine that reads this device");
+      dialogs_.messageBox(
+          {.text = "Please Write Missing Routines at READCODE", .title = "Routine Not Ready"});
   }
 }
 
 void ReadDevice::ReadParallel() {
-  ProgrammerState& s = p_.state;
-  p_.lamps.DataFlowLampOn();
-  s.DeviceChecksum = 0;
-  s.DisplayMode = "Read";
+  const DeviceOperation operation = board_.operation();
+  board_.lamps.DataFlowLampOn();
+  buffers_.DeviceChecksum = 0;
+  buffers_.DisplayMode = "Read";
   walk_.begin();
-  p_.controls.ProgressBar1.setValue(0);
-  p_.controls.ProgressBar1.setMaximum(s.CodeLength / 256);
-  walk_.readAll([&s](std::int32_t) {
+  controls_.ProgressBar1.setValue(0);
+  controls_.ProgressBar1.setMaximum(buffers_.CodeLength / 256);
+  std::vector<std::uint8_t> read = buffers_.CodeBuffer;
+  walk_.readAll([this, &read](std::int32_t) {
     // The bytes are stored one after the other, whatever address they were read from.
-    at(s.CodeBuffer, s.LinearAddress) = s.ReadByte;
-    s.DeviceChecksum = buffers::addToChecksum(s.DeviceChecksum, s.ReadByte);
-    ++s.LinearAddress;
+    at(read, latches_.LinearAddress) = latches_.ReadByte;
+    buffers_.DeviceChecksum = buffers::addToChecksum(buffers_.DeviceChecksum, latches_.ReadByte);
+    ++latches_.LinearAddress;
     return true;
   });
-  s.DeviceChecksumText = buffers::checksumText(s.DeviceChecksum);
-  p_.lamps.DataFlowLampOff();
-  p_.reporting.LogMessage(std::to_string(s.CodeLength) + " bytes Read from Device");
-  p_.reporting.LogMessage("Device CHKSUMM = $" + s.DeviceChecksumText);
+  buffers_.CodeBuffer.swap(read);
+  buffers_.DeviceChecksumText = buffers::checksumText(buffers_.DeviceChecksum);
+  board_.lamps.DataFlowLampOff();
+  reporting_.LogMessage(std::to_string(buffers_.CodeLength) + " bytes Read from Device");
+  reporting_.LogMessage("Device CHKSUMM = $" + buffers_.DeviceChecksumText);
   showBuffer();
   finishReading();
-  p_.reporting.PlaySoundEvent("OK");
-  p_.bus.Reset();
+  reporting_.PlaySoundEvent("OK");
+  board_.bus.Reset();
 }
 
 void ReadDevice::showBuffer() {
-  p_.controls.VScroll1.setMaximum(p_.state.CodeLength / 256 - 1);
-  p_.reporting.LogMessage("Data is available at above Window, use Scroll Bar");
-  p_.reporting.LogMessage("You can Save the file using [FILE - Save As] menu");
+  controls_.VScroll1.setMaximum(buffers_.CodeLength / 256 - 1);
+  reporting_.LogMessage("Data is available at above Window, use Scroll Bar");
+  reporting_.LogMessage("You can Save the file using [FILE - Save As] menu");
   display_.DisplayPageMemory();
 }
 
 void ReadDevice::finishReading() {
-  Controls& c = p_.controls;
+  Controls& c = controls_;
   c.ProgressBar1.setValue(0);
   c.StatusBar.setText("");
   for (Button* const button :
@@ -76,45 +69,40 @@ void ReadDevice::finishReading() {
         &c.menuEraseCode, &c.mnuFileSaveCodeAs}) {
     alert_.enable(*button);
   }
-  p_.state.CodeBufferValid = 1;
+  buffers_.CodeBufferValid = 1;
 }
 
 void ReadDevice::ReadSerial() {
-  ProgrammerState& s = p_.state;
-  p_.lamps.DataFlowLampOn();
-  p_.bus.Reset();
-  p_.bus.SETADR();
-  p_.bus.sleepMs(kStartWaitMs);
-  s.DisplayMode = "Read";
-  p_.controls.ProgressBar1.setMaximum(s.CodeLength);
+  const DeviceOperation operation = board_.operation();
+  board_.lamps.DataFlowLampOn();
+  board_.startOperation();
+  buffers_.DisplayMode = "Read";
+  controls_.ProgressBar1.setMaximum(buffers_.CodeLength);
   serial_.Read24CXX();
-  p_.lamps.DataFlowLampOff();
-  if (s.I2CError != 0) {
+  board_.lamps.DataFlowLampOff();
+  if (operation_.I2CError != 0) {
     reports_.AckErrorReport();
   } else {
-    p_.reporting.LogMessage(std::to_string(s.CodeLength) + " bytes Read from Device");
+    reporting_.LogMessage(std::to_string(buffers_.CodeLength) + " bytes Read from Device");
     showBuffer();
-    p_.reporting.PlaySoundEvent("OK");
+    reporting_.PlaySoundEvent("OK");
   }
   finishReading();
-  p_.bus.Reset();
-  p_.bus.CEON();
-  p_.bus.OEON();
-  s.RegShadow0 = hardware::kLatch0Idle;  // the shadow alone: latch 0 itself keeps /OE low
-  s.RegShadow1 = 0;
-  s.RegShadow2 = 0;
-  p_.registers.SetReg1();
-  p_.registers.SetReg2();
+  board_.bus.Reset();
+  board_.leaveSerialChip();
+  // The shadow alone: latch 0 itself keeps /OE low.
+  latches_.RegShadow0 = hardware::kLatch0Idle;
 }
 
 void ReadDevice::ReadData() {
-  p_.state.DisplayMode = "Read";
-  p_.registers.REG4OFF();
-  p_.bus.CEOEON();
-  p_.lamps.DataFlowLampOn();
-  p_.state.ProgressStep = narrowed<std::int16_t>(p_.state.CodeLength / 100);
-  p_.reporting.LogMessage("Start Device Reading Operation");
-  p_.controls.StatusBar.setText("Reading Device... Wait");
+  buffers_.DisplayMode = "Read";
+  board_.registers.REG4OFF();
+  board_.bus.CEOEON();
+  board_.lamps.DataFlowLampOn();
+  shell_.ProgressStep = narrowed<std::int16_t>(buffers_.CodeLength / 100);
+  reporting_.LogMessage("Start Device Reading Operation");
+  controls_.StatusBar.setText("Reading Device... Wait");
+  reporting_.noteEnding(Ending::NoRoutine, "there is no routine that reads the data memory");
   dialogs_.messageBox(
       {.text = "Please Write AT90S2313 Eeprom Read Routine", .title = "Routine Not Ready"});
 }

@@ -1,10 +1,13 @@
 #pragma once
 
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
 #include "display/memory_display.h"
+#include "hardware/board.h"
 #include "hardware/error_alert.h"
 #include "operations/device_walk.h"
 #include "operations/failure_reports.h"
-#include "operations/operation_parts.h"
 #include "operations/serial_eeprom.h"
 #include "platform/dialogs.h"
 
@@ -13,9 +16,24 @@ namespace kestrel::operations {
 /// The chip's contents into the code buffer.
 class ReadDevice {
  public:
-  ReadDevice(const OperationParts& parts, hardware::ErrorAlert& alert,
-             display::MemoryDisplay& display, SerialEeprom& serial, FailureReports& reports,
-             Dialogs& dialogs);
+  ReadDevice(const SelectionState& device, LatchState& latches, BufferState& buffers,
+             OperationState& operation, ShellState& shell, Controls& controls, Reporting& reporting,
+             hardware::Board& board, hardware::ErrorAlert& alert, display::MemoryDisplay& display,
+             SerialEeprom& serial, DeviceWalk& walk, FailureReports& reports, Dialogs& dialogs)
+      : device_(device),
+        latches_(latches),
+        buffers_(buffers),
+        operation_(operation),
+        shell_(shell),
+        controls_(controls),
+        reporting_(reporting),
+        board_(board),
+        alert_(alert),
+        display_(display),
+        serial_(serial),
+        walk_(walk),
+        reports_(reports),
+        dialogs_(dialogs) {}
 
   /// Read_button: the memories that CheckCode and CheckData select.
   void Read_button_Click();
@@ -32,13 +50,20 @@ class ReadDevice {
   void showBuffer();
   void finishReading();
 
-  OperationParts p_;
+  const SelectionState& device_;
+  LatchState& latches_;
+  BufferState& buffers_;
+  OperationState& operation_;
+  ShellState& shell_;
+  Controls& controls_;
+  Reporting& reporting_;
+  hardware::Board& board_;
   hardware::ErrorAlert& alert_;
   display::MemoryDisplay& display_;
   SerialEeprom& serial_;
+  DeviceWalk walk_;
   FailureReports& reports_;
   Dialogs& dialogs_;
-  DeviceWalk walk_;
 };
 
 }  // namespace kestrel::operations

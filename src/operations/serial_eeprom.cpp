@@ -1,6 +1,7 @@
 #include "operations/serial_eeprom.h"
 
 #include "buffers/checksum.h"
+#include "devices/families.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::operations {
@@ -54,36 +55,35 @@ void SerialEeprom::Write24C32() {
 }
 
 void SerialEeprom::write(const Writer& writer) {
-  if (p_.state.EraseMode == 1) {
-    p_.reporting.LogMessage(writer.eraseMessage);
-    p_.reporting.LogMessage("Program Buffer will not be erased");
+  if (operation_.EraseMode == 1) {
+    reporting_.LogMessage(writer.eraseMessage);
+    reporting_.LogMessage("Program Buffer will not be erased");
   }
-  const std::int32_t pages = nearestQuotient(p_.state.CodeLength, writer.pageBytes);
-  p_.bus.OEOFF();
-  p_.bus.sleepMs(kPowerUpMs);
-  p_.controls.ProgressBar1.setMaximum(pages);
+  const std::int32_t pages = nearestQuotient(buffers_.CodeLength, writer.pageBytes);
+  board_.bus.OEOFF();
+  board_.bus.sleepMs(kPowerUpMs);
+  controls_.ProgressBar1.setMaximum(pages);
   std::int32_t address = writer.startAddress;
   for (std::int32_t page = 1; page <= pages; ++page) {
     if (!writePage(writer, address)) return;
-    p_.reporting.advanceProgress();
-    waitForWriteCycle(writer.select(p_.state.AddrMid));
+    reporting_.advanceProgress();
+    waitForWriteCycle(writer.select(latches_.AddrMid));
     i2c_.clock();
   }
-  p_.state.RegShadow4 = 0;
-  p_.registers.SetReg4();
-  p_.registers.REG4ON();
+  latches_.RegShadow4 = 0;
+  board_.registers.SetReg4();
+  board_.registers.REG4ON();
 }
 
 bool SerialEeprom::writePage(const Writer& writer, std::int32_t& address) {
-  ProgrammerState& s = p_.state;
-  s.AddrMid = address / 256;
-  s.AddrLow = address - s.AddrMid * 256;
+  latches_.AddrMid = address / 256;
+  latches_.AddrLow = address - latches_.AddrMid * 256;
   i2c_.I2CStart();
-  if (!send(writer.select(s.AddrMid))) return false;
-  if (!writer.blockInSelect && !send(s.AddrMid)) return false;
-  if (!send(s.AddrLow)) return false;
+  if (!send(writer.select(latches_.AddrMid))) return false;
+  if (!writer.blockInSelect && !send(latches_.AddrMid)) return false;
+  if (!send(latches_.AddrLow)) return false;
   for (std::int32_t i = 0; i < writer.pageBytes; ++i, ++address) {
-    if (!send(s.EraseMode == 1 ? kErased : at(s.CodeBuffer, address))) return false;
+    if (!send(operation_.EraseMode == 1 ? kErased : at(buffers_.CodeBuffer, address))) return false;
   }
   i2c_.I2CStop();
   return true;
@@ -92,44 +92,43 @@ bool SerialEeprom::writePage(const Writer& writer, std::int32_t& address) {
 // A chip that is writing acknowledges no select byte. One that never does stays at 50, and the next
 // page is tried all the same.
 void SerialEeprom::waitForWriteCycle(std::uint8_t select) {
-  ProgrammerState& s = p_.state;
-  s.I2CError = 0;
+  operation_.I2CError = 0;
   do {
     i2c_.I2CStart();
-    s.ByteToWrite = select;
+    operation_.ByteToWrite = select;
     i2c_.I2CSendByteNoWait();
-    ++s.I2CError;
-    if (s.ReadByte != 0) p_.bus.sleepMs(kWriteCyclePollMs);
-  } while (s.ReadByte == kNotAcknowledged && s.I2CError != kWriteCyclePolls);
-  if (s.ReadByte == 0) s.I2CError = 0;
+    ++operation_.I2CError;
+    if (latches_.ReadByte != 0) board_.bus.sleepMs(kWriteCyclePollMs);
+  } while (latches_.ReadByte == kNotAcknowledged && operation_.I2CError != kWriteCyclePolls);
+  if (latches_.ReadByte == 0) operation_.I2CError = 0;
 }
 
 bool SerialEeprom::send(int byte) {
-  p_.state.ByteToWrite = narrowed<std::uint8_t>(byte);
+  operation_.ByteToWrite = narrowed<std::uint8_t>(byte);
   i2c_.I2CSendByte();
-  return p_.state.I2CError == 0;
+  return operation_.I2CError == 0;
 }
 
 bool SerialEeprom::startReading() {
-  p_.bus.OEOFF();
-  p_.bus.sleepMs(kPowerUpMs);
+  board_.bus.OEOFF();
+  board_.bus.sleepMs(kPowerUpMs);
   i2c_.I2CStart();
   if (!send(kSelectWrite) || !send(0)) return false;
-  if (p_.state.FamilyCode == "SC" && !send(0)) return false;
+  if (devices::familyOf(device_.FamilyCode).addressBytes == 2 && !send(0)) return false;
   i2c_.I2CStart();
   if (!send(kSelectRead)) return false;
   // From here on SDA reads low, an acknowledge, whenever it is driven.
-  p_.registers.REG4OFF();
-  p_.state.RegShadow4 = 0;
-  p_.registers.SetReg4();
+  board_.registers.REG4OFF();
+  latches_.RegShadow4 = 0;
+  board_.registers.SetReg4();
   return true;
 }
 
 void SerialEeprom::readAll(const std::function<bool(std::int32_t index)>& visit) {
-  for (std::int32_t i = 0; i < p_.state.CodeLength; ++i) {
-    if (i % kProgressEvery == 0) p_.reporting.advanceProgress(kProgressEvery);
+  for (std::int32_t i = 0; i < buffers_.CodeLength; ++i) {
+    if (i % kProgressEvery == 0) reporting_.advanceProgress(kProgressEvery);
     i2c_.I2CReadByte();
-    p_.registers.REG4ON();
+    board_.registers.REG4ON();
     i2c_.clock();
     if (!visit(i)) break;
   }
@@ -138,20 +137,21 @@ void SerialEeprom::readAll(const std::function<bool(std::int32_t index)>& visit)
 // The last byte is acknowledged like all others before the stop; this is intended.
 void SerialEeprom::Read24CXX() {
   if (!startReading()) return;
-  readAll([this](std::int32_t i) {
-    at(p_.state.CodeBuffer, i) = p_.state.ReadByte;
+  std::vector<std::uint8_t> read = buffers_.CodeBuffer;
+  readAll([this, &read](std::int32_t i) {
+    at(read, i) = latches_.ReadByte;
     return true;
   });
   i2c_.I2CStop();
+  buffers_.CodeBuffer.swap(read);
 }
 
 void SerialEeprom::Verify24CXX() {
   if (!startReading()) return;
-  ProgrammerState& s = p_.state;
   readAll([&](std::int32_t i) {
-    s.DeviceChecksum = buffers::addToChecksum(s.DeviceChecksum, s.ReadByte);
-    if (s.ReadByte == at(s.CodeBuffer, i)) return true;
-    s.ProgramIndex = i;
+    buffers_.DeviceChecksum = buffers::addToChecksum(buffers_.DeviceChecksum, latches_.ReadByte);
+    if (latches_.ReadByte == at(buffers_.CodeBuffer, i)) return true;
+    operation_.ProgramIndex = i;
     reports_.VerifyMismatchReport();
     return false;
   });

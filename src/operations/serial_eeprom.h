@@ -2,9 +2,12 @@
 
 #include <functional>
 
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "hardware/board.h"
 #include "operations/failure_reports.h"
 #include "operations/i2c_bus.h"
-#include "operations/operation_parts.h"
 
 namespace kestrel::operations {
 
@@ -12,8 +15,18 @@ namespace kestrel::operations {
 /// procedure at once with I2CError set and no stop condition; the caller reports it.
 class SerialEeprom {
  public:
-  SerialEeprom(const OperationParts& parts, FailureReports& reports)
-      : p_(parts), reports_(reports), i2c_(parts) {}
+  SerialEeprom(const SelectionState& device, LatchState& latches, BufferState& buffers,
+               OperationState& operation, Controls& controls, Reporting& reporting,
+               hardware::Board& board, FailureReports& reports)
+      : device_(device),
+        latches_(latches),
+        buffers_(buffers),
+        operation_(operation),
+        controls_(controls),
+        reporting_(reporting),
+        board_(board),
+        reports_(reports),
+        i2c_(latches, operation, board) {}
 
   /// 24C08 and 24C16: pages of 16 bytes from 300h on, one address byte, the block in the select
   /// byte. With EraseMode FFh instead of the code buffer.
@@ -40,7 +53,13 @@ class SerialEeprom {
   /// Reads CodeLength bytes; the visit sees each in ReadByte and ends the reading with false.
   void readAll(const std::function<bool(std::int32_t index)>& visit);
 
-  OperationParts p_;
+  const SelectionState& device_;
+  LatchState& latches_;
+  BufferState& buffers_;
+  OperationState& operation_;
+  Controls& controls_;
+  Reporting& reporting_;
+  hardware::Board& board_;
   FailureReports& reports_;
   I2cBus i2c_;
 };

@@ -2,7 +2,12 @@
 
 #include <cstddef>
 
+#include "app/state/controls.h"
+#include "app/state/programmer_state.h"
+#include "app/state/reporting.h"
+#include "devices/families.h"
 #include "display/memory_display.h"
+#include "hardware/board.h"
 #include "hardware/error_alert.h"
 #include "operations/flash_identification.h"
 #include "operations/operation_parts.h"
@@ -12,8 +17,21 @@ namespace kestrel::selection {
 /// Choosing a device, a programming voltage, a speed.
 class DeviceSelection {
  public:
-  DeviceSelection(const operations::OperationParts& parts, hardware::ErrorAlert& alert,
-                  display::MemoryDisplay& display, operations::FlashIdentification& flash);
+  DeviceSelection(const CatalogueState& catalogue, SelectionState& device, TimingState& timing,
+                  BufferState& buffers, ShellState& shell, Controls& controls, Reporting& reporting,
+                  hardware::Board& board, hardware::ErrorAlert& alert,
+                  display::MemoryDisplay& display, operations::FlashIdentification& flash)
+      : catalogue_(catalogue),
+        device_(device),
+        timing_(timing),
+        buffers_(buffers),
+        shell_(shell),
+        controls_(controls),
+        reporting_(reporting),
+        board_(board),
+        alert_(alert),
+        display_(display),
+        flash_(flash) {}
 
   /// Takes over the row that the list's position names. An entry that is not available is
   /// deselected and changes nothing.
@@ -29,18 +47,25 @@ class DeviceSelection {
 
  private:
   void copyRow(std::int32_t row);
-  void patchAddressMaps();
-  void setTimingFactors();
-  void prepareBoard();
+  void patchAddressMaps(devices::AddressMap map);
+  void setTimingFactors(const devices::TimingFactors& factors);
+  void prepareBoard(const devices::Family& family);
   void showOptions();
-  void enableCommands();
-  void chooseMemories();
+  void enableCommands(const devices::Family& family);
+  void chooseMemories(const devices::Family& family);
   void offerDataMemory();
   void offerVoltages();
   void enableForLoadedBuffers();
   void reportSelection();
 
-  operations::OperationParts p_;
+  const CatalogueState& catalogue_;
+  SelectionState& device_;
+  TimingState& timing_;
+  BufferState& buffers_;
+  ShellState& shell_;
+  Controls& controls_;
+  Reporting& reporting_;
+  hardware::Board& board_;
   hardware::ErrorAlert& alert_;
   display::MemoryDisplay& display_;
   operations::FlashIdentification& flash_;

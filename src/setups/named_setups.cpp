@@ -55,15 +55,6 @@ std::optional<std::string_view> valueOf(std::string_view line, std::string_view 
 
 }  // namespace
 
-NamedSetups::NamedSetups(ProgrammerState& state, Controls& controls, Reporting& reporting,
-                         buffers::BufferFiles& files, Dialogs& dialogs, const Folders& folders)
-    : state_(state),
-      controls_(controls),
-      reporting_(reporting),
-      files_(files),
-      dialogs_(dialogs),
-      folders_(folders) {}
-
 void NamedSetups::SaveSetup_Click(std::size_t slot) { SaveSetupRot(fileNameOf(slot)); }
 
 void NamedSetups::LoadSetup_Click(std::size_t slot) { RestoreSetup(fileNameOf(slot)); }
@@ -87,7 +78,7 @@ std::string NamedSetups::setupText(const std::string& name) const {
     text += key + " = " + value + "\r\n";
   };
   line("SetupName", name);
-  line("sFILE", state_.CodeFileName);
+  line("sFILE", buffers_.CodeFileName);
   line("Device.Index", std::to_string(c.Device.position()));
   // Written in small letters and read in capitals; this is intended.
   for (const OptionButton& button : c.Voltage_button) {
@@ -121,20 +112,20 @@ void NamedSetups::RestoreSetup(const std::string& fileName) {
   reporting_.LogMessage(kRule);
   reporting_.LogMessage("RESTORING SETUP FROM " + fileName);
   const std::vector<std::string> lines = linesOf(readWholeTextFile(pathOf(fileName)));
-  const std::string earlierFile = state_.CodeFileName;
+  const std::string earlierFile = buffers_.CodeFileName;
   const std::string earlierCaption = controls_.FileNameCodeText.caption();
   try {
     for (const std::string& line : lines) restoreLine(line);
   } catch (...) {
     // The file is not loaded: under its name the next save would replace it with another image.
-    state_.CodeFileName = earlierFile;
+    buffers_.CodeFileName = earlierFile;
     throw;
   }
   controls_.FrameVoltageSelection.setEnabled(true);
   controls_.Frame5.setEnabled(true);
-  controls_.FileNameCodeText.setCaption(state_.CodeFileName);
-  if (!state_.CodeFileName.empty() && !files_.ReadBinaryFile()) {
-    state_.CodeFileName = earlierFile;
+  controls_.FileNameCodeText.setCaption(buffers_.CodeFileName);
+  if (!buffers_.CodeFileName.empty() && !files_.ReadBinaryFile()) {
+    buffers_.CodeFileName = earlierFile;
     controls_.FileNameCodeText.setCaption(earlierCaption);
   }
   reporting_.LogMessage("SETUP RESTORED FROM " + fileName);
@@ -145,7 +136,7 @@ void NamedSetups::RestoreSetup(const std::string& fileName) {
 // matches; this is intended.
 void NamedSetups::restoreLine(std::string_view line) {
   Controls& c = controls_;
-  if (const auto value = valueOf(line, "sFILE = ", 8)) state_.CodeFileName = *value;
+  if (const auto value = valueOf(line, "sFILE = ", 8)) buffers_.CodeFileName = *value;
   if (const auto value = valueOf(line, "Device.Index = ", 15)) restoreDevice(*value);
   for (OptionButton& button : c.Voltage_button) {
     if (const auto value = valueOf(line, button.name() + ".Value = ", 26)) {

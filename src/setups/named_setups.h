@@ -20,8 +20,14 @@ namespace kestrel::setups {
 /// blank-check box are written but never restored from a file that the program wrote.
 class NamedSetups {
  public:
-  NamedSetups(ProgrammerState& state, Controls& controls, Reporting& reporting,
-              buffers::BufferFiles& files, Dialogs& dialogs, const Folders& folders);
+  NamedSetups(BufferState& buffers, Controls& controls, Reporting& reporting,
+              buffers::BufferFiles& files, Dialogs& dialogs, const Folders& folders)
+      : buffers_(buffers),
+        controls_(controls),
+        reporting_(reporting),
+        files_(files),
+        dialogs_(dialogs),
+        folders_(folders) {}
 
   /// Slots count from 1 to 4.
   void SaveSetup_Click(std::size_t slot);
@@ -43,7 +49,7 @@ class NamedSetups {
   void restoreLine(std::string_view line);
   void restoreDevice(std::string_view value);
 
-  ProgrammerState& state_;
+  BufferState& buffers_;
   Controls& controls_;
   Reporting& reporting_;
   buffers::BufferFiles& files_;

@@ -115,7 +115,7 @@ TEST(Stop, atAnyMomentLeavesTheBoardIdleAndTheNextCommandWorking) {
       const Bytes chip = f.chipContents();
       begun += chip != Bytes(8192, 0xFF) ? 1 : 0;
       f.rig.press("Read_button");
-      EXPECT_EQ(f.rig.form.lastOutcome(), form::frmMain::Outcome::Done);
+      EXPECT_EQ(f.rig.result.ending, Ending::Done);
       EXPECT_TRUE(std::equal(chip.begin(), chip.begin() + kBytes, buffer.begin()));
       f.rig.clearLog();
     }

@@ -22,6 +22,7 @@ class ScriptedDialogs final : public Dialogs {
  public:
   Answer messageBox(const MessageBox& box) override {
     boxes.push_back(box);
+    if (onBox) onBox();
     if (box.buttons == MessageButtons::Ok) return Answer::Ok;
     return taken(answers, Answer::Cancel);
   }
@@ -42,6 +43,7 @@ class ScriptedDialogs final : public Dialogs {
   std::deque<std::string> texts;
   std::deque<std::string> files;
   std::vector<MessageBox> boxes;
+  std::function<void()> onBox;
   std::vector<std::string> asked;
 
  private:

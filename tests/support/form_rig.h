@@ -6,9 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "app/form/frm_main.h"
-#include "hardware/ports/interruptible_port.h"
-#include "hardware/ports/tracing_port.h"
+#include "app/launch/program.h"
 #include "simulator/bench.h"
 #include "simulator/chip_factory.h"
 #include "simulator/simulated_port.h"
@@ -18,25 +16,23 @@
 
 namespace kestrel::test {
 
-/// The form over any port and clock, with scripted surroundings and its own folders. A stop switch
-/// that layers below share, and a care for real ports, are given from outside.
+/// The program over any port and waits, with scripted surroundings and its own folders. A stop
+/// switch that layers below share, and the service of real ports, are given from outside.
 struct FormRig {
-  FormRig(PortAccess& port, Waits& waits, StopSwitch* shared = nullptr,
-          PortService* service = nullptr)
+  FormRig(PortAccess& port, Waits& waits, std::ostream* trace = nullptr,
+          StopSwitch* shared = nullptr, PortService* service = nullptr)
       : stop(shared != nullptr ? *shared : ownStop),
-        form({.port = port,
-              .waits = waits,
-              .portService = service != nullptr ? *service : noService,
-              .time = time,
-              .sounds = sounds,
-              .settings = settings,
-              .help = help,
-              .dialogs = dialogs,
-              .screen = screen,
-              .stop = stop,
-              .folders = {.configuration = folder / "config",
-                          .data = folder / "data",
-                          .working = folder.path()}}),
+        parts(
+            {.port = port, .waits = waits, .service = service != nullptr ? *service : noService},
+            {.sounds = sounds,
+             .settings = settings,
+             .help = help,
+             .dialogs = dialogs,
+             .screen = screen},
+            stop, time,
+            {.configuration = folder / "config", .data = folder / "data", .working = folder.path()},
+            trace),
+        form(parts.form()),
         controls(form.controls()),
         state(form.state()) {}
 
@@ -52,7 +48,8 @@ struct FormRig {
     const auto& items = controls.Device.items();
     for (std::size_t i = 0; i < items.size(); ++i) {
       if ((items[i] + " ").find(name + " ") != std::string::npos) {
-        controls.Device.setPosition(static_cast<std::int32_t>(i));
+        result =
+            form.runner().run([&] { controls.Device.setPosition(static_cast<std::int32_t>(i)); });
         return;
       }
     }
@@ -75,9 +72,12 @@ struct FormRig {
     return pressed;
   }
 
-  /// Presses a control by name; false when it is disabled.
+  /// Presses a control by name; false when it is disabled. How it ended is in `result`.
   bool press(const std::string& name) {
-    return dynamic_cast<Button&>(*controls.find(name)).press();
+    auto& button = dynamic_cast<Button&>(*controls.find(name));
+    const bool isEnabled = button.enabled();
+    result = form.runner().press(button);
+    return isEnabled;
   }
 
   TemporaryFolder folder;
@@ -90,9 +90,11 @@ struct FormRig {
   FakeScreen screen;
   StopSwitch ownStop;
   StopSwitch& stop;
-  form::frmMain form;
+  launch::Program parts;
+  form::frmMain& form;
   Controls& controls;
   ProgrammerState& state;
+  CommandResult result;
 };
 
 /// A bench with one board, and the trace of what a form asks of it.
@@ -133,13 +135,10 @@ struct SimulatedForm : BoardOnBench {
   enum class Trace { On, Off };
 
   explicit SimulatedForm(sim::Model model = sim::Model::kestrel5, Trace tracing = Trace::On)
-      : BoardOnBench(model),
-        rig(tracing == Trace::On ? static_cast<PortAccess&>(traced) : port,
-            tracing == Trace::On ? static_cast<Waits&>(traced) : port) {}
+      : BoardOnBench(model), rig(port, port, tracing == Trace::On ? &trace : nullptr) {}
 
   void start() { BoardOnBench::start(rig); }
 
-  ports::TracingPort traced{port, port, trace};
   FormRig rig;
 };
 

@@ -27,7 +27,14 @@ class PortScript final : public PortAccess, public Waits {
     answers.pop_front();
     return answer;
   }
-  void Sleep(std::int32_t milliseconds) override { note("sleep" + std::to_string(milliseconds)); }
+  void Sleep(std::int32_t milliseconds) override {
+    const std::size_t last = line_.rfind(' ') + 1;
+    if (joinsSleeps && line_.compare(last, 5, "sleep") == 0) {
+      milliseconds += std::stoi(line_.substr(last + 5));
+      line_.resize(last == 0 ? 0 : last - 1);
+    }
+    note("sleep" + std::to_string(milliseconds));
+  }
   void Spin(std::int64_t counts) override {
     if (counts > 0) note("spin" + std::to_string(counts));
   }
@@ -40,6 +47,7 @@ class PortScript final : public PortAccess, public Waits {
     if (onEvent) onEvent();
   }
 
+  bool joinsSleeps = false;  ///< the slices that a long wait passes in are one wait
   std::deque<std::uint8_t> answers;
   std::function<void()> onEvent;
 

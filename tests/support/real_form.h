@@ -33,10 +33,7 @@ struct RealForm : BoardOnBench {
       kernel, {{ports::parsePortChoice("378=/dev/parport0")}, root.path(), root.path()});
   ServiceOf service{*ports};
   StopSwitch stop;
-  FakeScreen screen;
-  ports::InterruptiblePort interruptible{ports->port(), port, stop, screen};
-  ports::TracingPort traced{interruptible, interruptible, trace};
-  FormRig rig{traced, traced, &stop, &service};
+  FormRig rig{ports->port(), port, &trace, &stop, &service};
 };
 
 }  // namespace kestrel::test

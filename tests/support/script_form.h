@@ -10,6 +10,8 @@ namespace kestrel::test {
 
 /// The form with no board: every read gives FFh, unless the port has a script. Not yet loaded.
 struct ScriptForm {
+  ScriptForm() { port.joinsSleeps = true; }
+
   PortScript port;
   FormRig rig{port, port};
   Controls& c = rig.controls;

@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "hardware/board.h"
 #include "hardware/decode_tables.h"
+#include "hardware/error_alert.h"
 #include "hardware/ports/tracing_port.h"
 #include "operations/eprom_programmer.h"
 #include "operations/flash_programmer.h"
@@ -101,19 +103,23 @@ struct UnitRig {
   Controls controls;
   FixedTime time;
   Reporting reporting{state, controls, time, sounds, screen, folders};
-  hardware::Registers registers{state, traced, traced};
-  hardware::BusPrimitives bus{state, controls, registers, traced, traced};
-  hardware::Lamps lamps{state, controls, registers, screen};
-  operations::OperationParts parts{state, controls, reporting, lamps, registers, bus};
+  PortService service;
+  hardware::Board board{state, controls, reporting, traced, traced, service, screen};
+  hardware::Registers& registers = board.registers;
+  hardware::BusPrimitives& bus = board.bus;
+  hardware::Lamps& lamps = board.lamps;
   hardware::ErrorAlert alert{state, controls, reporting, lamps, bus};
-  operations::FailureReports reports{parts, alert};
-  operations::ProgramImage programImage{state, controls};
-  operations::EpromProgrammer eprom{parts, reports};
-  operations::ProtectionSequences protection{parts};
-  operations::PageWriter pages{parts, protection, programImage, reports};
-  operations::FlashIdentification identification{parts, protection};
-  operations::FlashProgrammer flash{parts, identification, reports, screen};
-  operations::SerialEeprom serial{parts, reports};
+  operations::FailureReports reports{state, state, state, controls, reporting, board, alert};
+  operations::ProgramImage programImage{state, state, state, controls};
+  operations::EpromProgrammer eprom{state, state,     state, state,  state,
+                                    state, reporting, board, reports};
+  operations::ProtectionSequences protection{state, state, state, controls, board};
+  operations::PageWriter pages{state,     state, state,      state,        controls,
+                               reporting, board, protection, programImage, reports};
+  operations::FlashIdentification identification{state, state, state, reporting, board, protection};
+  operations::FlashProgrammer flash{state,     state, state,          state,   state, controls,
+                                    reporting, board, identification, reports, screen};
+  operations::SerialEeprom serial{state, state, state, state, controls, reporting, board, reports};
 };
 
 }  // namespace kestrel::test

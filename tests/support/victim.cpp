@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <map>
 
-#include "hardware/ports/interruptible_port.h"
 #include "hardware/ports/lpt_filter.h"
 #include "hardware/ports/real_ports.h"
 #include "hardware/ports/signal_stop.h"
@@ -33,7 +32,7 @@ struct Program : BoardOnBench {
   }
   ports::LptFilter turnout;
   StopSwitch stop;
-  FormRig rig{turnout, port, &stop};
+  FormRig rig{turnout, port, nullptr, &stop};
 };
 
 Program& readyProgram(sim::Model model) {
@@ -56,13 +55,7 @@ Program& readyProgram(sim::Model model) {
   kernel.devices["/dev/parport0"] = {.lines = &tape, .holder = StandInKernel::kFirstFile};
   auto ports = ports::openRealPorts(
       kernel, {{ports::parsePortChoice("378=/dev/parport0")}, "/nowhere", "/nowhere"});
-  ports::InterruptiblePort interruptible(ports->port(), program.port, program.stop,
-                                         program.rig.screen);
-  program.turnout.connect(0x378, interruptible);
-  // A signal between two commands: the next one puts the switch back, its first turn throws it.
-  program.rig.screen.onTurn = [&] {
-    if (signals.isEndRequested()) program.stop.stopCommand();
-  };
+  program.turnout.connect(0x378, ports->port());
   tape.isRunning = true;
   const auto endsAt = Time::now() + (end ? runsFor : 10s);
   kernel.onAccess = [&] {

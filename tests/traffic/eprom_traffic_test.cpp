@@ -61,7 +61,7 @@ TEST(EpromRoutine, latchesPulsesAndReadsBackOneByte) {
   // clang-format on
   for (const Case& c : cases) {
     EpromRig rig({0x5A}, c.reg1Fixed, c.reg3Fixed);
-    rig.state.FamilySubCode = c.subCode;
+    rig.state.FamilyCode = std::string("P") + c.subCode;
     rig.state.VppVolts = 12;
     rig.port.answer(c.answers);
     (rig.eprom.*c.routine)();
@@ -98,7 +98,7 @@ TEST(EpromSetUp, loadsLatch0ByModelAndVoltage) {
     UnitRig rig(c.model == 7 ? 5 : c.model);
     rig.start(0x20, 0x02);
     rig.state.KestrelModel = static_cast<std::int16_t>(c.model);
-    rig.state.FamilySubCode = c.subCode;
+    rig.state.FamilyCode = std::string("P") + c.subCode;
     rig.state.VppClass = c.vppClass;
     rig.state.VppVolts = c.vppVolts;
     (rig.eprom.*c.routine)();

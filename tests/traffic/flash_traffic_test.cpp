@@ -17,7 +17,6 @@ const std::string kUnlock =
 /// With a chip that gives these bytes: maker, device, then what stands at 0 and 1.
 struct FlashRig : UnitRig {
   explicit FlashRig(const std::vector<std::uint8_t>& answers = {}) {
-    state.FamilyLetter = "F";
     state.FamilyCode = "FM";
     start(0x00, 0x04);
     port.answer(answers);
@@ -83,7 +82,7 @@ TEST(FlashId, ofWhatIsNoFlashIsSaidSo) {
                                      "*** Not a Flash Unit, Address 00&01 = FlashCode ***",
                                      "Device ID# FFFF -  Not Valid!!!"));
   rig.trace.str("");
-  rig.state.FamilyLetter = "E";
+  rig.state.FamilyCode = "EN";
   rig.identification.menuFlashShowCodeID_Click();
   EXPECT_EQ(rig.traffic(), "");
 }

@@ -2,9 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "app/state/reporting.h"
 #include "hardware/bus_primitives.h"
 #include "hardware/decode_tables.h"
+#include "platform/folders.h"
 #include "platform/runtime_error.h"
+#include "support/fakes.h"
 #include "support/port_script.h"
 
 namespace kestrel::test {
@@ -23,8 +26,14 @@ struct Bus {
   ProgrammerState state;
   Controls controls;
   PortScript port;
-  hardware::Registers registers{state, port, port};
-  hardware::BusPrimitives bus{state, controls, registers, port, port};
+  FixedTime time;
+  RecordingSounds sounds;
+  FakeScreen screen;
+  Folders folders;
+  Reporting reporting{state, controls, time, sounds, screen, folders};
+  hardware::Registers registers{state, state, state, port, port};
+  hardware::BusPrimitives bus{state, state,     state,     state, state,
+                              state, registers, reporting, port,  port};
 };
 
 TEST(LatchLoad, model4HasTheStrobeActiveHighAndTheOthersAllLinesInverted) {

@@ -38,6 +38,7 @@ const std::string kLampOff = loads5("0 40") + " ";
 
 TEST(StartUp, withoutABoardAndShutDown) {
   PortScript port;
+  port.joinsSleeps = true;
   FormRig rig(port, port);
   rig.form.Form_Load();
   EXPECT_EQ(port.taken(), "0=00 0=00 0=00 0=00 " + probes("278 279 27A") + probes("378 379 37A") +
@@ -51,6 +52,7 @@ TEST(StartUp, withoutABoardAndShutDown) {
 
 TEST(StartUp, withAModel5BoardAt378AndShutDown) {
   PortScript port;
+  port.joinsSleeps = true;
   port.answers = {0xFF, 0xFF, 0xFF, 0xFF, 0x0F, 0x7F};  // 278h is silent, 378h answers
   FormRig rig(port, port);
   rig.form.Form_Load();
@@ -63,6 +65,7 @@ TEST(StartUp, withAModel5BoardAt378AndShutDown) {
 
 TEST(StartUp, withAConfigurationFileProbesNothing) {
   PortScript port;
+  port.joinsSleeps = true;
   FormRig rig(port, port);
   std::filesystem::create_directory(rig.folder / "config");
   writeFileAtomically(rig.folder / "config/kestrel6.ini", "MODEL =  5\r\nIO_PORT = 378\r\n");

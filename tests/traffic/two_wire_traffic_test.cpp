@@ -25,7 +25,7 @@ struct SerialRig : UnitRig {
 
 TEST(TwoWireBus, movesTheLinesInTheOrderOfTheConditions) {
   UnitRig rig;
-  operations::I2cBus bus(rig.parts);
+  operations::I2cBus bus(rig.state, rig.state, rig.board);
   rig.start(0, 0);
   bus.I2CStart();
   EXPECT_EQ(rig.traffic(), "3=40 4=80 3=00 3=80 4=00 3=00");

@@ -131,7 +131,7 @@ TEST(RestoreSetup, aCodeFileThatIsNotLoadedKeepsTheNameOfTheEarlierOne) {
   EXPECT_EQ(f.rig.dialogs.boxes.size(), 1U);
   f.s.CtlIdle[3] = 0x100;
   f.restore("sFILE = " + f.file("other.bin", "xyz") + "\nDevice.Index = 11\n");
-  EXPECT_EQ(f.rig.form.lastOutcome(), form::frmMain::Outcome::RunTimeError);
+  EXPECT_EQ(f.rig.result.ending, Ending::RunTimeError);
   EXPECT_EQ(f.s.CodeFileName, code);
 }
 

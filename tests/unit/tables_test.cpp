@@ -43,7 +43,7 @@ std::string joined(const std::array<std::string, kDeviceTableColumns>& row) {
 TEST(DeviceTable, hasTheFortyRowsAndTheListThemInOrder) {
   ProgrammerState s;
   Controls c;
-  devices::BuildDeviceTable(s);
+  devices::BuildDeviceTable(s, s);
   c.Device.addItem("of an earlier filling");
   devices::FillDeviceList(s, c.Device);
   const auto& items = c.Device.items();

@@ -68,8 +68,8 @@ TEST(Arguments, areThoseOfTheCommandLine) {
   EXPECT_THROW((void)window::readArguments({"kestrel", "--nonsense"}), launch::UsageError);
 }
 
-struct BenchRig : StartedRig {
-  BenchRig() : panel(*ports.simulated(), gate, nullptr) { panel.show(); }
+struct BoardPanelRig : StartedRig {
+  BoardPanelRig() : panel(*program.simulated(), form.runner(), nullptr) { panel.show(); }
   template <typename T>
   T& part(const char* name) {
     return *panel.findChild<T*>(name);
@@ -89,7 +89,7 @@ struct BenchRig : StartedRig {
 };
 
 TEST(SimulatedBoardPanel, chipsGoInAreErasedAndComeOut) {
-  BenchRig rig;
+  BoardPanelRig rig;
   rig.choose("chipType", "2764");
   rig.press("insertBlank");
   EXPECT_EQ(rig.board().chip()->typeName(), "2764");
@@ -102,7 +102,7 @@ TEST(SimulatedBoardPanel, chipsGoInAreErasedAndComeOut) {
 }
 
 TEST(SimulatedBoardPanel, anotherBoardIsFoundByTheHardwareTest) {
-  BenchRig rig;
+  BoardPanelRig rig;
   const auto found = [&] {
     rig.click("TestHardware_button");
     return rig.find<QLabel>("KestrelHardwareFound").text().toStdString();

@@ -17,7 +17,7 @@
 #include <string>
 #include <vector>
 
-#include "app/launch/machine_ports.h"
+#include "app/launch/program.h"
 #include "app/window/main_window.h"
 #include "platform/atomic_file.h"
 #include "support/fakes.h"
@@ -35,23 +35,19 @@ namespace kestrel::test {
 /// The whole window on a simulated board, as its main puts it together, with silent surroundings.
 struct WindowRig {
   explicit WindowRig(const launch::LaunchOptions& options = simulatedOptions("27C256"))
-      : ports(options, "27C256", stop, screen),
-        form({.port = ports.port(),
-              .waits = ports.waits(),
-              .portService = ports,
-              .time = time,
-              .sounds = sounds,
-              .settings = settings,
-              .help = help,
-              .dialogs = dialogs,
-              .screen = screen,
-              .stop = stop,
-              .folders = {.configuration = folder / "config",
-                          .data = folder / "data",
-                          .working = folder.path()}}),
+      : program(options, "27C256",
+                {.sounds = sounds,
+                 .settings = settings,
+                 .help = help,
+                 .dialogs = dialogs,
+                 .screen = screen},
+                stop,
+                Folders{.configuration = folder / "config",
+                        .data = folder / "data",
+                        .working = folder.path()}),
+        form(program.form()),
         window({.form = form,
                 .mirror = mirror,
-                .gate = gate,
                 .input = input,
                 .screen = screen,
                 .dialogs = dialogs,
@@ -107,7 +103,7 @@ struct WindowRig {
     return find<QPlainTextEdit>("BufferDisplay").toPlainText().contains(text);
   }
   [[nodiscard]] Controls& controls() { return form.controls(); }
-  [[nodiscard]] sim::Board& board() { return ports.simulated()->board(); }
+  [[nodiscard]] sim::Board& board() { return program.simulated()->board(); }
   [[nodiscard]] std::vector<std::uint8_t> chipContents() {
     const auto cells = board().chip()->contents();
     return {cells.begin(), cells.end()};
@@ -126,16 +122,14 @@ struct WindowRig {
   TemporaryFolder folder;
   window::Mirror mirror;
   window::HeldInput input;
-  window::CommandGate gate{mirror, input};
-  const TimeOfDay time;
   StopSwitch stop;
-  window::QtScreen screen{mirror, gate, input};
+  window::QtScreen screen{mirror, input};
   window::QtDialogs dialogs{mirror};
   MemorySettings settings;
   RecordingSounds sounds;
   RecordingHelp help;
-  launch::MachinePorts ports;
-  form::frmMain form;
+  launch::LaunchedProgram program;
+  form::frmMain& form;
   window::MainWindow window;
 
  private:

@@ -14,8 +14,6 @@ Controls& frmMain::controls() { return units_->controls; }
 
 ProgrammerState& frmMain::state() { return units_->state; }
 
-bool frmMain::isRunning() const { return units_->boundary.isRunning(); }
-
-frmMain::Outcome frmMain::lastOutcome() const { return units_->boundary.lastOutcome(); }
+CommandRunner& frmMain::runner() { return units_->runner; }
 
 }  // namespace kestrel::form

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "app/form/command_runner.h"
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 #include "platform/machine.h"
@@ -10,15 +11,11 @@ namespace kestrel::form {
 
 /// The main window's logic without a toolkit. It owns the one ProgrammerState and the Controls for
 /// the life of the process, puts the procedures together and routes every control's event to its
-/// handler through the one command boundary.
+/// handler. A front end presses them through the one command runner.
 ///
 /// Life: constructed, Form_Load once, events through the controls, Form_Unload once.
 class frmMain {
  public:
-  /// How the last command that was pressed ended at the boundary. A failure that a procedure
-  /// reports itself (a byte that does not program) is a Done here; the state tells it.
-  enum class Outcome { Done, RunTimeError, Stopped };
-
   explicit frmMain(const Machine& machine);
   ~frmMain();
   frmMain(const frmMain&) = delete;
@@ -33,11 +30,8 @@ class frmMain {
   /// The shut-down sequence: idle board, other windows closed, window place saved. Does not throw.
   void Form_Unload();
 
-  /// True from the press of a control to the end of its handler. A front end keeps user input back
-  /// as long, but for Stop.
-  [[nodiscard]] bool isRunning() const;
-
-  [[nodiscard]] Outcome lastOutcome() const;
+  /// Every press of a control goes through it.
+  [[nodiscard]] CommandRunner& runner();
 
  private:
   struct Units;

@@ -12,94 +12,90 @@ void frmMain::Units::connectAll() {
 
 void frmMain::Units::connectButtons() {
   Controls& c = controls;
-  onPress(c.Read_button, read, &operations::ReadDevice::Read_button_Click);
-  onPress(c.Blank_button, blank, &operations::BlankCheck::Blank_button_Click);
-  onPress(c.Verify_button, verify, &operations::Verify::Verify_button_Click);
-  onPress(c.Program_button, program, &operations::ProgramCommand::Program_button_Click);
-  onPress(c.EraseFlash_button, erase, &operations::EraseChip::EraseFlash_button_Click);
-  onPress(c.Display_button, deviceDisplay, &display::DeviceDisplay::Display_button_Click);
-  onPress(c.Erase_button, files, &buffers::BufferFiles::Erase_button_Click);
-  onPress(c.Show_button, memoryDisplay, &display::MemoryDisplay::Show_button_Click);
-  onPress(c.Command1, memoryDisplay, &display::MemoryDisplay::Command1_Click);
-  onPress(c.Error_label, alert, &hardware::ErrorAlert::Error_label_Click);
-  onPress(c.BufferDisplay_DblClick, exports, &display::Exports::BufferDisplay_DblClick);
-  onPress(c.SystemLog_DblClick, exports, &display::Exports::SystemLog_DblClick);
+  c.Read_button.onPress([this] { read.Read_button_Click(); });
+  c.Blank_button.onPress([this] { blank.Blank_button_Click(); });
+  c.Verify_button.onPress([this] { verify.Verify_button_Click(); });
+  c.Program_button.onPress([this] { program.Program_button_Click(); });
+  c.EraseFlash_button.onPress([this] { erase.EraseFlash_button_Click(); });
+  c.Display_button.onPress([this] { deviceDisplay.Display_button_Click(); });
+  c.Erase_button.onPress([this] { files.Erase_button_Click(); });
+  c.Show_button.onPress([this] { memoryDisplay.Show_button_Click(); });
+  c.Command1.onPress([this] { memoryDisplay.Command1_Click(); });
+  c.Error_label.onPress([this] { alert.Error_label_Click(); });
+  c.BufferDisplay_DblClick.onPress([this] { exports.BufferDisplay_DblClick(); });
+  c.SystemLog_DblClick.onPress([this] { exports.SystemLog_DblClick(); });
 }
 
 // A menu entry carries no logic of its own: it runs its button's handler.
 void frmMain::Units::connectMenus() {
   Controls& c = controls;
-  onPress(c.mnuFileOpenCode, files, &buffers::BufferFiles::mnuFileOpenCode_Click);
-  onPress(c.mnuFileOpenData, files, &buffers::BufferFiles::mnuFileOpenData_Click);
-  onPress(c.mnuFileSaveCode, files, &buffers::BufferFiles::mnuFileSaveCode_Click);
-  onPress(c.mnuFileSaveCodeAs, files, &buffers::BufferFiles::mnuFileSaveCodeAs_Click);
-  onPress(c.mnuFileSaveData, files, &buffers::BufferFiles::mnuFileSaveData_Click);
-  onPress(c.mnuFileSaveDataAs, files, &buffers::BufferFiles::mnuFileSaveDataAs_Click);
-  onPress(c.mnuFileClose, files, &buffers::BufferFiles::mnuFileClose_Click);
+  c.mnuFileOpenCode.onPress([this] { files.mnuFileOpenCode_Click(); });
+  c.mnuFileOpenData.onPress([this] { files.mnuFileOpenData_Click(); });
+  c.mnuFileSaveCode.onPress([this] { files.mnuFileSaveCode_Click(); });
+  c.mnuFileSaveCodeAs.onPress([this] { files.mnuFileSaveCodeAs_Click(); });
+  c.mnuFileSaveData.onPress([this] { files.mnuFileSaveData_Click(); });
+  c.mnuFileSaveDataAs.onPress([this] { files.mnuFileSaveDataAs_Click(); });
+  c.mnuFileClose.onPress([this] { files.mnuFileClose_Click(); });
   // No command: the window closes when no command runs.
   c.mnuFileExit.onPress([this] { machine.screen.closeMainWindow(); });
   for (Button* const entry : {&c.menuReadCode, &c.menuReadData}) {
-    onPress(*entry, read, &operations::ReadDevice::Read_button_Click);
+    entry->onPress([this] { read.Read_button_Click(); });
   }
   for (Button* const entry : {&c.menuVerifyCode, &c.menuVerifyData}) {
-    onPress(*entry, verify, &operations::Verify::Verify_button_Click);
+    entry->onPress([this] { verify.Verify_button_Click(); });
   }
   for (Button* const entry : {&c.menuProgramCode, &c.menuProgramData}) {
-    onPress(*entry, program, &operations::ProgramCommand::Program_button_Click);
+    entry->onPress([this] { program.Program_button_Click(); });
   }
   for (Button* const entry : {&c.menuEraseCode, &c.menuEraseData}) {
-    onPress(*entry, files, &buffers::BufferFiles::Erase_button_Click);
+    entry->onPress([this] { files.Erase_button_Click(); });
   }
   for (Button* const entry : {&c.menuDisplayCode, &c.menuDisplayData}) {
-    onPress(*entry, deviceDisplay, &display::DeviceDisplay::Display_button_Click);
+    entry->onPress([this] { deviceDisplay.Display_button_Click(); });
   }
-  onPress(c.menuBlankCheck, blank, &operations::BlankCheck::Blank_button_Click);
-  onPress(c.menuEraseFlash, erase, &operations::EraseChip::EraseFlash_button_Click);
-  onPress(c.mnuHelpContents, help, &HelpCommands::mnuHelpContents_Click);
-  onPress(c.mnuHelpSearchForHelpOn, help, &HelpCommands::mnuHelpSearchForHelpOn_Click);
-  onPress(c.mnuHelpAbout, help, &HelpCommands::mnuHelpAbout_Click);
-  onPress(c.mnuToolsOptions, help, &HelpCommands::mnuToolsOptions_Click);
+  c.menuBlankCheck.onPress([this] { blank.Blank_button_Click(); });
+  c.menuEraseFlash.onPress([this] { erase.EraseFlash_button_Click(); });
+  c.mnuHelpContents.onPress([this] { help.mnuHelpContents_Click(); });
+  c.mnuHelpSearchForHelpOn.onPress([this] { help.mnuHelpSearchForHelpOn_Click(); });
+  c.mnuHelpAbout.onPress([this] { help.mnuHelpAbout_Click(); });
+  c.mnuToolsOptions.onPress([this] { help.mnuToolsOptions_Click(); });
 }
 
 void frmMain::Units::connectHardwareMenu() {
   Controls& c = controls;
   for (Button* const test : {&c.TestHardware_button, &c.menuTestHardware}) {
-    test->onPress([this] { boundary.run([this] { testHardware(); }); });
+    test->onPress([this] { testHardware(); });
   }
-  onPress(c.ForceKestrel4, detection, &hardware::BoardDetection::ForceKestrel4);
-  onPress(c.ForceKestrel5, detection, &hardware::BoardDetection::ForceKestrel5);
-  onPress(c.ForceKestrel6, detection, &hardware::BoardDetection::ForceKestrel6);
-  onPress(c.menuFlashShowCodeID, flashIdentification,
-          &operations::FlashIdentification::menuFlashShowCodeID_Click);
-  onPress(c.ResetFlash, flashIdentification, &operations::FlashIdentification::ResetFlash_Click);
-  onPress(c.LoopFlashTest, flashProgrammer, &operations::FlashProgrammer::LoopFlashTest_Click);
-  onPress(c.Setup, setups, &setups::NamedSetups::Setup_Click);
+  c.ForceKestrel4.onPress([this] { detection.ForceKestrel4(); });
+  c.ForceKestrel5.onPress([this] { detection.ForceKestrel5(); });
+  c.ForceKestrel6.onPress([this] { detection.ForceKestrel6(); });
+  c.menuFlashShowCodeID.onPress([this] { flashIdentification.menuFlashShowCodeID_Click(); });
+  c.ResetFlash.onPress([this] { flashIdentification.ResetFlash_Click(); });
+  c.LoopFlashTest.onPress([this] { flashProgrammer.LoopFlashTest_Click(); });
+  c.Setup.onPress([this] { setups.Setup_Click(); });
   for (std::size_t slot = 1; slot <= c.LoadSetup.size(); ++slot) {
-    c.LoadSetup[slot - 1].onPress(
-        [this, slot] { boundary.run([&] { setups.LoadSetup_Click(slot); }); });
-    c.SaveSetup[slot - 1].onPress(
-        [this, slot] { boundary.run([&] { setups.SaveSetup_Click(slot); }); });
+    c.LoadSetup[slot - 1].onPress([this, slot] { setups.LoadSetup_Click(slot); });
+    c.SaveSetup[slot - 1].onPress([this, slot] { setups.SaveSetup_Click(slot); });
   }
 }
 
 void frmMain::Units::connectValues() {
   Controls& c = controls;
-  c.Device.onClick([this] { boundary.run([this] { devices.Device_Click(); }); });
-  c.Slider1.onChange([this] { boundary.run([this] { devices.Slider1_Change(); }); });
-  c.VScroll1.onChange([this] { boundary.run([this] { VScroll1_Change(); }); });
+  c.Device.onClick([this] { devices.Device_Click(); });
+  c.Slider1.onChange([this] { devices.Slider1_Change(); });
+  c.VScroll1.onChange([this] { VScroll1_Change(); });
   for (std::size_t i = 0; i < c.Voltage_button.size(); ++i) {
-    c.Voltage_button[i].onClick(
-        [this, i] { boundary.run([&] { devices.Voltage_button_Click(i); }); });
+    c.Voltage_button[i].onClick([this, i] { devices.Voltage_button_Click(i); });
   }
   for (OptionButton& button : c.LPTSelection) {
-    button.onClick([this] { boundary.run([this] { detection.LPTSelection_Click(); }); });
+    button.onClick([this] { detection.LPTSelection_Click(); });
   }
 }
 
 void frmMain::Units::testHardware() {
   machine.portService.takeMissing();
   detection.TestHardware_button_Click();
-  tellDiagnosis();
+  reportDiagnosis();
 }
 
 void frmMain::Units::VScroll1_Change() {
@@ -114,13 +110,10 @@ void frmMain::Units::connectToolbar() {
 }
 
 void frmMain::Units::tbToolBar_ButtonClick(const std::string& key) {
-  const auto run = [this](void (buffers::BufferFiles::*handler)()) {
-    boundary.run([&] { (files.*handler)(); });
-  };
-  if (key == "OpenCode") run(&buffers::BufferFiles::mnuFileOpenCode_Click);
-  if (key == "OpenData") run(&buffers::BufferFiles::mnuFileOpenData_Click);
-  if (key == "SaveCode") run(&buffers::BufferFiles::mnuFileSaveCode_Click);
-  if (key == "SaveData") run(&buffers::BufferFiles::mnuFileSaveData_Click);
+  if (key == "OpenCode") files.mnuFileOpenCode_Click();
+  if (key == "OpenData") files.mnuFileOpenData_Click();
+  if (key == "SaveCode") files.mnuFileSaveCode_Click();
+  if (key == "SaveData") files.mnuFileSaveData_Click();
 }
 
 }  // namespace kestrel::form

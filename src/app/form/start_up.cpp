@@ -22,19 +22,19 @@ void frmMain::Form_Load() {
   u.showNoBoardYet();
   s.DetectedPort = 0;
   s.PortBase = 0;
-  u.registers.InitControlTables();
+  u.board.registers.InitControlTables();
   u.findBoard();
   s.CrLf = "\r\n";
-  u.boundary.tell([&u] {
-    u.lamps.DataFlowLampOff();
-    u.lamps.ProgramLampOff();
-    u.lamps.ErrorLampOff();
+  u.runner.runStep([&u] {
+    u.board.lamps.DataFlowLampOff();
+    u.board.lamps.ProgramLampOff();
+    u.board.lamps.ErrorLampOff();
   });
   u.controls.SystemLog.setText("");
   u.controls.VScroll1.setValue(0);
-  devices::BuildDeviceTable(s);
+  devices::BuildDeviceTable(s, s);
   devices::FillDeviceList(s, u.controls.Device);
-  u.boundary.tell([&u] { u.bus.Reset(); });
+  u.runner.runStep([&u] { u.board.bus.Reset(); });
   u.reporting.PlaySoundEvent("INIT");
 }
 
@@ -52,17 +52,17 @@ void frmMain::Units::findBoard() {
   const auto testIfNoPort = [this] {
     if (state.PortBase == 0) detection.TestHardware_button_Click();
   };
-  const bool isFound = boundary.tell([&] {
+  const bool isFound = runner.runStep([&] {
     detection.LoadHardwareConfig();
     testIfNoPort();
-    registers.ApplyPortAndModel();
+    board.registers.ApplyPortAndModel();
   });
   if (!isFound) {
     state.PortBase = 0;
-    boundary.tell(testIfNoPort);
-    boundary.tell([this] { registers.ApplyPortAndModel(); });
+    runner.runStep(testIfNoPort);
+    runner.runStep([this] { board.registers.ApplyPortAndModel(); });
   }
-  tellDiagnosis();
+  reportDiagnosis();
   // The start-up caption stays when nothing answers; a later hardware test words it without the
   // exclamation marks.
   if (controls.KestrelHardwareFound.caption() == "NO HARDWARE FOUND") {
@@ -71,7 +71,7 @@ void frmMain::Units::findBoard() {
 }
 
 // Why a real port may have no board behind it.
-void frmMain::Units::tellDiagnosis() {
+void frmMain::Units::reportDiagnosis() {
   if (state.KestrelModel != 0) return;
   for (const std::string& line : machine.portService.diagnosis()) reporting.LogMessage(line);
 }
@@ -80,7 +80,7 @@ void frmMain::Units::tellDiagnosis() {
 void frmMain::Form_Unload() {
   Units& u = *units_;
   try {
-    u.boundary.resetBoard();
+    u.runner.resetBoard();
   } catch (const std::exception&) {
     // There is nothing left to switch off, and nobody to tell.
   }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/form/command_boundary.h"
+#include "app/form/command_runner.h"
 #include "app/form/frm_main.h"
 #include "app/form/help_commands.h"
 #include "app/state/error_report.h"
@@ -8,6 +8,7 @@
 #include "display/device_display.h"
 #include "display/exports.h"
 #include "display/memory_display.h"
+#include "hardware/board.h"
 #include "hardware/board_detection.h"
 #include "hardware/error_alert.h"
 #include "operations/blank_check.h"
@@ -21,9 +22,11 @@
 #include "operations/program_image.h"
 #include "operations/protection.h"
 #include "operations/read_device.h"
+#include "operations/routines.h"
 #include "operations/serial_eeprom.h"
 #include "operations/verify.h"
 #include "selection/device_selection.h"
+#include "selection/kept_selection.h"
 #include "setups/named_setups.h"
 
 namespace kestrel::form {
@@ -40,67 +43,61 @@ struct frmMain::Units {
                       machine.sounds, machine.screen, machine.folders};
   ErrorReport errors{reporting, machine.dialogs};
 
-  hardware::Registers registers{state, machine.port, machine.waits};
-  hardware::BusPrimitives bus{state, controls, registers, machine.port, machine.waits};
-  hardware::Lamps lamps{state, controls, registers, machine.screen};
-  hardware::ErrorAlert alert{state, controls, reporting, lamps, bus};
-  hardware::BoardDetection detection{{.state = state,
-                                      .controls = controls,
-                                      .reporting = reporting,
-                                      .errors = errors,
-                                      .alert = alert,
-                                      .lamps = lamps,
-                                      .registers = registers,
-                                      .bus = bus,
-                                      .port = machine.port,
-                                      .time = machine.time,
-                                      .folders = machine.folders}};
-  operations::OperationParts parts{.state = state,
-                                   .controls = controls,
-                                   .reporting = reporting,
-                                   .lamps = lamps,
-                                   .registers = registers,
-                                   .bus = bus};
+  hardware::Board board{
+      state, controls, reporting, machine.port, machine.waits, machine.portService, machine.screen};
+  hardware::ErrorAlert alert{state, controls, reporting, board.lamps, board.bus};
+  hardware::BoardDetection detection{state, state, controls,     reporting,    errors,
+                                     board, alert, machine.port, machine.time, machine.folders};
 
-  display::MemoryDisplay memoryDisplay{state, controls, bus};
-  display::DeviceDisplay deviceDisplay{state,     controls, reporting,      lamps,
-                                       registers, bus,      machine.dialogs};
+  display::MemoryDisplay memoryDisplay{state, state, state, controls};
+  display::DeviceDisplay deviceDisplay{state,    state,     state, state,
+                                       controls, reporting, board, machine.dialogs};
   display::Exports exports{state, controls, reporting, machine.time, machine.folders};
-  buffers::BufferFiles files{{.state = state,
-                              .controls = controls,
-                              .reporting = reporting,
-                              .alert = alert,
-                              .lamps = lamps,
-                              .display = memoryDisplay,
-                              .dialogs = machine.dialogs}};
+  buffers::BufferFiles files{state,       state, controls,      reporting,
+                             board.lamps, alert, memoryDisplay, machine.dialogs};
 
-  operations::FailureReports reports{parts, alert};
-  operations::ProgramImage image{state, controls};
-  operations::SerialEeprom serial{parts, reports};
-  operations::ProtectionSequences protection{parts};
-  operations::FlashIdentification flashIdentification{parts, protection};
-  operations::FlashProgrammer flashProgrammer{parts, flashIdentification, reports, machine.screen};
-  operations::PageWriter pages{parts, protection, image, reports};
-  operations::EpromProgrammer eprom{parts, reports};
-  operations::ReadDevice read{parts, alert, memoryDisplay, serial, reports, machine.dialogs};
-  operations::BlankCheck blank{parts, reports, machine.dialogs};
-  operations::Verify verify{parts, image, serial, reports, machine.dialogs};
-  operations::EraseChip erase{parts, pages, flashProgrammer, serial, reports};
-  operations::ProgramCommand program{parts,
-                                     {.image = image,
-                                      .alert = alert,
-                                      .reports = reports,
-                                      .blank = blank,
-                                      .verify = verify,
-                                      .eprom = eprom,
-                                      .pages = pages,
-                                      .flash = flashProgrammer,
-                                      .serial = serial,
-                                      .dialogs = machine.dialogs}};
-  selection::DeviceSelection devices{parts, alert, memoryDisplay, flashIdentification};
+  operations::FailureReports reports{state, state, state, controls, reporting, board, alert};
+  operations::ProgramImage image{state, state, state, controls};
+  operations::DeviceWalk walk{state, state, state, reporting, board};
+  operations::SerialEeprom serial{state, state, state, state, controls, reporting, board, reports};
+  operations::ProtectionSequences protection{state, state, state, controls, board};
+  operations::FlashIdentification flashIdentification{state,     state, state,
+                                                      reporting, board, protection};
+  operations::FlashProgrammer flashProgrammer{
+      state,   state,         state, state, state, controls, reporting, board, flashIdentification,
+      reports, machine.screen};
+  operations::PageWriter pages{state,     state, state,      state, controls,
+                               reporting, board, protection, image, reports};
+  operations::EpromProgrammer eprom{state, state,     state, state,  state,
+                                    state, reporting, board, reports};
+  operations::Routines routines{eprom, pages, flashProgrammer, serial};
+  operations::ReadDevice read{state,    state,     state,   state,          state,
+                              controls, reporting, board,   alert,          memoryDisplay,
+                              serial,   walk,      reports, machine.dialogs};
+  operations::BlankCheck blank{state,     state, state,   state, state,          controls,
+                               reporting, board, reports, walk,  machine.dialogs};
+  operations::Verify verify{state, state, state,  state, state,   controls,       reporting,
+                            board, image, serial, walk,  reports, machine.dialogs};
+  operations::EraseChip erase{state, state, state, controls, reporting, board, routines, reports};
+  operations::ProgramCommand program{state,     state,  state,    state,          controls,
+                                     reporting, board,  alert,    image,          reports,
+                                     blank,     verify, routines, machine.dialogs};
+  selection::DeviceSelection devices{state,
+                                     state,
+                                     state,
+                                     state,
+                                     state,
+                                     controls,
+                                     reporting,
+                                     board,
+                                     alert,
+                                     memoryDisplay,
+                                     flashIdentification};
+  selection::SelectionKeeper selectionKeeper{state, state, state, controls, alert};
   setups::NamedSetups setups{state, controls, reporting, files, machine.dialogs, machine.folders};
   HelpCommands help{machine.help, machine.dialogs, machine.folders};
-  CommandBoundary boundary{parts, errors, machine.stop, machine.portService};
+  CommandRunner runner{controls,     reporting,          errors, board, selectionKeeper,
+                       machine.stop, machine.portService};
 
   // Start-up and shut-down.
   void showNoBoardYet();
@@ -115,12 +112,8 @@ struct frmMain::Units {
   void connectToolbar();
 
  private:
-  template <typename Unit>
-  void onPress(Button& button, Unit& unit, void (Unit::*handler)()) {
-    button.onPress([this, &unit, handler] { boundary.run([&] { (unit.*handler)(); }); });
-  }
   void testHardware();
-  void tellDiagnosis();
+  void reportDiagnosis();
   void VScroll1_Change();
   void tbToolBar_ButtonClick(const std::string& key);
 };

@@ -1,9 +1,6 @@
 #include "app/launch/machine_ports.h"
 
-#include <cerrno>
 #include <utility>
-
-#include "platform/runtime_error.h"
 
 namespace kestrel::launch {
 namespace {
@@ -22,27 +19,23 @@ std::unique_ptr<sim::SimulatedPort> simulatedPort(SimulatedBoard* simulated,
 }  // namespace
 
 MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaultChip,
-                           const StopSwitch& stop, Screen& screen)
+                           const StopSwitch& stop)
     : simulated_(simulatedBoard(options, defaultChip)),
       simulatedPort_(simulatedPort(simulated_.get(), options)),
-      monotonic_(options.countNs, &stop),
-      interruptible_(lowestPort(options), lowestWaits(), stop, screen) {
-  if (options.trace.empty()) return;
-  traceFile_.open(options.trace, std::ios::binary | std::ios::trunc);
-  if (!traceFile_) throw FileError("write", options.trace.string(), errno);
-  trace_ = std::make_unique<ports::TracingPort>(interruptible_, interruptible_, traceFile_);
-}
-
-PortAccess& MachinePorts::lowestPort(const LaunchOptions& options) {
-  if (simulatedPort_) return *simulatedPort_;
+      monotonic_(options.countNs, &stop) {
+  if (simulatedPort_) return;
   ports::lockMemory();
   ports::PortOptions portOptions;
   portOptions.choices = options.ports;
   realPorts_ = ports::openRealPorts(calls_, std::move(portOptions));
+}
+
+PortAccess& MachinePorts::port() {
+  if (simulatedPort_) return *simulatedPort_;
   return realPorts_->port();
 }
 
-Waits& MachinePorts::lowestWaits() {
+Waits& MachinePorts::waits() {
   if (simulatedPort_) return *simulatedPort_;
   return monotonic_;
 }
@@ -63,16 +56,6 @@ std::uint64_t MachinePorts::takeStretchedPulses() {
   const std::uint64_t pulses = monotonic_.stretchedPulses();
   monotonic_.resetStretchedPulses();
   return pulses;
-}
-
-PortAccess& MachinePorts::port() {
-  if (trace_) return *trace_;
-  return interruptible_;
-}
-
-Waits& MachinePorts::waits() {
-  if (trace_) return *trace_;
-  return interruptible_;
 }
 
 }  // namespace kestrel::launch

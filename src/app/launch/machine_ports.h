@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,27 +9,22 @@
 
 #include "app/launch/option_values.h"
 #include "app/launch/simulated_board.h"
-#include "hardware/ports/interruptible_port.h"
 #include "hardware/ports/monotonic_clock.h"
 #include "hardware/ports/real_ports.h"
 #include "hardware/ports/real_time.h"
 #include "hardware/ports/system_calls.h"
-#include "hardware/ports/tracing_port.h"
 #include "platform/port_service.h"
-#include "platform/screen.h"
 #include "platform/stop_switch.h"
 #include "simulator/simulated_port.h"
 
 namespace kestrel::launch {
 
-/// The ports and the clock that the options ask for, in their layers:
-/// trace (if asked for) over the interruptible port over the real ports or the simulated board.
+/// The ports and the waits that the options ask for: the real ones, or those of a simulated board.
 class MachinePorts final : public PortService {
  public:
-  /// The switch and the screen outlive this. `defaultChip` is in the simulated socket when no
-  /// --chip is given. Throws UsageError, and FileError for a chip or trace file.
-  MachinePorts(const LaunchOptions& options, std::string_view defaultChip, const StopSwitch& stop,
-               Screen& screen);
+  /// The switch outlives this. `defaultChip` is in the simulated socket when no --chip is given.
+  /// Throws UsageError, and FileError for a chip file.
+  MachinePorts(const LaunchOptions& options, std::string_view defaultChip, const StopSwitch& stop);
 
   [[nodiscard]] PortAccess& port();
   [[nodiscard]] Waits& waits();
@@ -46,18 +40,12 @@ class MachinePorts final : public PortService {
   [[nodiscard]] std::uint64_t takeStretchedPulses() override;
 
  private:
-  PortAccess& lowestPort(const LaunchOptions& options);
-  Waits& lowestWaits();
-
   std::unique_ptr<SimulatedBoard> simulated_;
   std::unique_ptr<sim::SimulatedPort> simulatedPort_;
   ports::LinuxCalls calls_;
   std::unique_ptr<ports::RealPorts> realPorts_;
   ports::MonotonicClock monotonic_;
-  ports::InterruptiblePort interruptible_;
   std::optional<ports::RealTimePriority> priority_;
-  std::ofstream traceFile_;
-  std::unique_ptr<ports::TracingPort> trace_;
 };
 
 }  // namespace kestrel::launch

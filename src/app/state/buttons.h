@@ -58,6 +58,9 @@ class OptionButton : public Control {
   /// Selects the button; false when the control is disabled.
   bool press();
 
+  /// Gives it an earlier value back; nothing runs and the others of its group stay as they are.
+  void putBack(bool on) { assign(value_, on); }
+
  private:
   friend class OptionGroup;
 

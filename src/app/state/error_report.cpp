@@ -2,7 +2,7 @@
 
 namespace kestrel {
 
-void ErrorReport::tell(const RuntimeError& error) {
+void ErrorReport::report(const RuntimeError& error) {
   const std::string text = "Run-time error " + std::to_string(error.number()) + ": " + error.what();
   reporting_.LogMessage(text);
   reporting_.PlaySoundEvent("ERROR");

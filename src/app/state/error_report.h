@@ -8,12 +8,12 @@
 
 namespace kestrel {
 
-/// Tells the person at the screen of a failure: a log line, the error sound, a message box.
+/// Reports a failure to the person at the screen: a log line, the error sound, a message box.
 class ErrorReport {
  public:
   ErrorReport(Reporting& reporting, Dialogs& dialogs) : reporting_(reporting), dialogs_(dialogs) {}
 
-  void tell(const RuntimeError& error);
+  void report(const RuntimeError& error);
 
  private:
   Reporting& reporting_;

@@ -23,10 +23,12 @@ struct ControlCodes {
   std::array<std::int16_t, kLatchCount> strobe{};
 };
 
-/// The one record that every procedure reads and writes. It lives as long as the process; 16-bit
-/// fields are narrowed into with `narrowed`, tables are indexed with `at`.
-struct ProgrammerState {
-  // Port and model: hardware/registers, hardware/board_detection.
+// The slices of the record, by owner. A unit takes the slices that it touches; 16-bit fields are
+// narrowed into with `narrowed`, tables are indexed with `at`. A slice is a plain value: a copy of
+// it can be kept and put back.
+
+/// The port and the model of the board: hardware/registers, hardware/board_detection.
+struct PortState {
   std::int16_t PortBase = 0;      ///< LPT data port 378h, 278h or 3BCh; 0 = none chosen
   std::int16_t StatusPort = 0;    ///< PortBase + 1
   std::int16_t ControlPort = 0;   ///< PortBase + 2
@@ -41,31 +43,31 @@ struct ProgrammerState {
   std::string ConfigSeen;       ///< keys met in kestrel6.ini, in the order met
   std::string ConfigPath;
   std::string ConfigLine;
+};
 
-  // The five board latches and the bus: hardware/bus_primitives.
+/// The five board latches, the address and the byte on the bus: hardware/bus_primitives.
+struct LatchState {
   std::int16_t RegShadow0 = 0;  ///< /OE and programming voltages
   std::int16_t RegShadow1 = 0;  ///< address bits 8-15 through the device's map
   std::int16_t RegShadow2 = 0;  ///< address bits 0-7
   std::int16_t RegShadow3 = 0;  ///< /CE, data latch enable, /PGM, high address bits
   std::int16_t RegShadow4 = 0;  ///< data byte
-  std::int16_t Reg1Fixed = 0;   ///< per-device bits of latch 1
-  std::int16_t Reg3Fixed = 0;   ///< per-device bits of latch 3
   std::int32_t LinearAddress = 0;
   std::int32_t AddrLow = 0;
   std::int32_t AddrMid = 0;
   std::int32_t AddrHigh = 0;
   std::int32_t AddrDivLow = 256;
   std::int32_t AddrDivHigh = 65536;
-  std::array<std::int16_t, 256> AddrMapMid{};   ///< AddrMid to latch-1 bits
-  std::array<std::int16_t, 256> AddrMapHigh{};  ///< AddrHigh to latch-3 bits
   std::uint8_t ReadByte = 0;
   std::uint8_t StatusLow = 0;   ///< raw status byte of the last first read
   std::uint8_t StatusHigh = 0;  ///< raw status byte of the last second read
   std::array<std::uint8_t, 256> StatusDecode4{};
   std::array<std::uint8_t, 256> StatusDecodeLow{};
   std::array<std::uint8_t, 256> StatusDecodeHigh{};
+};
 
-  // Waits, in loop counts: selection/device_selection.
+/// Waits, in loop counts: selection/.
+struct TimingState {
   std::int32_t SettleFactor = 0;
   std::int32_t SpeedFactorA = 0;
   std::int32_t SpeedFactorB = 0;
@@ -73,18 +75,34 @@ struct ProgrammerState {
   std::int32_t DelayCountB = 0;
   std::int32_t BusDelayCount = 0;
 
-  // The catalogue and the selected device: devices/.
+  bool operator==(const TimingState&) const = default;
+};
+
+/// The catalogue: devices/. Built once, never changed afterwards.
+struct CatalogueState {
   std::array<std::array<std::string, kDeviceTableColumns>, kDeviceTableRows> DeviceTable{};
+};
+
+/// The selected device and voltage: selection/.
+struct SelectionState {
   std::string DeviceName;
   std::string FamilyLetter;
   std::string FamilySubCode;
   std::string FamilyCode;
   std::int32_t DeviceSizeKB = 0;
   std::int32_t DeviceSizeBytes = 0;
-  std::int16_t VppClass = 0;  ///< 0 = 5 V, 1 = 12.5 V, 2 = up to 21 V, 3 = up to 25 V
-  std::int16_t VppVolts = 0;  ///< 12 (for 12.5), 21 or 25
+  std::int16_t VppClass = 0;                    ///< 0 = 5 V, 1 = 12.5 V, 2 = to 21 V, 3 = to 25 V
+  std::int16_t VppVolts = 0;                    ///< 12 (for 12.5), 21 or 25
+  std::int16_t Reg1Fixed = 0;                   ///< per-device bits of latch 1
+  std::int16_t Reg3Fixed = 0;                   ///< per-device bits of latch 3
+  std::array<std::int16_t, 256> AddrMapMid{};   ///< AddrMid to latch-1 bits
+  std::array<std::int16_t, 256> AddrMapHigh{};  ///< AddrHigh to latch-3 bits
 
-  // Buffers and files: buffers/.
+  bool operator==(const SelectionState&) const = default;
+};
+
+/// Buffers and files: buffers/.
+struct BufferState {
   std::vector<std::uint8_t> CodeBuffer = std::vector<std::uint8_t>(kCodeBufferBytes);
   std::vector<std::uint8_t> DataBuffer = std::vector<std::uint8_t>(kDataBufferBytes);
   std::int32_t CodeLength = 0;
@@ -99,8 +117,10 @@ struct ProgrammerState {
   std::int32_t DeviceChecksum = 0;  ///< 0..65535
   std::string DeviceChecksumText;
   std::string DisplayMode = "Read";  ///< "Read" (a buffer) or "DisplayEprom" (the chip)
+};
 
-  // Operations: operations/.
+/// What a device operation works with: operations/.
+struct OperationState {
   std::vector<std::uint8_t> ProgramBuffer = std::vector<std::uint8_t>(kProgramBufferBytes);
   std::int32_t ProgramLength = 0;
   std::int32_t ProgramIndex = 0;   ///< address loop variable, failing address
@@ -122,8 +142,10 @@ struct ProgrammerState {
   std::int16_t FlashCmd = 0;
   std::int32_t FlashPollPending = 0;
   std::int32_t FlashPollMisses = 0;
+};
 
-  // Shell: app/.
+/// What the shell keeps, and the helpers that many procedures share: app/.
+struct ShellState {
   std::int32_t LoopIndex = 0;  ///< loop counter shared by many procedures
   std::array<std::int32_t, 4> Pow16Table{};
   std::string CrLf;
@@ -133,5 +155,15 @@ struct ProgrammerState {
   std::int16_t ProgressCount = 0;
   std::array<std::string, 4> SavedButtonState{};  ///< "True" or "False"; hardware/error_alert
 };
+
+/// The one record that the procedures read and write. It lives as long as the process.
+struct ProgrammerState : PortState,
+                         LatchState,
+                         TimingState,
+                         CatalogueState,
+                         SelectionState,
+                         BufferState,
+                         OperationState,
+                         ShellState {};
 
 }  // namespace kestrel

@@ -19,7 +19,7 @@ constexpr std::array<std::pair<std::string_view, const char*>, 5> kSoundFiles{{
 
 }  // namespace
 
-Reporting::Reporting(ProgrammerState& state, Controls& controls, const TimeOfDay& time,
+Reporting::Reporting(ShellState& state, Controls& controls, const TimeOfDay& time,
                      SoundPlayer& sounds, Screen& screen, const Folders& folders)
     : state_(state),
       controls_(controls),
@@ -53,5 +53,16 @@ void Reporting::advanceProgress(int by) {
   controls_.ProgressBar1.advance(by);
   screen_.turn();
 }
+
+void Reporting::boardIsAtRest() {
+  controls_.ProgressBar1.setMaximum(100);
+  controls_.ProgressBar1.setValue(0);
+}
+
+void Reporting::noteEnding(Ending ending, std::string reason) {
+  if (result_.ending == Ending::Done) result_ = {.ending = ending, .reason = std::move(reason)};
+}
+
+CommandResult Reporting::takeResult() { return std::exchange(result_, {}); }
 
 }  // namespace kestrel

@@ -1,9 +1,12 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "app/state/controls.h"
+#include "app/state/ending.h"
 #include "app/state/programmer_state.h"
+#include "app/state/rest_listener.h"
 #include "platform/folders.h"
 #include "platform/screen.h"
 #include "platform/sound_player.h"
@@ -12,9 +15,9 @@
 namespace kestrel {
 
 /// How every operation reports: the system log, a sound for the outcome, the progress bar.
-class Reporting {
+class Reporting final : public RestListener {
  public:
-  Reporting(ProgrammerState& state, Controls& controls, const TimeOfDay& time, SoundPlayer& sounds,
+  Reporting(ShellState& state, Controls& controls, const TimeOfDay& time, SoundPlayer& sounds,
             Screen& screen, const Folders& folders);
 
   /// Appends a line break, the time of day, ">  " and the message to the system log. The log is
@@ -31,8 +34,19 @@ class Reporting {
   /// Moves the progress bar by one, or more, and lets it be seen.
   void advanceProgress(int by = 1);
 
+  /// The progress bar at its start, for a hundred steps.
+  void boardIsAtRest() override;
+
+  /// Notes what came of the running command, where it happens. The first note counts: it is the
+  /// cause of what follows.
+  void noteEnding(Ending ending, std::string reason);
+
+  /// What was noted since the last call.
+  [[nodiscard]] CommandResult takeResult();
+
  private:
-  ProgrammerState& state_;
+  ShellState& state_;
+  CommandResult result_;
   Controls& controls_;
   const TimeOfDay& time_;
   SoundPlayer& sounds_;

@@ -25,6 +25,11 @@ void RangeControl::setMaximum(std::int32_t maximum) {
   setValue(value_);
 }
 
+void RangeControl::putBackMaximum(std::int32_t maximum) {
+  assign(maximum_, maximum);
+  assign(value_, std::max(minimum_, std::min(value_, maximum_)));
+}
+
 void ProgressBar::setValue(std::int32_t value) {
   assign(value_, std::max(0, std::min(value, maximum_)));
 }
@@ -41,6 +46,12 @@ void DropDownList::addItem(std::string item) {
 
 void DropDownList::removeFirst() {
   items_.erase(items_.begin());
+  changed();
+}
+
+void DropDownList::putBack(std::int32_t position, const std::string& text) {
+  position_ = position;
+  text_ = text;
   changed();
 }
 

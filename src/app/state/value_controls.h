@@ -41,6 +41,9 @@ class RangeControl : public Control {
   /// A maximum that falls below the value takes the value along and runs the change handler.
   void setMaximum(std::int32_t maximum);
 
+  /// Gives it an earlier maximum back, its value within it; nothing runs.
+  void putBackMaximum(std::int32_t maximum);
+
  private:
   std::function<void()> handler_;
   std::int32_t minimum_;
@@ -82,6 +85,9 @@ class DropDownList : public Control {
   /// was selected before. Called from inside the handler it only selects.
   /// Throws RuntimeError 9 for a position outside the list.
   void setPosition(std::int32_t position);
+
+  /// Gives it an earlier selection and text back; nothing runs.
+  void putBack(std::int32_t position, const std::string& text);
 
  private:
   std::function<void()> handler_;

@@ -33,7 +33,7 @@ void Binder::button(Button& control, QAbstractButton& widget) const {
     setButtonColour(widget, control.colour());
   });
   QObject::connect(&widget, &QAbstractButton::clicked, &widget,
-                   [this, &control] { gate_.run([&control] { control.press(); }); });
+                   [this, &control] { (void)runner_.press(control); });
 }
 
 void Binder::action(Button& control, QAction& action) const {
@@ -44,7 +44,7 @@ void Binder::action(Button& control, QAction& action) const {
     action.setVisible(control.visible());
   });
   QObject::connect(&action, &QAction::triggered, &action,
-                   [this, &control] { gate_.run([&control] { control.press(); }); });
+                   [this, &control] { (void)runner_.press(control); });
 }
 
 void Binder::check(CheckBox& control, QCheckBox& widget) const {
@@ -57,7 +57,7 @@ void Binder::check(CheckBox& control, QCheckBox& widget) const {
                                               : Qt::Unchecked);
   });
   QObject::connect(&widget, &QCheckBox::clicked, &widget, [this, &control] {
-    gate_.run([&control] { control.press(); });
+    (void)runner_.run([&control] { control.press(); });
     mirror_.touch(control);
   });
 }
@@ -69,7 +69,7 @@ void Binder::option(OptionButton& control, QRadioButton& widget) const {
     setChecked(widget, control.value());
   });
   QObject::connect(&widget, &QRadioButton::clicked, &widget, [this, &control] {
-    gate_.run([&control] { control.press(); });
+    (void)runner_.run([&control] { control.press(); });
     mirror_.touch(control);
   });
 }

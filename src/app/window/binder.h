@@ -8,8 +8,8 @@
 #include <QWidget>
 #include <string>
 
+#include "app/form/command_runner.h"
 #include "app/state/controls.h"
-#include "app/window/command_gate.h"
 #include "app/window/mirror.h"
 
 namespace kestrel::window {
@@ -19,13 +19,13 @@ namespace kestrel::window {
 }
 
 /// Joins one widget to one control: the widget takes the control's name as its object name, shows
-/// what the control is, and reports its presses through the gate.
+/// what the control is, and reports its presses through the runner.
 class Binder {
  public:
-  Binder(Mirror& mirror, CommandGate& gate) : mirror_(mirror), gate_(gate) {}
+  Binder(Mirror& mirror, form::CommandRunner& runner) : mirror_(mirror), runner_(runner) {}
 
   [[nodiscard]] Mirror& mirror() const { return mirror_; }
-  [[nodiscard]] CommandGate& gate() const { return gate_; }
+  [[nodiscard]] form::CommandRunner& runner() const { return runner_; }
 
   /// Name, enabled and visible: what every control has.
   void common(const Control& control, QWidget& widget) const;
@@ -39,7 +39,7 @@ class Binder {
 
  private:
   Mirror& mirror_;
-  CommandGate& gate_;
+  form::CommandRunner& runner_;
 };
 
 }  // namespace kestrel::window

@@ -37,9 +37,9 @@ QString sizeText(std::size_t bytes) {
 
 }  // namespace
 
-SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated, CommandGate& gate,
-                                         QWidget* parent)
-    : QScrollArea(parent), simulated_(simulated), gate_(gate) {
+SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated,
+                                         form::CommandRunner& runner, QWidget* parent)
+    : QScrollArea(parent), simulated_(simulated), runner_(runner) {
   setObjectName("boardPanel");
   setFrameShape(QFrame::NoFrame);
   setWidgetResizable(true);
@@ -53,7 +53,7 @@ SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated, Comm
   buildFaults(*column);
   buildFindings(*column);
   setMinimumWidth(content->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width());
-  gate_.whenEnded([this] { showState(); });
+  runner.whenEnded([this] { showState(); });
   look_.setInterval(kLookMs);
   connect(&look_, &QTimer::timeout, this, [this] { showFindings(); });
   look_.start();
@@ -66,7 +66,7 @@ QPushButton* SimulatedBoardPanel::addButton(QBoxLayout& row, const QString& capt
   button->setObjectName(name);
   row.addWidget(button);
   connect(button, &QPushButton::clicked, this,
-          [this, handler = std::move(handler)] { gate_.run(handler); });
+          [this, handler = std::move(handler)] { act(handler); });
   return button;
 }
 
@@ -95,9 +95,9 @@ void SimulatedBoardPanel::buildBoard(QBoxLayout& column) {
   plug_ = addButton(*row, "Unplug", "plugBoard", [this] { plugOrUnplug(); });
   column.addWidget(group);
   for (QComboBox* const box : {model_, port_}) {
-    connect(box, &QComboBox::activated, this, [this] { gate_.run([this] { changeBoard(); }); });
+    connect(box, &QComboBox::activated, this, [this] { act([this] { changeBoard(); }); });
   }
-  connect(voltage_, &QComboBox::activated, this, [this] { gate_.run([this] { setVoltage(); }); });
+  connect(voltage_, &QComboBox::activated, this, [this] { act([this] { setVoltage(); }); });
 }
 
 void SimulatedBoardPanel::buildChip(QBoxLayout& column) {
@@ -152,6 +152,17 @@ void SimulatedBoardPanel::buildFindings(QBoxLayout& column) {
   rows->addWidget(findings_, 1);
   addButton(*rows, "Clear", "clearFindings", [this] { simulated_.bench().findings().clear(); });
   column.addWidget(group, 1);
+}
+
+// Hands off the board while a command runs; a file that cannot be used is told here.
+void SimulatedBoardPanel::act(const std::function<void()>& handler) {
+  if (runner_.isRunning()) return;
+  try {
+    handler();
+  } catch (const std::exception& error) {
+    QMessageBox::critical(this, "Kestrel", QString::fromUtf8(error.what()));
+  }
+  showState();
 }
 
 void SimulatedBoardPanel::plugOrUnplug() {

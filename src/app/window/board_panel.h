@@ -4,8 +4,8 @@
 #include <QTimer>
 #include <functional>
 
+#include "app/form/command_runner.h"
 #include "app/launch/simulated_board.h"
-#include "app/window/command_gate.h"
 
 class QBoxLayout;
 class QComboBox;
@@ -19,7 +19,8 @@ namespace kestrel::window {
 /// The bench with the simulated board: what a person would do there with the hands.
 class SimulatedBoardPanel final : public QScrollArea {
  public:
-  SimulatedBoardPanel(launch::SimulatedBoard& simulated, CommandGate& gate, QWidget* parent);
+  SimulatedBoardPanel(launch::SimulatedBoard& simulated, form::CommandRunner& runner,
+                      QWidget* parent);
 
  private:
   void buildBoard(QBoxLayout& column);
@@ -29,6 +30,7 @@ class SimulatedBoardPanel final : public QScrollArea {
   QPushButton* addButton(QBoxLayout& row, const QString& caption, const QString& name,
                          std::function<void()> handler);
 
+  void act(const std::function<void()>& handler);
   void plugOrUnplug();
   void changeBoard();
   void setVoltage();
@@ -44,7 +46,7 @@ class SimulatedBoardPanel final : public QScrollArea {
   [[nodiscard]] sim::Board& board() { return simulated_.board(); }
 
   launch::SimulatedBoard& simulated_;
-  CommandGate& gate_;
+  form::CommandRunner& runner_;
   QComboBox* model_ = nullptr;
   QComboBox* port_ = nullptr;
   QPushButton* plug_ = nullptr;

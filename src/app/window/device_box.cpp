@@ -74,7 +74,7 @@ void DeviceBox::greyUnavailable() {
 }
 
 void DeviceBox::choose(int position) {
-  binder_.gate().run([this, position] { control_.setPosition(position); });
+  (void)binder_.runner().run([this, position] { control_.setPosition(position); });
   binder_.mirror().touch(control_);
 }
 

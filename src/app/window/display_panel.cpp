@@ -157,7 +157,7 @@ bool DisplayPanel::eventFilter(QObject* receiver, QEvent* event) {
       return true;
     case QEvent::MouseButtonDblClick:
       if (receiver != page_->viewport()) return false;
-      binder_.gate().run([this] { controls_.BufferDisplay_DblClick.press(); });
+      (void)binder_.runner().press(controls_.BufferDisplay_DblClick);
       return true;
     case QEvent::Resize:
       if (receiver == page_) fitFont();

@@ -103,7 +103,7 @@ ErrorLamp::ErrorLamp(Button& control, const Binder& binder, QWidget* parent) : Q
     setAlert(control.colour() == Colour::Red);
   });
   connect(this, &QPushButton::clicked, this,
-          [&binder, &control] { binder.gate().run([&control] { control.press(); }); });
+          [&binder, &control] { (void)binder.runner().press(control); });
 }
 
 void ErrorLamp::setAlert(bool alert) {

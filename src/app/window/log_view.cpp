@@ -41,7 +41,7 @@ void LogView::show() {
 }
 
 void LogView::mouseDoubleClickEvent(QMouseEvent*) {
-  binder_.gate().run([this] { controls_.SystemLog_DblClick.press(); });
+  (void)binder_.runner().press(controls_.SystemLog_DblClick);
 }
 
 }  // namespace kestrel::window

@@ -4,8 +4,7 @@
 #include <csignal>
 #include <iostream>
 
-#include "app/launch/machine_ports.h"
-#include "app/launch/program_folders.h"
+#include "app/launch/program.h"
 #include "app/window/arguments.h"
 #include "app/window/board_panel.h"
 #include "app/window/main_window.h"
@@ -34,31 +33,19 @@ void putAway(launch::SimulatedBoard& simulated, const Folders& folders) {
 int runProgram(const Arguments& arguments) {
   Mirror mirror;
   HeldInput input;
-  CommandGate gate(mirror, input);
   StopSwitch stop;
-  const TimeOfDay time;
   const ports::SignalStop signalStop(stop);
-  QtScreen screen(mirror, gate, input);
+  QtScreen screen(mirror, input);
   QtDialogs dialogs(mirror);
   QtSettingsStore settings;
   QtSoundPlayer sounds;
   QtHelpViewer help(screen);
-  const Folders folders = launch::programFolders(arguments.launch);
-  launch::MachinePorts ports(arguments.launch, kDefaultChip, stop, screen);
-  form::frmMain form({.port = ports.port(),
-                      .waits = ports.waits(),
-                      .portService = ports,
-                      .time = time,
-                      .sounds = sounds,
-                      .settings = settings,
-                      .help = help,
-                      .dialogs = dialogs,
-                      .screen = screen,
-                      .stop = stop,
-                      .folders = folders});
-  MainWindow window({.form = form,
+  launch::LaunchedProgram program(
+      arguments.launch, kDefaultChip,
+      {.sounds = sounds, .settings = settings, .help = help, .dialogs = dialogs, .screen = screen},
+      stop);
+  MainWindow window({.form = program.form(),
                      .mirror = mirror,
-                     .gate = gate,
                      .input = input,
                      .screen = screen,
                      .dialogs = dialogs,
@@ -66,9 +53,10 @@ int runProgram(const Arguments& arguments) {
                      .stop = stop});
   const SignalEnd end(signalStop, window);
   help.setOwner(window);
-  launch::SimulatedBoard* const simulated = ports.simulated();
+  launch::SimulatedBoard* const simulated = program.simulated();
   if (simulated != nullptr) {
-    window.addSidePanel(*new SimulatedBoardPanel(*simulated, gate, &window), "Simulated board");
+    window.addSidePanel(*new SimulatedBoardPanel(*simulated, program.form().runner(), &window),
+                        "Simulated board");
   }
   window.start();
   if (simulated != nullptr) simulated->startUpDone();
@@ -76,7 +64,7 @@ int runProgram(const Arguments& arguments) {
     QTimer::singleShot(0, &window, [&] { window.openCodeFile(arguments.codeFile); });
   }
   const int result = QApplication::exec();
-  if (simulated != nullptr) putAway(*simulated, folders);
+  if (simulated != nullptr) putAway(*simulated, program.folders());
   return signalStop.isEndRequested() ? signalStop.exitStatus() : result;
 }
 

@@ -26,7 +26,7 @@ namespace kestrel::window {
 MainWindow::MainWindow(const WindowParts& parts)
     : parts_(parts),
       controls_(parts.form.controls()),
-      binder_(parts.mirror, parts.gate),
+      binder_(parts.mirror, parts.form.runner()),
       recent_(parts.settings) {
   setObjectName("frmMain");
   setAcceptDrops(true);
@@ -89,15 +89,17 @@ void MainWindow::buildContent() {
 }
 
 void MainWindow::connectCommands() {
-  parts_.screen.setMainWindow(*this);
+  form::CommandRunner& runner = parts_.form.runner();
+  parts_.screen.setMainWindow(*this, runner);
   parts_.dialogs.setOwner(*this);
-  parts_.gate.setOwner(*this);
   const auto stop = [this] { parts_.stop.stopCommand(); };
   parts_.input.setStop(strip_->stopButton(), stop);
   strip_->onStop(stop);
-  parts_.gate.whenStarted([this] { strip_->setRunning(true); });
-  parts_.gate.whenEnded([this] {
+  runner.whenStarted([this] { strip_->setRunning(true); });
+  runner.whenEnded([this] {
     strip_->setRunning(false);
+    parts_.mirror.refresh();
+    parts_.input.release();
     if (closeWanted_) QTimer::singleShot(0, this, [this] { close(); });
   });
 }
@@ -119,14 +121,14 @@ void MainWindow::showTitle() {
 }
 
 void MainWindow::start() {
-  parts_.gate.run([this] { parts_.form.Form_Load(); });
+  (void)parts_.form.runner().run([this] { parts_.form.Form_Load(); });
   parts_.mirror.refresh();
   placed_ = true;
   show();
 }
 
 void MainWindow::openCodeFile(const std::filesystem::path& file) {
-  parts_.gate.run([this, file] {
+  (void)parts_.form.runner().run([this, file] {
     parts_.dialogs.answerNextOpen(file);
     controls_.mnuFileOpenCode.press();
     parts_.dialogs.forgetNextOpen();
@@ -189,7 +191,7 @@ void MainWindow::changeEvent(QEvent* event) {
 
 // A command that is running ends first.
 void MainWindow::closeEvent(QCloseEvent* event) {
-  if (parts_.gate.isRunning()) {
+  if (parts_.form.runner().isRunning()) {
     closeWanted_ = true;
     event->ignore();
     return;
@@ -198,7 +200,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   reportPlace();
   if (!unloaded_) {
     unloaded_ = true;
-    parts_.gate.run([this] { parts_.form.Form_Unload(); });
+    (void)parts_.form.runner().run([this] { parts_.form.Form_Unload(); });
   }
   event->accept();
 }
@@ -206,12 +208,12 @@ void MainWindow::closeEvent(QCloseEvent* event) {
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   const QList<QUrl> files = event->mimeData()->urls();
   const bool usable = files.size() == 1 && files.first().isLocalFile();
-  if (usable && !parts_.gate.isRunning()) event->acceptProposedAction();
+  if (usable && !parts_.form.runner().isRunning()) event->acceptProposedAction();
 }
 
 void MainWindow::dropEvent(QDropEvent* event) {
   const QString file = event->mimeData()->urls().value(0).toLocalFile();
-  if (file.isEmpty() || parts_.gate.isRunning()) return;
+  if (file.isEmpty() || parts_.form.runner().isRunning()) return;
   event->acceptProposedAction();
   openCodeFile(file.toStdString());
 }

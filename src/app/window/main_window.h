@@ -21,7 +21,6 @@ class StatusStrip;
 struct WindowParts {
   form::frmMain& form;
   Mirror& mirror;
-  CommandGate& gate;
   HeldInput& input;
   QtScreen& screen;
   QtDialogs& dialogs;

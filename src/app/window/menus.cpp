@@ -123,7 +123,7 @@ void Menus::buildSetup() {
   for (Button& entry : controls_.LoadSetup) addSetup(load, entry);
   for (Button& entry : controls_.SaveSetup) add(save, entry);
   connect(&menu, &QMenu::aboutToShow, this, [this] {
-    binder_.gate().run([this] { controls_.Setup.press(); });
+    (void)binder_.runner().press(controls_.Setup);
     binder_.mirror().refresh();
   });
 }

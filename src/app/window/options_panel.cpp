@@ -107,7 +107,7 @@ void OptionsPanel::buildFile(QBoxLayout& column) {
   open->setAccessibleName("Open code file");
   icons_.add(*open, "open-code");
   QObject::connect(open, &QPushButton::clicked, open,
-                   [this] { binder_.gate().run([this] { controls_.mnuFileOpenCode.press(); }); });
+                   [this] { (void)binder_.runner().press(controls_.mnuFileOpenCode); });
   top->addWidget(open);
   QHBoxLayout* const file = row(column);
   auto* const name = new ElidedLabel(Qt::ElideMiddle, widget());

@@ -11,8 +11,7 @@ constexpr qint64 kTurnMs = 16;  // at most 60 turns a second
 
 }  // namespace
 
-QtScreen::QtScreen(Mirror& mirror, CommandGate& gate, HeldInput& input)
-    : mirror_(mirror), gate_(gate), input_(input) {
+QtScreen::QtScreen(Mirror& mirror, HeldInput& input) : mirror_(mirror), input_(input) {
   sinceTurn_.start();
 }
 
@@ -30,7 +29,7 @@ void QtScreen::turn() {
 // Only inside a command: at other times the event loop is running anyway.
 void QtScreen::giveTurn() {
   sinceTurn_.restart();
-  if (inTurn_ || !gate_.isRunning()) return;
+  if (inTurn_ || runner_ == nullptr || !runner_->isRunning()) return;
   inTurn_ = true;
   input_.hold(true);
   QCoreApplication::processEvents();

@@ -5,7 +5,7 @@
 #include <QWidget>
 #include <vector>
 
-#include "app/window/command_gate.h"
+#include "app/form/command_runner.h"
 #include "app/window/held_input.h"
 #include "app/window/mirror.h"
 #include "platform/screen.h"
@@ -15,9 +15,13 @@ namespace kestrel::window {
 /// The screen of a running command: repaints and lets the event loop have its turn.
 class QtScreen final : public Screen {
  public:
-  QtScreen(Mirror& mirror, CommandGate& gate, HeldInput& input);
+  QtScreen(Mirror& mirror, HeldInput& input);
 
-  void setMainWindow(QWidget& window) { main_ = &window; }
+  /// The main window, and what tells whether a command is running. Both outlive the screen's use.
+  void setMainWindow(QWidget& window, const form::CommandRunner& runner) {
+    main_ = &window;
+    runner_ = &runner;
+  }
 
   /// A further window of the program was opened.
   void opened(QWidget& window);
@@ -32,7 +36,7 @@ class QtScreen final : public Screen {
   void giveTurn();
 
   Mirror& mirror_;
-  CommandGate& gate_;
+  const form::CommandRunner* runner_ = nullptr;
   HeldInput& input_;
   QElapsedTimer sinceTurn_;
   bool inTurn_ = false;

@@ -35,7 +35,7 @@ void RangeReporter::show() {
 
 void RangeReporter::report(int value) {
   wheelRests_.stop();
-  binder_.gate().run([this, value] { control_.setValue(value); });
+  binder_.runner().runWhenIdle([this, value] { control_.setValue(value); });
   binder_.mirror().touch(control_);
 }
 

@@ -13,10 +13,7 @@ using Log = std::vector<std::string>;
 /// Passes on to the simulated board; before one of the reads something happens.
 struct DisturbedPort final : PortAccess, Waits {
   explicit DisturbedPort(sim::SimulatedPort& given) : port(given) {}
-  void PortOut(std::int16_t number, std::uint8_t value) override {
-    if (stop != nullptr && stop->isThrown()) throw OperationStopped();
-    port.PortOut(number, value);
-  }
+  void PortOut(std::int16_t number, std::uint8_t value) override { port.PortOut(number, value); }
   std::uint8_t PortIn(std::int16_t number) override {
     if (readsLeft > 0 && --readsLeft == 0) disturb();
     return port.PortIn(number);
@@ -25,14 +22,12 @@ struct DisturbedPort final : PortAccess, Waits {
   void Spin(std::int64_t counts) override { port.Spin(counts); }
 
   sim::SimulatedPort& port;
-  const StopSwitch* stop = nullptr;
   int readsLeft = 0;
   std::function<void()> disturb;
 };
 
 struct Disturbed {
   Disturbed() {
-    port.stop = &rig.stop;
     rig.form.Form_Load();
     rig.select("Eprom 27C256");
     rig.state.CodeBuffer[0] = 0xC0;
@@ -50,7 +45,7 @@ struct Disturbed {
       EXPECT_EQ(label->colour(), Colour::ButtonFace);
     EXPECT_EQ(rig.controls.ProgressBar1.value(), 0);
     EXPECT_EQ(rig.controls.StatusBar.text(), "");
-    EXPECT_FALSE(rig.form.isRunning());
+    EXPECT_FALSE(rig.form.runner().isRunning());
     const bool isGone = rig.state.CtlIdle[0] > 0xFF;
     EXPECT_TRUE(isGone || (board.latch(0) == 0x40 && board.latch(3) == 0xC6));
   }
@@ -62,10 +57,17 @@ struct Disturbed {
   FormRig rig{port, port};
 };
 
-TEST(CommandBoundary, errorsAndStopAreToldOnceAndTheBoardPutToRest) {
+TEST(CommandRunner, errorsAndStopAreReportedOnceAndTheBoardIsAtRestBeforeThat) {
   Disturbed d;
+  // Nothing comes between the fault and the idle board: no box, no log line.
+  d.rig.dialogs.onBox = [&d] { EXPECT_EQ(d.board.latch(0), 0x40); };
+  d.rig.screen.onTurn = [&d, lines = std::size_t{0}]() mutable {
+    if (d.rig.log().size() == lines) return;
+    lines = d.rig.log().size();
+    EXPECT_EQ(d.board.latch(0), 0x40);
+  };
   d.read([] { throw RuntimeError(57, "The port has gone"); });
-  EXPECT_EQ(d.rig.form.lastOutcome(), form::frmMain::Outcome::RunTimeError);
+  EXPECT_EQ(d.rig.result.ending, Ending::RunTimeError);
   ASSERT_EQ(d.rig.dialogs.boxes.size(), 1U);
   EXPECT_EQ(d.rig.dialogs.boxes[0].text, "Run-time error 57: The port has gone");
   EXPECT_EQ(d.rig.sounds.played.back(), "error.wav");
@@ -73,17 +75,18 @@ TEST(CommandBoundary, errorsAndStopAreToldOnceAndTheBoardPutToRest) {
   d.read([] { throw std::logic_error("a slip"); });
   d.rig.dialogs.boxes.clear();
   d.read([&d] { d.rig.stop.stopCommand(); });
-  EXPECT_EQ(d.rig.form.lastOutcome(), form::frmMain::Outcome::Stopped);
+  EXPECT_EQ(d.rig.result.ending, Ending::Stopped);
   EXPECT_TRUE(d.rig.dialogs.boxes.empty());
   EXPECT_EQ(d.rig.log(),
             (Log{"Run-time error 57: The port has gone", "Run-time error 7: Out of memory",
                  "Run-time error 51: a slip", "Operation stopped by operator"}));
+  d.rig.screen.onTurn = nullptr;
   d.rig.press("Read_button");
-  EXPECT_EQ(d.rig.form.lastOutcome(), form::frmMain::Outcome::Done);
+  EXPECT_EQ(d.rig.result.ending, Ending::Done);
   EXPECT_EQ(d.rig.state.CodeBuffer[0], 0xFF);
 }
 
-TEST(CommandBoundary, anAlertThatWasUpStaysUpUntilTheHardwareTest) {
+TEST(CommandRunner, anAlertThatWasUpStaysUpUntilTheHardwareTest) {
   Disturbed d;
   Controls& c = d.rig.controls;
   d.board.insert(sim::makeChip("27C256"));
@@ -100,15 +103,60 @@ TEST(CommandBoundary, anAlertThatWasUpStaysUpUntilTheHardwareTest) {
   EXPECT_FALSE(c.Program_button.enabled());
 }
 
-TEST(CommandBoundary, aPortThatHasGoneForGoodIsToldForTheResetToo) {
+TEST(CommandRunner, aPortThatHasGoneForGoodIsReportedOnce) {
   Disturbed d;
   d.read([&d] {
     d.rig.state.CtlIdle[0] = 0x100;
     throw RuntimeError(57, "The port has gone");
   });
-  EXPECT_EQ(d.rig.dialogs.boxes.size(), 2U);
-  EXPECT_FALSE(d.rig.form.isRunning());
+  EXPECT_EQ(d.rig.dialogs.boxes.size(), 1U);
+  EXPECT_FALSE(d.rig.form.runner().isRunning());
   EXPECT_NO_THROW(d.rig.form.Form_Unload());
+}
+
+TEST(CommandRunner, refusesASecondCommandAndRunsWhatWaitsInOrder) {
+  Disturbed d;
+  std::vector<int> order;
+  form::CommandRunner& runner = d.rig.form.runner();
+  const CommandResult result = runner.run([&] {
+    EXPECT_EQ(runner.run([] { FAIL(); }).ending, Ending::Refused);
+    runner.runWhenIdle([&] { order.push_back(2); });
+    order.push_back(1);
+    throw std::runtime_error("the cable melted");
+  });
+  EXPECT_EQ(result.reason, "the cable melted");
+  EXPECT_EQ(order, (std::vector<int>{1, 2}));
+  EXPECT_FALSE(runner.isRunning());
+  EXPECT_EQ(runner.press(d.rig.controls.Program_button).ending, Ending::Refused);
+}
+
+// 2732 at 25 V, then a 2764 chosen over a port that fails: a voltage of the one on the other would
+// destroy the chip.
+TEST(FailedSelection, leavesDeviceVoltageAndFormAsTheyWere) {
+  SimulatedForm s;
+  s.start();
+  s.rig.select("Eprom 2732");
+  s.rig.controls.Voltage_button[3].press();
+  const auto look = [&] {
+    return namesOf(s.rig.controls, [](const Control& c) { return c.enabled(); }) + "|" +
+           namesOf(s.rig.controls, [](const Control& c) { return c.visible(); });
+  };
+  const SelectionState before = s.rig.state;
+  const std::string formBefore = look();
+  const std::int32_t position = s.rig.controls.Device.position();
+  for (const std::int16_t goodCode : {s.rig.state.CtlIdle[3], s.rig.state.CtlIdle[0]}) {
+    const std::size_t latch = goodCode == s.rig.state.CtlIdle[3] ? 3 : 0;
+    s.rig.state.CtlIdle[latch] = 0x100;  // a load of this latch fails
+    s.rig.select("Eprom 27C801");
+    EXPECT_EQ(s.rig.result.ending, Ending::RunTimeError);
+    EXPECT_TRUE(static_cast<const SelectionState&>(s.rig.state) == before);
+    EXPECT_EQ(s.rig.controls.Device.position(), position);
+    EXPECT_TRUE(s.rig.controls.Voltage_button[3].value());
+    EXPECT_EQ(s.rig.state.CodeLength, 4096);
+    EXPECT_EQ(s.rig.controls.VScroll1.maximum(), 15);
+    EXPECT_EQ(look(), formBefore);
+    s.rig.state.CtlIdle[latch] = goodCode;
+  }
 }
 
 TEST(ShutDown, closesTheOtherWindowsAndSavesThePlaceUnlessMinimised) {

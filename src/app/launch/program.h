@@ -1,0 +1,94 @@
+#pragma once
+
+#include <fstream>
+#include <iosfwd>
+#include <optional>
+#include <string_view>
+
+#include "app/form/frm_main.h"
+#include "app/launch/machine_ports.h"
+#include "app/launch/option_values.h"
+#include "hardware/ports/interruptible_port.h"
+#include "hardware/ports/tracing_port.h"
+#include "platform/dialogs.h"
+#include "platform/folders.h"
+#include "platform/help_viewer.h"
+#include "platform/port_access.h"
+#include "platform/port_service.h"
+#include "platform/screen.h"
+#include "platform/settings_store.h"
+#include "platform/sound_player.h"
+#include "platform/stop_switch.h"
+#include "platform/time_of_day.h"
+#include "platform/waits.h"
+
+namespace kestrel::launch {
+
+/// What a front end brings with it: how the program speaks to the person. It outlives the program.
+struct FrontEnd {
+  SoundPlayer& sounds;
+  SettingsStore& settings;
+  HelpViewer& help;
+  Dialogs& dialogs;
+  Screen& screen;
+};
+
+/// What the program stands on: the port and the waits below all layers. It outlives the program.
+struct Ground {
+  PortAccess& port;
+  Waits& waits;
+  PortService& service;
+};
+
+/// The program, put together: the form over the layers that every port gets.
+///
+///   trace (if asked for)        what the procedures ask for
+///   interruptible port          Stop, turns of the screen, long waits in slices
+///   ground                      the real ports, the simulated board, or a test's port
+class Program {
+ public:
+  /// The trace, if any, outlives the program, and so do switch and clock.
+  Program(const Ground& ground, const FrontEnd& frontEnd, StopSwitch& stop, const TimeOfDay& time,
+          const Folders& folders, std::ostream* trace = nullptr);
+
+  [[nodiscard]] form::frmMain& form() { return form_; }
+
+  /// The topmost port: what the procedures address.
+  [[nodiscard]] PortAccess& port();
+
+ private:
+  [[nodiscard]] Waits& waits();
+
+  ports::InterruptiblePort interruptible_;
+  std::optional<ports::TracingPort> trace_;
+  form::frmMain form_;
+};
+
+/// The file of --trace; closed when no trace is asked for. Throws FileError.
+[[nodiscard]] std::ofstream openTrace(const LaunchOptions& options);
+
+/// The program on the machine that the options ask for.
+class LaunchedProgram {
+ public:
+  /// `defaultChip` is in the simulated socket when no --chip is given; without `folders` the
+  /// program's own are used (program_folders.h). Throws UsageError, and FileError for a chip or
+  /// trace file.
+  LaunchedProgram(const LaunchOptions& options, std::string_view defaultChip,
+                  const FrontEnd& frontEnd, StopSwitch& stop,
+                  const std::optional<Folders>& folders = {});
+
+  [[nodiscard]] form::frmMain& form() { return program_.form(); }
+  [[nodiscard]] const Folders& folders() const { return folders_; }
+
+  /// The simulated machine; nullptr with real ports.
+  [[nodiscard]] SimulatedBoard* simulated() { return ports_.simulated(); }
+
+ private:
+  const TimeOfDay time_;
+  MachinePorts ports_;
+  std::ofstream traceFile_;
+  const Folders folders_;
+  Program program_;
+};
+
+}  // namespace kestrel::launch

@@ -1,0 +1,29 @@
+#include "hardware/hardware_captions.h"
+
+namespace kestrel::hardware {
+
+void HardwareCaptions::showNoHardware() {
+  controls_.KestrelHardwareFound.setColour(Colour::Red);
+  controls_.KestrelHardwareFound.setCaption("NO HARDWARE FOUND");
+  controls_.PortSelected.setText("None");
+  for (OptionButton& button : controls_.LPTSelection) button.setValue(false);
+  controls_.Ready_label.setCaption("NotReady");
+  controls_.Ready_label.setColour(Colour::Red);
+}
+
+void HardwareCaptions::showReady() {
+  controls_.Ready_label.setColour(Colour::Green);
+  controls_.Ready_label.setCaption("Ready");
+}
+
+void HardwareCaptions::showModel(const std::string& model, const std::string& port) {
+  controls_.KestrelHardwareFound.setCaption("MODEL " + model + " - PC port " + port + "h");
+  controls_.KestrelHardwareFound.setColour(Colour::ButtonText);
+}
+
+void HardwareCaptions::showForcedModel(const std::string& model) {
+  controls_.KestrelHardwareFound.setCaption("Operator Forced Model " + model);
+  controls_.KestrelHardwareFound.setColour(Colour::Red);
+}
+
+}  // namespace kestrel::hardware
