@@ -10,7 +10,6 @@
 #include "hardware/board.h"
 #include "hardware/error_alert.h"
 #include "operations/flash_identification.h"
-#include "operations/operation_parts.h"
 
 namespace kestrel::selection {
 
