@@ -34,6 +34,8 @@ struct PinOutput {
 struct ChipSettings {
   std::optional<Nanoseconds> writeCycle{};   ///< how long it writes a page
   std::optional<bool> softwareProtection{};  ///< the part refuses loads without a command
+  std::optional<bool> writeProtected{};      ///< it writes nothing, whatever its pins say
+  std::optional<bool> writeNeverEnds{};      ///< it stays busy with whatever it begins to write
   /// A serial memory acknowledges so many more bytes, then none; empty = it never tires.
   std::optional<std::uint64_t> acknowledgeLimit{};
 };
