@@ -1,6 +1,10 @@
-// Chips that are written in the socket: the page-write EEPROMs and the parallel flash.
+// Chips that are written in the socket: the page-write EEPROMs and the flash of 5 V and 12 V.
 
 #include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <utility>
 
 #include "simulator/rig.h"
 
@@ -12,8 +16,8 @@ namespace {
 class WriteRig : public test::Rig {
  public:
   /// The latch bit that is /WE, and the one of latch 1 that is A14.
-  WriteRig(const char* type, test::Load we, std::uint8_t a14)
-      : we_(we), a14_(a14), fixed1_(we.latch == 1 ? we.value : 0) {
+  WriteRig(const char* type, test::Load we, std::uint8_t a14, Model model = Model::kestrel5)
+      : Rig(model), we_(we), a14_(a14), fixed1_(we.latch == 1 ? we.value : 0) {
     load({{0, 0x40}, {1, fixed1_}});
     board.insert(makeChip(type));
     board.loadChip(std::vector<std::uint8_t>(board.chip()->contents().size()));
@@ -71,6 +75,7 @@ class PageWrite : public testing::TestWithParam<PageCase>, public WriteRig {
 };
 INSTANTIATE_TEST_SUITE_P(Parts, PageWrite,
                          testing::Values(PageCase{"28C256", 0x40, 3000, 0x00, 84},
+                                         PageCase{"CAT28C256", 0x40, 3000, 0x00, 84},
                                          PageCase{"AT29C256", 0x80, 4000, 0xFF, 137}));
 
 TEST_P(PageWrite, putsTheLoadIntoThePageOfTheLastAddress) {
@@ -137,11 +142,42 @@ TEST_P(PageWrite, nothingIsWrittenWithoutSupplyOrWithOutputsOn) {
   EXPECT_EQ(count(FindingKind::overVoltage), 1U);
 }
 
+TEST(PageWriteMemory, CAT28C257HasPagesOf128BytesAndWeakCellsNeedMoreCycles) {
+  WriteRig rig("CAT28C257", {1, 0x40}, 0x80);
+  rig.board.fitWeakCell(0x4FFF, 2);
+  for (const int last : {0x00, 0x33}) {
+    rig.write(0x1F85, 0x11);
+    rig.write(0x4FFF, 0x33);
+    rig.waitUs(3000);
+    EXPECT_EQ(rig.cell(0x4FFF), last);
+  }
+  EXPECT_EQ(rig.cell(0x4F85), 0x11);
+  EXPECT_EQ(rig.cell(0x4FC5) | rig.cell(0x1F85), 0x00);
+}
+
+TEST(PageWriteMemory, staysBusyWithACycleThatNeverEndsUntilItsSupplyGoes) {
+  WriteRig rig("28C256", {1, 0x40}, 0x80);
+  rig.board.setChip({.writeNeverEnds = true});
+  rig.write(0x0000, 0x11);
+  rig.waitUs(1'000'000);
+  EXPECT_EQ((rig.readAt(0) ^ rig.readAt(0)) & 0xC0, 0x40);
+  rig.load({{3, 0x04}, {3, 0x06}});
+  EXPECT_EQ(rig.readAt(0), 0x00);
+}
+
 class FlashRig : public WriteRig {
  public:
   explicit FlashRig(const char* type) : WriteRig(type, {3, 0x04}, 0x40) {}
   // Address bits 11 to 13 do not count.
   void command(std::uint8_t code) { WriteRig::command(0x3D55, 0x0555, code); }
+  void program(std::uint32_t address, std::uint8_t value) {
+    command(0xA0);
+    write(address, value);
+  }
+  void erase() {
+    command(0x80);
+    command(0x10);
+  }
 };
 
 TEST(ParallelFlash, erasesAndProgramsFromOneToZero) {
@@ -160,6 +196,66 @@ TEST(ParallelFlash, erasesAndProgramsFromOneToZero) {
   }
   EXPECT_EQ(rig.readAt(0x1234), 0x30);
   EXPECT_EQ(rig.cell(0x7FFFF), 0xFF);
+}
+
+// The rig holds pin 30 high: A17 of the AM29F020.
+constexpr std::uint32_t kA17 = 0x20000;
+
+TEST(ParallelFlash, showsItsCodesAndWhetherItIsProtected) {
+  FlashRig rig("AM29F020");
+  rig.command(0x90);
+  EXPECT_EQ(rig.readAt(0) << 16 | rig.readAt(1) << 8 | rig.readAt(2), 0x01B000);
+  rig.board.setChip({.writeProtected = true});
+  EXPECT_EQ(rig.readAt(2), 0x01);
+  rig.write(0, 0xF0);
+  rig.erase();
+  EXPECT_EQ(rig.readAt(0) & 0x80, 0x00);  // busy for 100 us
+  rig.board.blankChip();
+  rig.program(0, 0x11);
+  rig.waitUs(100);
+  EXPECT_EQ(rig.readAt(0), 0xFF);
+}
+
+TEST(ParallelFlash, pulsesACellUntilItHasItsDataOrTheLimitIsReached) {
+  FlashRig rig("AM29F020");
+  rig.board.blankChip();
+  rig.board.fitWeakCell(kA17 | 0x1234, 3);
+  rig.board.fitWeakCell(kA17 | 0x1235);
+  rig.program(0x1234, 0x3C);  // ends 1 us after /WE rose
+  rig.waitUs(19);
+  EXPECT_EQ(rig.cell(kA17 | 0x1234), 0xFF);
+  rig.waitUs(1);
+  EXPECT_EQ(rig.cell(kA17 | 0x1234), 0x3C);
+  rig.program(0x1235, 0x3C);
+  rig.load({{3, 0x46}, {0, 0x00}});  // /OE low
+  rig.waitUs(192);
+  EXPECT_EQ(rig.board.dataBus() & 0xA0, 0x80);
+  rig.waitUs(1);
+  EXPECT_EQ(rig.board.dataBus() & 0xA0, 0xA0);
+  rig.load({{0, 0x40}, {3, 0x06}});
+  rig.command(0x90);  // only F0h is heard
+  EXPECT_EQ((rig.readAt(0) ^ rig.readAt(0)) & 0xE0, 0x40);
+  rig.write(0, 0xF0);
+  EXPECT_EQ(rig.readAt(0x1235), 0xFF);
+}
+
+TEST(ParallelFlash, erasesInItsTimeUnlessItNeverEnds) {
+  FlashRig rig("AM29F020");
+  rig.erase();
+  rig.waitUs(1'999'998);
+  EXPECT_EQ(rig.cell(0), 0x00);
+  rig.waitUs(1);
+  EXPECT_EQ(rig.cell(0), 0xFF);
+  rig.program(0, 0x00);
+  rig.waitUs(10);
+  rig.board.setChip({.writeNeverEnds = true});
+  rig.erase();
+  rig.load({{3, 0x46}, {0, 0x00}});
+  rig.waitUs(27'999'992);
+  EXPECT_EQ(rig.board.dataBus() & 0xA0, 0x00);
+  rig.waitUs(1);
+  EXPECT_EQ(rig.board.dataBus() & 0xA0, 0x20);
+  EXPECT_EQ(rig.cell(kA17), 0x00);
 }
 
 }  // namespace
