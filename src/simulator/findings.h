@@ -27,6 +27,7 @@ enum class FindingKind {
   strobeWithOutputEnabled,  ///< a write or program strobe while /OE is low
   strobeLeftActive,         ///< a write or program strobe far longer than any data sheet allows
   writeLost,                ///< a byte sent while the chip was busy or outside its load window
+  overErase,                ///< an erase pulse on cells that are erased already
   pulseTooShort,            ///< judged: a pulse shorter than the data sheet's window
   pulseTooLong,             ///< judged: a pulse longer than it
   tooManyPulses,            ///< judged: more pulses at a byte than the data sheet allows

@@ -258,5 +258,149 @@ TEST(ParallelFlash, erasesInItsTimeUnlessItNeverEnds) {
   EXPECT_EQ(rig.cell(kA17), 0x00);
 }
 
+/// A 12 V flash full of 00h with VPP on pin 1, its pulses judged.
+class TwelveVoltRig : public WriteRig {
+ public:
+  explicit TwelveVoltRig(const char* type = "CAT28F020", Model model = Model::kestrel5)
+      : WriteRig(type, {3, 0x04}, 0x40, model), vpp_(model == Model::kestrel4 ? 0x24 : 0x20) {
+    bench.judgePulses(true);
+    setVpp(true);
+  }
+  void setVpp(bool on) { load(0, static_cast<std::uint8_t>(on ? 0x40 | vpp_ : 0x40)); }
+  std::uint8_t shown(std::uint32_t address = 0) {
+    setAddress(address);
+    load({{3, 0x46}, {0, vpp_}});
+    const std::uint8_t value = board.dataBus();
+    setVpp(true);
+    load(3, 0x06);
+    return value;
+  }
+  /// /WE of the next write rises 15 us after that of the last one, and a wait.
+  void program(std::uint32_t address, std::uint8_t value, std::int64_t widthUs = 15) {
+    write(0, 0x40);
+    write(address, value);
+    waitUs(widthUs - 15);
+    write(0, 0xC0);
+  }
+  void erase(int pulses, std::int64_t widthUs, std::uint32_t verified = 0) {
+    for (int i = 0; i < pulses; ++i) {
+      write(0, 0x20);
+      write(0, 0x20);
+      waitUs(widthUs - 15);
+      write(verified, 0xA0);
+    }
+  }
+  std::string finding() { return isClean() ? "" : bench.findings().all().at(0).text; }
+
+ private:
+  std::uint8_t vpp_;
+};
+
+TEST(TwelveVoltFlash, hearsCommandsWhileVppStandsOnItsPin) {
+  TwelveVoltRig rig;
+  rig.write(0, 0x90);
+  EXPECT_EQ(rig.shown(0) << 8 | rig.shown(1), 0x31BD);
+  rig.write(0, 0xFF);
+  rig.write(0, 0xFF);
+  EXPECT_EQ(rig.shown(1), 0x00);
+  rig.write(0, 0x90);
+  rig.setVpp(false);
+  EXPECT_EQ(rig.readAt(1), 0x00);
+  rig.write(0, 0x90);
+  rig.setVpp(true);
+  EXPECT_EQ(rig.shown(1), 0x00);
+  EXPECT_TRUE(rig.isClean());
+}
+
+TEST(TwelveVoltFlash, wantsItsOwnVoltageAndNoMore) {
+  TwelveVoltRig rig("CAT28F010", Model::kestrel4);
+  rig.board.setVppByHand(12700);
+  rig.write(0, 0x90);
+  EXPECT_EQ(rig.shown(0), 0x00);
+  EXPECT_EQ(rig.finding(), "CAT28F010: command with a VPP other than 12 V");
+  rig.board.setVppByHand(std::nullopt);
+  rig.write(0, 0x90);
+  EXPECT_EQ(rig.board.vppMillivolts(), 12000);
+  EXPECT_EQ(rig.shown(0) << 8 | rig.shown(1), 0x31B4);
+  rig.board.setVppByHand(14100);
+  EXPECT_EQ(rig.shown(0), 0xFF);
+  EXPECT_EQ(rig.count(FindingKind::overVoltage), 1U);
+}
+
+TEST(TwelveVoltFlash, programsInPulsesAndShowsTheByteSixMicrosecondsLater) {
+  TwelveVoltRig rig;
+  rig.board.blankChip();
+  rig.board.fitWeakCell(kA17 | 0x1235, 25);
+  rig.program(0x1234, 0xF3);
+  rig.write(0, 0x40);
+  rig.write(0x1234, 0x3F);
+  rig.load(4, 0xC0);
+  rig.moveWe();
+  rig.waitUs(1);
+  rig.load({{3, 0x46}, {0, 0x20}});  // /WE rises after 10 us, /OE falls 3 us later
+  rig.waitUs(1);
+  EXPECT_NE(rig.board.dataBus(), 0x33);
+  rig.waitUs(1);
+  EXPECT_EQ(rig.board.dataBus(), 0x33);
+  for (int i = 1; i <= 25; ++i) {
+    EXPECT_EQ(rig.cell(kA17 | 0x1235), 0xFF);
+    rig.load({{0, 0x60}, {3, 0x06}});
+    rig.program(0x1235, 0x5A);
+  }
+  EXPECT_EQ(rig.shown(0), 0x5A);  // wherever it is read
+  EXPECT_TRUE(rig.isClean());
+  rig.program(0x1235, 0x5A);
+  EXPECT_EQ(rig.finding(), "CAT28F020: program pulse after the greatest number of 25");
+}
+
+TEST(TwelveVoltFlash, shortProgramPulsesAddUpAndAreFound) {
+  TwelveVoltRig rig;
+  rig.board.blankChip();
+  rig.write(0, 0x40);
+  for (const int value : {0xFF, 0x3C}) {
+    rig.write(0x1234, 0x3C);
+    rig.load(4, 0x40);  // the next set-up ends the pulse after 9 us
+    rig.moveWe();
+    rig.moveWe();
+    EXPECT_EQ(rig.cell(kA17 | 0x1234), value);
+  }
+  EXPECT_EQ(rig.finding(), "CAT28F020: program pulse shorter than 10 us");
+}
+
+// What an erase of a part full of 00h needs: 475 ms, of a pulse no more than 10.5 ms.
+TEST(TwelveVoltFlash, erasesWhenTheTimeOfAllPulsesIsReached) {
+  for (const auto& [widthUs, pulses] : {std::pair{9'500, 50}, {20'000, 46}}) {
+    TwelveVoltRig rig;
+    rig.board.fitWeakCell(kA17 | 0x0042, 2);
+    rig.erase(pulses - 1, widthUs, 0x0041);
+    EXPECT_EQ(rig.shown(0), 0x00);
+    rig.erase(1, widthUs, 0x0041);
+    EXPECT_EQ(rig.shown(0), 0xFF);
+    rig.write(0x0042, 0xA0);
+    EXPECT_EQ(rig.shown(0), 0x00);
+    rig.erase(1, widthUs, 0x0042);
+    EXPECT_EQ(rig.shown(0), 0xFF);
+    EXPECT_EQ(rig.finding(), "");
+    rig.erase(1, widthUs);
+    EXPECT_EQ(rig.finding(), "CAT28F020: erase pulse after all bytes were FFh");
+  }
+}
+
+TEST(TwelveVoltFlash, eraseOfBytesOtherThan00hAndItsPulsesAreJudged) {
+  TwelveVoltRig rig;
+  rig.erase(1000, 9'499);
+  EXPECT_EQ(rig.finding(), "CAT28F020: erase pulse shorter than 9.5 ms");
+  EXPECT_EQ(rig.count(FindingKind::tooManyPulses), 0U);
+  rig.erase(1, 9'500);
+  EXPECT_EQ(rig.count(FindingKind::tooManyPulses), 1U);
+  TwelveVoltRig unprepared;
+  unprepared.erase(40, 9'500);
+  unprepared.board.blankChip();
+  for (std::uint32_t address = 0; address < 3; ++address) unprepared.program(address, 0x00);
+  unprepared.erase(2, 9'500);
+  EXPECT_EQ(unprepared.finding(), "CAT28F020: erase begun while not all bytes are 00h");
+  EXPECT_EQ(unprepared.count(FindingKind::overErase), 1U);
+}
+
 }  // namespace
 }  // namespace kestrel::sim
