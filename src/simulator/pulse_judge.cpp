@@ -1,6 +1,5 @@
 #include "simulator/pulse_judge.h"
 
-#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -51,8 +50,7 @@ void PulseJudge::judge(const Pulse& pulse, Findings& findings) {
 
 void PulseJudge::judgeOverprogram(const Pulse& pulse, unsigned pulses, Findings& findings) const {
   const Nanoseconds wanted = plan_.overprogramPerPulse * pulses;
-  const Nanoseconds longest = std::min(percent(wanted, 105), plan_.overprogramLongest);
-  if (percent(wanted, 95) <= pulse.width && pulse.width <= longest) return;
+  if (percent(wanted, 95) <= pulse.width && pulse.width <= percent(wanted, 105)) return;
   report(FindingKind::wrongOverprogram,
          "to overprogram that is not of " + duration(plan_.overprogramPerPulse) +
              " times the pulses given",

@@ -17,7 +17,6 @@ struct PulsePlan {
   Nanoseconds longest = 0;
   unsigned greatestNumber = 0;          ///< of pulses at one byte
   Nanoseconds overprogramPerPulse = 0;  ///< times the pulses that were given; 0 = no overprogram
-  Nanoseconds overprogramLongest = 0;
 };
 
 // Holds the pulses that a part gets against its data sheet.

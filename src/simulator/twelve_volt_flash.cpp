@@ -75,7 +75,8 @@ void TwelveVoltFlash::followVpp(int millivolts, Nanoseconds now, Findings& findi
   if (millivolts == vppMillivolts_) return;
   if (isProgramVoltage(vppMillivolts_)) {
     endPulse(now, findings);
-    beginRun();
+    programJudge_.beginRun();
+    eraseJudge_.beginRun();
   }
   state_ = State::array;
   vppMillivolts_ = millivolts;
@@ -127,7 +128,6 @@ void TwelveVoltFlash::beginProgramPulse(const Strobe& strobe) {
   address_ = strobe.address;
   data_ = strobe.data;
   forgetErase();
-  eraseJudge_.beginRun();
   pulseBegan_ = strobe.end;
   state_ = State::programming;
 }
@@ -141,8 +141,7 @@ void TwelveVoltFlash::beginErasePulse(Nanoseconds now, Findings& findings) {
                                          : ": erase pulse after all bytes were FFh"),
                     now);
   }
-  programJudge_.beginRun();
-  programTime_ = 0;
+  forgetProgram();
   pulseBegan_ = now;
   state_ = State::erasing;
 }
@@ -192,21 +191,21 @@ std::uint8_t TwelveVoltFlash::read(std::uint32_t address, bool /*toggle*/) const
   return static_cast<std::uint8_t>(~cell(address));
 }
 
-void TwelveVoltFlash::beginRun() {
+void TwelveVoltFlash::forgetProgram() {
+  programTime_ = 0;
   programJudge_.beginRun();
-  eraseJudge_.beginRun();
 }
 
 void TwelveVoltFlash::forgetErase() {
   eraseTime_ = 0;
   notErased_.reset();
+  eraseJudge_.beginRun();
 }
 
 void TwelveVoltFlash::contentsReplaced() {
   state_ = State::array;
-  programTime_ = 0;
+  forgetProgram();
   forgetErase();
-  beginRun();
 }
 
 }  // namespace kestrel::sim

@@ -78,7 +78,7 @@ class TwelveVoltFlash final : public ByteWideMemory {
   void endProgramPulse(Nanoseconds now, Findings& findings);
   void endErasePulse(Nanoseconds now, Findings& findings);
   void eraseCells();
-  void beginRun();
+  void forgetProgram();
   void forgetErase();
 
   TwelveVoltFlashType type_;

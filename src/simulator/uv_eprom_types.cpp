@@ -18,12 +18,12 @@ constexpr auto k24 = Package::dip24;
 constexpr auto k28 = Package::dip28;
 constexpr auto k32 = Package::dip32;
 
-// The prescribed pulses, 5 % more or less (10 % of the 50 ms); the limits of the overprogram pulse
-// are those of the greatest number of pulses with their 5 %.
+// The prescribed pulses, 5 % more or less (10 % of the 50 ms). The longest overprogram pulses of
+// the sheets, 63 and 78.75 ms, follow from the greatest number of pulses and the 5 %.
 // clang-format off
 constexpr PulsePlan k50ms     {.shortest = milliseconds(45),      .longest = milliseconds(55),      .greatestNumber = 1};
-constexpr PulsePlan k1msOver4 {.shortest = microseconds(950),     .longest = microseconds(1050),    .greatestNumber = 15, .overprogramPerPulse = milliseconds(4), .overprogramLongest = milliseconds(63)};
-constexpr PulsePlan k1msOver3 {.shortest = microseconds(950),     .longest = microseconds(1050),    .greatestNumber = 25, .overprogramPerPulse = milliseconds(3), .overprogramLongest = microseconds(78'750)};
+constexpr PulsePlan k1msOver4 {.shortest = microseconds(950),     .longest = microseconds(1050),    .greatestNumber = 15, .overprogramPerPulse = milliseconds(4)};
+constexpr PulsePlan k1msOver3 {.shortest = microseconds(950),     .longest = microseconds(1050),    .greatestNumber = 25, .overprogramPerPulse = milliseconds(3)};
 constexpr PulsePlan k100us    {.shortest = microseconds(95),      .longest = microseconds(105),     .greatestNumber = 25};
 constexpr PulsePlan k50us     {.shortest = Nanoseconds{47'500},   .longest = Nanoseconds{52'500},   .greatestNumber = 25};
 // clang-format on

@@ -92,7 +92,7 @@ INSTANTIATE_TEST_SUITE_P(Scripts, SerialBus, testing::Values(
     BusCase{"24C08", "S A0 00 81 P w S A6 FF S A7 r+ r+ r- r- P", "++++++ 255 129 255 255", 0, 0x81},
     BusCase{"24C16", "S AE FF 42 P w S AE FF S AF r- S AF r- P", "++++++ 66+ 255", 0x7FF, 0x42},
     BusCase{"24C32", "S A0 00 00 18 P w S A0 0F FF S A1 r+ r- r- P", "++++++++ 255 24 255", 0, 0x18},
-    BusCase{"24C256", "S A2 S A0 FF FE 11 22 33 P", "-++++++", 0x7FC0, 0x33},  // bit 15 does not count
+    BusCase{"24C256", "S A2 S A0 FF FE 11 22 33 P w S A0 7F FF S A1 r- P", "-++++++++++ 34", 0x7FC0, 0x33},  // bit 15 does not count
     BusCase{"24C256", "S A0 00 00 18 P w S A0 7F FF S A1 r+ r- P", "++++++++ 255 24", 0, 0x18},
     BusCase{"24C32", "S A0 00 00 11 S P", "++++", 0, 0xFF},     // no STOP after a whole byte
     BusCase{"24C32", "S A0 00 00 11 ~Cc P", "++++", 0, 0xFF}));
