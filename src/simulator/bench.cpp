@@ -60,8 +60,16 @@ Board& Bench::plug(Model model, std::uint16_t base) {
   const std::size_t index = slotOf(base);
   if (index == slots_.size()) throw std::invalid_argument("no printer port at this address");
   slots_[index].board = std::make_unique<Board>(model, time_, findings_);
+  slots_[index].board->judgePulses(judgesPulses_);
   slots_[index].plugged = true;
   return *slots_[index].board;
+}
+
+void Bench::judgePulses(bool on) {
+  judgesPulses_ = on;
+  for (const Slot& slot : slots_) {
+    if (slot.board) slot.board->judgePulses(on);
+  }
 }
 
 void Bench::unplug(std::uint16_t base) {

@@ -47,6 +47,9 @@ class Bench {
   /// The board at a base, also when its cable was pulled; nullptr if there never was one.
   [[nodiscard]] Board* board(std::uint16_t base);
 
+  /// Holds the pulses on all boards, those plugged later too, against the chips' data sheets.
+  void judgePulses(bool on);
+
   /// What went wrong on all boards.
   [[nodiscard]] Findings& findings() { return findings_; }
 
@@ -63,6 +66,7 @@ class Bench {
   VirtualTime time_;
   Findings findings_;
   std::array<Slot, kPortBases.size()> slots_;
+  bool judgesPulses_ = false;
   std::uint64_t accessCount_ = 0;
   std::uint64_t accessesLeft_ = kUnlimited;
 };

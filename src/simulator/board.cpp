@@ -137,6 +137,7 @@ std::unique_ptr<Chip> Board::insert(std::unique_ptr<Chip> chip) {
   settle(time_.now);
   if (chip_) chip_->evaluate({.now = time_.now}, findings_);  // out of the socket: no supply
   std::swap(chip_, chip);
+  if (chip_) chip_->judgePulses(judgesPulses_);
   chipChangesAt_ = kNever;
   conflict_ = false;
   followHandSetting();
@@ -170,9 +171,16 @@ bool Board::eraseUnderLamp() {
   return true;
 }
 
-void Board::fitWeakCell(std::uint32_t address) { settledChip().fitWeakCell(address); }
+void Board::fitWeakCell(std::uint32_t address, std::optional<std::uint32_t> pulses) {
+  settledChip().fitWeakCell(address, pulses);
+}
 
 void Board::setChip(const ChipSettings& settings) { settledChip().apply(settings); }
+
+void Board::judgePulses(bool on) {
+  judgesPulses_ = on;
+  if (chip_) chip_->judgePulses(on);
+}
 
 void Board::setVppByHand(std::optional<int> millivolts) {
   catchUp();

@@ -63,14 +63,18 @@ class Board {
   /// false.
   bool eraseUnderLamp();
 
-  /// A byte that never takes new contents; std::out_of_range past the end of the chip.
-  void fitWeakCell(std::uint32_t address);
+  /// A byte that takes new contents in the `pulses`th pulse, or never without a number, see
+  /// Chip::fitWeakCell; std::out_of_range past the end of the chip.
+  void fitWeakCell(std::uint32_t address, std::optional<std::uint32_t> pulses = {});
 
   // Settings and faults.
 
   /// What the part in the socket has to set, see Chip::apply; std::logic_error if it is empty.
   /// The settings as they are: chip()->settings().
   void setChip(const ChipSettings& settings);
+
+  /// Holds the pulses of every chip put in against its data sheet; off at first.
+  void judgePulses(bool on);
 
   /// Model 4: the VPP level set by hand; nullopt = what the chip in the socket wants.
   void setVppByHand(std::optional<int> millivolts);
@@ -116,6 +120,7 @@ class Board {
   std::optional<int> handMillivolts_;
 
   std::unique_ptr<Chip> chip_;
+  bool judgesPulses_ = false;
   Nanoseconds chipChangesAt_ = kNever;
   std::uint8_t bus_ = 0xFF;
   bool conflict_ = false;

@@ -8,7 +8,7 @@ ByteWideMemory::ByteWideMemory(std::string_view typeName, Package package, std::
       pins_(pins),
       address_(pins.address),
       data_(pins.data),
-      damage_(pins.oe) {}
+      damage_(pins.oe, pins.vpp) {}
 
 PinOutput ByteWideMemory::evaluate(const PinInput& pins, Findings& findings) {
   settle(pins.now);
@@ -20,6 +20,8 @@ PinOutput ByteWideMemory::evaluate(const PinInput& pins, Findings& findings) {
     inhibited_ = true;
     return {};
   }
+  const bool hasVpp = (pins.vppPins & pins_.vpp) != 0;
+  followVpp(hasVpp ? pins.vppMillivolts : 0, pins.now, findings);
   if (wasPowered) {
     followStrobe(pins, findings);
   } else {
@@ -46,7 +48,7 @@ void ByteWideMemory::followStrobe(const PinInput& pins, Findings& findings) {
   inhibited_ = true;
   strobe_.end = pins.now;
   strobe_.data = standingData_;
-  endWrite(strobe_);
+  endWrite(strobe_, findings);
 }
 
 void ByteWideMemory::beginStrobe(const PinInput& pins, Findings& findings) {

@@ -27,6 +27,7 @@ struct ByteWidePinout {
   PinLevels oe = 0;
   PinLevels we = 0;
   PinLevels vcc = 0;
+  PinLevels vpp = 0;  ///< 0 where the part has none
 };
 
 class ByteWideMemory : public Chip {
@@ -54,7 +55,10 @@ class ByteWideMemory : public Chip {
   /// A write strobe begins. False if the part is busy: the byte is lost.
   virtual bool beginWrite() = 0;
 
-  virtual void endWrite(const Strobe& strobe) = 0;
+  virtual void endWrite(const Strobe& strobe, Findings& findings) = 0;
+
+  /// What stands on the VPP pin, before the strobes of the same call; millivolts 0 = no VPP.
+  virtual void followVpp(int /*millivolts*/, Nanoseconds /*now*/, Findings& /*findings*/) {}
 
   /// What an address shows. `toggle` changes from one read to the next.
   [[nodiscard]] virtual std::uint8_t read(std::uint32_t address, bool toggle) const = 0;

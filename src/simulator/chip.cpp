@@ -22,17 +22,28 @@ void Chip::blank() {
   contentsReplaced();
 }
 
-void Chip::fitWeakCell(std::uint32_t address) {
+void Chip::fitWeakCell(std::uint32_t address, std::optional<std::uint32_t> pulses) {
   if (address >= cells_.size()) throw std::out_of_range("no such address in the " + typeName_);
-  weakCells_.push_back(address);
+  std::erase_if(weakCells_, [address](const WeakCell& cell) { return cell.address == address; });
+  weakCells_.push_back({.address = address, .pulses = pulses});
 }
 
-void Chip::setCell(std::uint32_t address, std::uint8_t value) {
-  if (!isWeak(address)) cells_[address] = value;
+bool Chip::setCell(std::uint32_t address, std::uint8_t value) {
+  if (cells_[address] == value) return true;
+  if (refusesPulse(address)) return false;
+  cells_[address] = value;
+  return true;
 }
 
-bool Chip::isWeak(std::uint32_t address) const {
-  return std::find(weakCells_.begin(), weakCells_.end(), address) != weakCells_.end();
+bool Chip::refusesPulse(std::uint32_t address) {
+  const auto weak =
+      std::find_if(weakCells_.begin(), weakCells_.end(),
+                   [address](const WeakCell& cell) { return cell.address == address; });
+  if (weak == weakCells_.end()) return false;
+  ++weak->received;
+  if (!weak->pulses || weak->received < *weak->pulses) return true;
+  weak->received = 0;
+  return false;
 }
 
 }  // namespace kestrel::sim

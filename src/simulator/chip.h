@@ -34,6 +34,8 @@ struct PinOutput {
 struct ChipSettings {
   std::optional<Nanoseconds> writeCycle{};   ///< how long it writes a page
   std::optional<bool> softwareProtection{};  ///< the part refuses loads without a command
+  std::optional<bool> writeProtected{};      ///< it writes nothing, whatever its pins say
+  std::optional<bool> writeNeverEnds{};      ///< it stays busy with whatever it begins to write
   /// A serial memory acknowledges so many more bytes, then none; empty = it never tires.
   std::optional<std::uint64_t> acknowledgeLimit{};
 };
@@ -66,8 +68,9 @@ class Chip {
   /// All cells to FFh, as delivered.
   void blank();
 
-  /// A byte that never takes new contents. Throws std::out_of_range past the end.
-  void fitWeakCell(std::uint32_t address);
+  /// A byte that takes new contents in the `pulses`th pulse (or write cycle) that would write any
+  /// other; without a number it never does. Throws std::out_of_range past the end.
+  void fitWeakCell(std::uint32_t address, std::optional<std::uint32_t> pulses = {});
 
   /// True for windowed parts: the lamp erases them, and nothing else does.
   [[nodiscard]] virtual bool isUvErasable() const { return false; }
@@ -76,6 +79,9 @@ class Chip {
   [[nodiscard]] virtual int wantedVppMillivolts() const { return 0; }
 
   [[nodiscard]] virtual ChipSettings settings() const { return {}; }
+
+  /// Whether pulses are held against the data sheet, see PulseJudge; not at first.
+  void judgePulses(bool on) { judgesPulses_ = on; }
 
   /// Takes over what the part has. Empty fields leave a setting as it is, but for the acknowledge
   /// limit, which they lift.
@@ -88,19 +94,28 @@ class Chip {
 
   [[nodiscard]] std::uint8_t cell(std::uint32_t address) const { return cells_[address]; }
 
-  /// Gives a cell new contents unless it is weak.
-  void setCell(std::uint32_t address, std::uint8_t value);
+  /// One pulse that would give any cell these contents; true if this one has them now.
+  bool setCell(std::uint32_t address, std::uint8_t value);
 
-  [[nodiscard]] bool isWeak(std::uint32_t address) const;
+  [[nodiscard]] bool judgesPulses() const { return judgesPulses_; }
 
   /// Called after the cells were replaced from outside: drop what was under way.
   virtual void contentsReplaced() {}
 
  private:
+  struct WeakCell {
+    std::uint32_t address = 0;
+    std::optional<std::uint32_t> pulses;  // empty: never
+    std::uint32_t received = 0;           // since it took contents last
+  };
+
+  [[nodiscard]] bool refusesPulse(std::uint32_t address);
+
   std::string typeName_;
   Package package_;
   std::vector<std::uint8_t> cells_;
-  std::vector<std::uint32_t> weakCells_;
+  std::vector<WeakCell> weakCells_;
+  bool judgesPulses_ = false;
 };
 
 }  // namespace kestrel::sim

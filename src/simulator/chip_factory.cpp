@@ -7,6 +7,7 @@
 #include "simulator/page_write_memory.h"
 #include "simulator/parallel_flash.h"
 #include "simulator/serial_eeprom.h"
+#include "simulator/twelve_volt_flash.h"
 #include "simulator/uv_eprom.h"
 
 namespace kestrel::sim {
@@ -35,7 +36,8 @@ std::unique_ptr<Chip> makeChip(std::string_view typeName) {
   if (auto chip = makeFrom<UvEprom>(uvEpromTypes(), upper)) return chip;
   if (auto chip = makeFrom<PageWriteMemory>(pageWriteTypes(), upper)) return chip;
   if (auto chip = makeFrom<SerialEeprom>(serialEepromTypes(), upper)) return chip;
-  return makeFrom<ParallelFlash>(parallelFlashTypes(), upper);
+  if (auto chip = makeFrom<ParallelFlash>(parallelFlashTypes(), upper)) return chip;
+  return makeFrom<TwelveVoltFlash>(twelveVoltFlashTypes(), upper);
 }
 
 std::vector<std::string_view> chipTypeNames() {
@@ -44,6 +46,7 @@ std::vector<std::string_view> chipTypeNames() {
   addNames(names, pageWriteTypes());
   addNames(names, serialEepromTypes());
   addNames(names, parallelFlashTypes());
+  addNames(names, twelveVoltFlashTypes());
   return names;
 }
 

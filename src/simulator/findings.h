@@ -17,7 +17,7 @@ inline constexpr Nanoseconds kNever = std::numeric_limits<Nanoseconds>::max();
 constexpr Nanoseconds microseconds(std::int64_t count) { return count * 1'000; }
 constexpr Nanoseconds milliseconds(std::int64_t count) { return count * 1'000'000; }
 
-/// What no real socket forgives.
+/// What no real socket forgives. "Judged" ones are looked for on request, see Board::judgePulses.
 enum class FindingKind {
   busConflict,              ///< two push-pull drivers on one data line that disagree
   wrongVpp,                 ///< a program pulse with a VPP that the part cannot program with
@@ -27,6 +27,12 @@ enum class FindingKind {
   strobeWithOutputEnabled,  ///< a write or program strobe while /OE is low
   strobeLeftActive,         ///< a write or program strobe far longer than any data sheet allows
   writeLost,                ///< a byte sent while the chip was busy or outside its load window
+  overErase,                ///< an erase pulse on cells that are erased already
+  pulseTooShort,            ///< judged: a pulse shorter than the data sheet's window
+  pulseTooLong,             ///< judged: a pulse longer than it
+  tooManyPulses,            ///< judged: more pulses at a byte than the data sheet allows
+  wrongOverprogram,         ///< judged: an overprogram pulse that does not fit the pulses before it
+  missingOverprogram,       ///< judged: a programmed byte was left without its overprogram pulse
 };
 
 /// One kind of finding with its text; identical ones are counted, not stored again.

@@ -9,10 +9,12 @@ namespace {
 // next, an AT29C256 from a rising edge to the next falling one. Typical cycles are assumed; the
 // data sheets promise 10 ms at most.
 // clang-format off
-constexpr std::array<PageWriteType, 3> kTypes{{
-    {.name = "28C256",   .pinWe = 27, .pinA14 = 1,  .loadWindow = microseconds(100), .windowFromFall = true,  .writeCycle = milliseconds(3), .fillsPage = false},
-    {.name = "X28C256",  .pinWe = 27, .pinA14 = 1,  .loadWindow = microseconds(100), .windowFromFall = true,  .writeCycle = milliseconds(3), .fillsPage = false},
-    {.name = "AT29C256", .pinWe = 1,  .pinA14 = 27, .loadWindow = microseconds(150), .windowFromFall = false, .writeCycle = milliseconds(4), .fillsPage = true, .makerCode = 0x1F, .deviceCode = 0xDC},
+constexpr std::array<PageWriteType, 5> kTypes{{
+    {.name = "28C256",    .pageBytes = 64,  .pinWe = 27, .pinA14 = 1,  .loadWindow = microseconds(100), .windowFromFall = true,  .writeCycle = milliseconds(3), .fillsPage = false},
+    {.name = "X28C256",   .pageBytes = 64,  .pinWe = 27, .pinA14 = 1,  .loadWindow = microseconds(100), .windowFromFall = true,  .writeCycle = milliseconds(3), .fillsPage = false},
+    {.name = "CAT28C256", .pageBytes = 64,  .pinWe = 27, .pinA14 = 1,  .loadWindow = microseconds(100), .windowFromFall = true,  .writeCycle = milliseconds(3), .fillsPage = false},
+    {.name = "CAT28C257", .pageBytes = 128, .pinWe = 27, .pinA14 = 1,  .loadWindow = microseconds(100), .windowFromFall = true,  .writeCycle = milliseconds(3), .fillsPage = false},
+    {.name = "AT29C256",  .pageBytes = 64,  .pinWe = 1,  .pinA14 = 27, .loadWindow = microseconds(150), .windowFromFall = false, .writeCycle = milliseconds(4), .fillsPage = true, .makerCode = 0x1F, .deviceCode = 0xDC},
 }};
 
 //                                                     A0  A1 A2 A3 A4 A5 A6 A7  A8  A9 A10 A11 A12 A13 A14
@@ -54,12 +56,14 @@ PageWriteMemory::PageWriteMemory(const PageWriteType& type)
       writeCycle_(type.writeCycle) {}
 
 ChipSettings PageWriteMemory::settings() const {
-  return {.writeCycle = writeCycle_, .softwareProtection = isProtected_};
+  return {
+      .writeCycle = writeCycle_, .softwareProtection = isProtected_, .writeNeverEnds = neverEnds_};
 }
 
 void PageWriteMemory::apply(const ChipSettings& settings) {
   writeCycle_ = settings.writeCycle.value_or(writeCycle_);
   isProtected_ = settings.softwareProtection.value_or(isProtected_);
+  neverEnds_ = settings.writeNeverEnds.value_or(neverEnds_);
 }
 
 void PageWriteMemory::settle(Nanoseconds now) {
@@ -67,7 +71,7 @@ void PageWriteMemory::settle(Nanoseconds now) {
     phase_ = Phase::writing;
     phaseEnds_ = std::max(phaseEnds_, load_.last.end + writeCycle_);
   }
-  if (phase_ == Phase::writing && now >= phaseEnds_) {
+  if (phase_ == Phase::writing && now >= phaseEnds_ && !neverEnds_) {
     phase_ = Phase::idle;
     finishLoad();
   }
@@ -85,10 +89,10 @@ bool PageWriteMemory::beginWrite() {
   return true;
 }
 
-void PageWriteMemory::endWrite(const Strobe& strobe) {
+void PageWriteMemory::endWrite(const Strobe& strobe, Findings& /*findings*/) {
   load_.last = strobe;
-  load_.data[strobe.address % kPageSize] = strobe.data;
-  load_.loaded |= std::uint64_t{1} << strobe.address % kPageSize;
+  load_.data[strobe.address % type_.pageBytes] = strobe.data;
+  load_.loaded.set(strobe.address % type_.pageBytes);
   followCommand(strobe);
   phaseEnds_ = type_.loadWindow + (type_.windowFromFall ? strobe.begin : strobe.end);
   phaseEnds_ = std::max(phaseEnds_, strobe.end);
@@ -99,7 +103,7 @@ void PageWriteMemory::followCommand(const Strobe& strobe) {
   const auto next = static_cast<std::size_t>(load_.matched);
   if (const Command command = commandOf(load_.matched, strobe); command != Command::none) {
     load_.command = command;
-    load_.loaded = 0;  // the command bytes are no data
+    load_.loaded.reset();  // the command bytes are no data
     load_.matched = kNoCommand;
   } else if (next < kUnlock.size() && strobe.address == kUnlock[next].address &&
              strobe.data == kUnlock[next].data) {
@@ -123,7 +127,7 @@ PageWriteMemory::Command PageWriteMemory::commandOf(int matched, const Strobe& s
 void PageWriteMemory::finishLoad() {
   const bool refused =
       isProtected_ && load_.command != Command::openLoad && load_.command != Command::unprotect;
-  if (!refused && load_.loaded != 0) storePage();
+  if (!refused && load_.loaded.any()) storePage();
   if (load_.command == Command::openLoad) isProtected_ = true;
   if (load_.command == Command::unprotect) isProtected_ = false;
   if (load_.command == Command::identify) identifies_ = true;
@@ -131,9 +135,9 @@ void PageWriteMemory::finishLoad() {
 }
 
 void PageWriteMemory::storePage() {
-  const std::uint32_t page = load_.last.address & ~(kPageSize - 1);
-  for (std::uint32_t i = 0; i < kPageSize; ++i) {
-    if ((load_.loaded >> i & 1U) != 0) {
+  const std::uint32_t page = load_.last.address & ~(type_.pageBytes - 1);
+  for (std::uint32_t i = 0; i < type_.pageBytes; ++i) {
+    if (load_.loaded[i]) {
       setCell(page + i, load_.data[i]);
     } else if (type_.fillsPage) {
       setCell(page + i, 0xFF);

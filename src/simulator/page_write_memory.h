@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <bitset>
 #include <cstdint>
 #include <span>
 #include <string_view>
@@ -9,7 +10,7 @@
 
 namespace kestrel::sim {
 
-// Memories of 32 KB that write pages of 64 bytes by themselves: 28C256 and AT29C256.
+// Memories of 32 KB that write whole pages by themselves: 28C256, CAT28C257, AT29C256.
 //
 //   pin        28C256   AT29C256
 //   1          A14      /WE
@@ -26,11 +27,12 @@ namespace kestrel::sim {
 // A lone F0h leaves the identify mode too. A command takes effect with the write cycle of its load,
 // like the data; a protected chip goes through the cycle for a refused load as well.
 //
-// Not modelled: the chip erase command, the modes with 12 V on /OE or A9, wear.
+// Not modelled: wear, the chip erase command, the modes with 12 V on /OE or A9.
 
 /// One part of the family.
 struct PageWriteType {
   std::string_view name;
+  std::uint32_t pageBytes = 64;  ///< at most 128
   int pinWe = 0;
   int pinA14 = 0;
   Nanoseconds loadWindow = 0;
@@ -54,20 +56,20 @@ class PageWriteMemory final : public ByteWideMemory {
   void settle(Nanoseconds now) override;
   [[nodiscard]] Nanoseconds busyUntil() const override;
   bool beginWrite() override;
-  void endWrite(const Strobe& strobe) override;
+  void endWrite(const Strobe& strobe, Findings& findings) override;
   [[nodiscard]] std::uint8_t read(std::uint32_t address, bool toggle) const override;
   void losePower() override;
   void contentsReplaced() override { phase_ = Phase::idle; }
 
  private:
-  static constexpr std::uint32_t kPageSize = 64;
+  static constexpr std::uint32_t kGreatestPage = 128;
   static constexpr int kNoCommand = -1;
 
   enum class Phase { idle, loading, writing };
   enum class Command { none, openLoad, unprotect, identify, leaveIdentify };
   struct Load {
-    std::array<std::uint8_t, kPageSize> data{};
-    std::uint64_t loaded = 0;  // bit n: data[n] was sent
+    std::array<std::uint8_t, kGreatestPage> data{};
+    std::bitset<kGreatestPage> loaded;  // those of data that were sent
     Strobe last;
     int matched = 0;  // bytes of a command so far, or kNoCommand
     Command command = Command::none;
@@ -81,6 +83,7 @@ class PageWriteMemory final : public ByteWideMemory {
   PageWriteType type_;
   Nanoseconds writeCycle_;
   bool isProtected_ = false;
+  bool neverEnds_ = false;
   bool identifies_ = false;
   Phase phase_ = Phase::idle;
   Nanoseconds phaseEnds_ = kNever;

@@ -1,20 +1,30 @@
 #include "simulator/parallel_flash.h"
 
+#include <algorithm>
 #include <array>
 
 namespace kestrel::sim {
 namespace {
 
-// Typical parts: 7 to 14 us a byte, a second for each of eight sectors.
-constexpr Nanoseconds kProgramTime = microseconds(10);
-constexpr Nanoseconds kEraseTime = milliseconds(8000);
+// How long a typical part takes, and when it gives up. The sheets give 1 Mbit and 4 Mbit; the times
+// of the AM29F020 are taken between them (not verified on hardware).
+constexpr WorkTime kByte7us{.typical = microseconds(7), .limit = microseconds(200)};
+constexpr WorkTime kByte10us{.typical = microseconds(10), .limit = microseconds(200)};
+constexpr WorkTime kErase1Mbit{.typical = milliseconds(1000), .limit = milliseconds(14'000)};
+constexpr WorkTime kErase2Mbit{.typical = milliseconds(2000), .limit = milliseconds(28'000)};
+constexpr WorkTime kErase4Mbit{.typical = milliseconds(8000), .limit = milliseconds(64'000)};
+
+// A protected part is busy for a moment and then has written nothing.
+constexpr Nanoseconds kRefusedProgram = microseconds(2);
+constexpr Nanoseconds kRefusedErase = microseconds(100);
 
 // clang-format off
-constexpr std::array<ParallelFlashType, 4> kTypes{{
-    {.name = "AM29F010", .addressBits = 17, .makerCode = 0x01, .deviceCode = 0x20, .hasContinuation = false},
-    {.name = "AM29F040", .addressBits = 19, .makerCode = 0x01, .deviceCode = 0xA4, .hasContinuation = false},
-    {.name = "A29040",   .addressBits = 19, .makerCode = 0x37, .deviceCode = 0x86, .hasContinuation = false},
-    {.name = "EN29F040", .addressBits = 19, .makerCode = 0x1C, .deviceCode = 0x04, .hasContinuation = true},
+constexpr std::array<ParallelFlashType, 5> kTypes{{
+    {.name = "AM29F010", .addressBits = 17, .makerCode = 0x01, .deviceCode = 0x20, .hasContinuation = false, .program = kByte7us,  .erase = kErase1Mbit},
+    {.name = "AM29F020", .addressBits = 18, .makerCode = 0x01, .deviceCode = 0xB0, .hasContinuation = false, .program = kByte7us,  .erase = kErase2Mbit},
+    {.name = "AM29F040", .addressBits = 19, .makerCode = 0x01, .deviceCode = 0xA4, .hasContinuation = false, .program = kByte7us,  .erase = kErase4Mbit},
+    {.name = "A29040",   .addressBits = 19, .makerCode = 0x37, .deviceCode = 0x86, .hasContinuation = false, .program = kByte10us, .erase = kErase4Mbit},
+    {.name = "EN29F040", .addressBits = 19, .makerCode = 0x1C, .deviceCode = 0x04, .hasContinuation = true,  .program = kByte10us, .erase = kErase4Mbit},
 }};
 
 //                                                A0  A1  A2 A3 A4 A5 A6 A7  A8  A9 A10 A11 A12 A13 A14 A15 A16 A17 A18
@@ -43,23 +53,62 @@ ParallelFlash::ParallelFlash(const ParallelFlashType& type)
     : ByteWideMemory(type.name, Package::dip32, std::size_t{1} << type.addressBits, pinoutOf(type)),
       type_(type) {}
 
-void ParallelFlash::settle(Nanoseconds now) {
-  if (busyUntil_ == kNever || now < busyUntil_) return;
-  busyUntil_ = kNever;
-  if (!erases_) {
-    setCell(program_.address, cell(program_.address) & program_.data);
-    return;
-  }
-  const auto end = static_cast<std::uint32_t>(contents().size());
-  for (std::uint32_t address = 0; address < end; ++address) setCell(address, 0xFF);
+ChipSettings ParallelFlash::settings() const {
+  return {.writeProtected = isProtected_, .writeNeverEnds = neverEnds_};
 }
 
-void ParallelFlash::endWrite(const Strobe& strobe) {
-  if (state_ == State::data) {
+void ParallelFlash::apply(const ChipSettings& settings) {
+  isProtected_ = settings.writeProtected.value_or(isProtected_);
+  neverEnds_ = settings.writeNeverEnds.value_or(neverEnds_);
+}
+
+void ParallelFlash::begin(Work work, Nanoseconds now) {
+  const WorkTime& time = timeOf(work);
+  work_ = work;
+  timedOut_ = false;
+  givesUpAt_ = now + time.limit;
+  attemptEnds_ = now + time.typical;
+  if (isProtected_) attemptEnds_ = now + (work == Work::erase ? kRefusedErase : kRefusedProgram);
+}
+
+// The chip pulses and verifies by itself; what has not taken at the end of an attempt gets another.
+void ParallelFlash::settle(Nanoseconds now) {
+  while (now >= busyUntil()) {
+    if (attemptEnds_ > givesUpAt_) {
+      timedOut_ = true;
+    } else if (!neverEnds_ && attempt()) {
+      work_ = Work::none;
+    } else {
+      attemptEnds_ += timeOf(work_).typical;
+    }
+  }
+}
+
+Nanoseconds ParallelFlash::busyUntil() const {
+  return isBusy() && !timedOut_ ? std::min(attemptEnds_, givesUpAt_) : kNever;
+}
+
+// True if all cells have what they should have.
+bool ParallelFlash::attempt() {
+  if (isProtected_) return true;
+  if (work_ == Work::program) {
+    return setCell(program_.address, cell(program_.address) & program_.data);
+  }
+  const auto end = static_cast<std::uint32_t>(contents().size());
+  bool erased = true;
+  for (std::uint32_t address = 0; address < end; ++address) {
+    erased = setCell(address, 0xFF) && erased;
+  }
+  return erased;
+}
+
+void ParallelFlash::endWrite(const Strobe& strobe, Findings& /*findings*/) {
+  if (timedOut_) {
+    if (strobe.data == kReset) rest();
+  } else if (state_ == State::data) {
     state_ = State::array;
-    erases_ = false;
     program_ = strobe;
-    busyUntil_ = strobe.end + kProgramTime;
+    begin(Work::program, strobe.end);
   } else if (strobe.data == kReset) {
     state_ = State::array;
   } else {
@@ -86,8 +135,7 @@ ParallelFlash::State ParallelFlash::afterCommand(const Strobe& strobe) {
     case State::eraseUnlocking:
       return is(0x2AA, 0x55) ? State::eraseCommand : State::array;
     case State::eraseCommand:
-      erases_ = is(0x555, 0x10);
-      if (erases_) busyUntil_ = strobe.end + kEraseTime;
+      if (is(0x555, 0x10)) begin(Work::erase, strobe.end);
       return State::array;
     case State::codes:  // only the reset leads out
     case State::data:
@@ -97,22 +145,28 @@ ParallelFlash::State ParallelFlash::afterCommand(const Strobe& strobe) {
 }
 
 std::uint8_t ParallelFlash::read(std::uint32_t address, bool toggle) const {
-  if (busyUntil_ != kNever) {
-    const unsigned complement = erases_ ? 0U : ~static_cast<unsigned>(program_.data) & 0x80U;
-    return static_cast<std::uint8_t>(complement | (toggle ? 0x40U : 0U));
+  if (isBusy()) {
+    const bool erases = work_ == Work::erase;
+    const unsigned complement = erases ? 0U : ~static_cast<unsigned>(program_.data) & 0x80U;
+    return static_cast<std::uint8_t>(complement | (toggle ? 0x40U : 0U) | (timedOut_ ? 0x20U : 0U));
   }
   return state_ == State::codes ? code(address) : cell(address);
 }
 
 std::uint8_t ParallelFlash::code(std::uint32_t address) const {
-  if ((address & 2U) != 0) return 0x00;  // no sector is protected
+  if ((address & 2U) != 0) return isProtected_ ? 0x01 : 0x00;
   if (type_.hasContinuation && (address & 0x100U) == 0) return kContinuationCode;
   return (address & 1U) == 0 ? type_.makerCode : type_.deviceCode;
 }
 
 void ParallelFlash::losePower() {
   state_ = State::array;
-  busyUntil_ = kNever;
+  rest();
+}
+
+void ParallelFlash::rest() {
+  work_ = Work::none;
+  timedOut_ = false;
 }
 
 }  // namespace kestrel::sim

@@ -13,10 +13,11 @@ constexpr PinLevels kVcc = pin(8);
 constexpr Nanoseconds kWriteCycle = milliseconds(5);
 
 // clang-format off
-constexpr std::array<SerialEepromType, 3> kTypes{{
-    {.name = "24C08", .sizeBytes = 0x400,  .pageBytes = 16, .blockBits = 3, .pinBits = 4, .addressBytes = 1},
-    {.name = "24C16", .sizeBytes = 0x800,  .pageBytes = 16, .blockBits = 7, .pinBits = 0, .addressBytes = 1},
-    {.name = "24C32", .sizeBytes = 0x1000, .pageBytes = 32, .blockBits = 0, .pinBits = 7, .addressBytes = 2},
+constexpr std::array<SerialEepromType, 4> kTypes{{
+    {.name = "24C08",  .sizeBytes = 0x400,  .pageBytes = 16, .blockBits = 3, .pinBits = 4, .addressBytes = 1},
+    {.name = "24C16",  .sizeBytes = 0x800,  .pageBytes = 16, .blockBits = 7, .pinBits = 0, .addressBytes = 1},
+    {.name = "24C32",  .sizeBytes = 0x1000, .pageBytes = 32, .blockBits = 0, .pinBits = 7, .addressBytes = 2},
+    {.name = "24C256", .sizeBytes = 0x8000, .pageBytes = 64, .blockBits = 0, .pinBits = 7, .addressBytes = 2},
 }};
 // clang-format on
 
@@ -31,11 +32,16 @@ SerialEeprom::SerialEeprom(const SerialEepromType& type)
       writeCycle_(kWriteCycle) {}
 
 ChipSettings SerialEeprom::settings() const {
-  return {.writeCycle = writeCycle_, .acknowledgeLimit = acknowledgesLeft_};
+  return {.writeCycle = writeCycle_,
+          .writeProtected = writeProtected_,
+          .writeNeverEnds = neverEnds_,
+          .acknowledgeLimit = acknowledgesLeft_};
 }
 
 void SerialEeprom::apply(const ChipSettings& settings) {
   writeCycle_ = settings.writeCycle.value_or(writeCycle_);
+  writeProtected_ = settings.writeProtected.value_or(writeProtected_);
+  neverEnds_ = settings.writeNeverEnds.value_or(neverEnds_);
   acknowledgesLeft_ = settings.acknowledgeLimit;
 }
 
@@ -68,7 +74,7 @@ PinOutput SerialEeprom::evaluate(const PinInput& pins, Findings& findings) {
 }
 
 void SerialEeprom::settle(Nanoseconds now) {
-  if (writeEnds_ == kNever || now < writeEnds_) return;
+  if (writeEnds_ == kNever || now < writeEnds_ || neverEnds_) return;
   writeEnds_ = kNever;
   const std::uint32_t page = address_ & ~(type_.pageBytes - 1);
   for (std::uint32_t i = 0; i < type_.pageBytes; ++i) {
@@ -93,7 +99,8 @@ void SerialEeprom::start() {
 // nothing is written.
 void SerialEeprom::stop(const PinInput& pins) {
   const bool wholeBytes = phase_ == Phase::data && clocks_ <= 1 && loaded_ != 0;
-  if (wholeBytes && (pins.high & kWriteProtect) == 0) writeEnds_ = pins.now + writeCycle_;
+  const bool isProtected = writeProtected_ || (pins.high & kWriteProtect) != 0;
+  if (wholeBytes && !isProtected) writeEnds_ = pins.now + writeCycle_;
   phase_ = Phase::idle;
 }
 
@@ -163,7 +170,7 @@ bool SerialEeprom::acceptSelect(PinLevels high) {
 void SerialEeprom::keepData() {
   const std::uint32_t inPage = address_ & (type_.pageBytes - 1);
   page_[inPage] = shift_;
-  loaded_ |= 1U << inPage;
+  loaded_ |= std::uint64_t{1} << inPage;
   address_ = (address_ - inPage) | ((inPage + 1) & (type_.pageBytes - 1));
 }
 

@@ -11,7 +11,7 @@
 
 namespace kestrel::sim {
 
-// Serial memories 24C08, 24C16, 24C32 on two wires. They act on edges of SCL and SDA alone.
+// Serial memories 24C08, 24C16, 24C32, 24C256 on two wires. They act on edges of SCL and SDA alone.
 //
 //   pin 1-3   E0-E2           pin 5   SDA, open drain
 //   pin 4     GND             pin 6   SCL
@@ -22,7 +22,7 @@ namespace kestrel::sim {
 //
 //   24C08   E2 P1 P0   P = block of 256 bytes, E = must be as the pin stands
 //   24C16   P2 P1 P0
-//   24C32   E2 E1 E0   two address bytes follow
+//   24C32   E2 E1 E0   two address bytes follow; so on the 24C256
 //
 // A write wraps inside its page; STOP after a whole byte begins the write cycle, in which no select
 // is acknowledged. Reads run on and wrap at the end of the memory until one is not acknowledged.
@@ -33,7 +33,7 @@ namespace kestrel::sim {
 struct SerialEepromType {
   std::string_view name;
   std::uint32_t sizeBytes = 0;
-  std::uint32_t pageBytes = 0;  ///< at most 32
+  std::uint32_t pageBytes = 0;  ///< at most 64
   unsigned blockBits = 0;       ///< of b b b: they are part of the address
   unsigned pinBits = 0;         ///< of b b b: they have to match E2-E0
   int addressBytes = 1;
@@ -70,6 +70,8 @@ class SerialEeprom final : public Chip {
   SerialEepromType type_;
   Damage damage_;
   Nanoseconds writeCycle_;
+  bool writeProtected_ = false;  // WP is tied high on the chip itself
+  bool neverEnds_ = false;
   std::optional<std::uint64_t> acknowledgesLeft_;
 
   bool powered_ = false;
@@ -82,8 +84,8 @@ class SerialEeprom final : public Chip {
   std::uint8_t shift_ = 0;
   bool acknowledged_ = false;  // by the reader
   std::uint32_t address_ = 0;
-  std::array<std::uint8_t, 32> page_{};
-  std::uint32_t loaded_ = 0;        // bit n: page_[n] was sent
+  std::array<std::uint8_t, 64> page_{};
+  std::uint64_t loaded_ = 0;        // bit n: page_[n] was sent
   Nanoseconds writeEnds_ = kNever;  // kNever: no write cycle
 };
 

@@ -9,6 +9,10 @@ namespace {
 // The longest pulse of any data sheet here is an overprogram pulse of 78.75 ms.
 constexpr Nanoseconds kLongestPulse = milliseconds(200);
 
+// Between two pulses VPP is off for a verify at the most, on the parts that have it on /OE; a pause
+// of this length is taken for the end of the run (not of any data sheet).
+constexpr Nanoseconds kRunPause = milliseconds(500);
+
 bool isWithin(const VppWindow& window, int millivolts) {
   return window.lowest <= millivolts && millivolts <= window.highest;
 }
@@ -24,7 +28,8 @@ UvEprom::UvEprom(const UvEpromType& type)
       type_(type),
       pins_(pinoutOf(type)),
       address_(pins_.address),
-      data_(pins_.data) {}
+      data_(pins_.data),
+      judge_(typeName() + ": program pulse", type.plan, type.sizeBytes) {}
 
 PinOutput UvEprom::evaluate(const PinInput& pins, Findings& findings) {
   if (pulse_.active) settlePulse(pins.now, findings);
@@ -38,6 +43,7 @@ PinOutput UvEprom::evaluate(const PinInput& pins, Findings& findings) {
 
   const bool outputs = powered && drives(pins.high, vppOn);
   followPulse(pins, strobed && vppFits, findings);
+  if (judgesPulses()) followRun(pins, vppOn, findings);
   if (!outputs) return {};
   return {.driven = data_.mask(), .high = data_.levels(cell(address_.value(pins.high)))};
 }
@@ -49,7 +55,8 @@ void UvEprom::settlePulse(Nanoseconds now, Findings& findings) {
   const Nanoseconds sum = charge.time + (now - pulse_.settledUntil);
   charge.time = static_cast<std::uint32_t>(std::min(sum, type_.programTime));
   pulse_.settledUntil = now;
-  if (charge.time >= type_.programTime) {
+  if (charge.time >= type_.programTime && !pulse_.written) {
+    pulse_.written = true;
     setCell(pulse_.address, cell(pulse_.address) & pulse_.data);
   }
   if (now - pulse_.begin > kLongestPulse && !pulse_.reportedLong) {
@@ -98,9 +105,29 @@ void UvEprom::checkStrobe(const PinInput& pins, bool strobed, bool vppFits, Find
   outputsDuringStrobe_ = outputsToo;
 }
 
+void UvEprom::contentsReplaced() {
+  charges_.clear();
+  judge_.beginRun();
+}
+
+void UvEprom::endPulse(Nanoseconds now, Findings& findings) {
+  pulse_.active = false;
+  if (!judgesPulses()) return;
+  const bool taken = (cell(pulse_.address) & ~static_cast<unsigned>(pulse_.data)) == 0;
+  judge_.judge({.address = pulse_.address, .width = now - pulse_.begin, .taken = taken, .end = now},
+               findings);
+}
+
+void UvEprom::followRun(const PinInput& pins, bool vppOn, Findings& findings) {
+  judge_.followAddress(address_.value(pins.high), pins.now, findings);
+  if (vppWasOn_ && !vppOn) vppLeftAt_ = pins.now;
+  if (vppOn && !vppWasOn_ && pins.now - vppLeftAt_ >= kRunPause) judge_.beginRun();
+  vppWasOn_ = vppOn;
+}
+
 void UvEprom::followPulse(const PinInput& pins, bool programs, Findings& findings) {
   if (!programs) {
-    pulse_.active = false;
+    if (pulse_.active) endPulse(pins.now, findings);
     return;
   }
   const std::uint32_t address = address_.value(pins.high);
@@ -114,6 +141,8 @@ void UvEprom::followPulse(const PinInput& pins, bool programs, Findings& finding
     report(FindingKind::dataMovedDuringPulse, "data moved during a program pulse", pins.now,
            findings);
   }
+  const bool moved = address != pulse_.address || data != pulse_.data;
+  if (moved) pulse_.written = false;
   pulse_.address = address;
   pulse_.data = data;
 }

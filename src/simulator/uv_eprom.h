@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "simulator/chip.h"
+#include "simulator/pulse_judge.h"
 
 namespace kestrel::sim {
 
@@ -22,8 +23,8 @@ namespace kestrel::sim {
 //
 // A cell goes from 1 to 0 only. Programming time adds up for each address while the same data
 // stands there, over as many pulses as it takes; when it reaches the part's time the zero bits are
-// written. Not modelled: access times, cells half programmed, supply current, electronic signature
-// (A9 at 12 V).
+// written. A run of programming ends when VPP stays away from its pin for half a second. Not
+// modelled: access times, cells half programmed, supply current, electronic signature (A9 at 12 V).
 
 /// How a part is told to program, and so where its VPP pin is.
 enum class ProgramControl { pgmPin, cePulse, vppOnOe };
@@ -44,7 +45,9 @@ struct UvEpromType {
   ProgramControl control{};
   VppWindow vpp;
   Nanoseconds programTime = 0;  ///< what a typical cell needs in all
+  PulsePlan plan;               ///< what the data sheet prescribes
   bool isNmos = false;          ///< needs 5 V on its VPP pin to be read
+  bool isOneTime = false;       ///< without a window: the lamp does not reach the cells
 };
 
 /// All parts, small ones first.
@@ -69,11 +72,11 @@ class UvEprom final : public Chip {
 
   PinOutput evaluate(const PinInput& pins, Findings& findings) override;
 
-  [[nodiscard]] bool isUvErasable() const override { return true; }
+  [[nodiscard]] bool isUvErasable() const override { return !type_.isOneTime; }
   [[nodiscard]] int wantedVppMillivolts() const override { return type_.vpp.wanted; }
 
  protected:
-  void contentsReplaced() override { charges_.clear(); }
+  void contentsReplaced() override;
 
  private:
   struct Charge {
@@ -83,6 +86,7 @@ class UvEprom final : public Chip {
   /// The part as it stands between two calls: the address and data it programs, if it does.
   struct Pulse {
     bool active = false;
+    bool written = false;  // what it writes is written, or was refused
     bool reportedLong = false;
     std::uint32_t address = 0;
     std::uint8_t data = 0xFF;
@@ -94,6 +98,8 @@ class UvEprom final : public Chip {
   void checkVoltages(const PinInput& pins, Findings& findings);
   [[nodiscard]] bool isStrobed(PinLevels high) const;
   void checkStrobe(const PinInput& pins, bool strobed, bool vppFits, Findings& findings);
+  void endPulse(Nanoseconds now, Findings& findings);
+  void followRun(const PinInput& pins, bool vppOn, Findings& findings);
   void followPulse(const PinInput& pins, bool programs, Findings& findings);
   [[nodiscard]] bool drives(PinLevels high, bool vppOn) const;
   void report(FindingKind kind, std::string_view text, Nanoseconds now, Findings& findings) const;
@@ -104,6 +110,9 @@ class UvEprom final : public Chip {
   PinBus data_;
   std::vector<Charge> charges_;  // by address; empty until the first pulse
   Pulse pulse_;
+  PulseJudge judge_;
+  bool vppWasOn_ = false;
+  Nanoseconds vppLeftAt_ = 0;
   bool wrongVpp_ = false;
   bool outputsDuringStrobe_ = false;
   bool damaged_ = false;

@@ -18,33 +18,44 @@ constexpr auto k24 = Package::dip24;
 constexpr auto k28 = Package::dip28;
 constexpr auto k32 = Package::dip32;
 
+// The prescribed pulses, 5 % more or less (10 % of the 50 ms). The longest overprogram pulses of
+// the sheets, 63 and 78.75 ms, follow from the greatest number of pulses and the 5 %.
+// clang-format off
+constexpr PulsePlan k50ms     {.shortest = milliseconds(45),      .longest = milliseconds(55),      .greatestNumber = 1};
+constexpr PulsePlan k1msOver4 {.shortest = microseconds(950),     .longest = microseconds(1050),    .greatestNumber = 15, .overprogramPerPulse = milliseconds(4)};
+constexpr PulsePlan k1msOver3 {.shortest = microseconds(950),     .longest = microseconds(1050),    .greatestNumber = 25, .overprogramPerPulse = milliseconds(3)};
+constexpr PulsePlan k100us    {.shortest = microseconds(95),      .longest = microseconds(105),     .greatestNumber = 25};
+constexpr PulsePlan k50us     {.shortest = Nanoseconds{47'500},   .longest = Nanoseconds{52'500},   .greatestNumber = 25};
+// clang-format on
+
 constexpr bool kNmos = true;
 constexpr bool kCmos = false;
 
 // The times are those of a typical part: a 2732 has its bits well before its 50 ms pulse ends. The
 // 2732 needs no 5 V on VPP for reading, since that pin is its /OE; so kNmos is not set there.
 // clang-format off
-constexpr std::array<UvEpromType, 20> kTypes{{
-    {.name = "2732",    .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k25V, .programTime = milliseconds(10),  .isNmos = kCmos},
-    {.name = "27C32",   .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k25V, .programTime = milliseconds(10),  .isNmos = kCmos},
-    {.name = "2732A",   .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k21V, .programTime = milliseconds(10),  .isNmos = kCmos},
-    {.name = "2732B",   .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k12V, .programTime = milliseconds(10),  .isNmos = kCmos},
-    {.name = "2764",    .package = k28, .sizeBytes = 0x2000,   .control = kPgm, .vpp = k21V, .programTime = milliseconds(1),   .isNmos = kNmos},
-    {.name = "27128",   .package = k28, .sizeBytes = 0x4000,   .control = kPgm, .vpp = k21V, .programTime = milliseconds(1),   .isNmos = kNmos},
-    {.name = "27C64",   .package = k28, .sizeBytes = 0x2000,   .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27C128",  .package = k28, .sizeBytes = 0x4000,   .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27256",   .package = k28, .sizeBytes = 0x8000,   .control = kCe,  .vpp = k12V, .programTime = milliseconds(1),   .isNmos = kNmos},
-    {.name = "27C256",  .package = k28, .sizeBytes = 0x8000,   .control = kCe,  .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27C259",  .package = k28, .sizeBytes = 0x8000,   .control = kCe,  .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27C512",  .package = k28, .sizeBytes = 0x10000,  .control = kOe,  .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27C1001", .package = k32, .sizeBytes = 0x20000,  .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27C010",  .package = k32, .sizeBytes = 0x20000,  .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27C2001", .package = k32, .sizeBytes = 0x40000,  .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27C020",  .package = k32, .sizeBytes = 0x40000,  .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27C4001", .package = k32, .sizeBytes = 0x80000,  .control = kCe,  .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27C040",  .package = k32, .sizeBytes = 0x80000,  .control = kCe,  .vpp = k12V, .programTime = microseconds(100), .isNmos = kCmos},
-    {.name = "27C801",  .package = k32, .sizeBytes = 0x100000, .control = kOe,  .vpp = k12V, .programTime = microseconds(50),  .isNmos = kCmos},
-    {.name = "27C080",  .package = k32, .sizeBytes = 0x100000, .control = kOe,  .vpp = k12V, .programTime = microseconds(50),  .isNmos = kCmos},
+constexpr std::array<UvEpromType, 21> kTypes{{
+    {.name = "2732",       .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k25V, .programTime = milliseconds(10),  .plan = k50ms,     .isNmos = kCmos},
+    {.name = "27C32",      .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k25V, .programTime = milliseconds(10),  .plan = k50ms,     .isNmos = kCmos},
+    {.name = "2732A",      .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k21V, .programTime = milliseconds(10),  .plan = k50ms,     .isNmos = kCmos},
+    {.name = "2732B",      .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k12V, .programTime = milliseconds(10),  .plan = k1msOver3, .isNmos = kCmos},
+    {.name = "2764",       .package = k28, .sizeBytes = 0x2000,   .control = kPgm, .vpp = k21V, .programTime = milliseconds(1),   .plan = k1msOver4, .isNmos = kNmos},
+    {.name = "27128",      .package = k28, .sizeBytes = 0x4000,   .control = kPgm, .vpp = k21V, .programTime = milliseconds(1),   .plan = k1msOver4, .isNmos = kNmos},
+    {.name = "27C64",      .package = k28, .sizeBytes = 0x2000,   .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27C128",     .package = k28, .sizeBytes = 0x4000,   .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27256",      .package = k28, .sizeBytes = 0x8000,   .control = kCe,  .vpp = k12V, .programTime = milliseconds(1),   .plan = k1msOver3, .isNmos = kNmos},
+    {.name = "27C256",     .package = k28, .sizeBytes = 0x8000,   .control = kCe,  .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27C259",     .package = k28, .sizeBytes = 0x8000,   .control = kCe,  .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27C512",     .package = k28, .sizeBytes = 0x10000,  .control = kOe,  .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27C1001",    .package = k32, .sizeBytes = 0x20000,  .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27C010",     .package = k32, .sizeBytes = 0x20000,  .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27C2001",    .package = k32, .sizeBytes = 0x40000,  .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27C020",     .package = k32, .sizeBytes = 0x40000,  .control = kPgm, .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27C4001",    .package = k32, .sizeBytes = 0x80000,  .control = kCe,  .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27C040",     .package = k32, .sizeBytes = 0x80000,  .control = kCe,  .vpp = k12V, .programTime = microseconds(100), .plan = k100us,    .isNmos = kCmos},
+    {.name = "27C801",     .package = k32, .sizeBytes = 0x100000, .control = kOe,  .vpp = k12V, .programTime = microseconds(50),  .plan = k50us,     .isNmos = kCmos},
+    {.name = "27C080",     .package = k32, .sizeBytes = 0x100000, .control = kOe,  .vpp = k12V, .programTime = microseconds(50),  .plan = k50us,     .isNmos = kCmos},
+    {.name = "27C080-OTP", .package = k32, .sizeBytes = 0x100000, .control = kOe,  .vpp = k12V, .programTime = microseconds(50),  .plan = k50us,     .isNmos = kCmos, .isOneTime = true},
 }};
 
 // JEDEC pinouts, address pins from A0, data pins from D0.

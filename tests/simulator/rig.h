@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -24,8 +25,8 @@ struct Load {
 /// A bench with one board on 378h, worked from the connector.
 class Rig {
  public:
-  explicit Rig(Model model = Model::kestrel5)
-      : board(bench.plug(model, 0x378)), inverted_(model == Model::kestrel4 ? 0x0 : 0xF) {
+  explicit Rig(Model model = Model::kestrel5, bool judged = false)
+      : board(plugged(bench, model, judged)), inverted_(model == Model::kestrel4 ? 0x0 : 0xF) {
     control(kLowHalf);
   }
 
@@ -62,6 +63,13 @@ class Rig {
 
   std::uint8_t cell(std::uint32_t address) { return board.chip()->contents()[address]; }
   std::size_t count(FindingKind kind) { return bench.findings().count(kind); }
+  /// The texts of all findings, one after the other.
+  std::string found() {
+    std::string texts;
+    for (const Finding& each : bench.findings().all())
+      texts += (texts.empty() ? "" : "; ") + each.text;
+    return texts;
+  }
   bool isClean() { return bench.findings().empty(); }
   void waitUs(std::int64_t us) { bench.wait(microseconds(us)); }
 
@@ -69,6 +77,11 @@ class Rig {
   Board& board;
 
  private:
+  static Board& plugged(Bench& bench, Model model, bool judged) {
+    bench.judgePulses(judged);
+    return bench.plug(model, 0x378);
+  }
+
   std::uint8_t inverted_;
 };
 

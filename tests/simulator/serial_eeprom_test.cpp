@@ -92,6 +92,8 @@ INSTANTIATE_TEST_SUITE_P(Scripts, SerialBus, testing::Values(
     BusCase{"24C08", "S A0 00 81 P w S A6 FF S A7 r+ r+ r- r- P", "++++++ 255 129 255 255", 0, 0x81},
     BusCase{"24C16", "S AE FF 42 P w S AE FF S AF r- S AF r- P", "++++++ 66+ 255", 0x7FF, 0x42},
     BusCase{"24C32", "S A0 00 00 18 P w S A0 0F FF S A1 r+ r- r- P", "++++++++ 255 24 255", 0, 0x18},
+    BusCase{"24C256", "S A2 S A0 FF FE 11 22 33 P w S A0 7F FF S A1 r- P", "-++++++++++ 34", 0x7FC0, 0x33},  // bit 15 does not count
+    BusCase{"24C256", "S A0 00 00 18 P w S A0 7F FF S A1 r+ r- P", "++++++++ 255 24", 0, 0x18},
     BusCase{"24C32", "S A0 00 00 11 S P", "++++", 0, 0xFF},     // no STOP after a whole byte
     BusCase{"24C32", "S A0 00 00 11 ~Cc P", "++++", 0, 0xFF}));
 // clang-format on
@@ -111,6 +113,18 @@ TEST(SerialEeprom, pinsForbidWritingAndChooseTheSelectByte) {
   rig.load({{1, 0x04}, {2, 0x02}});  // WP, E2
   EXPECT_EQ(rig.bus("S A0 S A8 00 33 P"), "-+++");
   EXPECT_EQ(rig.finishedCell(0), 0xFF);
+}
+
+TEST(SerialEeprom, writesNothingWhenProtectedAndAnswersNoMoreWhenItsCycleNeverEnds) {
+  WireRig rig("24C256");
+  rig.board.setChip({.writeProtected = true});
+  EXPECT_EQ(rig.bus("S A0 00 3F 11 P S A0 00 3F"), "+++++++");
+  EXPECT_EQ(rig.finishedCell(0x3F), 0xFF);
+  rig.board.setChip({.writeProtected = false, .writeNeverEnds = true});
+  EXPECT_EQ(rig.bus("S A0 00 3F 11 P w w w S A0"), "++++-");
+  EXPECT_EQ(rig.finishedCell(0x3F), 0xFF);
+  rig.load({{0, 0x00}, {0, 0x40}});
+  EXPECT_EQ(rig.bus("S A0 00 3F S A1 r-"), "++++ 255");
 }
 
 TEST(SerialEeprom, losesItsWriteCycleWithItsSupply) {

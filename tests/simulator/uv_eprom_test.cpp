@@ -1,5 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
 #include "simulator/rig.h"
 
 namespace kestrel::sim {
@@ -65,7 +70,8 @@ struct ProgramCase {
 // A chip at address 0 with its programming voltage on, data A5h on the data lines.
 class ProgramRig : public Rig {
  public:
-  explicit ProgramRig(const ProgramCase& program) : strobe_(program.strobe) {
+  explicit ProgramRig(const ProgramCase& program, bool judged = false)
+      : Rig(Model::kestrel5, judged), strobe_(program.strobe) {
     load({{0, 0x40}, {3, 0x80}});
     board.insert(makeChip(program.type));
     load({{4, 0xA5}, {1, program.idle1}, {3, program.idle3}, {0, program.idle0}});
@@ -78,6 +84,7 @@ class ProgramRig : public Rig {
   std::uint8_t pulse(std::int64_t lengthUs) {
     load({strobe_});
     waitUs(lengthUs - 3);
+    (void)board.chip();  // a look at it is no pulse of its own
     load(strobe_.latch, idle_);
     return cell(board.latch(2));
   }
@@ -98,21 +105,24 @@ TEST_P(UvEpromProgram, needsItsProgrammingTimeAndNoLess) {
   EXPECT_TRUE(rig.isClean());
 }
 
+constexpr ProgramCase k2732{"2732", 0xC3, 0x20, 0x80, {3, 0x00}, 10000};
+constexpr ProgramCase k27C64{"27C64", 0x50, 0x40, 0x02, {1, 0x00}, 100};
+constexpr ProgramCase k27C080{"27C080", 0xC0, 0x00, 0x80, {3, 0x00}, 50};
 constexpr ProgramCase k2764{"2764", 0x52, 0x40, 0x02, {1, 0x00}, 1000};
 constexpr ProgramCase k27256{"27256", 0x50, 0x00, 0x82, {3, 0x02}, 1000};
 constexpr ProgramCase k27C512{"27C512", 0xC0, 0x00, 0x82, {3, 0x02}, 100};
 
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Catalogue, UvEpromProgram, testing::Values(k2764, k27256, k27C512,
-    ProgramCase{"2732",    0xC3, 0x20, 0x80, {3, 0x00}, 10000},
+    k2732,
     ProgramCase{"2732A",   0xC2, 0x20, 0x80, {3, 0x00}, 10000},
     ProgramCase{"2732B",   0xC0, 0x20, 0x80, {3, 0x00}, 10000},
     ProgramCase{"27128",   0x52, 0x40, 0x02, {1, 0x00}, 1000},
-    ProgramCase{"27C64",   0x50, 0x40, 0x02, {1, 0x00}, 100},
+    k27C64,
     ProgramCase{"27C256",  0x50, 0x00, 0x82, {3, 0x02}, 100},
     ProgramCase{"27C010",  0x60, 0x00, 0x04, {3, 0x00}, 100},
     ProgramCase{"27C040",  0x60, 0x00, 0x80, {3, 0x00}, 100},
-    ProgramCase{"27C080",  0xC0, 0x00, 0x80, {3, 0x00}, 50}));
+    k27C080));
 // clang-format on
 
 TEST(UvEprom, shortPulsesAddUpUntilTheLampErasesThem) {
@@ -124,6 +134,8 @@ TEST(UvEprom, shortPulsesAddUpUntilTheLampErasesThem) {
   EXPECT_EQ(rig.pulse(100), 0x05);  // bits go from 1 to 0 only
   EXPECT_TRUE(rig.board.eraseUnderLamp());
   EXPECT_EQ(rig.cell(0), 0xFF);
+  rig.board.insert(makeChip("27C080-otp"));
+  EXPECT_FALSE(rig.board.eraseUnderLamp());
 }
 
 TEST(UvEprom, verifiesWithVppOnAsItsFamilyDoes) {
@@ -185,6 +197,78 @@ TEST(UvEprom, linesThatMoveDuringAPulseAreFindings) {
   EXPECT_EQ(rig.count(FindingKind::addressMovedDuringPulse), 1U);
   EXPECT_EQ(rig.count(FindingKind::strobeLeftActive), 1U);
   EXPECT_EQ(rig.cell(3), 0x12);
+}
+
+using Widths = std::vector<std::int64_t>;
+
+Widths times(std::size_t count, std::int64_t widthUs, std::int64_t thenUs = 0) {
+  Widths widths(count, widthUs);
+  if (thenUs != 0) widths.push_back(thenUs);
+  return widths;
+}
+
+// What a part says to a series of pulses in us, after which the address moves on.
+struct JudgeCase {
+  ProgramCase part;
+  std::size_t pulsesNeeded;
+  Widths widthsUs;
+  std::string finding;
+};
+
+class PulseJudgement : public testing::TestWithParam<JudgeCase> {};
+
+TEST_P(PulseJudgement, findsWhatTheDataSheetForbids) {
+  const auto& [part, needed, widthsUs, finding] = GetParam();
+  ProgramRig rig(part, true);
+  rig.board.fitWeakCell(0, static_cast<std::uint32_t>(needed));
+  std::size_t refused = 0;
+  for (const std::int64_t width : widthsUs) refused += rig.pulse(width) == 0xFF ? 1U : 0U;
+  EXPECT_EQ(refused, std::min(needed - 1, widthsUs.size()));
+  rig.load(2, 0x01);
+  EXPECT_EQ(rig.found(), finding.empty() ? "" : part.type + (": program pulse " + finding));
+}
+
+// clang-format off
+const std::string k4ms = "to overprogram that is not of 4 ms times the pulses given";
+INSTANTIATE_TEST_SUITE_P(Parts, PulseJudgement, testing::Values(
+    JudgeCase{k2764,   1,  {1000, 4000}, ""},
+    JudgeCase{k2764,   1,  {1050, 950, 8400}, ""},
+    JudgeCase{k2764,   15, times(15, 1000, 60000), ""},
+    JudgeCase{k2764,   15, times(15, 1000, 63001), k4ms},
+    JudgeCase{k2764,   1,  {1000, 3799}, k4ms},
+    JudgeCase{k2764,   1,  {1000, 4201}, k4ms},
+    JudgeCase{k2764,   1,  {1000}, "to overprogram is missing"},
+    JudgeCase{k2764,   1,  {1000, 949, 8000}, "shorter than 950 us"},
+    JudgeCase{k2764,   1,  {1051, 4000}, "longer than 1.05 ms"},
+    JudgeCase{k2764,   99, times(15, 1000), ""},  // refused them all: given up
+    JudgeCase{k2764,   99, times(16, 1000), "after the greatest number of 15"},
+    JudgeCase{k2764,   1,  {1000, 4000, 1000, 4000}, ""},
+    JudgeCase{k27256,  25, times(25, 1000, 78750), ""},
+    JudgeCase{k27C64,  25, times(25, 100), ""},
+    JudgeCase{k27C64,  26, times(26, 100), "after the greatest number of 25"},
+    JudgeCase{k27C64,  1,  {100, 94}, "shorter than 95 us"},
+    JudgeCase{k27C64,  1,  {106}, "longer than 105 us"},
+    JudgeCase{k27C080, 25, times(25, 52), ""},
+    JudgeCase{k27C080, 1,  {50, 47}, "shorter than 47.5 us"},
+    JudgeCase{k27C080, 1,  {53}, "longer than 52.5 us"},
+    JudgeCase{k2732,   1,  {55000}, ""},
+    JudgeCase{k2732,   1,  {44999}, "shorter than 45 ms"},
+    JudgeCase{k2732,   1,  {55001}, "longer than 55 ms"},
+    JudgeCase{k2732,   1,  {50000, 50000}, "after the greatest number of 1"}));
+// clang-format on
+
+TEST(PulseJudgement, countsThePulsesOfAByteThroughVisitsElsewhereUntilTheRunEnds) {
+  for (const auto& [withoutVppUs, findings] : {std::pair{490'000, 1U}, {500'000, 0U}}) {
+    ProgramRig rig(k2732, true);
+    rig.pulse(50'000);
+    rig.load(2, 0x01);
+    rig.pulse(50'000);
+    rig.load({{2, 0x00}, {0, 0x43}});
+    rig.waitUs(withoutVppUs);
+    rig.load(0, 0xC3);
+    rig.pulse(50'000);
+    EXPECT_EQ(rig.count(FindingKind::tooManyPulses), findings);
+  }
 }
 
 }  // namespace
