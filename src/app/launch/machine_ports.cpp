@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <utility>
 
+#include "platform/file_attributes.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::launch {
@@ -30,6 +31,7 @@ MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaul
   if (options.trace.empty()) return;
   traceFile_.open(options.trace, std::ios::binary | std::ios::trunc);
   if (!traceFile_) throw FileError("write", options.trace.string(), errno);
+  giveToOwnerOfFolder(options.trace);
   trace_ = std::make_unique<ports::TracingPort>(interruptible_, interruptible_, traceFile_);
 }
 
