@@ -24,6 +24,8 @@ int refused(const std::exception& error, int status) {
 int main(int argc, char** argv) {
   // A reader of the log that goes away must not end the program with a voltage on.
   std::signal(SIGPIPE, SIG_IGN);
+  // Nor must a file that reaches the limit of its size (ulimit -f): that is an error of the write.
+  std::signal(SIGXFSZ, SIG_IGN);
   kestrel::ports::switchOffOnCrash();
   try {
     return run(argc, argv);

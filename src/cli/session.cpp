@@ -1,9 +1,9 @@
 #include "cli/session.h"
 
-#include <filesystem>
 #include <iostream>
 
 #include "cli/exit_status.h"
+#include "platform/file_names.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::cli {
@@ -14,9 +14,7 @@ constexpr const char* kNoBoardText =
     "run kestrel-cli detect; --simulate works without a board";
 
 /// The code file's full path, as a file dialog gives it.
-std::string fullPath(const std::string& name) {
-  return std::filesystem::absolute(name).lexically_normal().string();
-}
+std::string fullPath(const std::string& name) { return fullName(name).string(); }
 
 void tell(const std::string& text) {
   if (!text.empty()) std::cerr << "kestrel-cli: " << text << std::endl;

@@ -3,6 +3,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "platform/file_names.h"
+
 namespace kestrel {
 namespace {
 
@@ -25,7 +27,7 @@ int numberOf(int errorNumber) {
 }
 
 std::string textOf(const std::string& doing, const std::string& path, const std::string& reason) {
-  return "Cannot " + doing + " " + path + ": " + reason;
+  return "Cannot " + doing + " " + shownName(path) + ": " + reason;
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <filesystem>
 
@@ -85,6 +86,20 @@ TEST(ExitStatus, ofACommandThatNeedsABoardIs3WithoutOne) {
         work.run(std::string(command) + " --port 378=/dev/no1 --port 278=/dev/no2 --port 3BC=/no3");
     EXPECT_TRUE(run.status == 3 && run.told("Can't Locate Kestrel Board")) << command;
   }
+}
+
+TEST(ExitStatus, ofAFileBeyondTheLimitOfItsSizeIsAnErrorAndNoDeath) {
+  const Workplace work;
+  const pid_t process = ::fork();
+  if (process == 0) {
+    const rlimit limit{.rlim_cur = 16'384, .rlim_max = 16'384};
+    ::setrlimit(RLIMIT_FSIZE, &limit);
+    work.become("--simulate read -d 27C256 -o out.bin </dev/null >out.txt 2>err.txt");
+  }
+  const Outcome run = work.finish(process);
+  EXPECT_EQ(run.status, 2) << run.err;
+  EXPECT_TRUE(run.told("out.bin: File too large")) << run.err;
+  EXPECT_FALSE(std::filesystem::exists(work.path("out.bin")));
 }
 
 }  // namespace

@@ -1,8 +1,16 @@
 #include "app/launch/option_values.h"
 
 #include <gtest/gtest.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
 
 #include "app/launch/program_folders.h"
+#include "app/launch/separate_files.h"
 #include "support/temporary_folder.h"
 
 namespace kestrel {
@@ -59,6 +67,63 @@ TEST(ProgramFolders, everySimulatedBoardHasItsOwn) {
   options.home = user / "elsewhere";
   EXPECT_EQ(launch::programFolders(options).configuration, user / "elsewhere");
   EXPECT_TRUE(std::filesystem::exists(launch::programFolders({}).data / "sounds" / "init.wav"));
+}
+
+/// Where the files of this user are without XDG_CONFIG_HOME; "usage" when nobody knows.
+std::string configurationOf(uid_t user, const char* home) {
+  std::array<int, 2> answer{};
+  if (::pipe(answer.data()) != 0) return "no pipe";
+  if (::fork() == 0) {
+    ::unsetenv("XDG_CONFIG_HOME");
+    ::unsetenv("HOME");
+    if (home != nullptr) ::setenv("HOME", home, 1);
+    std::string found = "usage";
+    try {
+      if (::setuid(user) == 0) found = launch::programFolders({}).configuration;
+    } catch (const launch::UsageError&) {
+    }
+    ::_exit(::write(answer[1], found.data(), found.size()) > 0 ? 0 : 1);
+  }
+  ::close(answer[1]);
+  std::string told(4096, ' ');
+  told.resize(static_cast<std::size_t>(std::max<ssize_t>(::read(answer[0], told.data(), 4096), 0)));
+  ::close(answer[0]);
+  ::wait(nullptr);
+  return told;
+}
+
+TEST(ProgramFolders, areFoundWithoutHomeAndBelongToTheOwnerOfTheHome) {
+  const passwd* const nobody = ::getpwnam("nobody");
+  constexpr uid_t kSomeUser = 4711;
+  if (::geteuid() != 0 || nobody == nullptr || ::getpwuid(kSomeUser) != nullptr) {
+    GTEST_SKIP() << "needs a user with and one without a password entry";
+  }
+  for (const char* const unset : {static_cast<const char*>(nullptr), ""}) {
+    EXPECT_EQ(configurationOf(::getpwnam("nobody")->pw_uid, unset),
+              std::string(::getpwnam("nobody")->pw_dir) + "/.config/kestrel");
+    EXPECT_EQ(configurationOf(kSomeUser, unset), "usage");
+  }
+  const test::TemporaryFolder home;
+  ASSERT_EQ(::chown(home.path().c_str(), kSomeUser, kSomeUser), 0);
+  EXPECT_EQ(configurationOf(0, home.path().c_str()), home / ".config/kestrel");
+  for (const char* const made : {".config", ".config/kestrel"}) {
+    struct stat status {};
+    ASSERT_EQ(::stat((home / made).c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, kSomeUser) << "the superuser leaves " << made << " to the user";
+  }
+}
+
+TEST(FileOptions, thatNameOneFileAreRefused) {
+  const test::TemporaryFolder folder;
+  std::filesystem::create_symlink("chip.bin", folder / "link");
+  const auto check = [](std::initializer_list<launch::FileOption> files) {
+    launch::checkSeparate(files);
+  };
+  const std::filesystem::path chip = folder / "chip.bin";
+  EXPECT_NO_THROW(check({{"-i", chip}, {"-o", folder / "out.bin"}, {"--trace", ""}, {"--x", ""}}));
+  EXPECT_NO_THROW(check({{"-o", "/dev/null"}, {"--trace", "/dev/null"}}));
+  EXPECT_THROW(check({{"-i", folder / "in.bin"}, {"-o", folder / "link"}, {"--chip", chip}}),
+               launch::UsageError);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <cerrno>
 
 #include "app/launch/program_folders.h"
+#include "platform/file_attributes.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::launch {
@@ -38,6 +39,7 @@ std::ofstream openTrace(const LaunchOptions& options) {
   if (options.trace.empty()) return {};
   std::ofstream file(options.trace, std::ios::binary | std::ios::trunc);
   if (!file) throw FileError("write", options.trace.string(), errno);
+  giveToOwnerOfFolder(options.trace);
   return file;
 }
 

@@ -1,9 +1,16 @@
 #include "app/launch/program_folders.h"
 
-#include <array>
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <vector>
+
+#include "platform/file_attributes.h"
+#include "platform/file_names.h"
 
 namespace kestrel::launch {
 namespace {
@@ -15,10 +22,32 @@ fs::path environment(const char* name) {
   return value == nullptr ? fs::path{} : fs::path{value};
 }
 
+/// The home folder of the password entry, for a start without HOME (a service, "env -i").
+fs::path enteredHome() {
+  std::vector<char> text(16'384);
+  passwd entry{};
+  passwd* found = nullptr;
+  while (::getpwuid_r(::getuid(), &entry, text.data(), text.size(), &found) == ERANGE) {
+    text.resize(2 * text.size());
+  }
+  return found == nullptr ? fs::path{} : fs::path{found->pw_dir};
+}
+
+fs::path home() {
+  fs::path folder = environment("HOME");
+  if (folder.empty()) folder = enteredHome();
+  if (folder.empty()) {
+    throw UsageError(
+        "there is no home folder: HOME is not set and the user has no password entry; "
+        "--home FOLDER names one for the configuration");
+  }
+  return folder;
+}
+
 /// A relative XDG_CONFIG_HOME is invalid and ignored (freedesktop.org, base directories).
 fs::path userConfiguration() {
   const fs::path xdg = environment("XDG_CONFIG_HOME");
-  return xdg.is_absolute() ? xdg : environment("HOME") / ".config";
+  return xdg.is_absolute() ? xdg : home() / ".config";
 }
 
 std::string simulatedName(const LaunchOptions& options) {
@@ -57,12 +86,19 @@ fs::path dataFolder() {
   return installed;
 }
 
+/// Each folder that is made belongs to the owner of the one above it.
+void createFolders(const fs::path& folder) {
+  std::error_code ignored;
+  if (folder.empty() || fs::exists(folder, ignored)) return;
+  createFolders(folder.parent_path());
+  if (fs::create_directory(folder, ignored)) giveToOwnerOfFolder(folder);
+}
+
 }  // namespace
 
 Folders programFolders(const LaunchOptions& options) {
   Folders folders{.configuration = configurationFolder(options), .data = dataFolder()};
-  std::error_code ignored;
-  fs::create_directories(folders.configuration, ignored);
+  createFolders(folders.configuration);
   return folders;
 }
 

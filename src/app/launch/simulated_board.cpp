@@ -5,12 +5,19 @@
 #include <stdexcept>
 
 #include "platform/atomic_file.h"
+#include "platform/file_names.h"
 #include "simulator/chip_factory.h"
 
 namespace kestrel::launch {
 namespace {
 
 constexpr std::size_t kAnyChipFile = 16 << 20;  // far beyond every chip: the size is judged below
+
+/// A file that cannot be looked at (a loop of links, a closed folder) counts: reading it tells why.
+bool isThere(const std::filesystem::path& file) {
+  std::error_code ignored;
+  return std::filesystem::status(file, ignored).type() != std::filesystem::file_type::not_found;
+}
 
 bool isSet(const LaunchOptions& options, Fault::Kind kind) {
   return std::ranges::find(options.faults, kind, &Fault::kind) != options.faults.end();
@@ -30,11 +37,11 @@ void SimulatedBoard::insertChip(const LaunchOptions& options, std::string_view d
   auto chip = sim::makeChip(options.chip ? options.chip->type : defaultChip);
   if (chip && options.chip && !options.chip->file.empty()) {
     chipFile_ = options.chip->file;
-    if (std::filesystem::exists(chipFile_)) {
+    if (isThere(chipFile_)) {
       const std::size_t size = chip->contents().size();
       fileContents_ = readWholeFile(chipFile_, kAnyChipFile);
       if (fileContents_.size() != size) {
-        throw UsageError("--chip: " + chipFile_.string() + " holds " +
+        throw UsageError("--chip: " + shownName(chipFile_.string()) + " holds " +
                          std::to_string(fileContents_.size()) + " bytes, a " + chip->typeName() +
                          " has " + std::to_string(size));
       }

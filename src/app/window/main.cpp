@@ -88,6 +88,8 @@ bool hasDisplay(int argc, char** argv) {
 int main(int argc, char** argv) {
   // A reader of the messages that goes away must not end the program with a voltage on.
   std::signal(SIGPIPE, SIG_IGN);
+  // Nor must a file that reaches the limit of its size (ulimit -f): that is an error of the write.
+  std::signal(SIGXFSZ, SIG_IGN);
   kestrel::ports::switchOffOnCrash();
   if (!kestrel::window::hasDisplay(argc, argv)) {
     std::cerr << "kestrel: there is no display for the window; kestrel-cli does the same work.\n";

@@ -2,6 +2,7 @@
 
 #include <QSettings>
 
+#include "platform/file_attributes.h"
 #include "platform/settings_store.h"
 
 namespace kestrel::window {
@@ -12,6 +13,15 @@ class QtSettingsStore final : public SettingsStore {
   QtSettingsStore() : store_(QSettings::IniFormat, QSettings::UserScope, "kestrel", "kestrel") {}
   /// A file of its own, for tests.
   explicit QtSettingsStore(const QString& file) : store_(file, QSettings::IniFormat) {}
+
+  /// What the superuser's start in a user's home made on the way stays changeable for that user.
+  ~QtSettingsStore() override {
+    store_.sync();
+    const std::filesystem::path file = store_.fileName().toStdString();
+    giveToOwnerOfFolder(file.parent_path().parent_path());
+    giveToOwnerOfFolder(file.parent_path());
+    giveToOwnerOfFolder(file);
+  }
 
   [[nodiscard]] std::optional<std::string> value(const std::string& section,
                                                  const std::string& key) const override {
