@@ -9,6 +9,7 @@
 #include "app/state/text_format.h"
 #include "platform/atomic_file.h"
 #include "platform/runtime_error.h"
+#include "setups/setup_files.h"
 
 namespace kestrel::setups {
 namespace {
@@ -18,8 +19,6 @@ namespace fs = std::filesystem;
 constexpr std::size_t kSlotDigit = 7;   // of "KSSetup1.INI"
 constexpr std::size_t kNameStart = 12;  // behind "SetupName = "
 constexpr const char* kRule = ">>>>>>>>>>>>";
-
-std::string fileNameOf(std::size_t slot) { return "KSSetup" + std::to_string(slot) + ".INI"; }
 
 const char* wordOf(bool value) { return value ? "True" : "False"; }
 
@@ -59,16 +58,8 @@ void NamedSetups::SaveSetup_Click(std::size_t slot) { SaveSetupRot(fileNameOf(sl
 
 void NamedSetups::LoadSetup_Click(std::size_t slot) { RestoreSetup(fileNameOf(slot)); }
 
-// The look-up ignores case, so that a slot never has two files.
 fs::path NamedSetups::pathOf(const std::string& fileName) const {
-  fs::path exact = folders_.working / fileName;
-  std::error_code error;
-  if (fs::exists(exact, error)) return exact;
-  for (const fs::directory_entry& entry : fs::directory_iterator(folders_.working, error)) {
-    const std::string name = entry.path().filename().string();
-    if (upperCase(name) == upperCase(fileName)) return entry.path();
-  }
-  return exact;
+  return setups::pathOf(folders_.working, fileName);
 }
 
 std::string NamedSetups::setupText(const std::string& name) const {
