@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/launch/version.h"
 #include "cli/commands.h"
 
 namespace kestrel::cli {
@@ -194,7 +195,7 @@ void checkCommand(const Arguments& a) {
 std::optional<Arguments> readArguments(int argc, const char* const* argv) {
   Arguments a;
   CLI::App app("Read and program memory chips on KESTREL-4, -5 and -6 boards.", "kestrel-cli");
-  app.set_version_flag("--version", "kestrel-cli " KESTREL_VERSION);
+  app.set_version_flag("--version", std::string("kestrel-cli ") + launch::kVersion);
   app.allow_extras()->require_subcommand(0, 1);
   addWork(app, a);
   addMachine(app, a.launch);

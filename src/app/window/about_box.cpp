@@ -8,6 +8,8 @@
 #include <QStandardPaths>
 #include <QVBoxLayout>
 
+#include "app/launch/version.h"
+
 namespace kestrel::window {
 
 QStringList systemInformationTool() {
@@ -36,9 +38,10 @@ AboutBox::AboutBox(QWidget* parent) : QDialog(parent) {
   picture->setAlignment(Qt::AlignCenter);
   auto* const about = new QLabel(this);
   about->setAlignment(Qt::AlignCenter);
-  about->setText("<h2>Kestrel</h2><p>Version " KESTREL_VERSION
-                 "</p><p>Control program for the chip programmers<br>"
-                 "KESTREL-4, KESTREL-5 and KESTREL-6</p>");
+  about->setText(QString("<h2>Kestrel</h2><p>Version %1</p>"
+                         "<p>Control program for the chip programmers<br>"
+                         "KESTREL-4, KESTREL-5 and KESTREL-6</p>")
+                     .arg(launch::kVersion));
   about->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
   auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
   connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);

@@ -5,6 +5,7 @@
 #include <iostream>
 
 #include "app/launch/program.h"
+#include "app/launch/version.h"
 #include "app/window/arguments.h"
 #include "app/window/board_panel.h"
 #include "app/window/main_window.h"
@@ -97,7 +98,7 @@ int main(int argc, char** argv) {
   }
   const QApplication application(argc, argv);
   QApplication::setApplicationName("kestrel");
-  QApplication::setApplicationVersion(KESTREL_VERSION);
+  QApplication::setApplicationVersion(kestrel::launch::kVersion);
   QApplication::setDesktopFileName("kestrel");
   QApplication::setWindowIcon(QIcon(":/icons/kestrel.svg"));
   try {
