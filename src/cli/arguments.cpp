@@ -2,20 +2,21 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <functional>
 #include <iostream>
 #include <limits>
+#include <sstream>
 #include <string_view>
 #include <vector>
 
+#include "app/launch/machine_options.h"
 #include "app/launch/version.h"
 #include "cli/commands.h"
 
 namespace kestrel::cli {
 namespace {
-
-using Use = std::function<void(const std::string&)>;
 
 [[noreturn]] void refuse(std::string_view option, const std::string& text,
                          std::string_view remedy) {
@@ -65,90 +66,105 @@ const std::string& setupName(const std::string& text) {
   return text;
 }
 
-void addOption(CLI::App& app, const std::string& name, const char* type, const char* text,
-               const Use& use) {
-  app.add_option_function<std::string>(name, use, text)->type_name(type);
+constexpr std::int32_t kMostPages = std::numeric_limits<std::int32_t>::max();
+
+/// An option of the work itself. Each command names those that it uses.
+struct WorkOption {
+  const char* name;
+  const char* value;  ///< what stands for the value in the help; empty: a flag
+  const char* help;
+  void (*set)(Arguments&, const std::string& text);
+};
+
+// clang-format off
+constexpr std::array<WorkOption, 12> kWorkOptions{{
+    {"-d", "NAME", "device: its name, a word of it, or a fitting part",
+     [](auto& a, const auto& text) { a.device = named("-d", text); }},
+    {"-i", "FILE", "code file to load",
+     [](auto& a, const auto& text) { a.codeFile = named("-i", text); }},
+    {"-o", "FILE", "file to save the buffer to after the command",
+     [](auto& a, const auto& text) { a.saveFile = named("-o", text); }},
+    {"--setup", "N", "load setup slot N (1 to 4)",
+     [](auto& a, const auto& text) { a.setup = slot("--setup", text); }},
+    {"--speed", "1..20", "program speed",
+     [](auto& a, const auto& text) { a.speed = number("--speed", text, 1, 20, "is no program speed; use 1 (slow) to 20 (fast)"); }},
+    {"--vpp", "12.5|21|25", "programming voltage",
+     [](auto& a, const auto& text) { a.voltage = voltageButton(text); }},
+    {"--lane", "all|odd|even", "bytes of the buffer to program and verify",
+     [](auto& a, const auto& text) { a.lane = laneButton(text); }},
+    {"--blank-check", "", "check that it is blank before programming",
+     [](auto& a, const auto&) { a.blankCheck = true; }},
+    {"--verify", "", "verify after programming",
+     [](auto& a, const auto&) { a.verify = true; }},
+    {"--page", "N", "with display: page of 256 bytes, from 0",
+     [](auto& a, const auto& text) { a.page = number("--page", text, 0, kMostPages, "is no page; use 0 or more"); }},
+    {"--show", "", "with read: print the first page of the buffer",
+     [](auto& a, const auto&) { a.show = true; }},
+    {"--names", "", "with devices: one short name a line, no more",
+     [](auto& a, const auto&) { a.names = true; }},
+}};
+// clang-format on
+
+CLI::Option& addFlag(CLI::App& app, const char* name, const char* help,
+                     const std::function<void()>& use) {
+  return *app.add_flag_callback(name, use, help);
 }
 
-void addRepeatable(CLI::App& app, const std::string& name, const char* type, const char* text,
-                   const Use& use) {
-  const auto each = [use](const std::vector<std::string>& texts) {
-    std::ranges::for_each(texts, use);
-  };
-  app.add_option_function<std::vector<std::string>>(name, each, text)
-      ->type_name(type)
-      ->allow_extra_args(false);
+/// CLI11 collects the values of an option into one call.
+CLI::Option& addOption(CLI::App& app, const char* name, const char* value, const char* help,
+                       const std::function<void(const std::vector<std::string>&)>& use) {
+  return *app.add_option_function<std::vector<std::string>>(name, use, help)
+              ->option_text(value)
+              ->allow_extra_args(false);
 }
 
 void addWork(CLI::App& app, Arguments& a) {
-  addOption(app, "-d", "NAME", "device: its name, a whole word of it, or a part that fits one",
-            [&a](const auto& text) { a.device = named("-d", text); });
-  addOption(app, "-i", "FILE", "code file to load",
-            [&a](const auto& text) { a.codeFile = named("-i", text); });
-  addOption(app, "-o", "FILE", "file to save the buffer to after the command",
-            [&a](const auto& text) { a.saveFile = named("-o", text); });
-  addOption(app, "--setup", "N", "load setup slot N (1 to 4)",
-            [&a](const auto& text) { a.setup = slot("--setup", text); });
-  addOption(app, "--speed", "1..20", "program speed", [&a](const auto& text) {
-    a.speed = number("--speed", text, 1, 20, "is no program speed; use 1 (slow) to 20 (fast)");
-  });
-  addOption(app, "--vpp", "12.5|21|25", "programming voltage",
-            [&a](const auto& text) { a.voltage = voltageButton(text); });
-  addOption(app, "--lane", "all|odd|even", "bytes of the buffer to program and verify",
-            [&a](const auto& text) { a.lane = laneButton(text); });
-  app.add_flag("--blank-check", a.blankCheck, "check that the device is blank before programming");
-  app.add_flag("--verify", a.verify, "verify after programming");
-  addOption(app, "--page", "N", "page of 256 bytes for display, from 0", [&a](const auto& text) {
-    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-    a.page = number("--page", text, 0, kMost, "is no page; use 0 or more");
-  });
-  app.add_flag("--show", a.show, "with read: print the first page of the buffer");
-  app.add_flag("--yes", a.yes, "answer questions with OK");
-  app.add_flag("--quiet", a.quiet, "print no log");
+  for (const WorkOption& option : kWorkOptions) {
+    if (*option.value == '\0') {
+      addFlag(app, option.name, option.help, [&] { option.set(a, {}); });
+      continue;
+    }
+    addOption(app, option.name, option.value, option.help, [&](const auto& texts) {
+      launch::refuseSecond(option.name, texts);
+      option.set(a, texts.front());
+    });
+  }
+  app.add_flag("-y,--yes", a.yes, "answer questions with OK");
+  app.add_flag("-q,--quiet", a.quiet, "print no log");
 }
 
 void addMachine(CLI::App& app, launch::LaunchOptions& launch) {
-  addRepeatable(app, "--port", "BASE=DEVICE", "parallel port device for the address BASE",
-                [&](const auto& text) { launch.ports.push_back(launch::parsePort(text)); });
-  addOption(app, "--home", "DIR", "folder of kestrel6.ini",
-            [&](const auto& text) { launch.home = named("--home", text); });
-  addOption(app, "--trace", "FILE", "write every port access and wait to FILE",
-            [&](const auto& text) { launch.trace = named("--trace", text); });
-  addOption(app, "--count-ns", "N", "length of a delay-loop count in nanoseconds (25)",
-            [&](const auto& text) { launch.countNs = launch::parseCountNs(text); });
-}
-
-void addSimulation(CLI::App& app, launch::LaunchOptions& launch) {
-  app.add_flag("--simulate", launch.simulate, "work on a simulated board");
-  addOption(app, "--model", "4|5|6", "its model (5)",
-            [&](const auto& text) { launch.model = launch::parseModel(text); });
-  addOption(app, "--lpt", "378|278|3BC", "its port (378)",
-            [&](const auto& text) { launch.lpt = launch::parseLpt(text); });
-  addOption(app, "--chip", "TYPE[=FILE]", "the chip in its socket; FILE holds its contents",
-            [&](const auto& text) { launch.chip = launch::parseChip(text); });
-  addOption(app, "--board-vpp", "12.5|21|25", "voltage set by hand on a simulated model 4",
-            [&](const auto& text) { launch.boardVppMillivolts = launch::parseBoardVpp(text); });
-  addRepeatable(app, "--fault", "FAULT", "weak:ADDR, stuck:BIT, unplug:N or empty; repeatable",
-                [&](const auto& text) { launch.faults.push_back(launch::parseFault(text)); });
-}
-
-void arrangeHelp(CLI::App& app) {
-  app.get_formatter()->label("OPTIONS", "options");
-  app.get_formatter()->label("SUBCOMMAND", "COMMAND");
-  app.get_formatter()->label("Subcommands", "Commands");
-  for (const char* const name :
-       {"--simulate", "--model", "--lpt", "--chip", "--board-vpp", "--fault"}) {
-    app.get_option(name)->group("Simulated board");
-  }
-  for (const char* const name : {"--port", "--home", "--trace", "--count-ns"}) {
-    app.get_option(name)->group("Machine");
+  for (const launch::MachineOption& option : launch::machineOptions()) {
+    const auto use = [&](const auto& texts) { launch::setOption(option, texts, launch); };
+    CLI::Option& added =
+        *option.value == '\0'
+            ? addFlag(app, option.name, option.help, [use] { use(std::vector<std::string>(1)); })
+            : addOption(app, option.name, option.value, option.help, use);
+    const bool isSimulation = option.group == launch::MachineOption::Group::SimulatedBoard;
+    added.group(isSimulation ? "Simulated board" : "Machine");
   }
 }
+
+/// Shows what a command wants behind its name.
+class HelpFormatter final : public CLI::Formatter {
+ public:
+  HelpFormatter() {
+    label("OPTIONS", "options");
+    label("SUBCOMMAND", "COMMAND");
+  }
+  std::string make_subcommand(const CLI::App* command) const override {
+    std::string words = command->get_name();
+    for (const CLI::Option* const value : command->get_options()) words += " " + value->get_name();
+    std::ostringstream line;
+    CLI::detail::format_help(line, words, command->get_description(), get_column_width());
+    return line.str();
+  }
+};
 
 void addCommands(CLI::App& app, Arguments& a) {
   for (const Command& command : commands()) {
     CLI::App* const sub = app.add_subcommand(command.name, command.help);
-    sub->fallthrough()->allow_extras()->set_help_flag();
+    sub->group("Commands")->fallthrough()->allow_extras()->set_help_flag();
     sub->callback([&a, name = command.name] { a.command = name; });
     if (sub->get_name() != "save-setup") continue;
     sub->add_option_function<std::string>(
@@ -181,12 +197,30 @@ void refuseExtras(const CLI::App& app, const Arguments& a) {
   if (a.command.empty()) throw launch::UsageError("no command; use one of " + commandList());
 }
 
-void checkCommand(const Arguments& a) {
-  if (a.page && a.command != "display") {
-    throw launch::UsageError("--page is for the command display; leave it out");
+bool uses(const Command& command, std::string_view option) {
+  const std::string words = " " + std::string(command.options) + " ";
+  return words.find(" " + std::string(option) + " ") != std::string::npos;
+}
+
+/// "the command display", "the commands read, verify and program".
+std::string usersOf(std::string_view option) {
+  std::vector<std::string> names;
+  for (const Command& command : commands()) {
+    if (uses(command, option)) names.emplace_back(command.name);
   }
-  if (a.show && a.command != "read") {
-    throw launch::UsageError("--show is for the command read; leave it out");
+  std::string list = names.front();
+  for (std::size_t i = 1; i < names.size(); ++i) {
+    list += (i + 1 == names.size() ? " and " : ", ") + names[i];
+  }
+  return (names.size() == 1 ? "the command " : "the commands ") + list;
+}
+
+void refuseUnused(const CLI::App& app, const Arguments& a) {
+  const Command& command = commandNamed(a.command);
+  for (const WorkOption& option : kWorkOptions) {
+    if (app.count(option.name) == 0 || uses(command, option.name)) continue;
+    throw launch::UsageError(std::string(option.name) + " is for " + usersOf(option.name) +
+                             "; leave it out");
   }
 }
 
@@ -195,12 +229,13 @@ void checkCommand(const Arguments& a) {
 std::optional<Arguments> readArguments(int argc, const char* const* argv) {
   Arguments a;
   CLI::App app("Read and program memory chips on KESTREL-4, -5 and -6 boards.", "kestrel-cli");
-  app.set_version_flag("--version", std::string("kestrel-cli ") + launch::kVersion);
+  app.formatter(std::make_shared<HelpFormatter>());
+  app.set_help_flag("-h,--help", "print this help");
+  app.set_version_flag("--version", std::string("kestrel-cli ") + launch::kVersion,
+                       "print the version");
   app.allow_extras()->require_subcommand(0, 1);
   addWork(app, a);
   addMachine(app, a.launch);
-  addSimulation(app, a.launch);
-  arrangeHelp(app);
   addCommands(app, a);
   try {
     app.parse(argc, argv);
@@ -221,7 +256,7 @@ std::optional<Arguments> readArguments(int argc, const char* const* argv) {
     throw launch::UsageError(error.what());
   }
   refuseExtras(app, a);
-  checkCommand(a);
+  refuseUnused(app, a);
   launch::checkTogether(a.launch);
   return a;
 }

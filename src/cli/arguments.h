@@ -25,6 +25,7 @@ struct Arguments {
   bool blankCheck = false;
   bool verify = false;
   bool show = false;
+  bool names = false;  ///< of devices: short names alone
   bool yes = false;
   bool quiet = false;
 

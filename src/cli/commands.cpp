@@ -72,18 +72,21 @@ void saveSetup(Session& s) {
   }
 }
 
+// -i counts for read, blank check and erase as well: the length of the file decides how much of a
+// chip they cover.
 // clang-format off
-constexpr std::array<Command, 10> kCommands{{
-    {.name = "devices", .help = "list the devices", .press = nullptr, .alone = listDevices},
-    {.name = "detect", .help = "run the hardware test", .press = detect, .needsBoard = false, .testsHardware = true},
-    {.name = "read", .help = "read the device into the buffer; -o saves it", .press = read},
-    {.name = "blank", .help = "check that the device is erased", .press = blank},
-    {.name = "verify", .help = "compare the device with -i FILE", .press = verify},
-    {.name = "program", .help = "program -i FILE into the device", .press = program},
-    {.name = "erase", .help = "erase the chip (EEPROMs)", .press = erase},
-    {.name = "display", .help = "print a page of the chip", .press = display},
-    {.name = "save-setup", .help = "save the options in setup slot N", .press = saveSetup, .needsBoard = false},
-    {.name = "safe", .help = "switch the board's voltages off", .press = nullptr, .alone = switchOff},
+constexpr std::array<Command, 11> kCommands{{
+    {.name = "devices", .help = "list the devices, or tell about the one of -d", .options = "-d --names", .press = nullptr, .alone = listDevices},
+    {.name = "detect", .help = "run the hardware test", .options = "-d --setup --speed", .press = detect, .needsBoard = false, .testsHardware = true},
+    {.name = "read", .help = "read the device into the buffer; -o saves it", .options = "-d -i -o --setup --speed --show", .press = read},
+    {.name = "blank", .help = "check that the device is erased", .options = "-d -i --setup --speed", .press = blank},
+    {.name = "verify", .help = "compare the device with -i FILE", .options = "-d -i -o --setup --speed --lane", .press = verify},
+    {.name = "program", .help = "program -i FILE into the device", .options = "-d -i -o --setup --speed --vpp --lane --blank-check --verify", .press = program},
+    {.name = "erase", .help = "erase the chip (EEPROMs)", .options = "-d -i --setup --speed", .press = erase},
+    {.name = "display", .help = "print a page of the chip", .options = "-d -i --setup --speed --page", .press = display},
+    {.name = "setups", .help = "list the four setups of this folder", .options = "", .press = nullptr, .alone = listSetups},
+    {.name = "save-setup", .help = "save the options as setup N (1 to 4)", .options = "-d -i --setup --speed --vpp --lane --blank-check --verify", .press = saveSetup, .needsBoard = false},
+    {.name = "safe", .help = "switch the board's voltages off", .options = "", .press = nullptr, .alone = switchOff},
 }};
 // clang-format on
 
@@ -119,9 +122,12 @@ int runAtForm(const Arguments& a, const Command& command) {
 
 std::span<const Command> commands() { return kCommands; }
 
+const Command& commandNamed(std::string_view name) {
+  return *std::ranges::find_if(kCommands, [&](const Command& c) { return c.name == name; });
+}
+
 int runCommand(const Arguments& arguments) {
-  const auto named = [&](const Command& command) { return command.name == arguments.command; };
-  const Command& command = *std::ranges::find_if(kCommands, named);
+  const Command& command = commandNamed(arguments.command);
   return command.alone != nullptr ? command.alone(arguments) : runAtForm(arguments, command);
 }
 

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <span>
+#include <string_view>
 
 #include "cli/arguments.h"
 
@@ -13,6 +14,7 @@ class Session;
 struct Command {
   const char* name;
   const char* help;
+  const char* options;                       ///< of those for the work: the ones that it uses
   void (*press)(Session&);                   ///< what a person presses at the form; or:
   int (*alone)(const Arguments&) = nullptr;  ///< done without the form, returns the exit status
   bool needsBoard = true;                    ///< ends before its first step when no board is ready
@@ -21,6 +23,9 @@ struct Command {
 
 /// All commands, in the order of the manual.
 [[nodiscard]] std::span<const Command> commands();
+
+/// The command of this name, which is one of them.
+[[nodiscard]] const Command& commandNamed(std::string_view name);
 
 /// Does what the command line asks for and returns the exit status. Throws UsageError, and
 /// FileError for a chip or trace file.

@@ -17,6 +17,7 @@ namespace kestrel::cli {
 namespace {
 
 using Device = DeviceCatalogue::Device;
+using DeviceRow = decltype(ProgrammerState::DeviceTable)::value_type;
 using Fits = bool (*)(const std::string& name, const std::string& text);
 
 std::vector<std::string> wordsOf(const std::string& name) {
@@ -85,19 +86,59 @@ std::string voltagesOf(const std::string& vppClass) {
   return vppClass == "2" ? "12.5, 21 V" : "12.5, 21, 25 V";
 }
 
+/// The word with the first digit.
+std::string numberOf(const std::string& name) {
+  for (const std::string& word : wordsOf(name)) {
+    if (word.find_first_of("0123456789") != std::string::npos) return word;
+  }
+  return name;
+}
+
+struct Kind {
+  std::string_view code;  ///< family letter, and sub-code where it matters
+  const char* text;
+  int pins;
+};
+
+// The first whose code the family's begins with.
+// clang-format off
+constexpr std::array<Kind, 9> kKinds{{
+    {"P1", "UV EPROM",                      24},
+    {"P2", "UV EPROM",                      28},
+    {"P3", "UV EPROM",                      28},
+    {"P4", "UV EPROM",                      28},
+    {"P5", "UV EPROM",                      28},
+    {"P",  "UV EPROM",                      32},
+    {"E",  "EEPROM, written page by page",  28},
+    {"S",  "serial EEPROM",                  8},
+    {"",   "not offered",                    0},
+}};
+// clang-format on
+
+const Kind& kindOf(std::string_view code) {
+  return *std::ranges::find_if(kKinds, [&](const Kind& k) { return code.starts_with(k.code); });
+}
+
+Device deviceOf(std::int32_t position, const DeviceRow& row) {
+  const std::string name(trimmed(row[devices::kNameColumn]));
+  const std::string code = row[devices::kLetterColumn] + row[devices::kSubCodeColumn];
+  return {.position = position,
+          .name = name,
+          .shortName = numberOf(name),
+          .family = std::string(kindOf(code).text) + " (" + code + ")",
+          .isOffered = row[devices::kListedColumn] == "Y",
+          .sizeKB = std::stoi(row[devices::kSizeKBColumn]),
+          .pins = kindOf(code).pins,
+          .voltages = voltagesOf(row[devices::kVppClassColumn])};
+}
+
 }  // namespace
 
 DeviceCatalogue::DeviceCatalogue() {
   const auto state = std::make_unique<ProgrammerState>();
   devices::BuildDeviceTable(*state, *state);
   for (std::int32_t position = 0; const auto& row : state->DeviceTable) {
-    if (!row[devices::kNameColumn].empty()) {
-      devices_.push_back({.position = position,
-                          .name = std::string(trimmed(row[devices::kNameColumn])),
-                          .isOffered = row[devices::kListedColumn] == "Y",
-                          .sizeKB = std::stoi(row[devices::kSizeKBColumn]),
-                          .voltages = voltagesOf(row[devices::kVppClassColumn])});
-    }
+    if (!row[devices::kNameColumn].empty()) devices_.push_back(deviceOf(position, row));
     ++position;
   }
 }
@@ -135,6 +176,21 @@ void DeviceCatalogue::print(std::ostream& out) const {
         << (device.isOffered ? "" : devices::kNotAvailable) + device.name << std::right
         << std::setw(5) << device.sizeKB << " KB   " << device.voltages << '\n';
   }
+}
+
+void DeviceCatalogue::printNames(std::ostream& out) const {
+  for (const Device& device : devices_) {
+    if (device.isOffered) out << device.shortName << '\n';
+  }
+}
+
+void DeviceCatalogue::print(const Device& device, std::ostream& out) {
+  constexpr int kBytesPerKB = 1024;
+  out << device.name << '\n'
+      << "Family:    " << device.family << '\n'
+      << "Size:      " << device.sizeKB * kBytesPerKB << " bytes\n"
+      << "Package:   " << device.pins << " pins\n"
+      << "Voltages:  " << device.voltages << '\n';
 }
 
 }  // namespace kestrel::cli

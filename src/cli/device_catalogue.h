@@ -14,8 +14,11 @@ class DeviceCatalogue {
   struct Device {
     std::int32_t position = 0;  ///< in the list, which is the row of the table
     std::string name;           ///< without trailing blanks
+    std::string shortName;      ///< the word of it that is the chip's number, such as 27C256
+    std::string family;         ///< what it is, and the code of its routines
     bool isOffered = false;
     int sizeKB = 0;
+    int pins = 0;
     std::string voltages;  ///< that it may be programmed with
   };
 
@@ -30,6 +33,12 @@ class DeviceCatalogue {
 
   /// One device a line.
   void print(std::ostream& out) const;
+
+  /// The short names of those that are offered, one a line; find() takes each of them.
+  void printNames(std::ostream& out) const;
+
+  /// All that is known of one device, an item a line.
+  static void print(const Device& device, std::ostream& out);
 
  private:
   [[noreturn]] void refuse(std::string_view text) const;

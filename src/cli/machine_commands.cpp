@@ -1,5 +1,7 @@
 #include "cli/machine_commands.h"
 
+#include <algorithm>
+#include <iomanip>
 #include <iostream>
 #include <utility>
 
@@ -12,6 +14,8 @@
 #include "hardware/ports/safe_off.h"
 #include "hardware/ports/system_calls.h"
 #include "hardware/ports/tracing_port.h"
+#include "platform/runtime_error.h"
+#include "setups/setup_files.h"
 
 namespace kestrel::cli {
 namespace {
@@ -52,11 +56,49 @@ int switchOffReal(const Arguments& arguments) {
   return kNoBoard;
 }
 
+/// Name, device and file of a setup; a position that is no device has none.
+void printSetup(const setups::SetupSummary& setup, const DeviceCatalogue& catalogue) {
+  const auto isMeant = [&](const auto& d) { return d.position == setup.devicePosition; };
+  const auto device = std::ranges::find_if(catalogue.devices(), isMeant);
+  const bool isKnown = device != catalogue.devices().end();
+  std::cout << std::left << std::setw(24) << setup.name << "  " << std::setw(28)
+            << (isKnown ? device->name : "no device") << "  "
+            << (setup.codeFile.empty() ? "no file" : setup.codeFile) << '\n';
+}
+
 }  // namespace
 
-int listDevices(const Arguments& /*arguments*/) {
-  DeviceCatalogue().print(std::cout);
+int listDevices(const Arguments& arguments) {
+  const DeviceCatalogue catalogue;
+  if (arguments.device) {
+    DeviceCatalogue::print(catalogue.find(*arguments.device), std::cout);
+  } else if (arguments.names) {
+    catalogue.printNames(std::cout);
+  } else {
+    catalogue.print(std::cout);
+  }
   return kDone;
+}
+
+int listSetups(const Arguments& /*arguments*/) {
+  const DeviceCatalogue catalogue;
+  int status = kDone;
+  for (std::size_t slot = 1; slot <= setups::kSlots; ++slot) {
+    std::cout << slot << "  ";
+    try {
+      const setups::SetupSummary setup = setups::summaryOf(".", slot);
+      if (setup.isThere) {
+        printSetup(setup, catalogue);
+      } else {
+        std::cout << "empty\n";
+      }
+    } catch (const FileError& error) {
+      std::cout << "cannot be read\n" << std::flush;
+      std::cerr << "kestrel-cli: " << error.what() << '\n';
+      status = kBadUsage;
+    }
+  }
+  return status;
 }
 
 int switchOff(const Arguments& arguments) {

@@ -52,12 +52,12 @@ TEST(Read, savesEveryPackageByteForByte) {
 TEST(Program, thenVerifyInAnotherRunByTheChipsFile) {
   const Workplace work;
   work.put("rom.bin", mostlyErased(8192, 0x1FF0, "sixteen bytes..."));
-  const std::string chip = " -d 2764 --vpp 21 --chip 2764=chip.bin -i rom.bin";
+  const std::string chip = " -d 2764 --chip 2764=chip.bin -i rom.bin";
   const auto endsWith = [&](const std::string& words, int status, const std::string& message) {
     const Outcome run = work.simulate(words + chip);
     EXPECT_TRUE(run.status == status && run.logged(message)) << words << run.err << run.out;
   };
-  endsWith("program --yes --blank-check --verify", 0,
+  endsWith("program --yes --vpp 21 --blank-check --verify", 0,
            "Device Contents MATCHES with Buffer Contents");
   EXPECT_EQ(work.text("chip.bin"), work.text("rom.bin"));
   endsWith("verify", 0, "Device Contents MATCHES with Buffer Contents");
@@ -104,6 +104,9 @@ TEST(Setup, isSavedUnderItsNameAndLoadedByALaterRun) {
   const Outcome save =
       work.simulate("save-setup 2 'ROM set A' -d 2764 -i rom.bin --speed 12 --lane odd --verify");
   EXPECT_TRUE(save.logged("Setup Saved as KSSetup2.INI, named:ROM set A")) << save.err;
+  const Outcome list = work.run("setups");
+  EXPECT_TRUE(list.status == 0 && list.told("1  empty\n2  ROM set A ")) << list.out;
+  EXPECT_TRUE(list.told(" Eprom 2764 ") && list.told(work.path("rom.bin") + "\n")) << list.out;
   const Outcome load = work.simulate("--setup 2 read --chip 2764 --speed 7");
   const std::string log = load.log();
   const std::size_t device = log.find("Device Eprom 2764 was Selected\n");

@@ -24,6 +24,13 @@ const Ending kAtOnce[] = {
     {"read --speed 21", 2, "1 (slow) to 20"},
     {"save-setup 1 'a\nsFILE = b'", 2, "one line"},
     {"read --model 6", 2, "add --simulate"},
+    {"read --simulate --lpt 378 --lpt 278", 2, "--lpt is given twice"},
+    {"read --vpp 21", 2, "--vpp is for the commands program and save-setup; leave it out"},
+    {"display --show", 2, "--show is for the command read; leave it out"},
+    {"devices -d 24c16", 0,
+     "Eeprom 24C16 Serial (8 pins)\nFamily:    serial EEPROM (SB)\n"
+     "Size:      2048 bytes\nPackage:   8 pins\nVoltages:  5 V\n"},
+    {"setups", 2, "KSSetup3.INI"},
     {"read --simulate -d 2764 --chip 2764=short.bin", 2, "8191 bytes"},
     {"read --simulate -d 2764 --trace no/such/t.txt", 2, "no/such/t.txt"},
     {"read --simulate -d 273", 2, "Eprom 2732B\""},
@@ -39,17 +46,17 @@ const Ending kAfterStartUp[] = {
     {"read -d 24C16 --fault empty", 1, "Device 24CXX DOES NOT RESPOND - ACK Error"},
     {"display -d 24C16", 1, "serial EEPROM"},
     {"program -d 2764 -i rom.bin", 1, "--yes answers OK"},
-    {"display --quiet -d 2764 --chip 2764=page.bin --page 31", 0,
+    {"display -q -d 2764 --chip 2764=page.bin --page 31", 0,
      "001F00| 6120627B 7D7EFFFF FFFFFFFF FFFFFFFF | a b............."},
     {"erase -d 28C256 --speed 12", 0, "Program Speed Slider set to: 12"},
     {"program --yes -d 2764 -i rom.bin --count-ns 1", 1, "*** Programming Failure ***"},
     {"erase -d 2764", 2, "erase: an EPROM is erased under the lamp"},
     {"read", 2, "read: no device is selected; add -d NAME"},
-    {"read -d 27C256 --vpp 21", 2, "does not take 21 V (offered: 12.5 V)"},
+    {"program -d 27C256 -i rom.bin --vpp 21", 2, "does not take 21 V (offered: 12.5 V)"},
     {"blank -d 24C16", 2, "a serial EEPROM has no blank check"},
     {"read --setup 2", 2, "KSSetup2.INI"},
     {"save-setup 3 x", 2, "KSSetup3.INI"},
-    {"program --yes -d 2764 -i missing.bin", 2, "missing.bin"},
+    {"program -y -d 2764 -i missing.bin", 2, "missing.bin"},
     {"program --yes -d 2764 -i folder", 2, "Can't Open Code File"},
     {"program --yes -d 2764 -i huge.bin", 2, "huge.bin"},
     {"read -d 2764 -o folder", 2, "folder"},
@@ -75,6 +82,14 @@ TEST(ExitStatus, tellsHowTheRunEndedAndTheReasonIsTold) {
     EXPECT_EQ(run.log(), "") << ending.words;
   }
   for (const Ending& ending : kAfterStartUp) check(ending, work.simulate(ending.words));
+}
+
+TEST(Help, showsTheCommandsWithWhatTheyWantWithin80Columns) {
+  const Workplace work;
+  const Outcome run = work.run("--help");
+  EXPECT_TRUE(run.told("\nCommands:\n") && run.told("\n  save-setup N NAME  ")) << run.out;
+  std::istringstream lines(run.out);
+  for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 80U) << line;
 }
 
 // Three devices that are not there keep a real port of the test machine out of it.

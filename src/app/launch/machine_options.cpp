@@ -1,0 +1,54 @@
+#include "app/launch/machine_options.h"
+
+#include <array>
+
+namespace kestrel::launch {
+namespace {
+
+using Group = MachineOption::Group;
+
+std::string named(const char* option, const std::string& text) {
+  if (text.empty()) throw UsageError(std::string(option) + " is empty; give it a name");
+  return text;
+}
+
+// clang-format off
+constexpr std::array<MachineOption, 10> kMachineOptions{{
+    {.name = "--port", .value = "BASE=DEVICE", .help = "parallel port for 378, 278 or 3BC; repeatable", .isRepeatable = true,
+     .set = [](auto& o, const auto& text) { o.ports.push_back(parsePort(text)); }},
+    {.name = "--home", .value = "DIR", .help = "folder of kestrel6.ini",
+     .set = [](auto& o, const auto& text) { o.home = named("--home", text); }},
+    {.name = "--trace", .value = "FILE", .help = "write every port access and wait to FILE",
+     .set = [](auto& o, const auto& text) { o.trace = named("--trace", text); }},
+    {.name = "--count-ns", .value = "N", .help = "length of a delay-loop count in nanoseconds (25)",
+     .set = [](auto& o, const auto& text) { o.countNs = parseCountNs(text); }},
+    {.name = "--simulate", .value = "", .help = "work on a simulated board", .group = Group::SimulatedBoard,
+     .set = [](auto& o, const auto&) { o.simulate = true; }},
+    {.name = "--model", .value = "4|5|6", .help = "model of the simulated board (5)", .group = Group::SimulatedBoard,
+     .set = [](auto& o, const auto& text) { o.model = parseModel(text); }},
+    {.name = "--lpt", .value = "378|278|3BC", .help = "port of the simulated board (378)", .group = Group::SimulatedBoard,
+     .set = [](auto& o, const auto& text) { o.lpt = parseLpt(text); }},
+    {.name = "--chip", .value = "TYPE[=FILE]", .help = "chip in its socket; FILE holds its contents", .group = Group::SimulatedBoard,
+     .set = [](auto& o, const auto& text) { o.chip = parseChip(text); }},
+    {.name = "--board-vpp", .value = "12.5|21|25", .help = "voltage set by hand on a simulated model 4", .group = Group::SimulatedBoard,
+     .set = [](auto& o, const auto& text) { o.boardVppMillivolts = parseBoardVpp(text); }},
+    {.name = "--fault", .value = "FAULT", .help = "weak:ADDR, stuck:BIT, unplug:N, empty; repeatable", .group = Group::SimulatedBoard, .isRepeatable = true,
+     .set = [](auto& o, const auto& text) { o.faults.push_back(parseFault(text)); }},
+}};
+// clang-format on
+
+}  // namespace
+
+std::span<const MachineOption> machineOptions() { return kMachineOptions; }
+
+void refuseSecond(const char* option, const std::vector<std::string>& values) {
+  if (values.size() > 1) throw UsageError(std::string(option) + " is given twice; give it once");
+}
+
+void setOption(const MachineOption& option, const std::vector<std::string>& values,
+               LaunchOptions& options) {
+  if (!option.isRepeatable) refuseSecond(option.name, values);
+  for (const std::string& value : values) option.set(options, value);
+}
+
+}  // namespace kestrel::launch
