@@ -1,20 +1,14 @@
-# Completion of kestrel-cli for bash. The device names are asked of the program itself.
-
-# One word for each available device, such as 27C256: the first word of its name with a digit in it.
-_kestrel_cli_devices() {
-  "$1" devices 2>/dev/null |
-    awk '/N\/A/ { next }
-         { for (i = 1; i <= NF; ++i) if ($i ~ /^[A-Z]*[0-9]+[A-Z]+[0-9]*[A-Z]?$|^27[0-9]+$/) { print $i; next } }'
-}
+# Completion of kestrel-cli for bash. The device names, without those that are not offered,
+# are asked of the program itself.
 
 _kestrel_cli() {
   local program=${COMP_WORDS[0]}
   local current=${COMP_WORDS[COMP_CWORD]}
   local previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local commands="devices detect read blank verify program erase display save-setup safe"
+  local commands="devices detect read blank verify program erase display setups save-setup safe"
   local options="-d -i -o --simulate --model --lpt --chip --board-vpp --fault --port --setup --speed
-    --vpp --lane --blank-check --verify --page --show --trace --home --count-ns --yes --quiet
-    --version --help"
+    --vpp --lane --blank-check --verify --page --show --names --trace --home --count-ns -y --yes
+    -q --quiet --version -h --help"
   COMPREPLY=()
 
   # "--chip 27C256=FILE" and "--port 378=DEVICE" reach this function split at the equals sign.
@@ -23,7 +17,7 @@ _kestrel_cli() {
   fi
   case $previous in
     -d | --chip)
-      mapfile -t COMPREPLY < <(compgen -W "$(_kestrel_cli_devices "$program")" -- "${current^^}")
+      mapfile -t COMPREPLY < <(compgen -W "$("$program" devices --names 2>/dev/null)" -- "${current^^}")
       return ;;
     -i | -o | --trace | =)
       compopt -o filenames
