@@ -1,19 +1,26 @@
 #!/usr/bin/env python3
-"""Checks the files beside the programs: python3 data/check_data.py
+"""Checks the files beside the programs: python3 data/check_data.py [--cli PROGRAM] [--window PROGRAM]
 
 Finds what no compiler sees: a help page that is not listed, a link into nowhere, an icon without its
-dark twin, a sound that grew too long, generated files that do not match their script. Prints each
-fault and returns 1 if there is one. Needs the standard library alone.
+dark twin, a sound that grew too long, generated files that do not match their script, a message of
+the program that the manual does not explain. With the programs built, also: a device or an option
+that manual, man pages or completion leave out, or still have. Prints each fault and returns 1 if
+there is one. Needs the standard library alone.
 """
 
+import argparse
+import html
+import os
 import pathlib
+import re
 import subprocess
 import sys
 import tempfile
 import wave
 import xml.etree.ElementTree as xml
 
-DATA = pathlib.Path(__file__).parent
+DATA = pathlib.Path(__file__).resolve().parent
+SOURCE = DATA.parent / "src"
 SOUNDS = ("done", "error", "init", "ok", "slide")
 ICONS = (
   "blank-check", "display", "erase-buffer", "erase-chip", "help", "open-code", "open-data",
@@ -95,8 +102,137 @@ def generated_faults():
         yield f"{path.name}: differs from what its script makes"
 
 
+# Where no text is a message of the program at its log or in a box.
+NO_MESSAGES = (
+  "app/launch/",  # wrong options: told at once, with what would be right
+  "cli/",  # the same
+  "simulator/",  # findings, explained by their panel
+  "app/state/controls",  # captions: the pages of the window
+  "devices/",  # names
+  "display/exports.cpp",  # the heads of two files: formats.html
+  "hardware/hardware_config.cpp",  # the text of a file: formats.html
+  "hardware/ports/lpt_filter.cpp",  # a fault of the program itself
+  "hardware/ports/port_choice.cpp",  # the option --port
+)
+LITERAL = r'"(?:[^"\\\n]|\\.)*"'
+
+
+def plain(text):
+  """With single blanks, and what C++ or HTML writes for a character as that character."""
+  text = html.unescape(text).replace("\\n", " ").replace("\\r", " ").replace('\\"', '"')
+  return " ".join(text.replace("\u00a0", " ").split())
+
+
+def literals(code):
+  """The texts of a C++ file, neighbours joined as the compiler joins them."""
+  code = re.sub(r"^\s*#.*$|//.*$", "", code, flags=re.MULTILINE)
+  for run in re.findall(rf"{LITERAL}(?:\s*{LITERAL})*", code):
+    yield plain("".join(part[1:-1] for part in re.findall(LITERAL, run)))
+
+
+def messages():
+  """File and text of each literal of two words or more that the program may log or show."""
+  for path in sorted([*SOURCE.rglob("*.cpp"), *SOURCE.rglob("*.h")]):
+    name = path.relative_to(SOURCE).as_posix()
+    if name.startswith(NO_MESSAGES):
+      continue
+    code = path.read_text(encoding="utf-8")
+    if name.startswith("app/window/"):  # full of captions: its boxes alone
+      code = "\n".join(re.findall(r"QMessageBox::[a-z]+\([^;]*;", code))
+    for text in literals(code):
+      if re.search(r"[A-Za-z]{2}\S* (?:\S* )*\S*[A-Za-z]{2}", text):
+        yield name, text
+
+
+def message_faults():
+  page = (DATA / "help/messages.html").read_text(encoding="utf-8")
+  known = plain(re.sub(r"<[^>]*>", " ", page))
+  found = list(messages())
+  if len(found) < 100:
+    yield f"only {len(found)} messages found in {SOURCE}: look at how they are searched for"
+  for name, text in found:
+    # Where a value is put in, the words on both sides count; where a filter is given, its name.
+    for part in re.split(r"%\d|\|\*", text):
+      if part.strip() not in known:
+        yield f"messages.html: lacks '{text}' of src/{name}"
+
+
+def printed(program, *words):
+  environment = {**os.environ, "QT_QPA_PLATFORM": "offscreen"}
+  return subprocess.run([program, *words], check=True, capture_output=True, text=True,
+                        env=environment).stdout
+
+
+def options_of(program):
+  """Those that --help lists, such as -d or --vpp."""
+  rows = re.findall(r"^  (-[^\s,]+(?:, ?-[^\s,]+)?)", printed(program, "--help"), flags=re.MULTILINE)
+  return {name for row in rows for name in re.split(r", ?", row)}
+
+
+def differences(where, present, wanted):
+  for name in sorted(set(wanted) - set(present)):
+    yield f"{where}: lacks {name}"
+  for name in sorted(set(present) - set(wanted)):
+    yield f"{where}: has {name}, which the program has not"
+
+
+def man_faults(program, page):
+  text = (DATA / "man" / page).read_text(encoding="utf-8")
+  items = re.findall(r"^\.It (Fl .*)$", text, flags=re.MULTILINE)
+  names = {"-" + name for item in items for name in re.findall(r"\bFl (-?[a-z-]+)", item)}
+  yield from differences(page, names, options_of(program))
+
+
+def device_faults(program):
+  """devices.html names each device with its size and voltages, or as not available."""
+  page = xml.parse(DATA / "help/devices.html").getroot()
+  told = set()
+  for row in page.iter("tr"):
+    names, size, voltages = (["|".join(cell.itertext()) for cell in row] + [""] * 3)[:3]
+    told |= {(name.strip(), size, voltages) for name in names.split("|")}
+  told |= {("N/A - " + item.text, "", "") for item in page.iter("li")}
+  told.discard(("Device", "Size", "Voltage buttons"))
+  listed = set()
+  for line in printed(program, "devices").splitlines():
+    name, size, voltages = re.fullmatch(r"(.*?) +(\d+) KB +(.*)", line).groups()
+    offered = (name, f"{int(size) * 1024:,}", voltages)
+    listed.add((name, "", "") if name.startswith("N/A") else offered)
+  yield from differences("devices.html", map(" | ".join, told), map(" | ".join, listed))
+
+
+def command_line_faults(program):
+  """Page, man page and completion have the options and commands that the program has."""
+  options = options_of(program)
+  section = printed(program, "--help").split("\nCommands:\n")[1]
+  commands = set(re.findall(r"^  ([a-z-]+)", section, flags=re.MULTILINE))
+  page = (DATA / "help/command-line.html").read_text(encoding="utf-8")
+  rows = "".join(re.findall(r"<tr><td>.*?</td>", page))
+  told = set(re.findall(r"<code>(-[a-z-]+)", rows))
+  yield from differences("command-line.html", told, options)
+  manual = (DATA / "man/kestrel-cli.1").read_text(encoding="utf-8")
+  for command in sorted(commands):
+    if f"<td><code>{command}" not in page:
+      yield f"command-line.html: lacks {command}"
+    if f".It Cm {command}" not in manual:
+      yield f"kestrel-cli.1: lacks {command}"
+  completion = (DATA / "completion/kestrel-cli.bash").read_text(encoding="utf-8")
+  words = {name: set(re.search(rf'{name}="([^"]*)"', completion)[1].split())
+           for name in ("options", "commands")}
+  yield from differences("kestrel-cli.bash", words["options"], options)
+  yield from differences("kestrel-cli.bash", words["commands"], commands)
+
+
 def main():
-  faults = [*help_faults(), *icon_faults(), *sound_faults(), *generated_faults()]
+  parser = argparse.ArgumentParser()
+  parser.add_argument("--cli", help="kestrel-cli as built")
+  parser.add_argument("--window", help="kestrel as built")
+  programs = parser.parse_args()
+  faults = [*help_faults(), *icon_faults(), *sound_faults(), *generated_faults(), *message_faults()]
+  if programs.cli:
+    faults += [*man_faults(programs.cli, "kestrel-cli.1"), *device_faults(programs.cli),
+               *command_line_faults(programs.cli)]
+  if programs.window:
+    faults += man_faults(programs.window, "kestrel.1")
   for fault in faults:
     print(fault)
   return 1 if faults else 0
