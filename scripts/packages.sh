@@ -4,6 +4,7 @@
 build_packages="g++ cmake ninja-build libcli11-dev"
 window_packages="qt6-base-dev qt6-multimedia-dev libqt6svg6 libgl-dev fonts-dejavu-core"
 test_packages="libgtest-dev libgmock-dev python3 clang"
+lint_packages="clang-format clang-tidy python3"
 measure_packages="libbenchmark-dev"
 
 # install_missing NAME... : apt-get install of those that are not there yet.
