@@ -9,6 +9,7 @@
 #include "app/launch/program_folders.h"
 #include "app/window/board_panel.h"
 #include "app/window/help_window.h"
+#include "app/window/readable_style.h"
 #include "window/window_rig.h"
 
 namespace kestrel::test {
@@ -30,7 +31,7 @@ struct Scene : WindowRig {
                       {"Settings/MainTop", "0"},
                       {"Settings/MainWidth", "19200"},
                       {"Settings/MainHeight", "11700"}};
-    window.addSidePanel(*new window::SimulatedBoardPanel(*ports.simulated(), gate, &window),
+    window.addSidePanel(*new window::SimulatedBoardPanel(*ports.simulated(), gate, input, &window),
                         "Simulated board");
     start();
     ports.simulated()->startUpDone();
@@ -137,7 +138,7 @@ int main(int argc, char** argv) {
       {"programmed", programmed}, {"alert", alert},       {"running", running},
       {"voltage", highVoltage},   {"long", longTexts},    {"help", help}};
   const QApplication application(argc, argv);
-  QApplication::setStyle(QStyleFactory::create("Fusion"));
+  QApplication::setStyle(new kestrel::window::ReadableStyle(QStyleFactory::create("Fusion")));
   QApplication::setQuitOnLastWindowClosed(false);
   const QStringList arguments = QApplication::arguments();
   if (arguments.size() < 3) {

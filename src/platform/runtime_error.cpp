@@ -1,7 +1,7 @@
 #include "platform/runtime_error.h"
 
 #include <cerrno>
-#include <system_error>
+#include <cstring>
 
 #include "platform/file_names.h"
 
@@ -32,9 +32,13 @@ std::string textOf(const std::string& doing, const std::string& path, const std:
 
 }  // namespace
 
+std::string errorText(int errorNumber) {
+  const char* const text = strerrordesc_np(errorNumber);  // strerror would follow LC_MESSAGES
+  return text != nullptr ? text : "Unknown error " + std::to_string(errorNumber);
+}
+
 FileError::FileError(const std::string& doing, const std::string& path, int errorNumber)
-    : RuntimeError(numberOf(errorNumber),
-                   textOf(doing, path, std::generic_category().message(errorNumber))) {}
+    : RuntimeError(numberOf(errorNumber), textOf(doing, path, errorText(errorNumber))) {}
 
 FileError::FileError(const std::string& doing, const std::string& path, const std::string& reason)
     : RuntimeError(kPathAccessError, textOf(doing, path, reason)) {}

@@ -31,6 +31,9 @@ inline constexpr int kDeviceUnavailableError = 68;
 inline constexpr int kPermissionDeniedError = 70;
 inline constexpr int kPathAccessError = 75;
 
+/// What an errno value means, in English whatever the locale: log lines and scripts read it.
+[[nodiscard]] std::string errorText(int errorNumber);
+
 /// A file operation that failed. The text names the file and the reason.
 class FileError : public RuntimeError {
  public:

@@ -5,6 +5,7 @@
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QSlider>
+#include <QToolTip>
 #include <QWheelEvent>
 
 #include "window/window_rig.h"
@@ -28,17 +29,50 @@ TEST(DeviceList, findsWhatIsTypedAnywhereInAName) {
   rig.turn();
   device.hidePopup();
   EXPECT_EQ(rig.logText(), "") << "wheel and arrows select nothing";
-  QTest::keyClicks(device.lineEdit(), "c51");
+  rig.select("c51");
   EXPECT_EQ(device.completer()->completionCount(), 1);
-  QTest::keyClick(&device, Qt::Key_Return);
-  rig.turn();
   EXPECT_EQ(rig.form.state().DeviceName, "Eprom 27C512");
   EXPECT_EQ(device.currentIndex(), 13);
   rig.select("AT90S2313");
   EXPECT_EQ(device.currentIndex(), -1) << "the form rejects what is not available";
-  rig.select("nothing like it");
-  EXPECT_EQ(device.currentText(), "");
-  EXPECT_EQ(rig.form.state().DeviceName, "Eprom 27C512");
+  EXPECT_EQ(device.currentText(), "Eprom 27C512") << "what is still in force";
+}
+
+TEST(DeviceList, takesTheExactNameAndWhatIsPrintedOnTheChip) {
+  StartedRig rig;
+  for (const auto& [typed, device] : {std::pair("2732", "Eprom 2732"),
+                                      {"2732a", "Eprom 2732A"},
+                                      {"M27C256B-12F1", "Eprom 27C256"},
+                                      {"AM27C010", "Eprom 27C010"},
+                                      {"AT28C256-15PC", "Eeprom XICOR X28C256"}}) {
+    rig.select(typed);
+    EXPECT_EQ(rig.form.state().DeviceName, device) << typed;
+  }
+  QTest::keyClicks(&rig.find("Device"), "2764");
+  EXPECT_EQ(rig.find<QComboBox>("Device").currentText(), "2764") << "all of the name was selected";
+}
+
+TEST(DeviceList, aTypedNameTurnsTheCommandsOffUntilItIsChosenOrGone) {
+  StartedRig rig("2732A");
+  auto& device = rig.find<QComboBox>("Device");
+  const auto ink = [&] { return device.lineEdit()->palette().color(QPalette::Text); };
+  const QColor usual = ink();
+  const auto expectCommands = [&](bool on) {
+    EXPECT_EQ(rig.find("Read_button").isEnabled(), on);
+    EXPECT_EQ(rig.find<QMenu>("mnuDevice").menuAction()->isEnabled(), on);
+    EXPECT_EQ(ink() == usual, on);
+  };
+  QTest::keyClicks(&device, "nothing like it");
+  QTest::keyClick(&device, Qt::Key_Return);
+  rig.turn();
+  EXPECT_EQ(device.currentText(), "nothing like it") << "to be put right";
+  expectCommands(false);
+  rig.activate();
+  QTest::mouseClick(rig.window.centralWidget(), Qt::LeftButton);
+  rig.turn();
+  EXPECT_EQ(device.currentText().trimmed(), "Eprom 2732A");
+  expectCommands(true);
+  EXPECT_FALSE(rig.logged("Read"));
 }
 
 TEST(Menus, anEntryDoesWhatItsButtonDoes) {
@@ -98,6 +132,9 @@ TEST(Options, theGroupsShowWhatTheControlsAreAndKeepTheirWidth) {
 TEST(Speed, dragAndWheelAreOneChangeEach) {
   StartedRig rig;
   auto& slider = rig.find<QSlider>("Slider1");
+  turnWheel(slider, -120);
+  EXPECT_EQ(slider.value(), 18) << "passed over without the focus";
+  slider.setFocus();
   for (int notch = 0; notch < 3; ++notch) turnWheel(slider, -120);
   ASSERT_TRUE(QTest::qWaitFor([&] { return rig.controls().Slider1.value() == 15; }, 2000));
   rig.turn();
@@ -128,6 +165,37 @@ TEST(Display, opensASecondWindowAndADoubleClickWritesTheFiles) {
   EXPECT_THAT(readWholeTextFile(rig.folder / "KESTREL.LOG"), testing::HasSubstr("27C256"));
 }
 
+TEST(Keys, aStepNumberOnlySetsTheFocus) {
+  StartedRig rig("27C256");
+  rig.click("HiLow_button(1)");
+  const QString before = rig.logText();
+  for (const auto& [key, focused] : {std::pair(Qt::Key_4, "Read_button"),
+                                     {Qt::Key_3, "HiLow_button(0)"},
+                                     {Qt::Key_2, "openCodeFile"},
+                                     {Qt::Key_1, "Device"}}) {
+    QTest::keyClick(&rig.window, key, Qt::AltModifier);
+    QTest::qWait(150);  // a click by a label is animated
+    EXPECT_TRUE(rig.find(focused).hasFocus()) << focused;
+  }
+  EXPECT_EQ(rig.logText(), before);
+  EXPECT_TRUE(rig.controls().HiLow_button[1].value());
+}
+
+TEST(Tips, ofADisabledButtonSayWhatIsMissing) {
+  StartedRig rig;
+  const auto tipOf = [&](const char* name) {
+    QWidget& widget = rig.find(name);
+    QHelpEvent asks(QEvent::ToolTip, widget.rect().center(), QCursor::pos());
+    QApplication::sendEvent(&widget, &asks);
+    return QToolTip::text().toStdString();
+  };
+  EXPECT_EQ(tipOf("Read_button"), "Select a device first.");
+  EXPECT_THAT(tipOf("Program_button"), testing::HasSubstr("Open a file or read a chip"));
+  rig.select("27C256");
+  EXPECT_THAT(tipOf("EraseFlash_button"), testing::HasSubstr("ultraviolet"));
+  EXPECT_EQ(tipOf("Read_button"), "Read the device into the buffer");
+}
+
 TEST(Log, followsTheNewestLineUnlessOneHasScrolledUp) {
   StartedRig rig;
   auto& bar = *rig.find<QPlainTextEdit>("SystemLog").verticalScrollBar();
@@ -144,6 +212,22 @@ TEST(Log, followsTheNewestLineUnlessOneHasScrolledUp) {
   bar.setValue(bar.maximum());
   write(50);
   EXPECT_EQ(bar.value(), bar.maximum());
+}
+
+TEST(Log, isFoundInSavedAndCleared) {
+  StartedRig rig("27C256");
+  QTest::keyClick(&rig.window, Qt::Key_F, Qt::ControlModifier);
+  auto& wanted = rig.find<QLineEdit>("logWanted");
+  QTest::keyClicks(&wanted, "was selected");
+  QTest::keyClick(&wanted, Qt::Key_Return);
+  const auto& log = rig.find<QPlainTextEdit>("SystemLog");
+  EXPECT_EQ(log.textCursor().selectedText(), "was Selected");
+  const std::string file = (rig.folder / "mine.txt").string();
+  const WithDialog save = choosing(file);
+  rig.click("logSave");
+  EXPECT_EQ(readWholeTextFile(file), rig.controls().SystemLog.text());
+  rig.click("logClear");
+  EXPECT_EQ(rig.logText(), "");
 }
 
 }  // namespace

@@ -1,10 +1,14 @@
 #include <gmock/gmock.h>
 
 #include <QDragEnterEvent>
+#include <QMenuBar>
 #include <QMimeData>
 #include <QWindow>
 #include <csignal>
 
+#include "app/window/board_panel.h"
+#include "app/window/file_names.h"
+#include "app/window/screen_place.h"
 #include "app/window/signal_end.h"
 #include "window/window_rig.h"
 
@@ -33,17 +37,71 @@ TEST(Running, stopAndEscapeEndTheCommand) {
   EXPECT_EQ(rig.read([&] { QTest::keyClick(&rig.window, Qt::Key_Escape); }), Ending::Stopped);
 }
 
-TEST(Running, aHeldClickWaitsForTheEndAndLandsWhereItWasMade) {
+TEST(Running, whatIsPressedMeanwhileIsDroppedAndLooksOff) {
   LargeChip rig;
   QWidget& box = rig.find("VerifyAfterProgramming");
-  const auto ticked = [&] { return rig.controls().VerifyAfterProgramming.isTicked(); };
+  bool looksOff = false;
   rig.read([&] {
     const QPoint place = box.mapTo(&rig.window, QPoint(8, box.height() / 2));
     QTest::mouseClick(rig.window.windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
-    QTest::mouseMove(rig.window.windowHandle(), QPoint(300, 10));
+    QTimer::singleShot(200, &rig.window, [&] {
+      looksOff = !box.isEnabled() && !rig.find("Blank_button").isEnabled() &&
+                 !rig.window.menuBar()->isEnabled() && rig.find("Stop").isEnabled();
+    });
   });
-  EXPECT_FALSE(ticked());
-  EXPECT_TRUE(QTest::qWaitFor(ticked, 1000));
+  rig.turn();
+  EXPECT_FALSE(rig.controls().VerifyAfterProgramming.isTicked());
+  EXPECT_TRUE(looksOff);
+  EXPECT_TRUE(box.isEnabled() && rig.window.menuBar()->isEnabled());
+}
+
+TEST(Running, theCableIsPulledAtOnce) {
+  LargeChip rig;
+  rig.board().loadChip(std::vector<std::uint8_t>(262'144, 0x11));
+  auto* const panel =
+      new window::SimulatedBoardPanel(*rig.ports.simulated(), rig.gate, rig.input, &rig.window);
+  rig.window.addSidePanel(*panel, "Simulated board");
+  rig.turn();
+  QWidget& plug = rig.find("plugBoard");
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, &look, [&] {
+    if (rig.controls().ProgressBar1.value() < 20) return;
+    look.stop();
+    const QPoint place = plug.mapTo(&rig.window, plug.rect().center());
+    QTest::mouseClick(rig.window.windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
+  });
+  look.start(1);
+  rig.read();
+  EXPECT_EQ(rig.form.state().CodeBuffer[0], 0x11);
+  EXPECT_EQ(rig.form.state().CodeBuffer[262'143], 0xFF) << "nothing drives the bus";
+}
+
+TEST(Running, twoQuickSpacesOnAFailingCommandEraseNothing) {
+  StartedRig rig("X28C256");
+  rig.openFile("zeros.bin", std::vector<std::uint8_t>(32768, 0));
+  rig.find("Verify_button").setFocus();
+  QTimer::singleShot(0, &rig.window,
+                     [&] { QTest::keyClick(rig.window.windowHandle(), Qt::Key_Space); });
+  QTest::keyClick(&rig.find("Verify_button"), Qt::Key_Space);
+  rig.activate();
+  EXPECT_TRUE(rig.find("Error_label").hasFocus());
+  EXPECT_FALSE(rig.logged("Eras"));
+  QTest::keyClick(&rig.find("Error_label"), Qt::Key_Space);
+  rig.turn();
+  EXPECT_TRUE(rig.logged("Error Alert was Turned Off"));
+  EXPECT_TRUE(rig.find("Verify_button").hasFocus());
+}
+
+TEST(Running, aScrollWhileAPageIsDrawnIsDoneAfterIt) {
+  LargeChip rig;
+  rig.click("Display_button");
+  auto& page = rig.find<QPlainTextEdit>("BufferDisplay");
+  page.setFocus();
+  QTimer::singleShot(0, &rig.window,
+                     [&] { QTest::keyClick(rig.window.windowHandle(), Qt::Key_End); });
+  QTest::keyClick(&page, Qt::Key_PageDown);
+  rig.turn();
+  EXPECT_EQ(rig.controls().VScroll1.value(), 1023);
 }
 
 TEST(Running, theWindowIsSeenToMoveOn) {
@@ -61,14 +119,31 @@ TEST(Running, theWindowIsSeenToMoveOn) {
   EXPECT_TRUE(percent.endsWith(" %")) << percent.toStdString();
 }
 
-TEST(Running, closingWaitsForTheEndOfTheCommand) {
-  LargeChip rig;
-  bool closedAtOnce = true;
-  EXPECT_EQ(rig.read([&] { closedAtOnce = rig.window.close(); }), Ending::Done);
-  EXPECT_FALSE(closedAtOnce);
-  EXPECT_TRUE(rig.window.isVisible());
-  rig.turn();
-  EXPECT_FALSE(rig.window.isVisible());
+TEST(Running, closingAsksWhetherToStopAndTheCommandGoesOnMeanwhile) {
+  const auto closing = [](const char* answer) {
+    return [answer](LargeChip& rig) {
+      EXPECT_FALSE(rig.window.close());
+      auto& question = rig.find<QMessageBox>("stopQuestion");
+      for (QAbstractButton* const button : question.buttons()) {
+        if (button->text().remove('&') != answer) continue;
+        const QPoint place = button->mapTo(&question, button->rect().center());
+        QTest::mouseClick(question.windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
+      }
+    };
+  };
+  LargeChip kept;
+  EXPECT_EQ(kept.read([&] { closing("Keep On")(kept); }), Outcome::Done);
+  kept.turn();
+  EXPECT_TRUE(kept.window.isVisible());
+  LargeChip unanswered;
+  EXPECT_EQ(unanswered.read([&] { unanswered.window.close(); }), Outcome::Done);
+  unanswered.turn();
+  EXPECT_TRUE(unanswered.window.isVisible());
+  EXPECT_EQ(unanswered.window.findChild<QMessageBox*>("stopQuestion"), nullptr);
+  LargeChip stopped;
+  EXPECT_EQ(stopped.read([&] { closing("Stop and Close")(stopped); }), Outcome::Stopped);
+  stopped.turn();
+  EXPECT_FALSE(stopped.window.isVisible());
 }
 
 TEST(Running, aSignalStopsTheCommandAndClosesTheWindow) {
@@ -111,6 +186,85 @@ TEST(Place, isRestoredAndSavedInTwips) {
   EXPECT_EQ(rig.settings.texts["Settings/MainTop"], "601") << "rounding must not move the window";
 }
 
+TEST(Place, comesUpWhollyOnAScreenWhateverWasStored) {
+  const QList<QRect> screens{{0, 30, 1024, 738}, {1024, 0, 1920, 1080}};
+  using window::placeOnScreen;
+  EXPECT_EQ(placeOnScreen({7, -20, 800, 600}, screens), QRect(7, 30, 800, 600));
+  EXPECT_EQ(placeOnScreen({1500, 900, 800, 600}, screens), QRect(1500, 480, 800, 600));
+  EXPECT_EQ(placeOnScreen({-9000, 9000, 32'767, 400}, screens), QRect(0, 368, 1024, 400));
+  WindowRig rig;
+  rig.settings.texts = {{"Settings/MainLeft", "491505"},
+                        {"Settings/MainTop", "-491505"},
+                        {"Settings/MainWidth", "491505"}};
+  rig.start();
+  EXPECT_TRUE(QRect(0, 0, 1920, 1080).contains(rig.window.frameGeometry()));
+  WindowRig small;
+  small.start();
+  small.window.resize(1, 1);
+  EXPECT_LE(small.window.width(), 1024);
+  EXPECT_LE(small.window.height(), 700);
+}
+
+TEST(Place, ofAMaximisedWindowIsItsNormalOne) {
+  WindowRig rig;
+  rig.settings.texts = {{"Settings/MainWidth", "18000"}, {"Settings/MainHeight", "12000"}};
+  rig.start();
+  rig.window.showMaximized();
+  QTest::qWait(300);
+  rig.window.close();
+  EXPECT_EQ(rig.settings.texts["Settings/MainWidth"], "18000");
+  EXPECT_EQ(rig.settings.texts["Window/Maximised"], "1");
+}
+
+TEST(Files, aReadDoesNotGoOverTheOpenFileUnasked) {
+  StartedRig rig("2764");
+  rig.openFile("mine.bin", {1, 2, 3});
+  rig.board().loadChip(std::vector<std::uint8_t>(8192, 0x5A));
+  rig.click("Read_button");
+  EXPECT_EQ(rig.window.windowTitle(), "read from chip[*] - Kestrel");
+  EXPECT_TRUE(rig.window.isWindowModified());
+  {
+    const WithDialog asked = pressing("Cancel");
+    rig.trigger("mnuFileSaveCode");
+    EXPECT_THAT(asked.said(), testing::HasSubstr("read from the chip"));
+  }
+  EXPECT_EQ(std::filesystem::file_size(rig.folder / "mine.bin"), 3U);
+  {
+    const WithDialog asked = pressing("Cancel");
+    EXPECT_FALSE(rig.window.close());
+    EXPECT_THAT(asked.said(), testing::HasSubstr("has not been saved"));
+  }
+  std::optional<WithDialog> told;
+  const WithDialog save([&](QDialog& dialog) {
+    const auto nowhere = QString::fromStdString((rig.folder / "missing" / "x.bin").string());
+    dialog.findChild<QLineEdit*>("fileNameEdit")->setText(nowhere);
+    dialog.accept();
+    told.emplace([](QDialog& box) { box.accept(); });
+  });
+  rig.trigger("mnuFileSaveCodeAs");
+  EXPECT_TRUE(rig.window.isWindowModified()) << "it could not be saved";
+  EXPECT_TRUE(window::RecentFiles(rig.settings).all().first().endsWith("mine.bin"));
+  const WithDialog overwrite = pressing("Overwrite");
+  rig.trigger("tbToolBar(2)");
+  EXPECT_EQ(readWholeTextFile(rig.folder / "mine.bin"), "ZZZ") << "as long as the file was";
+  EXPECT_EQ(rig.window.windowTitle(), "mine.bin - Kestrel");
+  EXPECT_TRUE(rig.window.close());
+}
+
+TEST(Files, aNameThatIsNoUtf8IsOpenedAndComesBack) {
+  StartedRig rig;
+  const std::string name = "r\xF6m\nA.bin";
+  writeFileAtomically(rig.folder / name, std::string_view("ABCD"));
+  rig.window.openCodeFile(rig.folder / name);
+  EXPECT_EQ(rig.form.state().CodeLength, 4);
+  const QString kept = window::RecentFiles(rig.settings).all().first();
+  EXPECT_EQ(window::fileOf(kept), rig.folder / name);
+  emit rig.find<QMenu>("mnuFile").aboutToShow();
+  EXPECT_FALSE(rig.find<QMenu>("recentFiles").actions().first()->text().contains('\n'));
+  writeFileAtomically(rig.folder / "r\xFCm\nA.bin", std::string_view("EFGH"));
+  EXPECT_FALSE(std::filesystem::exists(window::fileOf(kept))) << "two would fit";
+}
+
 TEST(Files, aFileDroppedOnTheWindowIsOpened) {
   StartedRig rig;
   writeFileAtomically(rig.folder / "dropped.bin", std::string_view("ABCD"));
@@ -122,6 +276,7 @@ TEST(Files, aFileDroppedOnTheWindowIsOpened) {
   EXPECT_TRUE(enter.isAccepted());
   QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
   QApplication::sendEvent(&rig.window, &drop);
+  EXPECT_FALSE(rig.displayed("41424344")) << "not inside the drop";
   rig.turn();
   EXPECT_TRUE(rig.displayed("41424344"));
 }

@@ -1,5 +1,10 @@
+#include <gmock/gmock.h>
+
 #include <QFileDialog>
 #include <QListWidget>
+#include <QPainter>
+#include <QStyleFactory>
+#include <QStyleOptionButton>
 #include <QTextBrowser>
 
 #include "app/launch/program_folders.h"
@@ -7,6 +12,7 @@
 #include "app/window/board_panel.h"
 #include "app/window/help_window.h"
 #include "app/window/qt_settings_store.h"
+#include "app/window/readable_style.h"
 #include "window/window_rig.h"
 
 namespace kestrel::test {
@@ -14,7 +20,8 @@ namespace {
 
 TEST(DialogBoxes, keepTheirFilterTheirDefaultAndAnAnswerGivenBeforehand) {
   window::Mirror mirror;
-  window::QtDialogs dialogs(mirror);
+  MemorySettings settings;
+  window::QtDialogs dialogs(mirror, settings);
   dialogs.answerNextOpen("/a/b.bin");
   EXPECT_EQ(dialogs.openFile("t", "f|*"), "/a/b.bin");
   QStringList patterns;
@@ -57,6 +64,58 @@ TEST(Help, theWindowShowsTheManualAndFollowsItsList) {
   EXPECT_EQ(list.count(), 0) << "every word has to be found";
 }
 
+TEST(Help, aPageLoadsNothingFromBesideTheManual) {
+  const TemporaryFolder folder;
+  std::filesystem::create_directories(folder / "help");
+  writeFileAtomically(folder / "secret.html", std::string_view("<p>secret</p>"));
+  writeFileAtomically(folder / "help" / "a.html", std::string_view("<p>page</p>"));
+  writeFileAtomically(folder / "help" / "book.hlp", std::string_view("a.html\tPage\n"));
+  window::HelpWindow window(folder / "help" / "book.hlp", nullptr);
+  window.open(HelpPage::Contents);
+  auto& page = *window.findChild<QTextBrowser*>("helpPage");
+  const QUrl secret = QUrl::fromLocalFile(QString::fromStdString(folder / "secret.html"));
+  page.setSource(secret);
+  EXPECT_TRUE(page.toPlainText().contains("page"));
+  EXPECT_FALSE(page.loadResource(QTextDocument::HtmlResource, QUrl("../secret.html")).isValid());
+  EXPECT_TRUE(page.loadResource(QTextDocument::HtmlResource, QUrl("a.html")).isValid());
+}
+
+TEST(Mirror, aBindingEndsWithItsWidget) {
+  window::Mirror mirror;
+  Controls controls;
+  controls.setListener(&mirror);
+  int shown = 0;
+  auto label = std::make_unique<QLabel>();
+  mirror.bind(controls.Frame3, *label, [&] { ++shown; });
+  controls.Frame3.setCaption("one");
+  mirror.refresh();
+  EXPECT_EQ(shown, 2) << "at once and after the change";
+  label.reset();
+  controls.Frame3.setCaption("two");
+  mirror.refresh();
+  EXPECT_EQ(shown, 2);
+}
+
+TEST(Style, anUntickedBoxIsSeenOnADarkGround) {
+  const auto contrast = [](QStyle& style) {
+    QStyleOptionButton box;
+    box.rect = QRect(0, 0, 16, 16);
+    box.palette = QPalette(QColor(0x2B, 0x2E, 0x33), QColor(0x2B, 0x2E, 0x33));
+    box.palette.setColor(QPalette::Base, QColor(0x1E, 0x20, 0x24));
+    box.state = QStyle::State_Enabled | QStyle::State_Off;
+    QImage image(16, 16, QImage::Format_RGB32);
+    image.fill(box.palette.color(QPalette::Window));
+    QPainter painter(&image);
+    style.drawPrimitive(QStyle::PE_IndicatorCheckBox, &box, &painter);
+    painter.end();
+    int lightest = 0;
+    for (int x = 0; x < 16; ++x) lightest = std::max(lightest, image.pixelColor(x, 8).lightness());
+    return lightest - box.palette.color(QPalette::Window).lightness();
+  };
+  window::ReadableStyle style(QStyleFactory::create("Fusion"));
+  EXPECT_GT(contrast(style), 60);
+}
+
 TEST(Arguments, areThoseOfTheCommandLine) {
   const window::Arguments read =
       window::readArguments({"kestrel", "--simulate", "--model", "4", "--chip", "2764=x.bin",
@@ -64,12 +123,12 @@ TEST(Arguments, areThoseOfTheCommandLine) {
   EXPECT_EQ(read.launch.model, sim::Model::kestrel4);
   EXPECT_EQ(read.launch.chip->file, "x.bin");
   EXPECT_EQ(read.launch.faults.size(), 2U);
-  EXPECT_EQ(read.codeFile, "rom.bin");
+  EXPECT_EQ(read.codeFile, std::filesystem::current_path() / "rom.bin");
   EXPECT_THROW((void)window::readArguments({"kestrel", "--nonsense"}), launch::UsageError);
 }
 
-struct BoardPanelRig : StartedRig {
-  BoardPanelRig() : panel(*program.simulated(), form.runner(), nullptr) { panel.show(); }
+struct BenchRig : StartedRig {
+  BenchRig() : panel(*ports.simulated(), gate, input, nullptr) { panel.show(); }
   template <typename T>
   T& part(const char* name) {
     return *panel.findChild<T*>(name);
@@ -99,6 +158,25 @@ TEST(SimulatedBoardPanel, chipsGoInAreErasedAndComeOut) {
   EXPECT_EQ(rig.board().chip()->contents()[0], 0xFF);
   rig.press("takeOut");
   EXPECT_EQ(rig.board().chip(), nullptr);
+}
+
+TEST(SimulatedBoardPanel, aChipThatCannotBeKeptIsOfferedAnotherPlace) {
+  const TemporaryFolder folder;
+  launch::LaunchOptions options = simulatedOptions("2764");
+  options.chip->file = folder / "gone" / "chip.bin";
+  launch::SimulatedBoard simulated(options, "2764");
+  window::Mirror mirror;
+  window::HeldInput input;
+  window::CommandGate gate(mirror, input);
+  window::SimulatedBoardPanel panel(simulated, gate, input, nullptr);
+  {
+    const WithDialog asked = pressing("Cancel");
+    EXPECT_FALSE(panel.keepChip());
+    EXPECT_THAT(asked.said(), testing::HasSubstr("could not be kept"));
+  }
+  const WithDialog elsewhere = pressing("Close Without");
+  EXPECT_TRUE(panel.keepChip());
+  EXPECT_NO_THROW(simulated.saveChip()) << "nobody tries the first place again";
 }
 
 TEST(SimulatedBoardPanel, anotherBoardIsFoundByTheHardwareTest) {

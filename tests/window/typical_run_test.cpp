@@ -28,11 +28,7 @@ TEST(TypicalRun, opensAtRestThenSelectsProgramsVerifiesAndSaves) {
   EXPECT_EQ(rig.chipContents(), image);
   EXPECT_FALSE(rig.controls().Error_label.colour() == Colour::Red);
 
-  const WithDialog save([&](QDialog& dialog) {
-    dialog.findChild<QLineEdit*>("fileNameEdit")
-        ->setText(QString::fromStdString((rig.folder / "copy.bin").string()));
-    dialog.accept();
-  });
+  const WithDialog save = choosing((rig.folder / "copy.bin").string());
   rig.trigger("mnuFileSaveCodeAs");
   EXPECT_EQ(readWholeFile(rig.folder / "copy.bin", 40'000), image);
 }
@@ -102,6 +98,15 @@ TEST(TypicalRun, theVoltageInUseStandsBesideTheCommands) {
   rig.click("Voltage_button(2)");
   EXPECT_EQ(rig.form.state().VppVolts, 21);
   EXPECT_EQ(shown.accessibleName(), "21 V");
+  rig.select("X28C256");
+  EXPECT_FALSE(shown.isVisible()) << "no voltage for an EEPROM";
+  rig.select("2732");
+  rig.click("Voltage_button(3)");
+  rig.click("Voltage_button(0)");
+  EXPECT_EQ(shown.accessibleName(), "25 V") << "5 V chosen changes nothing of what is applied";
+  rig.select("27C256");
+  rig.click("Voltage_button(3)");
+  EXPECT_EQ(shown.accessibleName(), "12.5 V") << "its routine knows no other";
 }
 
 }  // namespace

@@ -61,6 +61,12 @@ struct WindowRig {
   /// Shows the window after the form's start-up.
   void start() {
     window.start();
+    activate();
+  }
+  /// The keys go to the window again: this platform forgets it for a popup.
+  void activate() {
+    turn();
+    window.activateWindow();
     turn();
   }
   /// Lets everything that is due happen.
@@ -77,7 +83,7 @@ struct WindowRig {
   }
   void click(const char* name) {
     QTest::mouseClick(&find(name), Qt::LeftButton);
-    turn();
+    activate();
   }
   void trigger(const char* action) {
     find<QAction>(action).trigger();
@@ -90,7 +96,7 @@ struct WindowRig {
     device.lineEdit()->selectAll();
     QTest::keyClicks(device.lineEdit(), typed);
     QTest::keyClick(&device, Qt::Key_Return);
-    turn();
+    activate();
   }
   void openFile(const std::string& name, const std::vector<std::uint8_t>& bytes) {
     writeFileAtomically(folder / name, bytes);
@@ -123,9 +129,9 @@ struct WindowRig {
   window::Mirror mirror;
   window::HeldInput input;
   StopSwitch stop;
-  window::QtScreen screen{mirror, input};
-  window::QtDialogs dialogs{mirror};
+  window::QtScreen screen{mirror, gate, input};
   MemorySettings settings;
+  window::QtDialogs dialogs{mirror, settings};
   RecordingSounds sounds;
   RecordingHelp help;
   launch::LaunchedProgram program;
@@ -175,6 +181,27 @@ class WithDialog {
 [[nodiscard]] inline WithDialog answering(QMessageBox::StandardButton answer) {
   return WithDialog([answer](QDialog& dialog) {
     QTest::mouseClick(dynamic_cast<QMessageBox&>(dialog).button(answer), Qt::LeftButton);
+  });
+}
+
+/// Answers a file dialog.
+[[nodiscard]] inline WithDialog choosing(const std::string& file) {
+  return WithDialog([file](QDialog& dialog) {
+    dialog.findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(file));
+    dialog.accept();
+  });
+}
+
+/// Presses the button of a question whose caption has this text.
+[[nodiscard]] inline WithDialog pressing(const char* caption) {
+  return WithDialog([caption](QDialog& dialog) {
+    for (QAbstractButton* const button : dialog.findChildren<QAbstractButton*>()) {
+      if (button->text().remove('&').contains(caption)) {
+        QTest::mouseClick(button, Qt::LeftButton);
+        return;
+      }
+    }
+    ADD_FAILURE() << "no button " << caption;
   });
 }
 

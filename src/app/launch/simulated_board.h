@@ -46,6 +46,9 @@ class SimulatedBoard {
   /// yet. Throws FileError.
   void saveChip();
 
+  /// The chip's contents are kept elsewhere, or not at all: its file stays as it is.
+  void forgetChipFile() { chipFile_.clear(); }
+
   /// The chip of the options is about to leave the socket for good: its file is written a last
   /// time and what comes next has none. Throws FileError; the file is let go even so.
   void releaseChip();

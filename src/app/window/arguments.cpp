@@ -4,6 +4,8 @@
 
 #include "app/launch/machine_options.h"
 
+#include "app/window/file_names.h"
+
 namespace kestrel::window {
 namespace {
 
@@ -46,7 +48,9 @@ Arguments readArguments(const QStringList& arguments) {
   if (parser.isSet(help)) parser.showHelp(0);
   const QStringList files = parser.positionalArguments();
   if (files.size() > 1) throw launch::UsageError("one code file can be opened, not several");
-  return {.launch = launchOptions(parser), .codeFile = files.value(0).toStdString()};
+  Arguments read{.launch = launchOptions(parser), .codeFile = {}};
+  if (!files.isEmpty()) read.codeFile = std::filesystem::absolute(fileOf(files.first()));
+  return read;
 }
 
 }  // namespace kestrel::window

@@ -1,6 +1,7 @@
 #include "app/window/binder.h"
 
 #include <QSignalBlocker>
+#include <utility>
 
 #include "app/window/theme.h"
 
@@ -20,7 +21,7 @@ void setChecked(QRadioButton& button, bool on) {
 
 void Binder::common(const Control& control, QWidget& widget) const {
   widget.setObjectName(toQString(control.name()));
-  mirror_.bind(control, [&control, &widget] {
+  mirror_.bind(control, widget, [&control, &widget] {
     widget.setEnabled(control.enabled());
     widget.setVisible(control.visible());
   });
@@ -28,7 +29,7 @@ void Binder::common(const Control& control, QWidget& widget) const {
 
 void Binder::button(Button& control, QAbstractButton& widget) const {
   common(control, widget);
-  mirror_.bind(control, [&control, &widget] {
+  mirror_.bind(control, widget, [&control, &widget] {
     widget.setText(toQString(control.caption()));
     setButtonColour(widget, control.colour());
   });
@@ -36,20 +37,23 @@ void Binder::button(Button& control, QAbstractButton& widget) const {
                    [this, &control] { (void)runner_.press(control); });
 }
 
-void Binder::action(Button& control, QAction& action) const {
+void Binder::action(Button& control, QAction& action, std::function<bool()> mayPress) const {
   action.setObjectName(toQString(control.name()));
-  mirror_.bind(control, [&control, &action] {
+  mirror_.bind(control, action, [&control, &action] {
     if (!control.caption().empty()) action.setText(toQString(control.caption()));
     action.setEnabled(control.enabled());
     action.setVisible(control.visible());
   });
   QObject::connect(&action, &QAction::triggered, &action,
-                   [this, &control] { (void)runner_.press(control); });
+                   [this, &control, mayPress = std::move(mayPress)] {
+                     if (mayPress && !mayPress()) return;
+                     gate_.run([&control] { control.press(); });
+                   });
 }
 
 void Binder::check(CheckBox& control, QCheckBox& widget) const {
   common(control, widget);
-  mirror_.bind(control, [&control, &widget] {
+  mirror_.bind(control, widget, [&control, &widget] {
     const QSignalBlocker quiet(widget);
     widget.setText(toQString(control.caption()));
     widget.setCheckState(control.value() == 2 ? Qt::PartiallyChecked
@@ -64,7 +68,7 @@ void Binder::check(CheckBox& control, QCheckBox& widget) const {
 
 void Binder::option(OptionButton& control, QRadioButton& widget) const {
   common(control, widget);
-  mirror_.bind(control, [&control, &widget] {
+  mirror_.bind(control, widget, [&control, &widget] {
     widget.setText(toQString(control.caption()));
     setChecked(widget, control.value());
   });
@@ -76,12 +80,13 @@ void Binder::option(OptionButton& control, QRadioButton& widget) const {
 
 void Binder::caption(const Control& control, QLabel& widget) const {
   common(control, widget);
-  mirror_.bind(control, [&control, &widget] { widget.setText(toQString(control.caption())); });
+  mirror_.bind(control, widget,
+               [&control, &widget] { widget.setText(toQString(control.caption())); });
 }
 
 void Binder::text(const TextBox& control, QLabel& widget) const {
   common(control, widget);
-  mirror_.bind(control, [&control, &widget] { widget.setText(toQString(control.text())); });
+  mirror_.bind(control, widget, [&control, &widget] { widget.setText(toQString(control.text())); });
 }
 
 }  // namespace kestrel::window

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QRadioButton>
 #include <QWidget>
+#include <functional>
 #include <string>
 
 #include "app/form/command_runner.h"
@@ -31,7 +32,8 @@ class Binder {
   void common(const Control& control, QWidget& widget) const;
 
   void button(Button& control, QAbstractButton& widget) const;
-  void action(Button& control, QAction& action) const;
+  /// `mayPress` is asked before each press; without it every press counts.
+  void action(Button& control, QAction& action, std::function<bool()> mayPress = {}) const;
   void check(CheckBox& control, QCheckBox& widget) const;
   void option(OptionButton& control, QRadioButton& widget) const;
   void caption(const Control& control, QLabel& widget) const;

@@ -16,7 +16,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/window/elided_label.h"
+#include "app/window/file_names.h"
+#include "app/window/wheel_guard.h"
 #include "platform/atomic_file.h"
+#include "platform/runtime_error.h"
 #include "simulator/chip_factory.h"
 
 namespace kestrel::window {
@@ -24,6 +28,7 @@ namespace {
 
 constexpr std::size_t kLargestFile = 16 << 20;
 constexpr int kLookMs = 500;
+constexpr int kSoonMs = 100;  // a shorter command is not shown
 constexpr int kAsTheChipWants = 0;
 
 template <typename Text>
@@ -37,9 +42,9 @@ QString sizeText(std::size_t bytes) {
 
 }  // namespace
 
-SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated,
-                                         form::CommandRunner& runner, QWidget* parent)
-    : QScrollArea(parent), simulated_(simulated), runner_(runner) {
+SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated, CommandGate& gate,
+                                         HeldInput& input, QWidget* parent)
+    : QScrollArea(parent), simulated_(simulated), gate_(gate) {
   setObjectName("boardPanel");
   setFrameShape(QFrame::NoFrame);
   setWidgetResizable(true);
@@ -53,7 +58,16 @@ SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated,
   buildFaults(*column);
   buildFindings(*column);
   setMinimumWidth(content->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width());
-  runner.whenEnded([this] { showState(); });
+  for (QComboBox* const list : {model_, port_, voltage_, type_}) new WheelGuard(*list);
+  input.letThrough(*plug_);  // a cable can be pulled at any time
+  running_.setSingleShot(true);
+  running_.setInterval(kSoonMs);
+  connect(&running_, &QTimer::timeout, this, [this] { showRunning(); });
+  gate_.whenStarted([this] { running_.start(); });
+  gate_.whenEnded([this] {
+    running_.stop();
+    showState();
+  });
   look_.setInterval(kLookMs);
   connect(&look_, &QTimer::timeout, this, [this] { showFindings(); });
   look_.start();
@@ -92,7 +106,11 @@ void SimulatedBoardPanel::buildBoard(QBoxLayout& column) {
   form->addRow("VPP by hand", voltage_);
   auto* const row = new QHBoxLayout;
   form->addRow(row);
-  plug_ = addButton(*row, "Unplug", "plugBoard", [this] { plugOrUnplug(); });
+  plug_ = new QPushButton("Unplug", widget());
+  plug_->setObjectName("plugBoard");
+  row->addWidget(plug_);
+  // At once, in the middle of a command too.
+  connect(plug_, &QPushButton::clicked, this, [this] { plugOrUnplug(); });
   column.addWidget(group);
   for (QComboBox* const box : {model_, port_}) {
     connect(box, &QComboBox::activated, this, [this] { act([this] { changeBoard(); }); });
@@ -172,6 +190,19 @@ void SimulatedBoardPanel::plugOrUnplug() {
     simulated_.plug(board().model(), simulated_.base());
     setVoltage();
   }
+  showPlugged();
+}
+
+void SimulatedBoardPanel::showPlugged() {
+  plug_->setText(simulated_.bench().isPlugged(simulated_.base()) ? "Unplug" : "Plug In");
+}
+
+void SimulatedBoardPanel::showRunning() {
+  for (QWidget* const part : widget()->findChildren<QWidget*>()) {
+    const bool isUsed = dynamic_cast<QAbstractButton*>(part) != nullptr ||
+                        dynamic_cast<QComboBox*>(part) != nullptr;
+    if (isUsed && part != plug_) part->setEnabled(false);
+  }
 }
 
 void SimulatedBoardPanel::changeBoard() {
@@ -194,7 +225,7 @@ void SimulatedBoardPanel::insertFromFile() {
   const QString name = QFileDialog::getOpenFileName(this, "Contents of the chip");
   if (name.isEmpty()) return;
   auto chip = sim::makeChip(type_->currentText().toStdString());
-  const auto contents = readWholeFile(name.toStdString(), kLargestFile);
+  const auto contents = readWholeFile(fileOf(name), kLargestFile);
   if (contents.size() != chip->contents().size()) {
     QMessageBox::warning(this, "Kestrel",
                          QString("The file holds %1 bytes, a %2 has %3.")
@@ -218,9 +249,48 @@ void SimulatedBoardPanel::eraseUnderLamp() {
   QMessageBox::information(this, "Kestrel", "This chip has no window: the lamp does not erase it.");
 }
 
-void SimulatedBoardPanel::saveContents() {
+void SimulatedBoardPanel::saveContents() { (void)saveContentsAs(); }
+
+bool SimulatedBoardPanel::saveContentsAs() {
   const QString name = QFileDialog::getSaveFileName(this, "Save the contents of the chip");
-  if (!name.isEmpty()) writeFileAtomically(name.toStdString(), board().chip()->contents());
+  if (name.isEmpty()) return false;
+  writeFileAtomically(fileOf(name), board().chip()->contents());
+  return true;
+}
+
+bool SimulatedBoardPanel::keepChip() {
+  const auto tryTo = [](const std::function<bool()>& keep, QString& reason) {
+    try {
+      return keep();
+    } catch (const FileError& error) {
+      reason = QString::fromStdString(error.what());
+      return false;
+    }
+  };
+  QString reason;
+  const auto writeBack = [this] {
+    simulated_.saveChip();
+    return true;
+  };
+  if (tryTo(writeBack, reason)) return true;
+  for (;;) {
+    QMessageBox box(QMessageBox::Warning, "Kestrel", "The chip's contents could not be kept.",
+                    QMessageBox::Cancel, window());
+    box.setObjectName("chipQuestion");
+    box.setTextFormat(Qt::PlainText);
+    box.setInformativeText(onOneLine(reason));
+    QAbstractButton* const elsewhere = box.addButton("&Save Elsewhere...", QMessageBox::AcceptRole);
+    QAbstractButton* const lose =
+        box.addButton("Close &Without Them", QMessageBox::DestructiveRole);
+    box.exec();
+    const bool isKept =
+        box.clickedButton() == elsewhere && tryTo([this] { return saveContentsAs(); }, reason);
+    if (isKept || box.clickedButton() == lose) {
+      simulated_.forgetChipFile();
+      return true;
+    }
+    if (box.clickedButton() != elsewhere) return false;
+  }
 }
 
 void SimulatedBoardPanel::fitWeakCell() {
@@ -235,11 +305,11 @@ void SimulatedBoardPanel::fitWeakCell() {
 }
 
 void SimulatedBoardPanel::showState() {
-  const bool plugged = simulated_.bench().isPlugged(simulated_.base());
   const sim::Chip* const chip = board().chip();
+  for (QWidget* const part : widget()->findChildren<QWidget*>()) part->setEnabled(true);
   model_->setCurrentIndex(model_->findData(static_cast<int>(board().model())));
   port_->setCurrentIndex(port_->findData(simulated_.base()));
-  plug_->setText(plugged ? "Unplug" : "Plug In");
+  showPlugged();
   voltage_->setEnabled(board().model() == sim::Model::kestrel4);
   voltage_->setToolTip("Model 4 has its programming voltage set by hand on the board");
   for (QPushButton* const button : {takeOut_, erase_, save_, weak_}) {

@@ -19,8 +19,12 @@ namespace kestrel::window {
 /// The bench with the simulated board: what a person would do there with the hands.
 class SimulatedBoardPanel final : public QScrollArea {
  public:
-  SimulatedBoardPanel(launch::SimulatedBoard& simulated, form::CommandRunner& runner,
+  SimulatedBoardPanel(launch::SimulatedBoard& simulated, CommandGate& gate, HeldInput& input,
                       QWidget* parent);
+
+  /// Writes the chip's contents back to the file that they came from, at the end. Where that file
+  /// cannot be written another place is offered; false when the user would rather stay.
+  bool keepChip();
 
  private:
   void buildBoard(QBoxLayout& column);
@@ -40,7 +44,10 @@ class SimulatedBoardPanel final : public QScrollArea {
   void eraseUnderLamp();
   void saveContents();
   void fitWeakCell();
+  void showPlugged();
+  void showRunning();
   void showState();
+  [[nodiscard]] bool saveContentsAs();
   void showFindings();
 
   [[nodiscard]] sim::Board& board() { return simulated_.board(); }
@@ -59,7 +66,8 @@ class SimulatedBoardPanel final : public QScrollArea {
   QLineEdit* weakAddress_ = nullptr;
   QPushButton* weak_ = nullptr;
   QListWidget* findings_ = nullptr;
-  QTimer look_;  // the board does not tell when something happens on it
+  QTimer running_;  // until the panel looks as if a command ran
+  QTimer look_;     // the board does not tell when something happens on it
 };
 
 }  // namespace kestrel::window

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QWidget>
+#include <optional>
 
 #include "app/state/controls.h"
+#include "app/state/programmer_state.h"
 #include "app/window/binder.h"
 #include "app/window/theme.h"
 
@@ -13,20 +15,39 @@ namespace kestrel::window {
 
 class Lamp;
 
-/// The commands in one row: what works on the chip with the programming voltage beside it, then
-/// what looks or erases.
+/// The programming voltage that the next Program applies, in volts; nothing for a chip that is
+/// programmed with 5 V alone.
+[[nodiscard]] std::optional<double> voltageToApply(const ProgrammerState& state);
+
+/// The commands: what works on the chip with the programming voltage beside it, then what looks or
+/// erases; in one row, or in two where that is too wide.
 class CommandBar final : public QWidget {
  public:
-  CommandBar(Controls& controls, const Binder& binder, IconSet& icons, QWidget* parent);
+  CommandBar(Controls& controls, const ProgrammerState& state, const Binder& binder, IconSet& icons,
+             QWidget* parent);
 
- private:
-  void addCommand(QBoxLayout& row, Button& control, const QString& icon, const QString& toolTip);
-  void addVoltage(QBoxLayout& row);
+  /// Shows the voltage that will be applied now.
   void showVoltage();
 
+  [[nodiscard]] QSize minimumSizeHint() const override;
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  void buildChipCommands();
+  void buildOtherCommands();
+  void addCommand(QWidget& group, Button& control, const QString& icon, const QString& toolTip);
+  void addVoltage();
+  void fitRows();
+
   Controls& controls_;
+  const ProgrammerState& state_;
   const Binder& binder_;
   IconSet& icons_;
+  QBoxLayout* rows_ = nullptr;
+  QWidget* chip_ = nullptr;
+  QWidget* others_ = nullptr;
   Lamp* voltage_ = nullptr;
 };
 

@@ -6,9 +6,11 @@
 #include <QLineEdit>
 #include <QSignalBlocker>
 #include <QTimer>
+#include <QToolTip>
 #include <QWheelEvent>
 
 #include "app/window/theme.h"
+#include "devices/part_marking.h"
 
 namespace kestrel::window {
 namespace {
@@ -16,10 +18,17 @@ namespace {
 constexpr int kVisibleEntries = 20;
 const QString kNotAvailable = QStringLiteral("N/A");
 
+/// The focus goes elsewhere, and not for a menu or for another program that one looks something up
+/// in.
+bool isLeaving(const QFocusEvent& event) {
+  return event.reason() != Qt::PopupFocusReason && event.reason() != Qt::ActiveWindowFocusReason;
+}
+
 }  // namespace
 
-DeviceBox::DeviceBox(DropDownList& control, const Binder& binder, QWidget* parent)
-    : QComboBox(parent), control_(control), binder_(binder) {
+DeviceBox::DeviceBox(DropDownList& control, const ProgrammerState& state, const Binder& binder,
+                     QWidget* parent)
+    : QComboBox(parent), control_(control), state_(state), binder_(binder) {
   setEditable(true);
   setInsertPolicy(QComboBox::NoInsert);
   setMaxVisibleItems(kVisibleEntries);
@@ -28,10 +37,11 @@ DeviceBox::DeviceBox(DropDownList& control, const Binder& binder, QWidget* paren
   lineEdit()->setPlaceholderText("Type to search, such as 27C256");
   lineEdit()->setAccessibleName("Device");
   lineEdit()->setAcceptDrops(false);  // a file dropped here is for the window
-  lineEdit()->installEventFilter(this);
   buildSearch();
   binder.common(control, *this);
-  binder.mirror().bind(control, [this] { show(); });
+  binder.mirror().bind(control, *this, [this] { show(); });
+  connect(lineEdit(), &QLineEdit::textEdited, this,
+          [this](const QString& text) { setTyping(text != textInForce()); });
   // The list that the choice was made in closes first: a command must not run under an open popup.
   connect(
       this, &QComboBox::activated, this, [this](int position) { choose(position); },
@@ -51,9 +61,27 @@ void DeviceBox::show() {
   const QSignalBlocker quiet(this);
   showItems();
   setCurrentIndex(control_.position());
-  const QString shown = toQString(control_.text());
+  const QString shown = textInForce();
   if (lineEdit()->text() != shown) lineEdit()->setText(shown);
   lineEdit()->setCursorPosition(0);
+  if (hasFocus()) lineEdit()->selectAll();  // the next name replaces this one
+  setTyping(false);
+}
+
+// A refused choice leaves no entry selected and the device before it in force.
+QString DeviceBox::textInForce() const {
+  if (control_.position() != -1 || state_.DeviceName.empty()) return toQString(control_.text());
+  return toQString(state_.DeviceName);
+}
+
+void DeviceBox::setTyping(bool isTyping) {
+  QPalette own = lineEdit()->palette();
+  own.setColor(QPalette::Text,
+               isTyping ? inkColour(Colour::Red, palette()) : palette().color(QPalette::Text));
+  lineEdit()->setPalette(own);
+  if (isTyping_ == isTyping) return;
+  isTyping_ = isTyping;
+  if (typingChanged_) typingChanged_(isTyping);
 }
 
 void DeviceBox::showItems() {
@@ -74,34 +102,75 @@ void DeviceBox::greyUnavailable() {
 }
 
 void DeviceBox::choose(int position) {
-  (void)binder_.runner().run([this, position] { control_.setPosition(position); });
+  const QString chosen = itemText(position).trimmed();
+  const bool available = isAvailable(position);
+  binder_.gate().run([this, position] { control_.setPosition(position); });
   binder_.mirror().touch(control_);
+  if (available) return;
+  tell(chosen + ": not with this program." +
+       (state_.DeviceName.empty() ? QString()
+                                  : '\n' + toQString(state_.DeviceName) + " stays selected."));
 }
 
-// Enter on a text that is no entry takes the best match: an available one before the others.
+void DeviceBox::tell(const QString& text) {
+  QToolTip::showText(mapToGlobal(QPoint(0, height())), text, this);
+}
+
+bool DeviceBox::isAvailable(int position) const {
+  return !itemText(position).startsWith(kNotAvailable);
+}
+
+/// An available entry before the others; -1 if none fits.
+int DeviceBox::firstThat(const std::function<bool(const QString& name)>& fits) const {
+  int match = -1;
+  for (int position = 0; position < count(); ++position) {
+    if (!fits(itemText(position))) continue;
+    if (isAvailable(position)) return position;
+    if (match == -1) match = position;
+  }
+  return match;
+}
+
+// The name itself, what is printed on the chip, and at last any name that has the text in it.
+int DeviceBox::bestMatch(const QString& typed) const {
+  if (typed.isEmpty()) return -1;
+  int match = firstThat([&](const QString& name) {
+    return name.trimmed().compare(typed, Qt::CaseInsensitive) == 0 ||
+           name.split(' ').contains(typed, Qt::CaseInsensitive);
+  });
+  for (const std::string& part : devices::partNames(typed.toStdString())) {
+    if (match != -1) return match;
+    match =
+        firstThat([&](const QString& name) { return devices::hasPart(name.toStdString(), part); });
+  }
+  if (match != -1) return match;
+  return firstThat([&](const QString& name) { return name.contains(typed, Qt::CaseInsensitive); });
+}
+
 void DeviceBox::takeTypedText() {
   const QString typed = lineEdit()->text().trimmed();
-  int match = -1;
-  for (int position = 0; position < count() && !typed.isEmpty(); ++position) {
-    if (!itemText(position).contains(typed, Qt::CaseInsensitive)) continue;
-    const bool available = !itemText(position).startsWith(kNotAvailable);
-    if (match == -1 || available) match = position;
-    if (available) break;
-  }
+  const int match = bestMatch(typed);
   if (match != -1) {
     choose(match);
-  } else {
+  } else if (typed.isEmpty()) {
     binder_.mirror().touch(control_);
+  } else {
+    lineEdit()->selectAll();
+    tell("No device of this name");
   }
 }
 
-bool DeviceBox::eventFilter(QObject* receiver, QEvent* event) {
-  if (event->type() == QEvent::FocusIn) {
-    QTimer::singleShot(0, lineEdit(), [this] { lineEdit()->selectAll(); });
-  } else if (event->type() == QEvent::FocusOut && !completer()->popup()->isVisible()) {
-    binder_.mirror().touch(control_);  // what was typed and not chosen goes
-  }
-  return QComboBox::eventFilter(receiver, event);
+// The line in it has no focus of its own.
+void DeviceBox::focusInEvent(QFocusEvent* event) {
+  QComboBox::focusInEvent(event);
+  QTimer::singleShot(0, lineEdit(), [this] {
+    if (!isTyping_) lineEdit()->selectAll();
+  });
+}
+
+void DeviceBox::focusOutEvent(QFocusEvent* event) {
+  QComboBox::focusOutEvent(event);
+  if (isLeaving(*event)) binder_.mirror().touch(control_);  // what was not chosen goes
 }
 
 // The arrows open the list instead of choosing the next device at once: passing over an entry must

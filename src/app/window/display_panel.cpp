@@ -21,13 +21,21 @@ namespace kestrel::window {
 namespace {
 
 constexpr int kPageBytes = 256;
-constexpr int kPageLines = 17;    // an empty first line, then sixteen of sixteen bytes
 constexpr int kPageColumns = 62;  // address, four groups of eight digits, sixteen characters
+constexpr int kFewestLines = 8;
+constexpr double kSmallestFont = 0.75;  // of the desktop's fixed font
 constexpr double kLargestFont = 1.8;
+
+QFont scaledFixedFont(double scale) {
+  QFont font = fixedFont();
+  const double halfPoints = std::floor(font.pointSizeF() * scale * 2.0);
+  font.setPointSizeF(halfPoints / 2.0);
+  return font;
+}
 
 }  // namespace
 
-QSize hexPageSize(const QPlainTextEdit& view, const QFont& font) {
+QSize hexPageSize(const QPlainTextEdit& view, const QFont& font, int lines) {
   const QFontMetricsF metrics(font);
   const double margins = 2 * view.document()->documentMargin() + 2 * view.frameWidth();
   // A line of text is laid out with ascent and descent rounded up each for itself.
@@ -35,33 +43,36 @@ QSize hexPageSize(const QPlainTextEdit& view, const QFont& font) {
       std::max(std::ceil(metrics.ascent()) + std::ceil(metrics.descent()) + metrics.leading(),
                std::ceil(metrics.lineSpacing()));
   return {static_cast<int>(std::ceil(kPageColumns * metrics.horizontalAdvance('0') + margins + 2)),
-          static_cast<int>(std::ceil(kPageLines * lineHeight + margins + 2))};
+          static_cast<int>(std::ceil(lines * lineHeight + margins + 2))};
 }
 
 DisplayPanel::DisplayPanel(Controls& controls, const Binder& binder, QWidget* parent)
     : QWidget(parent), controls_(controls), binder_(binder) {
-  binder.common(controls.Frame3, *this);
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 8, 0);
   column->setSizeConstraint(QLayout::SetMinAndMaxSize);
   buildHeader(*column);
   buildPage(*column);
+  setFocusProxy(page_);
+  binder.common(controls.Frame3, *this);
 }
 
 void DisplayPanel::buildHeader(QBoxLayout& column) {
-  auto* const row = new QHBoxLayout;
-  column.addLayout(row);
-  auto* const title = new ElidedLabel(Qt::ElideRight, this);
+  header_ = new QWidget(this);
+  auto* const row = new QHBoxLayout(header_);
+  row->setContentsMargins(0, 0, 0, 0);
+  column.addWidget(header_);
+  auto* const title = new ElidedLabel(Qt::ElideRight, header_);
   QFont bold = title->font();
   bold.setBold(true);
   title->setFont(bold);
   title->setObjectName("displayTitle");
-  binder_.mirror().bind(controls_.Frame3,
+  binder_.mirror().bind(controls_.Frame3, *title,
                         [this, title] { title->setText(toQString(controls_.Frame3.caption())); });
-  auto* const show = new QPushButton(this);
+  auto* const show = new QPushButton(header_);
   binder_.button(controls_.Show_button, *show);
   show->setToolTip("Switch to the other buffer");
-  auto* const second = new QPushButton(this);
+  auto* const second = new QPushButton(header_);
   binder_.button(controls_.Command1, *second);
   second->setToolTip("Draw the first page of the code buffer in a window of its own");
   row->addWidget(title, 1);
@@ -79,18 +90,17 @@ void DisplayPanel::buildPage(QBoxLayout& column) {
   page_->setLineWrapMode(QPlainTextEdit::NoWrap);
   page_->setFont(fixedFont());
   page_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  page_->setMinimumSize(hexPageSize(*page_, fixedFont()));
-  QFont largest = fixedFont();
-  largest.setPointSizeF(largest.pointSizeF() * kLargestFont);
-  page_->setMaximumHeight(hexPageSize(*page_, largest).height());  // the rest is for the log
-  page_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  const QSize smallest = hexPageSize(*page_, scaledFixedFont(kSmallestFont), kFewestLines);
+  page_->setMinimumSize(smallest.width() + page_->verticalScrollBar()->sizeHint().width(),
+                        smallest.height());
+  page_->setMaximumHeight(hexPageSize(*page_, scaledFixedFont(kLargestFont), kPageLines).height());
   page_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   page_->setAccessibleName("Hex display");
   page_->setToolTip("Double click saves the display to KESTREL.BUF");
   page_->installEventFilter(this);
   page_->viewport()->installEventFilter(this);
   binder_.common(controls_.BufferDisplay, *page_);
-  binder_.mirror().bind(controls_.BufferDisplay, [this] { showPage(); });
+  binder_.mirror().bind(controls_.BufferDisplay, *page_, [this] { showPage(); });
   row->addWidget(page_, 1);
   buildScrollBar(*row);
 }
@@ -136,16 +146,27 @@ bool DisplayPanel::turnPage(int key) {
   }
 }
 
-// A larger window shows the page in larger letters.
+// The page is shown whole, in letters as large as the window lets them be. Where even the smallest
+// are too large for the height it scrolls.
 void DisplayPanel::fitFont() {
-  const QFont smallest = fixedFont();
-  const QSize needed = hexPageSize(*page_, smallest);
-  const double scale = std::min({double(page_->width()) / needed.width(),
-                                 double(page_->height()) / needed.height(), kLargestFont});
-  QFont font = smallest;
-  const double steps = std::floor(smallest.pointSizeF() * std::max(1.0, scale) * 2.0);
-  font.setPointSizeF(std::max(smallest.pointSizeF(), steps / 2.0));
+  const QSize needed = hexPageSize(*page_, fixedFont(), kPageLines);
+  const double scale =
+      std::min(double(page_->width()) / needed.width(), double(page_->height()) / needed.height());
+  const QFont font = scaledFixedFont(std::clamp(scale, kSmallestFont, kLargestFont));
   if (font != page_->font()) page_->setFont(font);
+}
+
+QSize DisplayPanel::sizeHint() const {
+  const QSize page = hexPageSize(*page_, fixedFont(), kPageLines);
+  return {page.width() + scroll_->slider().sizeHint().width(),
+          page.height() + minimumSizeHint().height() - page_->minimumHeight()};
+}
+
+bool DisplayPanel::isDrawing() const { return scroll_->isReporting(); }
+
+void DisplayPanel::setCommandsOff(bool off) {
+  header_->setEnabled(!off);
+  scroll_->slider().setEnabled(!off && controls_.VScroll1.enabled());
 }
 
 bool DisplayPanel::eventFilter(QObject* receiver, QEvent* event) {

@@ -12,10 +12,20 @@ namespace kestrel::window {
 
 class RangeReporter;
 
+inline constexpr int kPageLines = 17;  ///< an empty first line, then sixteen of sixteen bytes
+
 /// The hex display: a page of 16 lines, its scroll bar, and what it shows.
 class DisplayPanel final : public QWidget {
  public:
   DisplayPanel(Controls& controls, const Binder& binder, QWidget* parent);
+
+  /// While a page that was scrolled to is drawn.
+  [[nodiscard]] bool isDrawing() const;
+
+  /// What cannot be used while a command runs looks so; the page itself can be read on.
+  void setCommandsOff(bool off);
+
+  [[nodiscard]] QSize sizeHint() const override;
 
  protected:
   bool eventFilter(QObject* receiver, QEvent* event) override;
@@ -30,11 +40,12 @@ class DisplayPanel final : public QWidget {
 
   Controls& controls_;
   const Binder& binder_;
+  QWidget* header_ = nullptr;
   QPlainTextEdit* page_ = nullptr;
   RangeReporter* scroll_ = nullptr;
 };
 
-/// The size that a hex page of 17 lines of 62 columns takes in the font.
-[[nodiscard]] QSize hexPageSize(const QPlainTextEdit& view, const QFont& font);
+/// The size that so many lines of a hex page take in the font.
+[[nodiscard]] QSize hexPageSize(const QPlainTextEdit& view, const QFont& font, int lines);
 
 }  // namespace kestrel::window

@@ -6,19 +6,33 @@
 
 namespace kestrel::window {
 
+/// A text on one line: what would break it or move the cursor is shown as a replacement mark.
+[[nodiscard]] inline QString onOneLine(QString text) {
+  for (QChar& letter : text) {
+    if (!letter.isPrint() && !letter.isSurrogate()) letter = QChar::ReplacementCharacter;
+  }
+  return text;
+}
+
 /// A line of text of any length in the room that there is: shortened in the middle or at the end,
 /// whole in its tool tip.
 class ElidedLabel final : public QLabel {
  public:
   ElidedLabel(Qt::TextElideMode mode, QWidget* parent) : QLabel(parent), mode_(mode) {
     setTextFormat(Qt::PlainText);
-    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
   }
+
+  [[nodiscard]] QSize sizeHint() const override {
+    return {QLabel::sizeHint().width(), fontMetrics().height() + 2 * margin()};
+  }
+  [[nodiscard]] QSize minimumSizeHint() const override { return {0, sizeHint().height()}; }
 
  protected:
   void paintEvent(QPaintEvent*) override {
     QPainter painter(this);
-    const QString shown = fontMetrics().elidedText(text(), mode_, contentsRect().width());
+    const QString shown =
+        fontMetrics().elidedText(onOneLine(text()), mode_, contentsRect().width());
     painter.setPen(
         palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, QPalette::WindowText));
     painter.drawText(contentsRect(), static_cast<int>(alignment() | Qt::TextSingleLine), shown);
@@ -26,8 +40,9 @@ class ElidedLabel final : public QLabel {
 
   bool event(QEvent* event) override {
     if (event->type() == QEvent::ToolTip) {
-      const bool cut = fontMetrics().horizontalAdvance(text()) > contentsRect().width();
-      setToolTip(cut ? "<qt>" + text().toHtmlEscaped() + "</qt>" : QString());
+      const QString whole = onOneLine(text());
+      const bool cut = fontMetrics().horizontalAdvance(whole) > contentsRect().width();
+      setToolTip(cut ? "<qt>" + whole.toHtmlEscaped() + "</qt>" : QString());
     }
     return QLabel::event(event);
   }

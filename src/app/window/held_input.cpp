@@ -1,18 +1,12 @@
 #include "app/window/held_input.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QKeyEvent>
-#include <QMouseEvent>
-#include <QTimer>
-#include <QWheelEvent>
-#include <QWidget>
 #include <QWindow>
 #include <utility>
 
 namespace kestrel::window {
 namespace {
-
-constexpr std::size_t kMostHeld = 256;  // nobody means more keys than this by the end of a command
 
 bool isUserInput(QEvent::Type type) {
   switch (type) {
@@ -41,84 +35,55 @@ bool isEscape(const QEvent& event) {
   return static_cast<const QKeyEvent&>(event).key() == Qt::Key_Escape;
 }
 
-bool isAutoRepeat(const QEvent& event) {
-  if (event.type() != QEvent::KeyPress && event.type() != QEvent::KeyRelease) return false;
-  return static_cast<const QKeyEvent&>(event).isAutoRepeat();
+bool isInside(const QWidget& widget, const QWidget* other) {
+  return other == &widget || (other != nullptr && widget.isAncestorOf(other));
 }
 
-/// Events of a pointing device share the place of their point with the device: a copy would come to
-/// stand where the pointer is when it is delivered. So the event is made anew from its own values.
-std::function<std::unique_ptr<QEvent>()> recipe(const QEvent& event) {
-  if (const auto* const mouse = dynamic_cast<const QMouseEvent*>(&event)) {
-    return [type = mouse->type(), position = mouse->position(), scene = mouse->scenePosition(),
-            global = mouse->globalPosition(), button = mouse->button(), buttons = mouse->buttons(),
-            modifiers = mouse->modifiers()] {
-      return std::make_unique<QMouseEvent>(type, position, scene, global, button, buttons,
-                                           modifiers);
-    };
+/// Input enters at the native window and is handed on to a widget from there: it belongs to the
+/// widget under the pointer, or to the one that has the focus.
+bool belongsTo(const QWidget& widget, QObject& receiver, const QEvent& event) {
+  if (!receiver.isWindowType()) return isInside(widget, dynamic_cast<QWidget*>(&receiver));
+  if (!widget.isVisible() || widget.window()->windowHandle() != &receiver) return false;
+  if (const auto* const pointer = dynamic_cast<const QSinglePointEvent*>(&event)) {
+    return widget.rect().contains(widget.mapFromGlobal(pointer->globalPosition().toPoint()));
   }
-  if (const auto* const wheel = dynamic_cast<const QWheelEvent*>(&event)) {
-    return [position = wheel->position(), global = wheel->globalPosition(),
-            pixels = wheel->pixelDelta(), angle = wheel->angleDelta(), buttons = wheel->buttons(),
-            modifiers = wheel->modifiers(), phase = wheel->phase(), inverted = wheel->inverted()] {
-      return std::make_unique<QWheelEvent>(position, global, pixels, angle, buttons, modifiers,
-                                           phase, inverted);
-    };
-  }
-  return [kept = std::shared_ptr<QEvent>(event.clone())] {
-    return std::unique_ptr<QEvent>(kept->clone());
-  };
+  return isInside(widget, QApplication::focusWidget());
 }
 
 }  // namespace
 
 HeldInput::HeldInput() { QCoreApplication::instance()->installEventFilter(this); }
 
-void HeldInput::setStop(QWidget& button, std::function<void()> stop) {
-  stopButton_ = &button;
-  stop_ = std::move(stop);
+void HeldInput::letThrough(QWidget& widget, Takes takes) {
+  std::erase_if(live_, [](const Live& live) { return !live.widget; });
+  live_.push_back({&widget, std::move(takes)});
+}
+
+void HeldInput::hold(bool on) {
+  holding_ = on;
+  wasHolding_ = wasHolding_ || on;
+}
+
+void HeldInput::dropPending() {
+  if (!std::exchange(wasHolding_, false)) return;
+  holding_ = true;
+  QCoreApplication::processEvents();
+  holding_ = false;
 }
 
 bool HeldInput::eventFilter(QObject* receiver, QEvent* event) {
   if (!holding_ || !isUserInput(event->type())) return false;
-  if (isEscape(*event)) {
-    if (event->type() == QEvent::KeyPress && stop_) stop_();
-    return true;
-  }
-  if (isForStop(receiver, event)) return false;
-  keep(receiver, *event);
+  if (isLetThrough(receiver, *event)) return false;
+  if (isEscape(*event) && event->type() == QEvent::KeyPress && stop_) stop_();
   return true;
 }
 
-bool HeldInput::isForStop(QObject* receiver, QEvent* event) const {
-  if (stopButton_ == nullptr) return false;
-  if (receiver == stopButton_) return true;
-  if (!receiver->isWindowType() || !event->isPointerEvent()) return false;
-  const auto* const pointer = dynamic_cast<QMouseEvent*>(event);
-  if (pointer == nullptr) return false;
-  const QPoint place = stopButton_->mapFromGlobal(pointer->globalPosition().toPoint());
-  return stopButton_->rect().contains(place);
-}
-
-void HeldInput::keep(QObject* receiver, const QEvent& event) {
-  if (held_.size() >= kMostHeld || isAutoRepeat(event)) return;
-  held_.push_back({receiver, recipe(event)});
-}
-
-void HeldInput::release() {
-  if (held_.empty() || delivering_) return;
-  delivering_ = true;
-  QTimer::singleShot(0, this, [this] { deliverNext(); });
-}
-
-// One at a time: the first may start a command, whose own held input then goes behind the rest.
-void HeldInput::deliverNext() {
-  delivering_ = false;
-  if (held_.empty() || holding_) return;
-  const Held input = std::move(held_.front());
-  held_.pop_front();
-  if (input.receiver) QCoreApplication::sendEvent(input.receiver, input.makeEvent().get());
-  release();
+bool HeldInput::isLetThrough(QObject* receiver, const QEvent& event) const {
+  for (const Live& live : live_) {
+    if (!live.widget || !belongsTo(*live.widget, *receiver, event)) continue;
+    if (!live.takes || live.takes(event)) return true;
+  }
+  return false;
 }
 
 }  // namespace kestrel::window

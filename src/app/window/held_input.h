@@ -3,50 +3,49 @@
 #include <QEvent>
 #include <QObject>
 #include <QPointer>
-#include <deque>
+#include <QWidget>
 #include <functional>
-#include <memory>
-
-class QWidget;
+#include <vector>
 
 namespace kestrel::window {
 
-/// Keeps user input back while a command runs, and delivers it when the command has ended. Only
-/// the Stop button and Esc get through.
-///
-/// Everything else that the event loop does (painting, timers, moves of the pointer) goes on. Input
-/// is held where it enters the program, at the native window, so that what is delivered later meets
-/// the widgets as they are then.
+/// Holds user input off while a command runs: it is dropped, so that no key or click is done later
+/// on what has changed meanwhile. Let through are Esc, which stops the command, and the widgets
+/// that are named here. Everything else that the event loop does (painting, timers, moves of the
+/// pointer) goes on.
 class HeldInput final : public QObject {
  public:
+  using Takes = std::function<bool(const QEvent&)>;
+
   HeldInput();
 
-  /// The button that stays alive, and what Esc runs.
-  void setStop(QWidget& button, std::function<void()> stop);
+  /// What Esc runs.
+  void onEscape(std::function<void()> stop) { stop_ = std::move(stop); }
 
-  void hold(bool on) { holding_ = on; }
+  /// The widget, with all that is in it, gets its input at once; with `takes` only what that wants.
+  void letThrough(QWidget& widget, Takes takes = {});
+
+  void hold(bool on);
   [[nodiscard]] bool isHolding() const { return holding_; }
 
-  /// Sends everything that was held on its way, in the order in which it came.
-  void release();
+  /// The command is over: drops what was pressed since the last turn of the event loop. A command
+  /// that gave it no turn was over at once, and nothing was pressed meanwhile.
+  void dropPending();
 
   bool eventFilter(QObject* receiver, QEvent* event) override;
 
  private:
-  struct Held {
-    QPointer<QObject> receiver;
-    std::function<std::unique_ptr<QEvent>()> makeEvent;
+  struct Live {
+    QPointer<QWidget> widget;
+    Takes takes;
   };
 
-  [[nodiscard]] bool isForStop(QObject* receiver, QEvent* event) const;
-  void keep(QObject* receiver, const QEvent& event);
-  void deliverNext();
+  [[nodiscard]] bool isLetThrough(QObject* receiver, const QEvent& event) const;
 
   bool holding_ = false;
-  QWidget* stopButton_ = nullptr;
+  bool wasHolding_ = false;  // at least once since the command began
   std::function<void()> stop_;
-  std::deque<Held> held_;
-  bool delivering_ = false;
+  std::vector<Live> live_;
 };
 
 }  // namespace kestrel::window

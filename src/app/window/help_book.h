@@ -31,6 +31,9 @@ class HelpBook {
 
   [[nodiscard]] QString path(const HelpEntry& entry) const;
 
+  /// The folder of the pages and their pictures.
+  [[nodiscard]] const QString& folder() const { return folder_; }
+
  private:
   QString folder_;
   QList<HelpEntry> pages_;

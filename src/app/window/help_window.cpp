@@ -14,6 +14,36 @@
 
 namespace kestrel::window {
 
+namespace {
+
+/// Shows pages and pictures of the manual and nothing else, whatever a page asks for.
+class ManualPage final : public QTextBrowser {
+ public:
+  ManualPage(const QString& folder, QWidget* parent)
+      : QTextBrowser(parent), folder_(QFileInfo(folder).canonicalFilePath()) {}
+
+  QVariant loadResource(int type, const QUrl& name) override {
+    return isOfManual(name) ? QTextBrowser::loadResource(type, name) : QVariant();
+  }
+
+ protected:
+  void doSetSource(const QUrl& name, QTextDocument::ResourceType type) override {
+    if (isOfManual(name)) QTextBrowser::doSetSource(name, type);
+  }
+
+ private:
+  [[nodiscard]] bool isOfManual(const QUrl& name) const {
+    const QUrl whole = source().isEmpty() ? name : source().resolved(name);
+    if (!whole.isLocalFile()) return false;
+    const QString file = QFileInfo(whole.toLocalFile()).canonicalFilePath();
+    return !folder_.isEmpty() && file.startsWith(folder_ + '/');
+  }
+
+  QString folder_;
+};
+
+}  // namespace
+
 HelpWindow::HelpWindow(const std::filesystem::path& helpFile, QWidget* mainWindow)
     : QWidget(mainWindow, Qt::Window), book_(helpFile) {
   setObjectName("helpWindow");
@@ -36,7 +66,7 @@ void HelpWindow::build() {
   list_ = new QListWidget(left);
   list_->setObjectName("helpPages");
   list_->setAccessibleName("Pages");
-  page_ = new QTextBrowser(split);
+  page_ = new ManualPage(book_.folder(), split);
   page_->setObjectName("helpPage");
   page_->setOpenLinks(true);
   page_->setAccessibleName("Help page");

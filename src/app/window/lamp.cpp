@@ -86,19 +86,20 @@ void Lamp::paintEvent(QPaintEvent*) {
   paintPill(*this, {.place = rect(), .text = caption_, .ground = ground_});
 }
 
-void bindLamp(const Control& control, Lamp& lamp, const Binder& binder) {
+void bindLamp(const Control& control, Lamp& lamp, const Binder& binder, const LampTips& tips) {
   binder.common(control, lamp);
-  binder.mirror().bind(control, [&control, &lamp] {
+  binder.mirror().bind(control, lamp, [&control, &lamp, tips] {
     lamp.setCaption(toQString(control.caption()));
     const bool lit = control.colour() != Colour::ButtonFace;
     lamp.setGround(lit ? groundColour(control.colour(), lamp.palette()) : QColor());
+    lamp.setToolTip(lit ? tips.lit : tips.unlit);
   });
 }
 
 ErrorLamp::ErrorLamp(Button& control, const Binder& binder, QWidget* parent) : QPushButton(parent) {
   setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   binder.common(control, *this);
-  binder.mirror().bind(control, [this, &control] {
+  binder.mirror().bind(control, *this, [this, &control] {
     caption_ = toQString(control.caption());
     setAlert(control.colour() == Colour::Red);
   });

@@ -32,8 +32,13 @@ class Lamp : public QWidget {
   QColor ground_;
 };
 
-/// Joins a lamp to its label: colour and caption.
-void bindLamp(const Control& control, Lamp& lamp, const Binder& binder);
+struct LampTips {
+  QString lit;
+  QString unlit;
+};
+
+/// Joins a lamp to its label: colour and caption, and a tip for either state.
+void bindLamp(const Control& control, Lamp& lamp, const Binder& binder, const LampTips& tips);
 
 /// The error indicator: a quiet outline, and a red button while an alert is up.
 class ErrorLamp final : public QPushButton {

@@ -18,7 +18,7 @@ LogView::LogView(Controls& controls, const Binder& binder, QWidget* parent)
   setAccessibleName("System log");
   setToolTip("Double click saves the log to KESTREL.LOG");
   binder.common(controls.SystemLog, *this);
-  binder.mirror().bind(controls.SystemLog, [this] { show(); });
+  binder.mirror().bind(controls.SystemLog, *this, [this] { show(); });
 }
 
 // The log only ever grows or is emptied; a text that is shorter than what is shown is a new one.

@@ -8,10 +8,12 @@
 #include "app/launch/version.h"
 #include "app/window/arguments.h"
 #include "app/window/board_panel.h"
+#include "app/window/instance_number.h"
 #include "app/window/main_window.h"
 #include "app/window/qt_help_viewer.h"
 #include "app/window/qt_settings_store.h"
 #include "app/window/qt_sound_player.h"
+#include "app/window/readable_style.h"
 #include "app/window/signal_end.h"
 #include "hardware/ports/signal_stop.h"
 
@@ -36,9 +38,9 @@ int runProgram(const Arguments& arguments) {
   HeldInput input;
   StopSwitch stop;
   const ports::SignalStop signalStop(stop);
-  QtScreen screen(mirror, input);
-  QtDialogs dialogs(mirror);
+  QtScreen screen(mirror, gate, input);
   QtSettingsStore settings;
+  QtDialogs dialogs(mirror, settings);
   QtSoundPlayer sounds;
   QtHelpViewer help(screen);
   launch::LaunchedProgram program(
@@ -56,10 +58,12 @@ int runProgram(const Arguments& arguments) {
   help.setOwner(window);
   launch::SimulatedBoard* const simulated = program.simulated();
   if (simulated != nullptr) {
-    window.addSidePanel(*new SimulatedBoardPanel(*simulated, program.form().runner(), &window),
-                        "Simulated board");
+    auto* const panel = new SimulatedBoardPanel(*simulated, gate, input, &window);
+    window.addSidePanel(*panel, "Simulated board");
+    window.onLeaving([panel] { return panel->keepChip(); });
   }
-  window.start();
+  const InstanceNumber instance;
+  window.start(instance.value());
   if (simulated != nullptr) simulated->startUpDone();
   if (!arguments.codeFile.empty()) {
     QTimer::singleShot(0, &window, [&] { window.openCodeFile(arguments.codeFile); });
@@ -97,6 +101,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   const QApplication application(argc, argv);
+  QApplication::setStyle(new kestrel::window::ReadableStyle);
   QApplication::setApplicationName("kestrel");
   QApplication::setApplicationVersion(kestrel::launch::kVersion);
   QApplication::setDesktopFileName("kestrel");

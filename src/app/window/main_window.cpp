@@ -1,57 +1,93 @@
 #include "app/window/main_window.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QDockWidget>
 #include <QDragEnterEvent>
 #include <QFileInfo>
 #include <QHBoxLayout>
-#include <QLabel>
+#include <QKeyEvent>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <algorithm>
+#include <numeric>
+#include <utility>
 
 #include "app/window/command_bar.h"
+#include "app/window/device_box.h"
 #include "app/window/display_panel.h"
-#include "app/window/log_view.h"
+#include "app/window/elided_label.h"
+#include "app/window/file_names.h"
+#include "app/window/lamp.h"
+#include "app/window/log_panel.h"
 #include "app/window/menus.h"
+#include "app/window/off_tips.h"
 #include "app/window/options_panel.h"
+#include "app/window/running_look.h"
+#include "app/window/screen_place.h"
 #include "app/window/second_display.h"
 #include "app/window/status_strip.h"
 #include "app/window/twips.h"
 
 namespace kestrel::window {
+namespace {
+
+constexpr int kPlaceRestsMs = 200;
+constexpr int kBesideOthers = 32;                     // pixels from one window to the next
+constexpr QMargins kUsualFrame(4, 32, 4, 4);          // until the desktop has drawn the real one
+constexpr std::array<int, 2> kFrameKnownMs{50, 400};  // looked at twice: some desktops are slow
+constexpr const char* kSection = "Window";
+
+bool isPageKey(const QEvent& event) {
+  if (event.type() != QEvent::KeyPress) return false;
+  const int key = static_cast<const QKeyEvent&>(event).key();
+  return key == Qt::Key_PageUp || key == Qt::Key_PageDown || key == Qt::Key_Home ||
+         key == Qt::Key_End;
+}
+
+bool isScroll(const QEvent& event) { return event.type() == QEvent::Wheel || isPageKey(event); }
+
+std::string toText(const QByteArray& bytes) { return bytes.toBase64().toStdString(); }
+
+QByteArray fromText(const std::optional<std::string>& text) {
+  return QByteArray::fromBase64(QByteArray::fromStdString(text.value_or("")));
+}
+
+}  // namespace
 
 MainWindow::MainWindow(const WindowParts& parts)
-    : parts_(parts),
-      controls_(parts.form.controls()),
-      binder_(parts.mirror, parts.form.runner()),
-      recent_(parts.settings) {
+    : WidgetServices{.binder = {parts.mirror, parts.gate},
+                     .icons = {},
+                     .recent = RecentFiles(parts.settings)},
+      parts_(parts),
+      controls_(parts.form.controls()) {
   setObjectName("frmMain");
   setAcceptDrops(true);
   buildMenus();
   buildContent();
-  icons_.apply(palette());
+  icons.apply(palette());
   connectCommands();
+  connectInput();
   connectFile();
   controls_.setListener(&parts_.mirror);
-  parts_.mirror.bind(controls_.frmMain, [this] { showPlace(); });
+  parts_.mirror.bind(controls_.frmMain, *this, [this] { showPlace(); });
 }
 
-// The widgets go before what they refer to: losing the focus, one may still ask for a refresh.
-MainWindow::~MainWindow() {
-  controls_.setListener(nullptr);
-  delete takeCentralWidget();
-}
+MainWindow::~MainWindow() { controls_.setListener(nullptr); }
 
 void MainWindow::buildMenus() {
-  menus_ = new Menus(*this, controls_, binder_, icons_, recent_);
+  menus_ = new Menus(*this, controls_, binder, icons, recent, [this] { return maySaveOverFile(); });
   menus_->onOpenRecent([this](const std::filesystem::path& file) { openCodeFile(file); });
 }
 
 void MainWindow::buildContent() {
   auto* const content = new QWidget(this);
+  content->setFocusPolicy(Qt::ClickFocus);  // a click beside everything leaves the device list
   setCentralWidget(content);
   auto* const column = new QVBoxLayout(content);
   column->setContentsMargins(0, 0, 0, 0);
@@ -59,72 +95,210 @@ void MainWindow::buildContent() {
   auto* const middle = new QHBoxLayout;
   middle->setSpacing(0);
   column->addLayout(middle, 1);
-  middle->addWidget(new OptionsPanel(controls_, binder_, icons_, content));
+  options_ = new OptionsPanel(controls_, parts_.form.state(), binder, icons, content);
+  middle->addWidget(options_);
   auto* const right = new QVBoxLayout;
   middle->addLayout(right, 1);
-  right->addWidget(new CommandBar(controls_, binder_, icons_, content));
-  auto* const split = new QSplitter(Qt::Vertical, content);
-  split->setChildrenCollapsible(false);
-  split->addWidget(new DisplayPanel(controls_, binder_, split));
-  auto* const logPart = new QWidget(split);
-  auto* const log = new QVBoxLayout(logPart);
-  log->setContentsMargins(0, 0, 8, 0);
-  auto* const title = new QLabel("System &log", logPart);
-  QFont bold = title->font();
-  bold.setBold(true);
-  title->setFont(bold);
-  log->addWidget(title);
-  auto* const view = new LogView(controls_, binder_, logPart);
-  title->setBuddy(view);
-  constexpr int kFewestLines = 5;
-  view->setMinimumHeight(kFewestLines * view->fontMetrics().lineSpacing());
-  log->addWidget(view, 1);
-  split->addWidget(logPart);
-  split->setStretchFactor(0, 3);
-  split->setStretchFactor(1, 2);
-  right->addWidget(split, 1);
-  strip_ = new StatusStrip(controls_, binder_, icons_, content);
+  commands_ = new CommandBar(controls_, parts_.form.state(), binder, icons, content);
+  right->addWidget(commands_);
+  split_ = new QSplitter(Qt::Vertical, content);
+  split_->setChildrenCollapsible(false);
+  display_ = new DisplayPanel(controls_, binder, split_);
+  log_ = new LogPanel(controls_, binder, parts_.dialogs, split_);
+  split_->addWidget(display_);
+  split_->addWidget(log_);
+  split_->setStretchFactor(0, 3);
+  split_->setStretchFactor(1, 2);
+  right->addWidget(split_, 1);
+  strip_ = new StatusStrip(controls_, binder, icons, content);
   column->addWidget(strip_);
-  new SecondDisplay(controls_.frmDisplay1, binder_, parts_.screen, this);
+  new SecondDisplay(controls_.frmDisplay1, binder, parts_.screen, this);
 }
 
 void MainWindow::connectCommands() {
   form::CommandRunner& runner = parts_.form.runner();
   parts_.screen.setMainWindow(*this, runner);
   parts_.dialogs.setOwner(*this);
-  const auto stop = [this] { parts_.stop.stopCommand(); };
-  parts_.input.setStop(strip_->stopButton(), stop);
-  strip_->onStop(stop);
-  runner.whenStarted([this] { strip_->setRunning(true); });
-  runner.whenEnded([this] {
-    strip_->setRunning(false);
-    parts_.mirror.refresh();
-    parts_.input.release();
-    if (closeWanted_) QTimer::singleShot(0, this, [this] { close(); });
+  parts_.gate.setOwner(*this);
+  look_ = new RunningLook(*this, [this](bool running) {
+    looksRunning_ = running;
+    showCommandsOff();
+  });
+  look_->setParent(this);
+  parts_.gate.whenStarted([this] { commandStarted(); });
+  parts_.gate.whenEnded([this] { commandEnded(); });
+  explainWhatIsOff(*this, [this] {
+    return Situation{.isRunning = parts_.gate.isRunning(),
+                     .isTypingDevice = isTypingDevice_,
+                     .isAlertUp = strip_->errorLamp().isAlert(),
+                     .isDeviceChosen = !parts_.form.state().DeviceName.empty()};
   });
 }
 
+void MainWindow::connectInput() {
+  const auto stop = [this] { parts_.stop.stopCommand(); };
+  strip_->onStop(stop);
+  parts_.input.onEscape(stop);
+  parts_.input.letThrough(strip_->stopButton());
+  // A scroll while a page is drawn is done after it.
+  parts_.input.letThrough(
+      *display_, [this](const QEvent& event) { return display_->isDrawing() && isScroll(event); });
+  options_->device().onTyping([this](bool isTyping) {
+    isTypingDevice_ = isTyping;
+    showCommandsOff();
+  });
+}
+
+void MainWindow::commandStarted() {
+  parts_.dialogs.beginCommand();
+  strip_->setRunning(true);
+  look_->begin();
+}
+
+void MainWindow::commandEnded() {
+  strip_->setRunning(false);
+  commands_->showVoltage();
+  showTitle();
+  ErrorLamp& alert = strip_->errorLamp();
+  look_->end(alert.isAlert() ? &alert : nullptr, *display_->focusProxy());
+  if (stopQuestion_) stopQuestion_->close();
+  const bool close = closeWanted_ && (parts_.stop.isEnding() || !hasFailed());
+  closeWanted_ = false;
+  if (close) QTimer::singleShot(0, this, [this] { this->close(); });
+}
+
+// What failed is to be read before the window goes.
+bool MainWindow::hasFailed() const {
+  return parts_.form.lastOutcome() == form::frmMain::Outcome::RunTimeError ||
+         strip_->errorLamp().isAlert();
+}
+
+void MainWindow::showCommandsOff() {
+  options_->widget()->setEnabled(!looksRunning_);
+  commands_->setEnabled(!looksRunning_ && !isTypingDevice_);
+  display_->setCommandsOff(looksRunning_);
+  log_->setCommandsOff(looksRunning_);
+  menus_->setCommandsOff(looksRunning_, isTypingDevice_);
+}
+
+// --- the code file ---
+
+void MainWindow::after(const char* name, const std::function<void()>& step) {
+  if (auto* const button = findChild<QAbstractButton*>(name)) {
+    connect(button, &QAbstractButton::clicked, this, step);
+  } else if (auto* const action = findChild<QAction*>(name)) {
+    connect(action, &QAction::triggered, this, step);
+  }
+}
+
+// The widgets press their control first and hear of these steps then.
 void MainWindow::connectFile() {
-  parts_.mirror.bind(controls_.FileNameCodeText, [this] { showTitle(); });
-  parts_.mirror.bind(controls_.frmMain, [this] { showTitle(); });
+  for (const char* const name :
+       {"openCodeFile", "mnuFileOpenCode", "tbToolBar(1)", "mnuFileSaveCodeAs"}) {
+    after(name, [this] { bufferIsInFile(); });
+  }
+  for (const char* const name : {"mnuFileSaveCode", "tbToolBar(2)"}) {
+    after(name, [this] {
+      if (!saveRefused_) bufferIsInFile();
+    });
+  }
+  for (const char* const name : {"LoadSetup1", "LoadSetup2", "LoadSetup3", "LoadSetup4"}) {
+    after(name, [this] {
+      if (holdsLoadedFile()) bufferIsInFile();
+    });
+  }
+  for (const char* const name : {"Read_button", "menuReadCode"}) {
+    after(name, [this] {
+      if (isDone()) origin_.readFromChip();
+      showTitle();
+    });
+  }
+  for (const char* const name : {"Erase_button", "menuEraseCode"}) {
+    after(name, [this] {
+      if (isDone()) origin_.erased();
+      showTitle();
+    });
+  }
+  showTitle();
+}
+
+bool MainWindow::isDone() const {
+  return parts_.form.lastOutcome() == form::frmMain::Outcome::Done;
+}
+
+// A setup may name a file or none: by the sum of its bytes the buffer tells which it was.
+bool MainWindow::holdsLoadedFile() const {
+  const ProgrammerState& state = parts_.form.state();
+  const auto end = state.CodeBuffer.begin() +
+                   std::clamp(state.CodeLength, 0, static_cast<int>(state.CodeBuffer.size()));
+  const std::uint32_t sum = std::accumulate(state.CodeBuffer.begin(), end, std::uint32_t{0});
+  return std::cmp_equal(sum % 65536, state.FileChecksum);
+}
+
+QString MainWindow::codeFileName() const { return toQString(parts_.form.state().CodeFileName); }
+
+// After the code file was opened or saved; where that failed everything is as before.
+void MainWindow::bufferIsInFile() {
+  if (!isDone() || !parts_.dialogs.wentThrough() || codeFileName().isEmpty()) return;
+  origin_.isInFile();
+  recent.add(codeFileName());
+  showTitle();
 }
 
 void MainWindow::showTitle() {
   const QString name = toQString(controls_.frmMain.caption());
-  const QString file = toQString(parts_.form.state().CodeFileName);
-  if (!file.isEmpty() && !controls_.FileNameCodeText.caption().empty()) {
-    setWindowTitle(QFileInfo(file).fileName() + " - " + name);
-    recent_.add(file);
-  } else {
-    setWindowTitle(name);
-  }
+  const QString shown = origin_.title(onOneLine(QFileInfo(codeFileName()).fileName()));
+  if (!origin_.isChanged()) setWindowModified(false);
+  setWindowTitle((shown.isEmpty() ? QString() : shown + (origin_.isChanged() ? "[*] - " : " - ")) +
+                 name);
+  setWindowModified(origin_.isChanged());
 }
 
-void MainWindow::start() {
-  (void)parts_.form.runner().run([this] { parts_.form.Form_Load(); });
-  parts_.mirror.refresh();
-  placed_ = true;
-  show();
+bool MainWindow::saveCodeAs() {
+  parts_.gate.run([this] {
+    controls_.mnuFileSaveCodeAs.press();
+    bufferIsInFile();
+  });
+  return !origin_.isUnsavedRead();
+}
+
+// Behind the first file that was opened, Save writes over it without a word, whatever the buffer
+// holds since then.
+bool MainWindow::maySaveOverFile() {
+  const bool isQuestion = origin_.isChanged() && !codeFileName().isEmpty();
+  saveRefused_ = isQuestion && !askToOverwrite();
+  return !saveRefused_;
+}
+
+bool MainWindow::askToOverwrite() {
+  const QString file = onOneLine(QFileInfo(codeFileName()).fileName());
+  QMessageBox box(QMessageBox::Question, "Kestrel",
+                  origin_.isUnsavedRead() ? "The buffer holds what was read from the chip."
+                                          : "The buffer has been erased.",
+                  QMessageBox::Cancel, this);
+  box.setObjectName("overwriteQuestion");
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText("Write it over the file " + file + "?");
+  QAbstractButton* const overwrite = box.addButton("Over&write", QMessageBox::DestructiveRole);
+  QAbstractButton* const other = box.addButton("Save &As...", QMessageBox::ActionRole);
+  box.setDefaultButton(QMessageBox::Cancel);
+  box.exec();
+  if (box.clickedButton() == other) saveCodeAs();
+  return box.clickedButton() == overwrite;
+}
+
+bool MainWindow::mayLoseRead() {
+  if (!origin_.isUnsavedRead()) return true;
+  QMessageBox box(QMessageBox::Question, "Kestrel",
+                  "What was read from the chip has not been saved.", QMessageBox::Cancel, this);
+  box.setObjectName("unsavedQuestion");
+  QAbstractButton* const save = box.addButton("Save &As...", QMessageBox::AcceptRole);
+  QAbstractButton* const lose =
+      box.addButton("Close &Without Saving", QMessageBox::DestructiveRole);
+  box.setDefaultButton(QMessageBox::Cancel);
+  box.exec();
+  if (box.clickedButton() == save) return saveCodeAs();
+  return box.clickedButton() == lose;
 }
 
 void MainWindow::openCodeFile(const std::filesystem::path& file) {
@@ -132,18 +306,101 @@ void MainWindow::openCodeFile(const std::filesystem::path& file) {
     parts_.dialogs.answerNextOpen(file);
     controls_.mnuFileOpenCode.press();
     parts_.dialogs.forgetNextOpen();
+    bufferIsInFile();
   });
 }
 
-void MainWindow::addSidePanel(QWidget& panel, const QString& title) {
-  auto* const dock = new QDockWidget(title, this);
-  dock->setObjectName("sidePanel");
-  dock->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable);
-  dock->setWidget(&panel);
-  addDockWidget(Qt::RightDockWidgetArea, dock);
-  menus_->hardwareMenu().addSeparator();
-  menus_->hardwareMenu().addAction(dock->toggleViewAction());
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  const QList<QUrl> files = event->mimeData()->urls();
+  const bool usable = files.size() == 1 && files.first().isLocalFile();
+  if (usable && !parts_.gate.isRunning()) event->acceptProposedAction();
 }
+
+// The file is opened after the drop: the other program waits for its end, and a box may come up.
+void MainWindow::dropEvent(QDropEvent* event) {
+  const QUrl url = event->mimeData()->urls().value(0);
+  if (!url.isLocalFile() || parts_.gate.isRunning()) return;
+  event->acceptProposedAction();
+  QTimer::singleShot(0, this, [this, file = fileOf(url)] { openCodeFile(file); });
+}
+
+// --- opening and closing ---
+
+void MainWindow::start(int windowsBefore) {
+  parts_.gate.run([this] { parts_.form.Form_Load(); });
+  parts_.mirror.refresh();
+  placeRests_.setSingleShot(true);
+  placeRests_.setInterval(kPlaceRestsMs);
+  connect(&placeRests_, &QTimer::timeout, this, [this] { reportPlace(); });
+  move(pos() + windowsBefore * QPoint(kBesideOthers, kBesideOthers));
+  restoreLook();
+  fitToScreen();
+  placed_ = true;
+  const bool wasMaximised = parts_.settings.value(kSection, "Maximised") == "1";
+  wasMaximised ? showMaximized() : show();
+  for (const int wait : kFrameKnownMs) QTimer::singleShot(wait, this, [this] { fitToScreen(); });
+}
+
+void MainWindow::addSidePanel(QWidget& panel, const QString& title) {
+  side_ = new QDockWidget(title, this);
+  side_->setObjectName("sidePanel");
+  side_->setFeatures(QDockWidget::DockWidgetClosable | QDockWidget::DockWidgetMovable |
+                     QDockWidget::DockWidgetFloatable);
+  side_->setWidget(&panel);
+  addDockWidget(Qt::RightDockWidgetArea, side_);
+  menus_->hardwareMenu().addSeparator();
+  menus_->hardwareMenu().addAction(side_->toggleViewAction());
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (parts_.gate.isRunning()) {
+    if (parts_.stop.isEnding()) {
+      closeWanted_ = true;
+    } else {
+      askToStop();
+    }
+    return;
+  }
+  if (!unloaded_) {
+    const bool mayAsk = !parts_.stop.isEnding();
+    if (mayAsk && !mayLoseRead()) return;
+    if (mayLeave_ && mayAsk && !mayLeave_()) return;
+    unloaded_ = true;
+    reportPlace();
+    saveLook();
+    parts_.gate.run([this] { parts_.form.Form_Unload(); });
+  }
+  event->accept();
+}
+
+// The command goes on behind the question: nothing waits with a voltage on the chip.
+void MainWindow::askToStop() {
+  if (stopQuestion_) {
+    stopQuestion_->raise();
+    return;
+  }
+  stopQuestion_ = new QMessageBox(QMessageBox::Question, "Kestrel", "A command is running.",
+                                  QMessageBox::NoButton, this);
+  stopQuestion_->setObjectName("stopQuestion");
+  stopQuestion_->setAttribute(Qt::WA_DeleteOnClose);
+  stopQuestion_->setModal(false);
+  stopQuestion_->setInformativeText(
+      "Stopped, it switches the programming voltage off; a chip that is being programmed or erased "
+      "stays half done.");
+  QAbstractButton* const stop =
+      stopQuestion_->addButton("&Stop and Close", QMessageBox::DestructiveRole);
+  QPushButton* const keepOn = stopQuestion_->addButton("&Keep On", QMessageBox::RejectRole);
+  stopQuestion_->setDefaultButton(keepOn);
+  connect(stop, &QAbstractButton::clicked, this, [this] {
+    closeWanted_ = true;
+    parts_.stop.stopCommand();
+  });
+  parts_.input.letThrough(*stopQuestion_);
+  stopQuestion_->show();
+}
+
+// --- the place on the screen ---
 
 // The place of the form and that of the window are one; the side that moved last leads. The window
 // follows only a place that differs from its own by more than rounding.
@@ -173,49 +430,59 @@ void MainWindow::reportPlace() {
   place.setHeight(keep(place.height(), height(), logicalDpiY()));
 }
 
+// A stored place may be off every screen of today, or have no size: then what the window would
+// like.
+void MainWindow::fitToScreen() {
+  if (isMinimized() || isMaximized() || isFullScreen()) return;
+  const QRect inside = geometry();
+  const QRect outside = frameGeometry();
+  QMargins frame(inside.left() - outside.left(), inside.top() - outside.top(),
+                 outside.right() - inside.right(), outside.bottom() - inside.bottom());
+  if (!isVisible()) frame = kUsualFrame;
+  QSize wanted = size();
+  if (wanted.width() < minimumSizeHint().width()) wanted.setWidth(sizeHint().width());
+  if (wanted.height() < minimumSizeHint().height()) wanted.setHeight(sizeHint().height());
+  QList<QRect> usable;
+  for (const QScreen* const screen : QApplication::screens()) {
+    usable.append(screen->availableGeometry());
+  }
+  const QRect asked(pos(), wanted.grownBy(frame));
+  const QRect place = placeOnScreen(asked, usable);
+  if (place.size() != size().grownBy(frame)) resize(place.size().shrunkBy(frame));
+  if (place.topLeft() != pos()) move(place.topLeft());
+}
+
+void MainWindow::restoreLook() {
+  const auto stored = [this](const char* key) {
+    return fromText(parts_.settings.value(kSection, key));
+  };
+  split_->restoreState(stored("Splitter"));
+  const bool isKnown = side_ != nullptr && restoreState(stored("Panels"));
+  if (side_ == nullptr || isKnown) return;
+  const int room = screen()->availableGeometry().width();
+  side_->setVisible(sizeHint().width() <= room);
+}
+
+void MainWindow::saveLook() {
+  parts_.settings.setValue(kSection, "Maximised", isMaximized() ? "1" : "0");
+  parts_.settings.setValue(kSection, "Splitter", toText(split_->saveState()));
+  if (side_ != nullptr) parts_.settings.setValue(kSection, "Panels", toText(saveState()));
+}
+
 void MainWindow::moveEvent(QMoveEvent* event) {
   QMainWindow::moveEvent(event);
-  reportPlace();
+  placeRests_.start();
 }
 
 void MainWindow::resizeEvent(QResizeEvent* event) {
   QMainWindow::resizeEvent(event);
-  reportPlace();
+  placeRests_.start();
 }
 
 void MainWindow::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
   if (event->type() == QEvent::WindowStateChange) reportPlace();
-  if (event->type() == QEvent::PaletteChange) icons_.apply(palette());
-}
-
-// A command that is running ends first.
-void MainWindow::closeEvent(QCloseEvent* event) {
-  if (parts_.form.runner().isRunning()) {
-    closeWanted_ = true;
-    event->ignore();
-    return;
-  }
-  closeWanted_ = false;
-  reportPlace();
-  if (!unloaded_) {
-    unloaded_ = true;
-    (void)parts_.form.runner().run([this] { parts_.form.Form_Unload(); });
-  }
-  event->accept();
-}
-
-void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
-  const QList<QUrl> files = event->mimeData()->urls();
-  const bool usable = files.size() == 1 && files.first().isLocalFile();
-  if (usable && !parts_.form.runner().isRunning()) event->acceptProposedAction();
-}
-
-void MainWindow::dropEvent(QDropEvent* event) {
-  const QString file = event->mimeData()->urls().value(0).toLocalFile();
-  if (file.isEmpty() || parts_.form.runner().isRunning()) return;
-  event->acceptProposedAction();
-  openCodeFile(file.toStdString());
+  if (event->type() == QEvent::PaletteChange) icons.apply(palette());
 }
 
 }  // namespace kestrel::window

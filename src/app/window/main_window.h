@@ -1,20 +1,31 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
 #include <filesystem>
+#include <functional>
 
 #include "app/form/frm_main.h"
 #include "app/window/binder.h"
+#include "app/window/code_origin.h"
 #include "app/window/qt_dialogs.h"
 #include "app/window/qt_screen.h"
 #include "app/window/recent_files.h"
 #include "app/window/theme.h"
 
+class QDockWidget;
+class QMessageBox;
 class QSplitter;
 
 namespace kestrel::window {
 
+class CommandBar;
+class DisplayPanel;
+class LogPanel;
 class Menus;
+class OptionsPanel;
+class RunningLook;
 class StatusStrip;
 
 /// What the window is put together with; all of it outlives the window.
@@ -28,20 +39,31 @@ struct WindowParts {
   StopSwitch& stop;
 };
 
+/// What the window's widgets refer to. A base of the window, so that it outlives them.
+struct WidgetServices {
+  Binder binder;
+  IconSet icons;
+  RecentFiles recent;
+};
+
 /// The main window: shows the form's controls and presses them. It has no logic of its own.
-class MainWindow final : public QMainWindow {
+class MainWindow final : private WidgetServices, public QMainWindow {
  public:
   explicit MainWindow(const WindowParts& parts);
   ~MainWindow() override;
 
-  /// The form's start-up sequence, then the window is shown.
-  void start();
+  /// The form's start-up sequence, then the window is shown; so many windows of the program are
+  /// open already.
+  void start(int windowsBefore = 0);
 
   /// Opens a code file as the Open command does with this answer.
   void openCodeFile(const std::filesystem::path& file);
 
   /// A panel beside everything else, and its entry in the Hardware menu.
   void addSidePanel(QWidget& panel, const QString& title);
+
+  /// Asked when the window is about to close for good; false keeps it.
+  void onLeaving(std::function<bool()> mayLeave) { mayLeave_ = std::move(mayLeave); }
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -55,19 +77,51 @@ class MainWindow final : public QMainWindow {
   void buildContent();
   void buildMenus();
   void connectCommands();
+  void connectInput();
   void connectFile();
+  void commandStarted();
+  void commandEnded();
+  void showCommandsOff();
+  [[nodiscard]] bool hasFailed() const;
+
+  void after(const char* name, const std::function<void()>& step);
+  [[nodiscard]] bool isDone() const;
+  void bufferIsInFile();
+  [[nodiscard]] bool holdsLoadedFile() const;
+  void showTitle();
+  [[nodiscard]] QString codeFileName() const;
+  [[nodiscard]] bool maySaveOverFile();
+  [[nodiscard]] bool askToOverwrite();
+  [[nodiscard]] bool mayLoseRead();
+  bool saveCodeAs();
+
+  void askToStop();
+
   void showPlace();
   void reportPlace();
-  void showTitle();
+  void fitToScreen();
+  void restoreLook();
+  void saveLook();
 
   WindowParts parts_;
   Controls& controls_;
-  Binder binder_;
-  IconSet icons_;
-  RecentFiles recent_;
+  CodeOrigin origin_;
   Menus* menus_ = nullptr;
+  OptionsPanel* options_ = nullptr;
+  CommandBar* commands_ = nullptr;
+  DisplayPanel* display_ = nullptr;
+  LogPanel* log_ = nullptr;
+  QSplitter* split_ = nullptr;
+  QDockWidget* side_ = nullptr;
   StatusStrip* strip_ = nullptr;
+  RunningLook* look_ = nullptr;
+  QPointer<QMessageBox> stopQuestion_;
+  std::function<bool()> mayLeave_;
+  QTimer placeRests_;    // a maximised window has its new size before it knows that it is maximised
   bool placed_ = false;  // the stored place was taken over; moves are reported from here on
+  bool looksRunning_ = false;
+  bool isTypingDevice_ = false;
+  bool saveRefused_ = false;
   bool closeWanted_ = false;
   bool unloaded_ = false;
 };

@@ -5,21 +5,26 @@
 #include <QToolButton>
 #include <utility>
 
+#include "app/window/elided_label.h"
+#include "app/window/file_names.h"
+
 namespace kestrel::window {
 namespace {
 
 constexpr qsizetype kLongestName = 60;  // of a setup; a damaged file may give one of any length
+constexpr int kRecentLetters = 60;      // of a recent file's path
 
 }  // namespace
 
 Menus::Menus(QMainWindow& window, Controls& controls, const Binder& binder, IconSet& icons,
-             RecentFiles& recent)
+             RecentFiles& recent, std::function<bool()> maySave)
     : QObject(&window),
       window_(window),
       controls_(controls),
       binder_(binder),
       icons_(icons),
-      recent_(recent) {
+      recent_(recent),
+      maySave_(std::move(maySave)) {
   buildFile();
   buildDevice();
   buildBuffer();
@@ -35,9 +40,10 @@ QMenu* Menus::addMenu(const QString& caption, const QString& name) {
   return menu;
 }
 
-QAction* Menus::add(QMenu& menu, Button& control, const QString& icon) {
+QAction* Menus::add(QMenu& menu, Button& control, const QString& icon,
+                    const std::function<bool()>& mayPress) {
   auto* const action = new QAction(&window_);
-  binder_.action(control, *action);
+  binder_.action(control, *action, mayPress);
   if (!icon.isEmpty()) icons_.add(*action, icon);
   menu.addAction(action);
   return action;
@@ -58,7 +64,7 @@ void Menus::buildFile() {
   buildRecent(menu);
   add(menu, controls_.mnuFileClose);
   menu.addSeparator();
-  add(menu, controls_.mnuFileSaveCode, "save-code")->setShortcut(QKeySequence::Save);
+  add(menu, controls_.mnuFileSaveCode, "save-code", maySave_)->setShortcut(QKeySequence::Save);
   // The key that users know from elsewhere, whatever the desktop's theme defines.
   add(menu, controls_.mnuFileSaveCodeAs)->setShortcut(QKeySequence("Ctrl+Shift+S"));
   add(menu, controls_.mnuFileSaveData, "save-data");
@@ -73,6 +79,7 @@ void Menus::buildFile() {
 void Menus::buildRecent(QMenu& file) {
   recentMenu_ = file.addMenu("Open &Recent");
   recentMenu_->setObjectName("recentFiles");
+  recentMenu_->setToolTipsVisible(true);
   connect(&file, &QMenu::aboutToShow, this, [this] { showRecent(); });
   showRecent();
 }
@@ -80,10 +87,13 @@ void Menus::buildRecent(QMenu& file) {
 void Menus::showRecent() {
   recentMenu_->clear();
   for (const QString& path : recent_.all()) {
-    QString caption = path;
-    recentMenu_->addAction(caption.replace("&", "&&"), this, [this, path] {
-      if (openRecent_) openRecent_(path.toStdString());
+    const QFontMetrics metrics(recentMenu_->font());
+    const int widest = kRecentLetters * metrics.averageCharWidth();
+    QString caption = metrics.elidedText(onOneLine(path), Qt::ElideMiddle, widest);
+    QAction* const entry = recentMenu_->addAction(caption.replace("&", "&&"), this, [this, path] {
+      if (openRecent_) openRecent_(fileOf(path));
     });
+    entry->setToolTip(onOneLine(path));
   }
   recentMenu_->setEnabled(!recentMenu_->isEmpty());
 }
@@ -94,6 +104,7 @@ void Menus::onOpenRecent(std::function<void(const std::filesystem::path&)> open)
 
 void Menus::buildDevice() {
   QMenu& menu = *addMenu("Dev&ice", "mnuDevice");
+  device_ = &menu;
   add(menu, controls_.menuReadCode, "read");
   add(menu, controls_.menuBlankCheck, "blank-check");
   add(menu, controls_.menuVerifyCode, "verify");
@@ -105,7 +116,26 @@ void Menus::buildDevice() {
   addSeparator(menu, "menuCommandBar2");
   add(menu, controls_.menuEraseFlash, "erase-chip");
   addSeparator(menu, "mnuCommandBar3");
-  addAll(menu, {&controls_.menuFlashShowCodeID, &controls_.ResetFlash, &controls_.LoopFlashTest});
+  add(menu, controls_.menuFlashShowCodeID);
+  buildAdvanced(menu);
+}
+
+// What only helps to look for a fault in the hardware.
+void Menus::buildAdvanced(QMenu& device) {
+  QMenu& menu = *device.addMenu("Ad&vanced");
+  menu.setObjectName("mnuAdvanced");
+  menu.setToolTipsVisible(true);
+  add(menu, controls_.ResetFlash)
+      ->setToolTip(
+          "Strobes /CE and /WE with F0h in the data latch; the latch does not drive the bus");
+  add(menu, controls_.LoopFlashTest)
+      ->setToolTip("Repeats the step that writes a flash byte, which is empty, until Stop");
+}
+
+void Menus::setCommandsOff(bool all, bool ofDevice) {
+  window_.menuBar()->setEnabled(!all);
+  toolbar_->setEnabled(!all);
+  device_->menuAction()->setEnabled(!ofDevice);
 }
 
 void Menus::buildBuffer() {
@@ -131,7 +161,7 @@ void Menus::buildSetup() {
 // The name that a setup was given is shown as it is: an ampersand in it marks no mnemonic.
 void Menus::addSetup(QMenu& menu, Button& entry) {
   QAction* const action = add(menu, entry);
-  binder_.mirror().bind(entry, [&entry, action, atStart = toQString(entry.caption())] {
+  binder_.mirror().bind(entry, *action, [&entry, action, atStart = toQString(entry.caption())] {
     QString name = toQString(entry.caption());
     if (name.size() > kLongestName) name = name.left(kLongestName) + u'\u2026';
     const bool isUnnamed = name.isEmpty() || name == atStart;
@@ -170,13 +200,14 @@ void Menus::buildToolbar() {
                                            {"Open Data", "open-data", "Open a data file"},
                                            {"Save Data", "save-data", "Save the data buffer"}}};
   QToolBar& bar = *window_.addToolBar("Files");
+  toolbar_ = &bar;
   bar.setObjectName("tbToolBar");
   bar.setMovable(false);
   bar.setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
   for (std::size_t i = 0; i < kEntries.size(); ++i) {
     ToolButton& control = controls_.tbToolBar[i];
     auto* const action = new QAction(&window_);
-    binder_.action(control, *action);
+    binder_.action(control, *action, control.key() == "SaveCode" ? maySave_ : nullptr);
     action->setSeparator(control.key().empty());
     action->setIconText(kEntries[i].caption);
     action->setToolTip(kEntries[i].toolTip);

@@ -11,22 +11,30 @@
 #include "app/window/recent_files.h"
 #include "app/window/theme.h"
 
+class QToolBar;
+
 namespace kestrel::window {
 
 /// The menu bar and the toolbar. Every entry presses the control of its name.
 class Menus final : public QObject {
  public:
+  /// `maySave` is asked before the code buffer is saved over its file.
   Menus(QMainWindow& window, Controls& controls, const Binder& binder, IconSet& icons,
-        RecentFiles& recent);
+        RecentFiles& recent, std::function<bool()> maySave);
 
   /// Opens a file of the list of recent ones.
   void onOpenRecent(std::function<void(const std::filesystem::path&)> open);
 
   [[nodiscard]] QMenu& hardwareMenu() const { return *hardware_; }
 
+  /// What cannot be used looks so: everything while a command runs, the Device menu while the name
+  /// of a device is typed.
+  void setCommandsOff(bool all, bool ofDevice);
+
  private:
   QMenu* addMenu(const QString& caption, const QString& name);
-  QAction* add(QMenu& menu, Button& control, const QString& icon = {});
+  QAction* add(QMenu& menu, Button& control, const QString& icon = {},
+               const std::function<bool()>& mayPress = {});
   void addSetup(QMenu& menu, Button& entry);
   void addAll(QMenu& menu, std::initializer_list<Button*> controls);
   void addSeparator(QMenu& menu, const QString& name);
@@ -34,6 +42,7 @@ class Menus final : public QObject {
   void buildRecent(QMenu& file);
   void showRecent();
   void buildDevice();
+  void buildAdvanced(QMenu& device);
   void buildBuffer();
   void buildSetup();
   void buildHardware();
@@ -45,6 +54,9 @@ class Menus final : public QObject {
   const Binder& binder_;
   IconSet& icons_;
   RecentFiles& recent_;
+  std::function<bool()> maySave_;
+  QMenu* device_ = nullptr;
+  QToolBar* toolbar_ = nullptr;
   QMenu* recentMenu_ = nullptr;
   QMenu* hardware_ = nullptr;
   std::function<void(const std::filesystem::path&)> openRecent_;

@@ -12,9 +12,9 @@ Mirror::Mirror() {
   QObject::connect(&wake_, &QTimer::timeout, &wake_, [this] { refresh(); });
 }
 
-void Mirror::bind(const Control& control, Show show) {
+void Mirror::bind(const Control& control, QObject& widget, Show show) {
   show();
-  entries_[&control].shows.push_back(std::move(show));
+  entries_[&control].bindings.push_back({&widget, std::move(show)});
 }
 
 void Mirror::controlChanged(const Control& control) {
@@ -30,7 +30,16 @@ void Mirror::textAppended(const TextBox& box, std::string_view) { controlChanged
 void Mirror::refresh() {
   for (Entry* const entry : std::exchange(dirty_, {})) {
     entry->dirty = false;
-    for (const Show& show : entry->shows) show();
+    showAll(*entry);
+  }
+}
+
+void Mirror::showAll(Entry& entry) {
+  std::erase_if(entry.bindings, [](const Binding& binding) { return !binding.widget; });
+  for (std::size_t i = 0; i < entry.bindings.size(); ++i) {
+    // A copy: what is shown may bind a further widget, and the list then moves.
+    const Binding binding = entry.bindings[i];
+    if (binding.widget) binding.show();
   }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPointer>
 #include <QTimer>
 #include <functional>
 #include <string_view>
@@ -19,8 +20,9 @@ class Mirror final : public ControlListener {
 
   Mirror();
 
-  /// `show` brings a widget up to date; it runs at once, and again after the control has changed.
-  void bind(const Control& control, Show show);
+  /// `show` brings a widget up to date; it runs at once, and again after the control has changed,
+  /// until the widget is gone.
+  void bind(const Control& control, QObject& widget, Show show);
 
   /// Shows the control again although it has not changed: its widget moved on its own.
   void touch(const Control& control) { controlChanged(control); }
@@ -32,12 +34,18 @@ class Mirror final : public ControlListener {
   void textAppended(const TextBox& box, std::string_view piece) override;
 
  private:
+  struct Binding {
+    QPointer<QObject> widget;
+    Show show;
+  };
   struct Entry {
-    std::vector<Show> shows;
+    std::vector<Binding> bindings;
     bool dirty = false;
   };
 
-  std::unordered_map<const Control*, Entry> entries_;
+  static void showAll(Entry& entry);
+
+  std::unordered_map<const Control*, Entry> entries_;  // the entries stay where they are
   std::vector<Entry*> dirty_;
   QTimer wake_;  // refreshes from the event loop what no command's turn has shown
 };

@@ -1,12 +1,12 @@
 #include "app/window/options_panel.h"
 
+#include <QApplication>
 #include <QEvent>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QScreen>
 #include <QScrollBar>
 #include <QSlider>
 #include <QVBoxLayout>
@@ -16,19 +16,12 @@
 #include "app/window/elided_label.h"
 #include "app/window/lamp.h"
 #include "app/window/range_reporter.h"
+#include "app/window/step_label.h"
 
 namespace kestrel::window {
 namespace {
 
-constexpr int kAroundPanel = 200;  // menus, toolbar, status strip and the desktop's own bars
-
-QLabel* heading(const QString& text, QWidget* parent) {
-  auto* const label = new QLabel(text, parent);
-  QFont font = label->font();
-  font.setBold(true);
-  label->setFont(font);
-  return label;
-}
+constexpr int kLowest = 240;  // of the panel; what does not fit is scrolled to
 
 /// What comes and goes leaves its place free, so that nothing jumps.
 void keepPlace(QWidget& widget) {
@@ -45,9 +38,9 @@ QHBoxLayout* row(QBoxLayout& column) {
 
 }  // namespace
 
-OptionsPanel::OptionsPanel(Controls& controls, const Binder& binder, IconSet& icons,
-                           QWidget* parent)
-    : QScrollArea(parent), controls_(controls), binder_(binder), icons_(icons) {
+OptionsPanel::OptionsPanel(Controls& controls, const ProgrammerState& state, const Binder& binder,
+                           IconSet& icons, QWidget* parent)
+    : QScrollArea(parent), controls_(controls), state_(state), binder_(binder), icons_(icons) {
   setObjectName("optionsPanel");
   setFrameShape(QFrame::NoFrame);
   setWidgetResizable(true);
@@ -61,7 +54,7 @@ OptionsPanel::OptionsPanel(Controls& controls, const Binder& binder, IconSet& ic
   buildFile(*column);
   buildDataFile(*column);
   column->addSpacing(6);
-  auto* const options = heading("&3  Options", content);
+  auto* const options = new StepLabel("&3  Options", content);
   column->addWidget(options);
   buildVoltage(*column);
   buildLane(*column);
@@ -70,14 +63,18 @@ OptionsPanel::OptionsPanel(Controls& controls, const Binder& binder, IconSet& ic
   buildSpeed(*column);
   column->addStretch(1);
   buildHardware(*column);
+  connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* now) {
+    if (now != nullptr && isAncestorOf(now)) ensureWidgetVisible(now);
+  });
 }
 
-// All of it can be seen unless the screen is too low for that.
-QSize OptionsPanel::minimumSizeHint() const {
+QSize OptionsPanel::sizeHint() const {
   const QSize content = widget()->minimumSizeHint();
-  const int highest = screen()->availableSize().height() - kAroundPanel;
-  return {content.width() + verticalScrollBar()->sizeHint().width(),
-          std::min(content.height(), highest)};
+  return {content.width() + verticalScrollBar()->sizeHint().width(), content.height()};
+}
+
+QSize OptionsPanel::minimumSizeHint() const {
+  return {sizeHint().width(), std::min(sizeHint().height(), kLowest)};
 }
 
 bool OptionsPanel::eventFilter(QObject* receiver, QEvent* event) {
@@ -86,19 +83,19 @@ bool OptionsPanel::eventFilter(QObject* receiver, QEvent* event) {
 }
 
 void OptionsPanel::buildDevice(QBoxLayout& column) {
-  auto* const label = heading("&1  Device", widget());
-  auto* const device = new DeviceBox(controls_.Device, binder_, widget());
-  device->setToolTip("The chip in the socket. Type a part of its name to find it.");
-  device->setAccessibleName("Device");
-  label->setBuddy(device);
+  auto* const label = new StepLabel("&1  Device", widget());
+  device_ = new DeviceBox(controls_.Device, state_, binder_, widget());
+  device_->setToolTip("The chip in the socket. Type a part of its name, or what is printed on it.");
+  device_->setAccessibleName("Device");
+  label->setBuddy(device_);
   column.addWidget(label);
-  column.addWidget(device);
+  column.addWidget(device_);
 }
 
 void OptionsPanel::buildFile(QBoxLayout& column) {
   column.addSpacing(6);
   QHBoxLayout* const top = row(column);
-  auto* const label = heading("&2  Code file", widget());
+  auto* const label = new StepLabel("&2  Code file", widget());
   top->addWidget(label, 1);
   auto* const open = new QPushButton("Open...", widget());
   label->setBuddy(open);
@@ -140,7 +137,7 @@ void OptionsPanel::buildVoltage(QBoxLayout& column) {
   frame->setToolTip("The data sheet decides. A wrong programming voltage destroys a chip.");
   auto* const buttons = new QHBoxLayout(frame);
   binder_.common(controls_.FrameVoltageSelection, *frame);
-  binder_.mirror().bind(controls_.FrameVoltageSelection, [this, frame] {
+  binder_.mirror().bind(controls_.FrameVoltageSelection, *frame, [this, frame] {
     frame->setTitle(toQString(controls_.FrameVoltageSelection.caption()));
   });
   for (OptionButton& control : controls_.Voltage_button) {
@@ -210,7 +207,7 @@ void OptionsPanel::buildSpeed(QBoxLayout& column) {
   new RangeReporter(controls_.Slider1, *slider, binder_);
   value->setMinimumWidth(value->fontMetrics().horizontalAdvance("20"));
   value->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  binder_.mirror().bind(controls_.Slider1,
+  binder_.mirror().bind(controls_.Slider1, *value,
                         [this, value] { value->setNum(controls_.Slider1.value()); });
   QObject::connect(slider, &QSlider::sliderMoved, value, [value](int now) { value->setNum(now); });
   line->addWidget(label);
@@ -220,15 +217,22 @@ void OptionsPanel::buildSpeed(QBoxLayout& column) {
 
 void OptionsPanel::buildHardware(QBoxLayout& column) {
   QHBoxLayout* const top = row(column);
-  top->addWidget(heading("Hardware", widget()), 1);
+  top->addWidget(new StepLabel("Hardware", widget()), 1);
   auto* const ready = new Lamp(widget());
   ready->setWidestCaption("NotReady");
-  bindLamp(controls_.Ready_label, *ready, binder_);
+  // Red too is a colour of this lamp: lit it says "NotReady".
+  bindLamp(controls_.Ready_label, *ready, binder_, {});
+  binder_.mirror().bind(controls_.Ready_label, *ready, [this, ready] {
+    ready->setToolTip(controls_.Ready_label.colour() == Colour::Red
+                          ? "No board was found: check its supply and cable, then Test Hardware"
+                          : "A board was found and is at rest");
+  });
   top->addWidget(ready);
   QHBoxLayout* const line = row(column);
   hardware_ = new ElidedLabel(Qt::ElideRight, widget());
   binder_.caption(controls_.KestrelHardwareFound, *hardware_);
-  binder_.mirror().bind(controls_.KestrelHardwareFound, [this] { showHardwareColour(); });
+  binder_.mirror().bind(controls_.KestrelHardwareFound, *hardware_,
+                        [this] { showHardwareColour(); });
   auto* const port = new QLabel(widget());
   binder_.text(controls_.PortSelected, *port);
   port->setToolTip("The port in use");

@@ -3,6 +3,7 @@
 #include <QScrollArea>
 
 #include "app/state/controls.h"
+#include "app/state/programmer_state.h"
 #include "app/window/binder.h"
 #include "app/window/theme.h"
 
@@ -11,13 +12,17 @@ class QLabel;
 
 namespace kestrel::window {
 
+class DeviceBox;
+
 /// The left side, from top to bottom in the order of the work: device, file, options; at the foot
 /// the board.
 class OptionsPanel final : public QScrollArea {
  public:
-  OptionsPanel(Controls& controls, const Binder& binder, IconSet& icons, QWidget* parent);
+  OptionsPanel(Controls& controls, const ProgrammerState& state, const Binder& binder,
+               IconSet& icons, QWidget* parent);
 
-  [[nodiscard]] QSize sizeHint() const override { return minimumSizeHint(); }
+  [[nodiscard]] DeviceBox& device() const { return *device_; }
+  [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override;
 
  protected:
@@ -37,8 +42,10 @@ class OptionsPanel final : public QScrollArea {
   void showHardwareColour();
 
   Controls& controls_;
+  const ProgrammerState& state_;
   const Binder& binder_;
   IconSet& icons_;
+  DeviceBox* device_ = nullptr;
   QLabel* hardware_ = nullptr;
 };
 

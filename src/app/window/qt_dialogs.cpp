@@ -1,11 +1,13 @@
 #include "app/window/qt_dialogs.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <utility>
 
 #include "app/window/about_box.h"
+#include "app/window/file_names.h"
 
 namespace kestrel::window {
 namespace {
@@ -34,15 +36,32 @@ void setFilter(QFileDialog& dialog, const std::string& filter) {
   dialog.setNameFilter(shown + " (*)");
 }
 
-std::string chosen(QFileDialog& dialog) {
-  if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) return {};
-  return dialog.selectedFiles().first().toStdString();
-}
+constexpr const char* kSection = "Window";
+constexpr const char* kFolder = "Folder";
+
+/// Opens also what Qt cannot name: a file whose name is no UTF-8 is there for all that it says.
+class OpenDialog final : public QFileDialog {
+ public:
+  using QFileDialog::QFileDialog;
+
+ protected:
+  void accept() override {
+    const QString chosen = selectedFiles().value(0);
+    std::error_code unreadable;
+    const bool isNamedByMarks = chosen.contains(QChar::ReplacementCharacter);
+    if (isNamedByMarks && std::filesystem::is_regular_file(fileOf(chosen), unreadable)) {
+      QDialog::accept();
+    } else {
+      QFileDialog::accept();
+    }
+  }
+};
 
 }  // namespace
 
 Answer QtDialogs::messageBox(const MessageBox& box) {
   mirror_.refresh();
+  wentThrough_ = wentThrough_ && box.buttons == MessageButtons::OkCancel;
   QMessageBox dialog(owner_);
   dialog.setObjectName("messageBox");
   dialog.setTextFormat(Qt::PlainText);
@@ -68,22 +87,30 @@ std::string QtDialogs::inputBox(const std::string& prompt, const std::string& ti
 
 std::string QtDialogs::openFile(const std::string& title, const std::string& filter) {
   if (const auto file = std::exchange(nextOpen_, std::nullopt)) return file->string();
-  mirror_.refresh();
-  QFileDialog dialog(owner_, QString::fromStdString(title));
+  OpenDialog dialog(owner_, QString::fromStdString(title));
   dialog.setObjectName("openFile");
   dialog.setFileMode(QFileDialog::ExistingFile);
-  setFilter(dialog, filter);
-  return chosen(dialog);
+  return choose(dialog, filter);
 }
 
 std::string QtDialogs::saveFile(const std::string& title, const std::string& filter) {
-  mirror_.refresh();
   QFileDialog dialog(owner_, QString::fromStdString(title));
   dialog.setObjectName("saveFile");
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
+  return choose(dialog, filter);
+}
+
+std::string QtDialogs::choose(QFileDialog& dialog, const std::string& filter) {
+  mirror_.refresh();
   setFilter(dialog, filter);
-  return chosen(dialog);
+  const QString folder = QString::fromStdString(settings_.value(kSection, kFolder).value_or(""));
+  if (!folder.isEmpty() && QDir(folder).exists()) dialog.setDirectory(folder);
+  const bool isChosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
+  wentThrough_ = wentThrough_ && isChosen;
+  if (!isChosen) return {};
+  settings_.setValue(kSection, kFolder, dialog.directory().absolutePath().toStdString());
+  return fileOf(dialog.selectedFiles().first()).string();
 }
 
 void QtDialogs::about() {

@@ -7,13 +7,17 @@
 
 #include "app/window/mirror.h"
 #include "platform/dialogs.h"
+#include "platform/settings_store.h"
+
+class QFileDialog;
 
 namespace kestrel::window {
 
-/// The questions of the commands as dialogs over the main window.
+/// The questions of the commands as dialogs over the main window. The file dialogs begin in the
+/// folder that the last one ended in.
 class QtDialogs final : public Dialogs {
  public:
-  explicit QtDialogs(Mirror& mirror) : mirror_(mirror) {}
+  QtDialogs(Mirror& mirror, SettingsStore& settings) : mirror_(mirror), settings_(settings) {}
 
   void setOwner(QWidget& owner) { owner_ = &owner; }
 
@@ -22,6 +26,11 @@ class QtDialogs final : public Dialogs {
   void answerNextOpen(const std::filesystem::path& file) { nextOpen_ = file; }
   void forgetNextOpen() { nextOpen_.reset(); }
 
+  /// A command begins.
+  void beginCommand() { wentThrough_ = true; }
+  /// Since then no file dialog was cancelled and no box told of a failure.
+  [[nodiscard]] bool wentThrough() const { return wentThrough_; }
+
   Answer messageBox(const MessageBox& box) override;
   [[nodiscard]] std::string inputBox(const std::string& prompt, const std::string& title) override;
   [[nodiscard]] std::string openFile(const std::string& title, const std::string& filter) override;
@@ -29,9 +38,13 @@ class QtDialogs final : public Dialogs {
   void about() override;
 
  private:
+  [[nodiscard]] std::string choose(QFileDialog& dialog, const std::string& filter);
+
   Mirror& mirror_;
+  SettingsStore& settings_;
   QPointer<QWidget> owner_;
   std::optional<std::filesystem::path> nextOpen_;
+  bool wentThrough_ = true;
 };
 
 }  // namespace kestrel::window

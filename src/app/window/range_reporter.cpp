@@ -11,6 +11,18 @@ namespace {
 constexpr int kNotch = 120;  // a click of an ordinary wheel, in eighths of a degree
 constexpr int kWheelRestsMs = 150;
 
+/// Marks a change as acted on for as long as it lives, whatever ends it.
+class Reporting {
+ public:
+  explicit Reporting(bool& flag) : flag_(flag) { flag_ = true; }
+  ~Reporting() { flag_ = false; }
+  Reporting(const Reporting&) = delete;
+  Reporting& operator=(const Reporting&) = delete;
+
+ private:
+  bool& flag_;
+};
+
 }  // namespace
 
 RangeReporter::RangeReporter(RangeControl& control, QAbstractSlider& slider, const Binder& binder)
@@ -18,7 +30,7 @@ RangeReporter::RangeReporter(RangeControl& control, QAbstractSlider& slider, con
   slider.setTracking(false);
   slider.installEventFilter(this);
   binder.common(control, slider);
-  binder.mirror().bind(control, [this] { show(); });
+  binder.mirror().bind(control, *this, [this] { show(); });
   wheelRests_.setSingleShot(true);
   wheelRests_.setInterval(kWheelRestsMs);
   connect(&wheelRests_, &QTimer::timeout, this, [this] { report(slider_.value()); });
@@ -35,7 +47,10 @@ void RangeReporter::show() {
 
 void RangeReporter::report(int value) {
   wheelRests_.stop();
-  binder_.runner().runWhenIdle([this, value] { control_.setValue(value); });
+  binder_.gate().run([this, value] {
+    const Reporting reporting(isReporting_);
+    control_.setValue(value);
+  });
   binder_.mirror().touch(control_);
 }
 
@@ -59,7 +74,12 @@ void RangeReporter::turnWheel(int angle) {
 
 bool RangeReporter::eventFilter(QObject*, QEvent* event) {
   if (event->type() != QEvent::Wheel) return false;
-  if (slider_.isEnabled()) turnWheel(static_cast<QWheelEvent*>(event)->angleDelta().y());
+  // A slider that is only passed over scrolls what it stands in; a scroll bar needs no focus.
+  if (slider_.focusPolicy() != Qt::NoFocus && !slider_.hasFocus()) {
+    event->ignore();
+  } else if (slider_.isEnabled()) {
+    turnWheel(static_cast<QWheelEvent*>(event)->angleDelta().y());
+  }
   return true;
 }
 

@@ -22,6 +22,9 @@ class RangeReporter final : public QObject {
   /// Goes to a value at once, as a key does.
   void goTo(int value);
 
+  /// While the change that was reported last is acted on.
+  [[nodiscard]] bool isReporting() const { return isReporting_; }
+
   [[nodiscard]] QAbstractSlider& slider() const { return slider_; }
 
   bool eventFilter(QObject* receiver, QEvent* event) override;
@@ -35,6 +38,7 @@ class RangeReporter final : public QObject {
   const Binder& binder_;
   QTimer wheelRests_;
   int wheelAngle_ = 0;
+  bool isReporting_ = false;
 };
 
 }  // namespace kestrel::window

@@ -19,7 +19,7 @@ SecondDisplay::SecondDisplay(SecondaryDisplay& controls, const Binder& binder, Q
   setObjectName("frmDisplay1");
   setWindowTitle("Kestrel - code buffer, first page");
   build(binder);
-  binder.mirror().bind(controls.window, [this, &screen] {
+  binder.mirror().bind(controls.window, *this, [this, &screen] {
     if (controls_.window.visible() && !isVisible()) {
       show();
       screen.opened(*this);
@@ -39,15 +39,16 @@ void SecondDisplay::build(const Binder& binder) {
   page->setReadOnly(true);
   page->setLineWrapMode(QPlainTextEdit::NoWrap);
   page->setFont(fixedFont());
-  page->setMinimumSize(hexPageSize(*page, fixedFont()));
+  page->setMinimumSize(hexPageSize(*page, fixedFont(), kPageLines));
   page->setAccessibleName("Code buffer, first page");
   binder.common(controls_.BufferDisplay, *page);
-  binder.mirror().bind(controls_.BufferDisplay, [this, page] {
+  binder.mirror().bind(controls_.BufferDisplay, *page, [this, page] {
     QString shown = toQString(controls_.BufferDisplay.text());
     page->setPlainText(shown.remove('\r'));
     comeForward();
   });
   auto* const bar = new QScrollBar(Qt::Vertical, frame);
+  bar->setFocusPolicy(Qt::NoFocus);
   new RangeReporter(controls_.VScroll1, *bar, binder);
   row->addWidget(page, 1);
   row->addWidget(bar);
@@ -57,7 +58,7 @@ void SecondDisplay::build(const Binder& binder) {
   for (Button& control : controls_.Command) {
     auto* const button = new QPushButton(this);
     binder.button(control, *button);
-    binder.mirror().bind(control, [&control, button] {
+    binder.mirror().bind(control, *button, [&control, button] {
       button->setVisible(control.visible() && !control.caption().empty());
     });
     buttons->addWidget(button);

@@ -45,19 +45,23 @@ StatusStrip::StatusStrip(Controls& controls, const Binder& binder, IconSet& icon
 
 void StatusStrip::buildLamps(QBoxLayout& row) {
   auto* const activity = new Lamp(this);
-  bindLamp(controls_.DataFlow_label, *activity, binder_);
-  activity->setToolTip("Lit while the program talks to the board or reads a file");
+  bindLamp(controls_.DataFlow_label, *activity, binder_,
+           {.lit = "The program talks to the board or reads a file",
+            .unlit = "Lit while the program talks to the board or reads a file"});
   auto* const program = new Lamp(this);
-  bindLamp(controls_.Program_label, *program, binder_);
-  program->setToolTip("Lit while a chip is programmed: do not touch it");
+  bindLamp(controls_.Program_label, *program, binder_,
+           {.lit = "A chip is being programmed: do not touch it",
+            .unlit = "Lit while a chip is programmed"});
   row.addWidget(activity);
   row.addWidget(program);
-  row.addWidget(new ErrorLamp(controls_.Error_label, binder_, this));
+  error_ = new ErrorLamp(controls_.Error_label, binder_, this);
+  row.addWidget(error_);
 }
 
 void StatusStrip::buildProgress(QBoxLayout& row) {
   bar_ = new QProgressBar(this);
   bar_->setTextVisible(false);
+  bar_->setRange(0, 100);
   bar_->setFixedWidth(160);
   bar_->setAccessibleName("Progress");
   percent_ = new QLabel(this);
@@ -68,7 +72,7 @@ void StatusStrip::buildProgress(QBoxLayout& row) {
   timeLeft_->setObjectName("timeLeft");
   timeLeft_->setMinimumWidth(fontMetrics().horizontalAdvance("00:00 left"));
   binder_.common(controls_.ProgressBar1, *bar_);
-  binder_.mirror().bind(controls_.ProgressBar1, [this] { showProgress(); });
+  binder_.mirror().bind(controls_.ProgressBar1, *bar_, [this] { showProgress(); });
   row.addWidget(bar_);
   row.addWidget(percent_);
   row.addWidget(timeLeft_);
@@ -77,12 +81,23 @@ void StatusStrip::buildProgress(QBoxLayout& row) {
 void StatusStrip::showProgress() {
   const std::int32_t value = controls_.ProgressBar1.value();
   const std::int32_t maximum = std::max(1, controls_.ProgressBar1.maximum());
-  bar_->setRange(0, maximum);
-  bar_->setValue(value);
-  percent_->setText(value > 0 ? QString("%1 %").arg(100 * value / maximum) : QString());
-  const qint64 elapsed = sinceStart_.isValid() ? sinceStart_.elapsed() : 0;
-  const bool known = value > 0 && value < maximum && elapsed >= kFirstGuessMs;
-  const qint64 left = known ? elapsed * (maximum - value) / value : 0;
+  const int percent = static_cast<int>(std::int64_t{100} * std::min(value, maximum) / maximum);
+  bar_->setValue(percent);
+  percent_->setText(value > 0 ? QString("%1 %").arg(percent) : QString());
+  showTimeLeft(value, maximum);
+}
+
+// A walk over the chip begins with the bar at 0; the verify behind a programming is one of its own.
+void StatusStrip::showTimeLeft(std::int32_t value, std::int32_t maximum) {
+  if (value == 0 || value < walked_ || !sinceStart_.isValid()) {
+    sinceStart_.start();
+    startedAt_ = value;
+  }
+  walked_ = value;
+  const std::int32_t done = value - startedAt_;
+  const qint64 elapsed = sinceStart_.elapsed();
+  const bool known = isRunning_ && done > 0 && value < maximum && elapsed >= kFirstGuessMs;
+  const qint64 left = known ? elapsed * (maximum - value) / done : 0;
   timeLeft_->setText(known ? minutesAndSeconds(left) + " left" : QString());
 }
 
@@ -92,12 +107,9 @@ void StatusStrip::onStop(std::function<void()> stop) {
 
 void StatusStrip::setRunning(bool running) {
   stop_->setEnabled(running);
-  if (running) {
-    sinceStart_.start();
-  } else {
-    sinceStart_.invalidate();
-    timeLeft_->clear();
-  }
+  isRunning_ = running;
+  sinceStart_.invalidate();
+  timeLeft_->clear();
 }
 
 }  // namespace kestrel::window

@@ -15,6 +15,8 @@ class QPushButton;
 
 namespace kestrel::window {
 
+class ErrorLamp;
+
 /// The strip at the foot: the lamps, what is going on, how far it is, and Stop.
 class StatusStrip final : public QWidget {
  public:
@@ -23,6 +25,7 @@ class StatusStrip final : public QWidget {
   /// Stop is pressed, or Esc while a command runs.
   void onStop(std::function<void()> stop);
   [[nodiscard]] QPushButton& stopButton() const { return *stop_; }
+  [[nodiscard]] ErrorLamp& errorLamp() const { return *error_; }
 
   /// A command begins or has ended.
   void setRunning(bool running);
@@ -31,6 +34,7 @@ class StatusStrip final : public QWidget {
   void buildLamps(QBoxLayout& row);
   void buildProgress(QBoxLayout& row);
   void showProgress();
+  void showTimeLeft(std::int32_t value, std::int32_t maximum);
 
   Controls& controls_;
   const Binder& binder_;
@@ -38,7 +42,11 @@ class StatusStrip final : public QWidget {
   QLabel* percent_ = nullptr;
   QLabel* timeLeft_ = nullptr;
   QPushButton* stop_ = nullptr;
-  QElapsedTimer sinceStart_;
+  ErrorLamp* error_ = nullptr;
+  bool isRunning_ = false;
+  QElapsedTimer sinceStart_;    // of the walk over the chip that is going on
+  std::int32_t startedAt_ = 0;  // the bar's value then
+  std::int32_t walked_ = 0;     // and when it was shown last
 };
 
 /// "0:12" for 12 seconds.

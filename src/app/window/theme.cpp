@@ -58,19 +58,19 @@ void setButtonColour(QAbstractButton& button, Colour colour) {
 QFont fixedFont() { return QFontDatabase::systemFont(QFontDatabase::FixedFont); }
 
 void IconSet::add(QAction& action, const QString& name) {
-  uses_.push_back({.name = name, .action = &action});
+  uses_.push_back({.name = name, .action = &action, .button = {}});
 }
 
 void IconSet::add(QAbstractButton& button, const QString& name) {
-  uses_.push_back({.name = name, .button = &button});
+  uses_.push_back({.name = name, .action = {}, .button = &button});
 }
 
 void IconSet::apply(const QPalette& palette) {
   const QString folder = isDark(palette) ? ":/icons/dark/" : ":/icons/light/";
   for (const Use& use : uses_) {
     const QIcon icon(folder + use.name + ".svg");
-    if (use.action != nullptr) use.action->setIcon(icon);
-    if (use.button != nullptr) use.button->setIcon(icon);
+    if (use.action) use.action->setIcon(icon);
+    if (use.button) use.button->setIcon(icon);
   }
 }
 

@@ -5,6 +5,7 @@
 #include <QColor>
 #include <QIcon>
 #include <QPalette>
+#include <QPointer>
 #include <QString>
 #include <QWidget>
 #include <vector>
@@ -38,8 +39,8 @@ class IconSet {
  private:
   struct Use {
     QString name;
-    QAction* action = nullptr;
-    QAbstractButton* button = nullptr;
+    QPointer<QAction> action;
+    QPointer<QAbstractButton> button;
   };
   std::vector<Use> uses_;
 };
