@@ -98,6 +98,7 @@ bool hasDisplay(int argc, char** argv) {
 }  // namespace kestrel::window
 
 int main(int argc, char** argv) {
+  kestrel::ports::openMissingStandardFiles();
   // A reader of the messages that goes away must not end the program with a voltage on.
   std::signal(SIGPIPE, SIG_IGN);
   kestrel::ports::switchOffOnCrash();
