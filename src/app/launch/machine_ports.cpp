@@ -35,7 +35,6 @@ MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaul
 
 PortAccess& MachinePorts::lowestPort(const LaunchOptions& options) {
   if (simulatedPort_) return *simulatedPort_;
-  ports::lockMemory();
   ports::PortOptions portOptions;
   portOptions.choices = options.ports;
   realPorts_ = ports::openRealPorts(calls_, std::move(portOptions));
@@ -48,8 +47,18 @@ Waits& MachinePorts::lowestWaits() {
 }
 
 void MachinePorts::beginOperation() {
-  if (realPorts_) priority_.emplace();
+  if (operations_++ == 0 && realPorts_) realTime_.emplace();
 }
+
+void MachinePorts::endOperation() {
+  if (--operations_ == 0) realTime_.reset();
+}
+
+bool MachinePorts::holdsPort(std::int16_t base) const {
+  return !realPorts_ || realPorts_->holds(static_cast<std::uint16_t>(base));
+}
+
+bool MachinePorts::mayVoltageBeOn() const { return realPorts_ && realPorts_->mayVoltageBeOn(); }
 
 void MachinePorts::takeMissing() {
   if (realPorts_) realPorts_->takeMissing();
