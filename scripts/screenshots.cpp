@@ -31,10 +31,11 @@ struct Scene : WindowRig {
                       {"Settings/MainTop", "0"},
                       {"Settings/MainWidth", "19200"},
                       {"Settings/MainHeight", "11700"}};
-    window.addSidePanel(*new window::SimulatedBoardPanel(*ports.simulated(), gate, input, &window),
+    window.addSidePanel(*new window::SimulatedBoardPanel(*WindowRig::program.simulated(),
+                                                         form.runner(), input, &window),
                         "Simulated board");
     start();
-    ports.simulated()->startUpDone();
+    WindowRig::program.simulated()->startUpDone();
   }
   void keep(const QString& file) {
     turn();
@@ -83,7 +84,7 @@ void programmed(const QString& file) {
 
 void alert(const QString& file) {
   Scene scene;
-  scene.ports.simulated()->board().fitWeakCell(0x40);
+  scene.board().fitWeakCell(0x40);
   scene.openSample();
   scene.select("27C256");
   scene.program();

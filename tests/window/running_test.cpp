@@ -7,7 +7,7 @@
 #include <csignal>
 
 #include "app/window/board_panel.h"
-#include "app/window/file_names.h"
+#include "app/window/file_of.h"
 #include "app/window/screen_place.h"
 #include "app/window/signal_end.h"
 #include "window/window_rig.h"
@@ -58,8 +58,8 @@ TEST(Running, whatIsPressedMeanwhileIsDroppedAndLooksOff) {
 TEST(Running, theCableIsPulledAtOnce) {
   LargeChip rig;
   rig.board().loadChip(std::vector<std::uint8_t>(262'144, 0x11));
-  auto* const panel =
-      new window::SimulatedBoardPanel(*rig.ports.simulated(), rig.gate, rig.input, &rig.window);
+  auto* const panel = new window::SimulatedBoardPanel(*rig.program.simulated(), rig.form.runner(),
+                                                      rig.input, &rig.window);
   rig.window.addSidePanel(*panel, "Simulated board");
   rig.turn();
   QWidget& plug = rig.find("plugBoard");
@@ -132,16 +132,16 @@ TEST(Running, closingAsksWhetherToStopAndTheCommandGoesOnMeanwhile) {
     };
   };
   LargeChip kept;
-  EXPECT_EQ(kept.read([&] { closing("Keep On")(kept); }), Outcome::Done);
+  EXPECT_EQ(kept.read([&] { closing("Keep On")(kept); }), Ending::Done);
   kept.turn();
   EXPECT_TRUE(kept.window.isVisible());
   LargeChip unanswered;
-  EXPECT_EQ(unanswered.read([&] { unanswered.window.close(); }), Outcome::Done);
+  EXPECT_EQ(unanswered.read([&] { unanswered.window.close(); }), Ending::Done);
   unanswered.turn();
   EXPECT_TRUE(unanswered.window.isVisible());
   EXPECT_EQ(unanswered.window.findChild<QMessageBox*>("stopQuestion"), nullptr);
   LargeChip stopped;
-  EXPECT_EQ(stopped.read([&] { closing("Stop and Close")(stopped); }), Outcome::Stopped);
+  EXPECT_EQ(stopped.read([&] { closing("Stop and Close")(stopped); }), Ending::Stopped);
   stopped.turn();
   EXPECT_FALSE(stopped.window.isVisible());
 }

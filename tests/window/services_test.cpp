@@ -127,8 +127,8 @@ TEST(Arguments, areThoseOfTheCommandLine) {
   EXPECT_THROW((void)window::readArguments({"kestrel", "--nonsense"}), launch::UsageError);
 }
 
-struct BenchRig : StartedRig {
-  BenchRig() : panel(*ports.simulated(), gate, input, nullptr) { panel.show(); }
+struct BoardPanelRig : StartedRig {
+  BoardPanelRig() : panel(*program.simulated(), form.runner(), input, nullptr) { panel.show(); }
   template <typename T>
   T& part(const char* name) {
     return *panel.findChild<T*>(name);
@@ -165,10 +165,8 @@ TEST(SimulatedBoardPanel, aChipThatCannotBeKeptIsOfferedAnotherPlace) {
   launch::LaunchOptions options = simulatedOptions("2764");
   options.chip->file = folder / "gone" / "chip.bin";
   launch::SimulatedBoard simulated(options, "2764");
-  window::Mirror mirror;
-  window::HeldInput input;
-  window::CommandGate gate(mirror, input);
-  window::SimulatedBoardPanel panel(simulated, gate, input, nullptr);
+  StartedRig rig;
+  window::SimulatedBoardPanel panel(simulated, rig.form.runner(), rig.input, nullptr);
   {
     const WithDialog asked = pressing("Cancel");
     EXPECT_FALSE(panel.keepChip());

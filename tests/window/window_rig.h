@@ -129,7 +129,7 @@ struct WindowRig {
   window::Mirror mirror;
   window::HeldInput input;
   StopSwitch stop;
-  window::QtScreen screen{mirror, gate, input};
+  window::QtScreen screen{mirror, input};
   MemorySettings settings;
   window::QtDialogs dialogs{mirror, settings};
   RecordingSounds sounds;

@@ -4,7 +4,7 @@
 
 #include "app/launch/machine_options.h"
 
-#include "app/window/file_names.h"
+#include "app/window/file_of.h"
 
 namespace kestrel::window {
 namespace {

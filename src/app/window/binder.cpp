@@ -19,6 +19,11 @@ void setChecked(QRadioButton& button, bool on) {
 
 }  // namespace
 
+void Binder::press(Button& control) const {
+  const CommandResult result = runner_.press(control);
+  if (pressed_) pressed_(control, result);
+}
+
 void Binder::common(const Control& control, QWidget& widget) const {
   widget.setObjectName(toQString(control.name()));
   mirror_.bind(control, widget, [&control, &widget] {
@@ -34,7 +39,7 @@ void Binder::button(Button& control, QAbstractButton& widget) const {
     setButtonColour(widget, control.colour());
   });
   QObject::connect(&widget, &QAbstractButton::clicked, &widget,
-                   [this, &control] { (void)runner_.press(control); });
+                   [this, &control] { press(control); });
 }
 
 void Binder::action(Button& control, QAction& action, std::function<bool()> mayPress) const {
@@ -47,7 +52,7 @@ void Binder::action(Button& control, QAction& action, std::function<bool()> mayP
   QObject::connect(&action, &QAction::triggered, &action,
                    [this, &control, mayPress = std::move(mayPress)] {
                      if (mayPress && !mayPress()) return;
-                     gate_.run([&control] { control.press(); });
+                     press(control);
                    });
 }
 

@@ -8,6 +8,7 @@
 #include <QWidget>
 #include <functional>
 #include <string>
+#include <utility>
 
 #include "app/form/command_runner.h"
 #include "app/state/controls.h"
@@ -28,6 +29,14 @@ class Binder {
   [[nodiscard]] Mirror& mirror() const { return mirror_; }
   [[nodiscard]] form::CommandRunner& runner() const { return runner_; }
 
+  /// `listener` hears how each press of a button or menu entry ended.
+  void onPressed(std::function<void(const Control&, const CommandResult&)> listener) {
+    pressed_ = std::move(listener);
+  }
+
+  /// Presses the control as its button does.
+  void press(Button& control) const;
+
   /// Name, enabled and visible: what every control has.
   void common(const Control& control, QWidget& widget) const;
 
@@ -42,6 +51,7 @@ class Binder {
  private:
   Mirror& mirror_;
   form::CommandRunner& runner_;
+  std::function<void(const Control&, const CommandResult&)> pressed_;
 };
 
 }  // namespace kestrel::window

@@ -17,7 +17,7 @@
 #include <utility>
 
 #include "app/window/elided_label.h"
-#include "app/window/file_names.h"
+#include "app/window/file_of.h"
 #include "app/window/wheel_guard.h"
 #include "platform/atomic_file.h"
 #include "platform/runtime_error.h"
@@ -42,9 +42,10 @@ QString sizeText(std::size_t bytes) {
 
 }  // namespace
 
-SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated, CommandGate& gate,
-                                         HeldInput& input, QWidget* parent)
-    : QScrollArea(parent), simulated_(simulated), gate_(gate) {
+SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated,
+                                         form::CommandRunner& runner, HeldInput& input,
+                                         QWidget* parent)
+    : QScrollArea(parent), simulated_(simulated), runner_(runner) {
   setObjectName("boardPanel");
   setFrameShape(QFrame::NoFrame);
   setWidgetResizable(true);
@@ -63,8 +64,8 @@ SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated, Comm
   running_.setSingleShot(true);
   running_.setInterval(kSoonMs);
   connect(&running_, &QTimer::timeout, this, [this] { showRunning(); });
-  gate_.whenStarted([this] { running_.start(); });
-  gate_.whenEnded([this] {
+  runner.whenStarted([this] { running_.start(); });
+  runner.whenEnded([this] {
     running_.stop();
     showState();
   });

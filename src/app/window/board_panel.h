@@ -6,6 +6,7 @@
 
 #include "app/form/command_runner.h"
 #include "app/launch/simulated_board.h"
+#include "app/window/held_input.h"
 
 class QBoxLayout;
 class QComboBox;
@@ -19,8 +20,8 @@ namespace kestrel::window {
 /// The bench with the simulated board: what a person would do there with the hands.
 class SimulatedBoardPanel final : public QScrollArea {
  public:
-  SimulatedBoardPanel(launch::SimulatedBoard& simulated, CommandGate& gate, HeldInput& input,
-                      QWidget* parent);
+  SimulatedBoardPanel(launch::SimulatedBoard& simulated, form::CommandRunner& runner,
+                      HeldInput& input, QWidget* parent);
 
   /// Writes the chip's contents back to the file that they came from, at the end. Where that file
   /// cannot be written another place is offered; false when the user would rather stay.

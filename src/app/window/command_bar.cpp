@@ -3,10 +3,10 @@
 #include <QHBoxLayout>
 #include <QPushButton>
 #include <algorithm>
-#include <string_view>
 
 #include "app/window/lamp.h"
 #include "app/window/step_label.h"
+#include "devices/families.h"
 
 namespace kestrel::window {
 namespace {
@@ -24,14 +24,11 @@ QWidget* newGroup(QWidget* parent) {
 
 }  // namespace
 
-// The writers of the 24-pin parts, the 2764 and the 27128 take the voltage that is chosen; every
-// other EPROM is programmed with 12.5 V whatever is chosen.
-std::optional<double> voltageToApply(const ProgrammerState& state) {
-  if (state.FamilyLetter != "P") return std::nullopt;
-  const std::string_view code = state.FamilyCode;
-  const bool isChosen =
-      state.VppClass == kAnyVoltageClass && (code == "P1" || code == "P2" || code == "P3");
-  if (isChosen && state.VppVolts > kUsualVolts) return state.VppVolts;
+std::optional<double> voltageToApply(const SelectionState& selection) {
+  const devices::Family& family = devices::familyOf(selection.FamilyCode);
+  if (family.vppPin == devices::VppPin::None) return std::nullopt;
+  const bool isChosen = family.takes21And25V && selection.VppClass == kAnyVoltageClass;
+  if (isChosen && selection.VppVolts > kUsualVolts) return selection.VppVolts;
   return kUsualVolts;
 }
 

@@ -104,7 +104,7 @@ void DeviceBox::greyUnavailable() {
 void DeviceBox::choose(int position) {
   const QString chosen = itemText(position).trimmed();
   const bool available = isAvailable(position);
-  binder_.gate().run([this, position] { control_.setPosition(position); });
+  (void)binder_.runner().run([this, position] { control_.setPosition(position); });
   binder_.mirror().touch(control_);
   if (available) return;
   tell(chosen + ": not with this program." +

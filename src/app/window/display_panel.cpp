@@ -21,9 +21,8 @@ namespace kestrel::window {
 namespace {
 
 constexpr int kPageBytes = 256;
-constexpr int kPageColumns = 62;  // address, four groups of eight digits, sixteen characters
-constexpr int kFewestLines = 8;
-constexpr double kSmallestFont = 0.75;  // of the desktop's fixed font
+constexpr int kPageColumns = 62;        // address, four groups of eight digits, sixteen characters
+constexpr double kSmallestFont = 0.65;  // of the desktop's fixed font
 constexpr double kLargestFont = 1.8;
 
 QFont scaledFixedFont(double scale) {
@@ -90,10 +89,9 @@ void DisplayPanel::buildPage(QBoxLayout& column) {
   page_->setLineWrapMode(QPlainTextEdit::NoWrap);
   page_->setFont(fixedFont());
   page_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-  const QSize smallest = hexPageSize(*page_, scaledFixedFont(kSmallestFont), kFewestLines);
-  page_->setMinimumSize(smallest.width() + page_->verticalScrollBar()->sizeHint().width(),
-                        smallest.height());
+  page_->setMinimumSize(hexPageSize(*page_, scaledFixedFont(kSmallestFont), kPageLines));
   page_->setMaximumHeight(hexPageSize(*page_, scaledFixedFont(kLargestFont), kPageLines).height());
+  page_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   page_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
   page_->setAccessibleName("Hex display");
   page_->setToolTip("Double click saves the display to KESTREL.BUF");
@@ -146,8 +144,7 @@ bool DisplayPanel::turnPage(int key) {
   }
 }
 
-// The page is shown whole, in letters as large as the window lets them be. Where even the smallest
-// are too large for the height it scrolls.
+// The page is shown whole, in letters as large as the window lets them be.
 void DisplayPanel::fitFont() {
   const QSize needed = hexPageSize(*page_, fixedFont(), kPageLines);
   const double scale =
@@ -178,7 +175,7 @@ bool DisplayPanel::eventFilter(QObject* receiver, QEvent* event) {
       return true;
     case QEvent::MouseButtonDblClick:
       if (receiver != page_->viewport()) return false;
-      (void)binder_.runner().press(controls_.BufferDisplay_DblClick);
+      binder_.press(controls_.BufferDisplay_DblClick);
       return true;
     case QEvent::Resize:
       if (receiver == page_) fitFont();

@@ -4,14 +4,13 @@
 #include <QPainter>
 #include <QResizeEvent>
 
+#include "platform/file_names.h"
+
 namespace kestrel::window {
 
-/// A text on one line: what would break it or move the cursor is shown as a replacement mark.
-[[nodiscard]] inline QString onOneLine(QString text) {
-  for (QChar& letter : text) {
-    if (!letter.isPrint() && !letter.isSurrogate()) letter = QChar::ReplacementCharacter;
-  }
-  return text;
+/// A text on one line: what would break it is shown as an escape.
+[[nodiscard]] inline QString onOneLine(const QString& text) {
+  return QString::fromStdString(shownName(text.toStdString()));
 }
 
 /// A line of text of any length in the room that there is: shortened in the middle or at the end,

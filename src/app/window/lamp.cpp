@@ -103,8 +103,7 @@ ErrorLamp::ErrorLamp(Button& control, const Binder& binder, QWidget* parent) : Q
     caption_ = toQString(control.caption());
     setAlert(control.colour() == Colour::Red);
   });
-  connect(this, &QPushButton::clicked, this,
-          [&binder, &control] { (void)binder.runner().press(control); });
+  connect(this, &QPushButton::clicked, this, [&binder, &control] { binder.press(control); });
 }
 
 void ErrorLamp::setAlert(bool alert) {

@@ -14,6 +14,7 @@
 #include "app/window/log_view.h"
 #include "app/window/step_label.h"
 #include "platform/atomic_file.h"
+#include "platform/runtime_error.h"
 
 namespace kestrel::window {
 namespace {
@@ -44,7 +45,7 @@ void LogPanel::buildHeader(QBoxLayout& column) {
   addButton(*row, "Find...", "logFind", "Find a text in the log (Ctrl+F)", [this] { openFind(); });
   addButton(*row, "Save As...", "logSave", "Save the log under a name", [this] { save(); });
   clear_ = addButton(*row, "Clear", "logClear", "Empty the log",
-                     [this] { binder_.gate().run([this] { controls_.SystemLog.setText(""); }); });
+                     [this] { controls_.SystemLog.setText(""); });
   auto* const find = new QShortcut(QKeySequence::Find, this);
   find->setContext(Qt::WindowShortcut);
   connect(find, &QShortcut::activated, this, [this] { openFind(); });
@@ -93,7 +94,12 @@ void LogPanel::copy() {
 void LogPanel::save() {
   const std::string file = dialogs_.saveFile("Save Log As", "All Files (*.*)|*.*");
   if (file.empty()) return;
-  binder_.gate().run([this, file] { writeFileAtomically(file, controls_.SystemLog.text()); });
+  try {
+    writeFileAtomically(file, controls_.SystemLog.text());
+  } catch (const FileError& error) {
+    dialogs_.messageBox(
+        {.text = error.what(), .title = "Can't Save Log", .icon = MessageIcon::Exclamation});
+  }
 }
 
 void LogPanel::openFind() {

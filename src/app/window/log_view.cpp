@@ -40,8 +40,6 @@ void LogView::show() {
   if (following) verticalScrollBar()->setValue(verticalScrollBar()->maximum());
 }
 
-void LogView::mouseDoubleClickEvent(QMouseEvent*) {
-  (void)binder_.runner().press(controls_.SystemLog_DblClick);
-}
+void LogView::mouseDoubleClickEvent(QMouseEvent*) { binder_.press(controls_.SystemLog_DblClick); }
 
 }  // namespace kestrel::window

@@ -38,7 +38,7 @@ int runProgram(const Arguments& arguments) {
   HeldInput input;
   StopSwitch stop;
   const ports::SignalStop signalStop(stop);
-  QtScreen screen(mirror, gate, input);
+  QtScreen screen(mirror, input);
   QtSettingsStore settings;
   QtDialogs dialogs(mirror, settings);
   QtSoundPlayer sounds;
@@ -58,7 +58,8 @@ int runProgram(const Arguments& arguments) {
   help.setOwner(window);
   launch::SimulatedBoard* const simulated = program.simulated();
   if (simulated != nullptr) {
-    auto* const panel = new SimulatedBoardPanel(*simulated, gate, input, &window);
+    auto* const panel =
+        new SimulatedBoardPanel(*simulated, program.form().runner(), input, &window);
     window.addSidePanel(*panel, "Simulated board");
     window.onLeaving([panel] { return panel->keepChip(); });
   }

@@ -22,7 +22,7 @@
 #include "app/window/device_box.h"
 #include "app/window/display_panel.h"
 #include "app/window/elided_label.h"
-#include "app/window/file_names.h"
+#include "app/window/file_of.h"
 #include "app/window/lamp.h"
 #include "app/window/log_panel.h"
 #include "app/window/menus.h"
@@ -61,7 +61,7 @@ QByteArray fromText(const std::optional<std::string>& text) {
 }  // namespace
 
 MainWindow::MainWindow(const WindowParts& parts)
-    : WidgetServices{.binder = {parts.mirror, parts.gate},
+    : WidgetServices{.binder = {parts.mirror, parts.form.runner()},
                      .icons = {},
                      .recent = RecentFiles(parts.settings)},
       parts_(parts),
@@ -73,7 +73,7 @@ MainWindow::MainWindow(const WindowParts& parts)
   icons.apply(palette());
   connectCommands();
   connectInput();
-  connectFile();
+  showTitle();
   controls_.setListener(&parts_.mirror);
   parts_.mirror.bind(controls_.frmMain, *this, [this] { showPlace(); });
 }
@@ -119,16 +119,17 @@ void MainWindow::connectCommands() {
   form::CommandRunner& runner = parts_.form.runner();
   parts_.screen.setMainWindow(*this, runner);
   parts_.dialogs.setOwner(*this);
-  parts_.gate.setOwner(*this);
   look_ = new RunningLook(*this, [this](bool running) {
     looksRunning_ = running;
     showCommandsOff();
   });
   look_->setParent(this);
-  parts_.gate.whenStarted([this] { commandStarted(); });
-  parts_.gate.whenEnded([this] { commandEnded(); });
+  runner.whenStarted([this] { commandStarted(); });
+  runner.whenEnded([this] { commandEnded(); });
+  binder.onPressed(
+      [this](const Control& control, const CommandResult& result) { pressed(control, result); });
   explainWhatIsOff(*this, [this] {
-    return Situation{.isRunning = parts_.gate.isRunning(),
+    return Situation{.isRunning = parts_.form.runner().isRunning(),
                      .isTypingDevice = isTypingDevice_,
                      .isAlertUp = strip_->errorLamp().isAlert(),
                      .isDeviceChosen = !parts_.form.state().DeviceName.empty()};
@@ -151,26 +152,45 @@ void MainWindow::connectInput() {
 
 void MainWindow::commandStarted() {
   parts_.dialogs.beginCommand();
+  ending_ = Ending::Done;
   strip_->setRunning(true);
   look_->begin();
 }
 
 void MainWindow::commandEnded() {
+  parts_.input.dropPending();
   strip_->setRunning(false);
+  parts_.mirror.refresh();
   commands_->showVoltage();
   showTitle();
   ErrorLamp& alert = strip_->errorLamp();
   look_->end(alert.isAlert() ? &alert : nullptr, *display_->focusProxy());
   if (stopQuestion_) stopQuestion_->close();
-  const bool close = closeWanted_ && (parts_.stop.isEnding() || !hasFailed());
-  closeWanted_ = false;
-  if (close) QTimer::singleShot(0, this, [this] { this->close(); });
+  if (closeWanted_) QTimer::singleShot(0, this, [this] { closeAfterCommand(); });
 }
 
 // What failed is to be read before the window goes.
-bool MainWindow::hasFailed() const {
-  return parts_.form.lastOutcome() == form::frmMain::Outcome::RunTimeError ||
-         strip_->errorLamp().isAlert();
+void MainWindow::closeAfterCommand() {
+  const bool hasEnded = ending_ == Ending::Done || ending_ == Ending::Stopped;
+  closeWanted_ = false;
+  if (parts_.stop.isEnding() || (hasEnded && !strip_->errorLamp().isAlert())) close();
+}
+
+void MainWindow::pressed(const Control& control, const CommandResult& result) {
+  ending_ = result.ending;
+  if (result.ending != Ending::Done) return;
+  const auto isOneOf = [&](std::initializer_list<const Control*> some) {
+    return std::ranges::find(some, &control) != some.end();
+  };
+  const auto isSetup = [&](const Button& entry) { return &entry == &control; };
+  if (isOneOf({&controls_.Read_button, &controls_.menuReadCode})) origin_.readFromChip();
+  if (isOneOf({&controls_.Erase_button, &controls_.menuEraseCode})) origin_.erased();
+  const bool isFile =
+      isOneOf({&controls_.mnuFileOpenCode, &controls_.toolbarButton(1), &controls_.mnuFileSaveCode,
+               &controls_.mnuFileSaveCodeAs, &controls_.toolbarButton(2)});
+  const bool isLoaded = std::ranges::any_of(controls_.LoadSetup, isSetup) && holdsLoadedFile();
+  if (isFile || isLoaded) bufferIsInFile();
+  showTitle();
 }
 
 void MainWindow::showCommandsOff() {
@@ -183,47 +203,10 @@ void MainWindow::showCommandsOff() {
 
 // --- the code file ---
 
-void MainWindow::after(const char* name, const std::function<void()>& step) {
-  if (auto* const button = findChild<QAbstractButton*>(name)) {
-    connect(button, &QAbstractButton::clicked, this, step);
-  } else if (auto* const action = findChild<QAction*>(name)) {
-    connect(action, &QAction::triggered, this, step);
-  }
-}
-
-// The widgets press their control first and hear of these steps then.
-void MainWindow::connectFile() {
-  for (const char* const name :
-       {"openCodeFile", "mnuFileOpenCode", "tbToolBar(1)", "mnuFileSaveCodeAs"}) {
-    after(name, [this] { bufferIsInFile(); });
-  }
-  for (const char* const name : {"mnuFileSaveCode", "tbToolBar(2)"}) {
-    after(name, [this] {
-      if (!saveRefused_) bufferIsInFile();
-    });
-  }
-  for (const char* const name : {"LoadSetup1", "LoadSetup2", "LoadSetup3", "LoadSetup4"}) {
-    after(name, [this] {
-      if (holdsLoadedFile()) bufferIsInFile();
-    });
-  }
-  for (const char* const name : {"Read_button", "menuReadCode"}) {
-    after(name, [this] {
-      if (isDone()) origin_.readFromChip();
-      showTitle();
-    });
-  }
-  for (const char* const name : {"Erase_button", "menuEraseCode"}) {
-    after(name, [this] {
-      if (isDone()) origin_.erased();
-      showTitle();
-    });
-  }
-  showTitle();
-}
-
-bool MainWindow::isDone() const {
-  return parts_.form.lastOutcome() == form::frmMain::Outcome::Done;
+void MainWindow::bufferIsInFile() {
+  if (parts_.dialogs.wasFileCancelled() || codeFileName().isEmpty()) return;
+  origin_.isInFile();
+  recent.add(codeFileName());
 }
 
 // A setup may name a file or none: by the sum of its bytes the buffer tells which it was.
@@ -237,14 +220,6 @@ bool MainWindow::holdsLoadedFile() const {
 
 QString MainWindow::codeFileName() const { return toQString(parts_.form.state().CodeFileName); }
 
-// After the code file was opened or saved; where that failed everything is as before.
-void MainWindow::bufferIsInFile() {
-  if (!isDone() || !parts_.dialogs.wentThrough() || codeFileName().isEmpty()) return;
-  origin_.isInFile();
-  recent.add(codeFileName());
-  showTitle();
-}
-
 void MainWindow::showTitle() {
   const QString name = toQString(controls_.frmMain.caption());
   const QString shown = origin_.title(onOneLine(QFileInfo(codeFileName()).fileName()));
@@ -255,22 +230,14 @@ void MainWindow::showTitle() {
 }
 
 bool MainWindow::saveCodeAs() {
-  parts_.gate.run([this] {
-    controls_.mnuFileSaveCodeAs.press();
-    bufferIsInFile();
-  });
+  binder.press(controls_.mnuFileSaveCodeAs);
   return !origin_.isUnsavedRead();
 }
 
 // Behind the first file that was opened, Save writes over it without a word, whatever the buffer
 // holds since then.
 bool MainWindow::maySaveOverFile() {
-  const bool isQuestion = origin_.isChanged() && !codeFileName().isEmpty();
-  saveRefused_ = isQuestion && !askToOverwrite();
-  return !saveRefused_;
-}
-
-bool MainWindow::askToOverwrite() {
+  if (!origin_.isChanged() || codeFileName().isEmpty()) return true;
   const QString file = onOneLine(QFileInfo(codeFileName()).fileName());
   QMessageBox box(QMessageBox::Question, "Kestrel",
                   origin_.isUnsavedRead() ? "The buffer holds what was read from the chip."
@@ -302,24 +269,21 @@ bool MainWindow::mayLoseRead() {
 }
 
 void MainWindow::openCodeFile(const std::filesystem::path& file) {
-  (void)parts_.form.runner().run([this, file] {
-    parts_.dialogs.answerNextOpen(file);
-    controls_.mnuFileOpenCode.press();
-    parts_.dialogs.forgetNextOpen();
-    bufferIsInFile();
-  });
+  parts_.dialogs.answerNextOpen(file);
+  binder.press(controls_.mnuFileOpenCode);
+  parts_.dialogs.forgetNextOpen();
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   const QList<QUrl> files = event->mimeData()->urls();
   const bool usable = files.size() == 1 && files.first().isLocalFile();
-  if (usable && !parts_.gate.isRunning()) event->acceptProposedAction();
+  if (usable && !parts_.form.runner().isRunning()) event->acceptProposedAction();
 }
 
 // The file is opened after the drop: the other program waits for its end, and a box may come up.
 void MainWindow::dropEvent(QDropEvent* event) {
   const QUrl url = event->mimeData()->urls().value(0);
-  if (!url.isLocalFile() || parts_.gate.isRunning()) return;
+  if (!url.isLocalFile() || parts_.form.runner().isRunning()) return;
   event->acceptProposedAction();
   QTimer::singleShot(0, this, [this, file = fileOf(url)] { openCodeFile(file); });
 }
@@ -327,7 +291,7 @@ void MainWindow::dropEvent(QDropEvent* event) {
 // --- opening and closing ---
 
 void MainWindow::start(int windowsBefore) {
-  parts_.gate.run([this] { parts_.form.Form_Load(); });
+  (void)parts_.form.runner().run([this] { parts_.form.Form_Load(); });
   parts_.mirror.refresh();
   placeRests_.setSingleShot(true);
   placeRests_.setInterval(kPlaceRestsMs);
@@ -354,7 +318,7 @@ void MainWindow::addSidePanel(QWidget& panel, const QString& title) {
 
 void MainWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
-  if (parts_.gate.isRunning()) {
+  if (parts_.form.runner().isRunning()) {
     if (parts_.stop.isEnding()) {
       closeWanted_ = true;
     } else {
@@ -369,7 +333,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     unloaded_ = true;
     reportPlace();
     saveLook();
-    parts_.gate.run([this] { parts_.form.Form_Unload(); });
+    (void)parts_.form.runner().run([this] { parts_.form.Form_Unload(); });
   }
   event->accept();
 }
@@ -440,8 +404,10 @@ void MainWindow::fitToScreen() {
                  outside.right() - inside.right(), outside.bottom() - inside.bottom());
   if (!isVisible()) frame = kUsualFrame;
   QSize wanted = size();
-  if (wanted.width() < minimumSizeHint().width()) wanted.setWidth(sizeHint().width());
-  if (wanted.height() < minimumSizeHint().height()) wanted.setHeight(sizeHint().height());
+  const QSize least = minimumSizeHint();
+  if (wanted.width() < least.width() || wanted.height() < least.height()) {
+    wanted = wanted.expandedTo(sizeHint());
+  }
   QList<QRect> usable;
   for (const QScreen* const screen : QApplication::screens()) {
     usable.append(screen->availableGeometry());

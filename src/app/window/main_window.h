@@ -78,20 +78,17 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   void buildMenus();
   void connectCommands();
   void connectInput();
-  void connectFile();
   void commandStarted();
   void commandEnded();
+  void closeAfterCommand();
+  void pressed(const Control& control, const CommandResult& result);
   void showCommandsOff();
-  [[nodiscard]] bool hasFailed() const;
 
-  void after(const char* name, const std::function<void()>& step);
-  [[nodiscard]] bool isDone() const;
   void bufferIsInFile();
   [[nodiscard]] bool holdsLoadedFile() const;
   void showTitle();
   [[nodiscard]] QString codeFileName() const;
   [[nodiscard]] bool maySaveOverFile();
-  [[nodiscard]] bool askToOverwrite();
   [[nodiscard]] bool mayLoseRead();
   bool saveCodeAs();
 
@@ -106,6 +103,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   WindowParts parts_;
   Controls& controls_;
   CodeOrigin origin_;
+  Ending ending_ = Ending::Done;  // of the last command
   Menus* menus_ = nullptr;
   OptionsPanel* options_ = nullptr;
   CommandBar* commands_ = nullptr;
@@ -121,7 +119,6 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   bool placed_ = false;  // the stored place was taken over; moves are reported from here on
   bool looksRunning_ = false;
   bool isTypingDevice_ = false;
-  bool saveRefused_ = false;
   bool closeWanted_ = false;
   bool unloaded_ = false;
 };

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "app/window/elided_label.h"
-#include "app/window/file_names.h"
+#include "app/window/file_of.h"
 
 namespace kestrel::window {
 namespace {
@@ -153,7 +153,7 @@ void Menus::buildSetup() {
   for (Button& entry : controls_.LoadSetup) addSetup(load, entry);
   for (Button& entry : controls_.SaveSetup) add(save, entry);
   connect(&menu, &QMenu::aboutToShow, this, [this] {
-    (void)binder_.runner().press(controls_.Setup);
+    binder_.press(controls_.Setup);
     binder_.mirror().refresh();
   });
 }

@@ -104,7 +104,7 @@ void OptionsPanel::buildFile(QBoxLayout& column) {
   open->setAccessibleName("Open code file");
   icons_.add(*open, "open-code");
   QObject::connect(open, &QPushButton::clicked, open,
-                   [this] { (void)binder_.runner().press(controls_.mnuFileOpenCode); });
+                   [this] { binder_.press(controls_.mnuFileOpenCode); });
   top->addWidget(open);
   QHBoxLayout* const file = row(column);
   auto* const name = new ElidedLabel(Qt::ElideMiddle, widget());

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "app/window/about_box.h"
-#include "app/window/file_names.h"
+#include "app/window/file_of.h"
 
 namespace kestrel::window {
 namespace {
@@ -61,7 +61,6 @@ class OpenDialog final : public QFileDialog {
 
 Answer QtDialogs::messageBox(const MessageBox& box) {
   mirror_.refresh();
-  wentThrough_ = wentThrough_ && box.buttons == MessageButtons::OkCancel;
   QMessageBox dialog(owner_);
   dialog.setObjectName("messageBox");
   dialog.setTextFormat(Qt::PlainText);
@@ -107,7 +106,7 @@ std::string QtDialogs::choose(QFileDialog& dialog, const std::string& filter) {
   const QString folder = QString::fromStdString(settings_.value(kSection, kFolder).value_or(""));
   if (!folder.isEmpty() && QDir(folder).exists()) dialog.setDirectory(folder);
   const bool isChosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
-  wentThrough_ = wentThrough_ && isChosen;
+  fileCancelled_ = !isChosen;
   if (!isChosen) return {};
   settings_.setValue(kSection, kFolder, dialog.directory().absolutePath().toStdString());
   return fileOf(dialog.selectedFiles().first()).string();

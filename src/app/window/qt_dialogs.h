@@ -27,9 +27,9 @@ class QtDialogs final : public Dialogs {
   void forgetNextOpen() { nextOpen_.reset(); }
 
   /// A command begins.
-  void beginCommand() { wentThrough_ = true; }
-  /// Since then no file dialog was cancelled and no box told of a failure.
-  [[nodiscard]] bool wentThrough() const { return wentThrough_; }
+  void beginCommand() { fileCancelled_ = false; }
+  /// Since then the choice of a file was cancelled.
+  [[nodiscard]] bool wasFileCancelled() const { return fileCancelled_; }
 
   Answer messageBox(const MessageBox& box) override;
   [[nodiscard]] std::string inputBox(const std::string& prompt, const std::string& title) override;
@@ -44,7 +44,7 @@ class QtDialogs final : public Dialogs {
   SettingsStore& settings_;
   QPointer<QWidget> owner_;
   std::optional<std::filesystem::path> nextOpen_;
-  bool wentThrough_ = true;
+  bool fileCancelled_ = false;
 };
 
 }  // namespace kestrel::window

@@ -4,6 +4,7 @@
 #include <QSignalBlocker>
 #include <QWheelEvent>
 #include <algorithm>
+#include <utility>
 
 namespace kestrel::window {
 namespace {
@@ -14,13 +15,14 @@ constexpr int kWheelRestsMs = 150;
 /// Marks a change as acted on for as long as it lives, whatever ends it.
 class Reporting {
  public:
-  explicit Reporting(bool& flag) : flag_(flag) { flag_ = true; }
-  ~Reporting() { flag_ = false; }
+  explicit Reporting(bool& flag) : flag_(flag), before_(std::exchange(flag, true)) {}
+  ~Reporting() { flag_ = before_; }
   Reporting(const Reporting&) = delete;
   Reporting& operator=(const Reporting&) = delete;
 
  private:
   bool& flag_;
+  bool before_;
 };
 
 }  // namespace
@@ -47,7 +49,8 @@ void RangeReporter::show() {
 
 void RangeReporter::report(int value) {
   wheelRests_.stop();
-  binder_.gate().run([this, value] {
+  const Reporting all(isReporting_);  // a further change may come at its very end
+  binder_.runner().runWhenIdle([this, value] {
     const Reporting reporting(isReporting_);
     control_.setValue(value);
   });

@@ -1,4 +1,4 @@
-#include "app/window/file_names.h"
+#include "app/window/file_of.h"
 
 #include <QByteArray>
 #include <system_error>
@@ -8,16 +8,16 @@ namespace {
 
 namespace fs = std::filesystem;
 
-QString shownName(const fs::path& path) { return QString::fromStdString(path.string()); }
+QString asQtShows(const fs::path& path) { return QString::fromStdString(path.string()); }
 
 fs::path entryShownAs(const fs::path& folder, const fs::path& name) {
-  const QString shown = shownName(name);
+  const QString shown = asQtShows(name);
   fs::path found;
   std::error_code failed;
   fs::directory_iterator entry(folder.empty() ? "." : folder, failed);
   for (; !failed && entry != fs::directory_iterator(); entry.increment(failed)) {
     const fs::path candidate = entry->path().filename();
-    if (shownName(candidate) != shown) continue;
+    if (asQtShows(candidate) != shown) continue;
     if (!found.empty()) return name;
     found = candidate;
   }
@@ -31,7 +31,7 @@ fs::path fileOf(const QString& shown) {
   if (!shown.contains(QChar::ReplacementCharacter)) return named;
   fs::path file;
   for (const fs::path& part : named) {
-    const bool isShown = shownName(part).contains(QChar::ReplacementCharacter);
+    const bool isShown = asQtShows(part).contains(QChar::ReplacementCharacter);
     file /= isShown ? entryShownAs(file, part) : part;
   }
   return file;
