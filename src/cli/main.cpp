@@ -22,6 +22,7 @@ int refused(const std::exception& error, int status) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  kestrel::ports::openMissingStandardFiles();
   // A reader of the log that goes away must not end the program with a voltage on.
   std::signal(SIGPIPE, SIG_IGN);
   // Nor must a file that reaches the limit of its size (ulimit -f): that is an error of the write.

@@ -109,6 +109,15 @@ TEST(Trace, ofAStartUpIsThatOfAnEmptySocket) {
   EXPECT_EQ(work.text("t.txt"), startUpModel5At378() + loads(kReset));
 }
 
+// The trace is the first file that the program opens.
+TEST(Trace, isNotMixedWithTheLogWhereTheStandardFilesAreClosed) {
+  const Workplace work;
+  const pid_t process = ::fork();
+  if (process == 0) work.become("--simulate save-setup 1 x --trace t.txt <&- >&- 2>&-");
+  EXPECT_EQ(statusOf(process), 0);
+  EXPECT_EQ(work.text("t.txt"), startUpModel5At378() + loads(kReset));
+}
+
 TEST(Safe, loadsTheIdleValueIntoLatch0OfEitherFamily) {
   const Workplace work;
   const Outcome run = work.simulate("safe --lpt 278 --trace t.txt");

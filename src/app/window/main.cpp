@@ -91,6 +91,7 @@ bool hasDisplay(int argc, char** argv) {
 }  // namespace kestrel::window
 
 int main(int argc, char** argv) {
+  kestrel::ports::openMissingStandardFiles();
   // A reader of the messages that goes away must not end the program with a voltage on.
   std::signal(SIGPIPE, SIG_IGN);
   // Nor must a file that reaches the limit of its size (ulimit -f): that is an error of the write.

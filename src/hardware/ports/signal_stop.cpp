@@ -1,5 +1,6 @@
 #include "hardware/ports/signal_stop.h"
 
+#include <fcntl.h>
 #include <signal.h>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -15,6 +16,7 @@ namespace kestrel::ports {
 namespace {
 
 constexpr std::array kStopSignals{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array kSleepSignals{SIGTSTP, SIGTTOU, SIGTTIN};
 constexpr std::array kCrashSignals{SIGSEGV, SIGBUS,  SIGILL, SIGFPE, SIGABRT,
                                    SIGTRAP, SIGQUIT, SIGSYS, SIGXCPU};
 
@@ -71,14 +73,14 @@ SignalStop::SignalStop(StopSwitch& stop) : descriptor_(eventfd(0, EFD_CLOEXEC | 
   for (const int number : kStopSignals) {
     if (number != SIGHUP || !isIgnored(number)) install(number, stopOrDie, 0);
   }
-  install(SIGTSTP, SIG_IGN, 0);
+  for (const int number : kSleepSignals) install(number, SIG_IGN, 0);
 }
 
 SignalStop::~SignalStop() {
   for (const int number : kStopSignals) {
     if (!isIgnored(number)) install(number, SIG_DFL, 0);
   }
-  install(SIGTSTP, SIG_DFL, 0);
+  for (const int number : kSleepSignals) install(number, SIG_DFL, 0);
   switchToThrow = nullptr;
   wakeUp = -1;
   ::close(descriptor_);
@@ -92,6 +94,13 @@ void switchOffOnCrash() {
   const stack_t own{.ss_sp = stack.data(), .ss_flags = 0, .ss_size = stack.size()};
   sigaltstack(&own, nullptr);
   for (const int number : kCrashSignals) install(number, crash, SA_ONSTACK);
+}
+
+// A file gets the lowest number that is free, which is the missing one.
+void openMissingStandardFiles() {
+  for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(standard, F_GETFD) < 0) static_cast<void>(!::open("/dev/null", O_RDWR));
+  }
 }
 
 }  // namespace kestrel::ports

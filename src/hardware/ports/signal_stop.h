@@ -9,8 +9,8 @@ namespace kestrel::ports {
 /// The first of them throws the stop switch, so that the command ends at its next port access and
 /// the board goes to its idle state; the program then sees signal() and shuts down. A second one
 /// ends the program at once, with the guard left to switch off. A hang-up that was ignored when
-/// the program started (nohup) stays so. SIGTSTP is ignored meanwhile: a program stopped by Ctrl-Z
-/// would leave a programming voltage on for as long as it sleeps.
+/// the program started (nohup) stays so. SIGTSTP, SIGTTOU and SIGTTIN are ignored meanwhile: a
+/// program that the terminal stops would leave a programming voltage on for as long as it sleeps.
 ///
 /// One at a time in a process, since a signal handler has no argument.
 class SignalStop {
@@ -40,5 +40,9 @@ class SignalStop {
 /// off before it takes its course: the guard would else wait until a core file is written. Once,
 /// on the main thread, whose stack overflow it survives too.
 void switchOffOnCrash();
+
+/// Opens the null device for what is missing of standard input, output and error: else a port would
+/// be opened in its place, and the log be written to the board. Before any other file is opened.
+void openMissingStandardFiles();
 
 }  // namespace kestrel::ports
