@@ -30,7 +30,9 @@ std::size_t columns() {
 
 }  // namespace
 
-ConsoleView::ConsoleView(bool quiet) : quiet_(quiet), hasBar_(canDrawOver()) {}
+ConsoleView::ConsoleView(bool quiet) : quiet_(quiet) {
+  if (canDrawOver()) terminal_.emplace();
+}
 
 ConsoleView::~ConsoleView() { clearProgress(); }
 
@@ -40,7 +42,7 @@ void ConsoleView::mirror(Controls& controls) {
 }
 
 void ConsoleView::controlChanged(const Control& control) {
-  if (!hasBar_ || &control != &controls_->ProgressBar1) return;
+  if (!terminal_ || &control != &controls_->ProgressBar1) return;
   const ProgressBar& bar = controls_->ProgressBar1;
   progress_.set(bar.value(), bar.maximum(), Clock::now());
   isDue_ = progress_.isMoving();
@@ -58,7 +60,7 @@ void ConsoleView::textAppended(const TextBox& box, std::string_view piece) {
 void ConsoleView::turn() {
   const auto now = Clock::now();
   if (!isDue_ || now - drawnAt_ < kFrame) return;
-  std::cerr << '\r' << progress_.text(columns(), now) << "\033[K" << std::flush;
+  terminal_->write('\r' + progress_.text(columns(), now) + "\033[K");
   drawnAt_ = now;
   isDrawn_ = true;
   isDue_ = false;
@@ -66,7 +68,7 @@ void ConsoleView::turn() {
 
 void ConsoleView::clearProgress() {
   if (!isDrawn_) return;
-  std::cerr << "\r\033[K" << std::flush;
+  terminal_->write("\r\033[K");
   isDrawn_ = false;
   isDue_ = progress_.isMoving();
 }

@@ -1,16 +1,18 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
 #include <string_view>
 
 #include "app/state/controls.h"
 #include "cli/progress_line.h"
+#include "cli/terminal.h"
 #include "platform/screen.h"
 
 namespace kestrel::cli {
 
 /// What a terminal shows of the form: the log on standard output, line by line as it is logged, and
-/// the progress bar on standard error while that is a terminal.
+/// the progress bar on standard error while that is a terminal, as far as it is taken at once.
 class ConsoleView final : public ControlListener, public Screen {
  public:
   explicit ConsoleView(bool quiet);
@@ -41,9 +43,9 @@ class ConsoleView final : public ControlListener, public Screen {
  private:
   Controls* controls_ = nullptr;
   ProgressLine progress_;
+  std::optional<Terminal> terminal_;  // where a bar can be drawn
   std::chrono::steady_clock::time_point drawnAt_{};
   bool quiet_;
-  bool hasBar_;
   bool isDrawn_ = false;
   bool isDue_ = false;
 };

@@ -71,6 +71,29 @@ TEST(Progress, isDrawnWithinTheWidthAndTakenAwayAtTheEnd) {
   EXPECT_NE(run.out.find("\r\033[K", run.out.rfind(" %")), std::string::npos) << "it stays behind";
 }
 
+// Ctrl-S before the command begins; its output goes to a file.
+TEST(Progress, isLostRatherThanWaitedForWhenTheTerminalStands) {
+  const Workplace work;
+  int terminal = -1;
+  int line = -1;
+  ASSERT_EQ(::openpty(&terminal, &line, nullptr, nullptr, nullptr), 0);
+  ASSERT_EQ(::tcflow(line, TCOOFF), 0);
+  const pid_t process = ::fork();
+  if (process == 0) {
+    ::dup2(line, STDERR_FILENO);
+    ::setenv("TERM", "xterm", 1);
+    work.become("--simulate read -d 27C080 -o saved.bin >out.txt");
+  }
+  int status = -1;
+  for (int wait = 0; wait < 3'000 && ::waitpid(process, &status, WNOHANG) == 0; ++wait) {
+    ::usleep(10'000);
+  }
+  EXPECT_EQ(status, 0);
+  EXPECT_EQ(work.text("saved.bin").size(), 1'048'576U);
+  ::kill(process, SIGKILL);
+  ::close(terminal), ::close(line);
+}
+
 // A 27C080 full of zeros is far from done when the signal comes.
 TEST(Signal, endsProgrammingWithTheBoardIdleAndTheChipKept) {
   for (const auto& [number, status] :
