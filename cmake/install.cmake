@@ -4,6 +4,7 @@ set(kestrel_data_dir ${CMAKE_INSTALL_DATADIR}/kestrel)
 
 function(kestrel_install_common)
   install(TARGETS kestrel-cli RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(TARGETS vpp-guard RUNTIME DESTINATION libexec/kestrel)  # where the programs look
   install(FILES ${PROJECT_SOURCE_DIR}/data/man/kestrel-cli.1
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES ${PROJECT_SOURCE_DIR}/data/completion/kestrel-cli.bash

@@ -6,14 +6,20 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <fstream>
 #include <functional>
 #include <memory>
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <thread>
+#include <utility>
 
 #include "hardware/ports/parport_device.h"
 #include "hardware/ports/signal_stop.h"
+#include "support/port_script.h"
+#include "support/stand_in_kernel.h"
+#include "support/temporary_folder.h"
 #include "support/victim.h"
 
 namespace kestrel {
@@ -53,7 +59,8 @@ TEST_P(Killed, programLeavesTheBoardOffAtAnyMoment) {
 }
 
 INSTANTIATE_TEST_SUITE_P(EverySignal, Killed,
-                         testing::Values(SIGTERM, SIGINT, SIGHUP, SIGABRT, SIGSEGV, SIGKILL),
+                         testing::Values(SIGTERM, SIGINT, SIGHUP, SIGABRT, SIGSEGV, SIGQUIT,
+                                         SIGKILL),
                          [](const auto& signal) { return sigabbrev_np(signal.param); });
 
 unsigned overflowStack(unsigned depth) {
@@ -62,15 +69,26 @@ unsigned overflowStack(unsigned depth) {
   return depth == ~0U ? 0 : overflowStack(depth + 1) + static_cast<unsigned>(frame[0]);
 }
 
+// The guard has switched off when the program, which could not, comes to itself.
+void standStillOnce(const test::Tape& tape) {
+  static bool hasStood = false;
+  if (std::exchange(hasStood, true)) return;
+  std::this_thread::sleep_for(2'300ms);
+  if (tape.switchOffsAtEnd() != 0) _exit(90);  // a wait of the procedures may be as long
+  std::this_thread::sleep_for(900ms);
+  if (tape.switchOffsAtEnd() != 1) _exit(91);
+}
+
 TEST(Ended, programLeavesTheBoardOff) {
   const struct {
     const char* name;
-    void (*how)();
+    void (*how)(test::Tape&);
     int end, switchOffs;  // a crash has the guard switch off before the program is gone, and after
-  } cases[]{{"without a word", [] { _exit(7); }, 7, 1},
-            {"an uncaught exception", [] { throw std::runtime_error(""); }, -SIGABRT, 2},
-            {"a stack overflow", [] { _exit(static_cast<int>(overflowStack(0))); }, -SIGSEGV, 2},
-            {"Ctrl-\\", [] { raise(SIGQUIT); }, -SIGQUIT, 2}};
+  } cases[]{{"without a word", [](auto&) { _exit(7); }, 7, 1},
+            {"an uncaught exception", [](auto&) { throw std::runtime_error(""); }, -SIGABRT, 2},
+            {"a stack overflow", [](auto&) { _exit(overflowStack(0) != 0); }, -SIGSEGV, 2},
+            {"the port fails", [](auto& tape) { tape.guardFailures = 99, _exit(7); }, 7, 1},
+            {"a standstill", [](auto& tape) { standStillOnce(tape); }, 57, 1}};
   for (const auto& [name, how, end, switchOffs] : cases) {
     const Death death = test::dieWhileProgramming(sim::Model::kestrel5, 50ms, nullptr, how);
     expectSafe(death, end, name);
@@ -79,23 +97,56 @@ TEST(Ended, programLeavesTheBoardOff) {
 }
 
 TEST(Guard, holdsNothingDoesNothingAndGoesAfterAGoodBye) {
-  test::Tape* const tape = test::Tape::make();
   test::StandInKernel kernel;
-  kernel.devices["/dev/parport0"].lines = tape;
+  const int tapeFile = test::Tape::makeFile();
+  kernel.devices["/dev/parport0"].file = tapeFile;
   ports::ParportDevice port(kernel, "/dev/parport0", 0x378);
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
-  auto guard = std::make_unique<ports::Guard>(port);
+  auto guard = std::make_unique<ports::Guard>(port, TAPE_GUARD);
   const pid_t process = guard->process();
   close(ends[1]);
   pollfd hangUp{.fd = ends[0], .events = 0, .revents = 0};
   EXPECT_EQ(poll(&hangUp, 1, 5'000), 1) << "the guard holds the other end of the pipe";
-  guard.reset();
+  guard->dismiss();
   EXPECT_EQ(kill(process, 0), -1) << "still there";
-  EXPECT_EQ(tape->written, 0U);
-  const ports::Guard second(port);
-  kill(second.process(), SIGKILL);
-  ports::alarmGuards();  // must not end this program
+  EXPECT_EQ(test::Tape::map(tapeFile)->written, 0U);
+}
+
+TEST(Guard, thatIsKilledOrDoesNotWorkIsNoticed) {
+  test::StandInKernel kernel;
+  test::PortScript lines;
+  kernel.devices["/dev/parport0"].lines = &lines;
+  ports::ParportDevice port(kernel, "/dev/parport0", 0x378);
+  const auto use = [&] {
+    for (int i = 0; i < 300; ++i) port.PortOut(0x378, 0);
+  };
+  {
+    const ports::Guard guard(port, TAPE_GUARD);
+    port.take();
+    use();
+    kill(guard.process(), SIGKILL);
+    siginfo_t end;
+    waitid(P_PID, static_cast<id_t>(guard.process()), &end, WEXITED | WNOWAIT);
+    ports::alarmGuards();  // must not end this program
+    EXPECT_THROW(use(), RuntimeError);
+    EXPECT_TRUE(port.isGone());
+    use();  // the board can be put to rest
+  }
+  const test::TemporaryFolder folder;
+  const std::string silent = (folder / "guard").string();
+  std::ofstream(silent) << "#!/bin/sh\nexec sleep 60\n";
+  std::filesystem::permissions(silent, std::filesystem::perms::owner_all);
+  for (const auto& [program, reason] : {std::pair(silent, "not ready within 2 s"),
+                                        {"/bin/true", "ended at once"},
+                                        {"/nowhere", "No such file"}}) {
+    try {
+      const ports::Guard guard(port, program);
+      ADD_FAILURE() << program;
+    } catch (const RuntimeError& error) {
+      EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
+    }
+  }
 }
 
 // What a program of its own ends with: its exit status, or the signal as a negative number.
@@ -113,7 +164,7 @@ int endOf(const std::function<int(const StopSwitch&, const ports::SignalStop&)>&
 
 TEST(SignalStop, throwsTheSwitchFirstAndEndsTheProgramThen) {
   const auto stopped = [](const StopSwitch& stop, const ports::SignalStop& signals) {
-    raise(SIGTSTP);  // ignored: no sleep with a voltage on
+    raise(SIGTSTP), raise(SIGTTOU), raise(SIGTTIN);  // no sleep with a voltage on
     if (signals.isEndRequested()) return 1;
     raise(SIGHUP);
     pollfd wait{.fd = signals.descriptor(), .events = POLLIN, .revents = 0};

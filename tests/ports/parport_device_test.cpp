@@ -90,9 +90,28 @@ TEST_F(Parport, isUnavailableOnceItHasVanished) {
     EXPECT_TRUE(port->isGone());
     take();
   }
-  port.reset();
-  kernel.failures["control"] = {0, 0, EIO};
-  EXPECT_THROW(take(), RuntimeError) << "vanished during the claim";
+}
+
+// A board of model 5 with VPP on pin 1, and a port that fails for a while, or for ever.
+TEST_F(Parport, isSwitchedOffWhenItWorksAgainAndTellsWhenItNeverDoes) {
+  const auto switchOn = [this] {
+    take();
+    port->PortOut(0x378, 0x60);
+    for (const auto control : std::initializer_list<std::uint8_t>{5, 4, 5})
+      port->PortOut(0x37A, control);
+  };
+  switchOn();
+  kernel.failures["control"].assign(20, EIO);
+  EXPECT_THROW(port->PortOut(0x37A, 7), RuntimeError);
+  EXPECT_TRUE(calls().ends_with(kOff));
+  EXPECT_FALSE(port->mayVoltageBeOn());
+  switchOn();
+  kernel.takesNotes = false;  // of the many tries
+  kernel.broken["control"] = EINTR;
+  EXPECT_THROW(port->PortOut(0x37A, 7), RuntimeError);
+  EXPECT_FALSE(port->giveBack());
+  EXPECT_TRUE(port->mayVoltageBeOn());
+  EXPECT_GE(kernel.devices["/dev/parport0"].holder, 0) << "the guard needs the claim";
 }
 
 TEST_F(Parport, reachedDirectlyIsForOneProgramWithPermission) {

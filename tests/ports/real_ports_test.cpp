@@ -32,7 +32,8 @@ struct RealPortsTest : testing::Test {
     std::ofstream(root / file) << text;
   }
   std::unique_ptr<ports::RealPorts> open(const std::vector<std::string>& choices = {}) {
-    ports::PortOptions options{.choices = {}, .root = root.path(), .lockFolder = root.path()};
+    ports::PortOptions options{
+        .choices = {}, .root = root.path(), .lockFolder = root.path(), .guard = TAPE_GUARD};
     for (const std::string& each : choices) options.choices.push_back(ports::parsePortChoice(each));
     return ports::openRealPorts(kernel, options);
   }

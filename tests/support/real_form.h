@@ -30,7 +30,8 @@ struct RealForm : BoardOnBench {
   TemporaryFolder root;
   StandInKernel kernel;
   std::unique_ptr<ports::RealPorts> ports = ports::openRealPorts(
-      kernel, {{ports::parsePortChoice("378=/dev/parport0")}, root.path(), root.path()});
+      kernel,
+      {{ports::parsePortChoice("378=/dev/parport0")}, root.path(), root.path(), TAPE_GUARD});
   ServiceOf service{*ports};
   StopSwitch stop;
   FormRig rig{ports->port(), port, &trace, &stop, &service};

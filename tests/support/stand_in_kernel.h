@@ -1,7 +1,9 @@
 #pragma once
 
+#include <fcntl.h>
 #include <linux/ppdev.h>
 #include <sys/ioctl.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <cstdint>
@@ -22,18 +24,19 @@ namespace kestrel::test {
 /// control lines. Every call is noted, such as "open /dev/parport0", "PPCLAIM", "data 40".
 class StandInKernel final : public ports::SystemCalls {
  public:
-  static constexpr int kFirstFile = 900;
-
   struct Device {
     PortAccess* lines = nullptr;  // what is connected; addressed at `base`
     std::uint16_t base = 0x378;
     bool hasPrinterDriver = false;
+    int file = -1;    // open files of the device are duplicates of this one, if there is one
     int holder = -1;  // the open file that has claimed it
   };
 
   std::map<std::string, Device> devices;
   /// The next calls of this name fail with these errors, in order; 0 lets one pass.
   std::map<std::string, std::vector<int>> failures;
+  /// Every call of this name fails with this error.
+  std::map<std::string, int> broken;
   std::string calls;       // each with a comma and a space after it
   bool takesNotes = true;  // not for whole commands: they are millions of calls
   std::function<void()> onAccess;
@@ -43,8 +46,12 @@ class StandInKernel final : public ports::SystemCalls {
   int open(const char* path, int /*flags*/) noexcept override {
     if (!passes("open", path)) return -1;
     if (!devices.contains(path)) return refuse(ENOENT);
-    files_.push_back({&devices[path]});
-    return kFirstFile + static_cast<int>(files_.size()) - 1;
+    Device& device = devices[path];
+    // A true file, which the guard can inherit.
+    const int descriptor = device.file < 0 ? ::open("/dev/null", O_RDWR | O_CLOEXEC)
+                                           : ::fcntl(device.file, F_DUPFD_CLOEXEC, 0);
+    files_[descriptor] = {&device};
+    return descriptor;
   }
 
   int ioctl(int descriptor, unsigned long request, void* argument) noexcept override {
@@ -76,7 +83,8 @@ class StandInKernel final : public ports::SystemCalls {
 
   int close(int descriptor) noexcept override {
     calls += "close, ";
-    return leave(fileOf(descriptor), descriptor), 0;
+    leave(fileOf(descriptor), descriptor);
+    return ::close(descriptor);
   }
   int ioperm(unsigned long first, unsigned long /*count*/, bool permit) noexcept override {
     calls += (permit ? "permit " : "forbid ") + hex(first) + ", ";
@@ -93,11 +101,11 @@ class StandInKernel final : public ports::SystemCalls {
 
  private:
   struct File {
-    Device* device;
+    Device* device = nullptr;
     bool isExclusive = false;
   };
 
-  File& fileOf(int descriptor) { return files_[static_cast<std::size_t>(descriptor - kFirstFile)]; }
+  File& fileOf(int descriptor) { return files_.at(descriptor); }
 
   static std::string hex(unsigned long number) {
     char text[20];
@@ -110,6 +118,10 @@ class StandInKernel final : public ports::SystemCalls {
   }
   bool passes(const std::string& name, const std::string& detail = {}) {
     if (takesNotes) calls += name + (detail.empty() ? "" : " ") + detail + ", ";
+    if (const auto found = broken.find(name); found != broken.end()) {
+      errno = found->second;
+      return false;
+    }
     std::vector<int>& planned = failures[name];
     if (planned.empty()) return true;
     errno = planned.front();
@@ -131,7 +143,7 @@ class StandInKernel final : public ports::SystemCalls {
     return 0;
   }
 
-  std::vector<File> files_;
+  std::map<int, File> files_;
 };
 
 }  // namespace kestrel::test

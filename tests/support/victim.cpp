@@ -6,12 +6,14 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <map>
 
 #include "hardware/ports/lpt_filter.h"
 #include "hardware/ports/real_ports.h"
 #include "hardware/ports/signal_stop.h"
 #include "support/form_rig.h"
+#include "support/stand_in_kernel.h"
 
 namespace kestrel::test {
 namespace {
@@ -35,38 +37,55 @@ struct Program : BoardOnBench {
   FormRig rig{turnout, port, nullptr, &stop};
 };
 
+/// Writes all down before it reaches the simulated board.
+struct TapedLines final : PortAccess {
+  TapedLines(Tape& itsTape, PortAccess& itsBoard) : tape(itsTape), board(itsBoard) {}
+  void PortOut(std::int16_t port, std::uint8_t value) override {
+    tape.write(port - 0x378, value);
+    board.PortOut(port, value);
+  }
+  std::uint8_t PortIn(std::int16_t port) override { return board.PortIn(port); }
+
+  Tape& tape;
+  PortAccess& board;
+};
+
 Program& readyProgram(sim::Model model) {
   static std::map<sim::Model, Program> ready;
   return ready.try_emplace(model, model).first->second;
 }
 
 // From the port's claim to the shut-down as the programs do it.
-[[noreturn]] void run(Program& program, Tape& tape, std::chrono::microseconds runsFor,
-                      const std::function<void()>& end) {
+[[noreturn]] void run(Program& program, Tape& tape, int tapeFile, std::chrono::microseconds runsFor,
+                      const std::function<void(Tape&)>& end) {
   constexpr rlimit kNoCore{0, 0};
   setrlimit(RLIMIT_CORE, &kNoCore);
   setpgid(0, 0);
   ports::switchOffOnCrash();
   const ports::SignalStop signals(program.stop);
-  tape.board = &program.port;
+  TapedLines lines(tape, program.port);
   StandInKernel kernel;
   kernel.takesNotes = false;
-  // Held from the beginning: the guard, forked before the claim, has a kernel of its own.
-  kernel.devices["/dev/parport0"] = {.lines = &tape, .holder = StandInKernel::kFirstFile};
+  kernel.devices["/dev/parport0"] = {.lines = &lines, .file = tapeFile};
   auto ports = ports::openRealPorts(
-      kernel, {{ports::parsePortChoice("378=/dev/parport0")}, "/nowhere", "/nowhere"});
+      kernel, {{ports::parsePortChoice("378=/dev/parport0")}, "/nowhere", "/nowhere", TAPE_GUARD});
   program.turnout.connect(0x378, ports->port());
   tape.isRunning = true;
   const auto endsAt = Time::now() + (end ? runsFor : 10s);
   kernel.onAccess = [&] {
     // An access a microsecond, as on a real port.
     for (const auto from = Time::now(); Time::now() < from + 1us;) continue;
-    if (Time::now() > endsAt) end ? end() : _exit(98);
+    if (Time::now() < endsAt || program.board->vppPins() == 0) return;
+    end ? end(tape) : _exit(98);
   };
-  while (!signals.isEndRequested()) program.rig.program();
+  int error = 0;
+  while (!signals.isEndRequested() && error == 0) {
+    program.rig.program();
+    std::sscanf(program.rig.log().back().c_str(), "Run-time error %d", &error);
+  }
   program.rig.form.Form_Unload();
   ports.reset();
-  _exit(signals.exitStatus());
+  _exit(error != 0 ? error : signals.exitStatus());
 }
 
 bool awaitAll(std::chrono::milliseconds limit) {
@@ -94,13 +113,14 @@ int Tape::switchOffsAtEnd() const {
 
 Death dieWhileProgramming(sim::Model model, std::chrono::microseconds runsFor,
                           const std::function<void(int process)>& kill,
-                          const std::function<void()>& end) {
+                          const std::function<void(Tape&)>& end) {
   // The guard, left behind by its program, becomes this process's child: it can be waited for.
   prctl(PR_SET_CHILD_SUBREAPER, 1);
   Program& ready = readyProgram(model);
-  Tape* const tape = Tape::make();
+  const int tapeFile = Tape::makeFile();
+  Tape* const tape = Tape::map(tapeFile);
   const pid_t program = fork();
-  if (program == 0) run(ready, *tape, runsFor, end);
+  if (program == 0) run(ready, *tape, tapeFile, runsFor, end);
   while (!tape->isRunning) usleep(50);
   if (kill) usleep(static_cast<useconds_t>(runsFor.count()));
   const std::size_t moment = tape->written;
@@ -122,7 +142,8 @@ Death dieWhileProgramming(sim::Model model, std::chrono::microseconds runsFor,
   death.latch0 = board.latch(0);
   death.vppPins = board.vppPins();
   death.switchOffs = tape->switchOffsAtEnd();
-  Tape::discard(tape);
+  munmap(tape, sizeof(Tape));
+  close(tapeFile);
   return death;
 }
 

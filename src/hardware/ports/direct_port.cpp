@@ -25,11 +25,8 @@ int openLock(const std::string& folder, const std::string& name) {
 
 DirectPort::DirectPort(SystemCalls& calls, std::uint16_t address, std::uint16_t base,
                        const std::string& lockFolder)
-    : RealPort(base),
-      calls_(calls),
-      address_(address),
-      name_("0x" + addressText(address)),
-      lock_(openLock(lockFolder, name_)) {
+    : RealPortOver(base, "0x" + addressText(address), DirectLines(calls, address)),
+      lock_(openLock(lockFolder, name())) {
   try {
     lockAndPermit();
   } catch (...) {
@@ -40,45 +37,32 @@ DirectPort::DirectPort(SystemCalls& calls, std::uint16_t address, std::uint16_t 
 
 DirectPort::~DirectPort() {
   giveBack();
-  calls_.ioperm(address_, kRegisters, false);
+  lines_.permit(false);
   ::close(lock_);
+}
+
+std::vector<std::string> DirectPort::guardArguments() const {
+  return {"direct", addressText(lines_.address())};
 }
 
 // Before the guard process is made, which inherits both the lock and the permission.
 void DirectPort::lockAndPermit() {
-  if (address_ < kLowest || address_ > kHighest) {
-    throw PortError(PortProblem::NotAPort, name_, EINVAL);
+  if (lines_.address() < kLowest || lines_.address() > kHighest) {
+    throw PortError(PortProblem::NotAPort, name(), EINVAL);
   }
-  if (flock(lock_, LOCK_EX | LOCK_NB) != 0) throw PortError(PortProblem::Taken, name_, errno);
-  if (calls_.ioperm(address_, kRegisters, true) != 0) {
-    throw PortError(PortProblem::NotPermitted, name_, errno);
-  }
+  if (flock(lock_, LOCK_EX | LOCK_NB) != 0) throw PortError(PortProblem::Taken, name(), errno);
+  if (!lines_.permit(true)) throw PortError(PortProblem::NotPermitted, name(), errno);
 }
 
 void DirectPort::take() {
   taken_ = true;
-  switchOff();
+  begin();
 }
 
-void DirectPort::giveBack() noexcept {
-  if (!taken_) return;
+bool DirectPort::giveBack() noexcept {
+  if (!taken_) return true;
   taken_ = false;
-  switchOff();
-}
-
-bool DirectPort::write(PortRegister target, std::uint8_t value) noexcept {
-  if (target == PortRegister::Data) calls_.outByte(address_, value);
-  if (target == PortRegister::Control) {
-    calls_.outByte(static_cast<std::uint16_t>(address_ + 2U), value & kControlLines);
-  }
-  return true;
-}
-
-void DirectPort::PortOut(std::int16_t port, std::uint8_t value) { write(registerOf(port), value); }
-
-std::uint8_t DirectPort::PortIn(std::int16_t port) {
-  if (registerOf(port) != PortRegister::Status) return 0xFF;
-  return calls_.inByte(static_cast<std::uint16_t>(address_ + 1U));
+  return switchOff();
 }
 
 }  // namespace kestrel::ports

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
+#include "hardware/ports/port_lines.h"
 #include "hardware/ports/real_port.h"
 #include "hardware/ports/system_calls.h"
 
@@ -14,7 +16,7 @@ namespace kestrel::ports {
 //
 // The kernel keeps no order here, so a lock file stands for the claim: it keeps a second program
 // of this kind off the same address.
-class DirectPort final : public RealPort {
+class DirectPort final : public RealPortOver<DirectLines> {
  public:
   /// The lowest address that is let pass; below are the machine's own devices.
   static constexpr std::uint16_t kLowest = 0x100;
@@ -29,22 +31,15 @@ class DirectPort final : public RealPort {
   DirectPort& operator=(const DirectPort&) = delete;
 
   void take() override;
-  void giveBack() noexcept override;
+  bool giveBack() noexcept override;
   [[nodiscard]] int descriptor() const noexcept override { return lock_; }
-  [[nodiscard]] bool isGone() const noexcept override { return false; }
 
-  void PortOut(std::int16_t port, std::uint8_t value) override;
-  [[nodiscard]] std::uint8_t PortIn(std::int16_t port) override;
+  /// "direct" and the address in hex.
+  [[nodiscard]] std::vector<std::string> guardArguments() const override;
 
  private:
-  static constexpr unsigned long kRegisters = 3;
-
   void lockAndPermit();
-  bool write(PortRegister target, std::uint8_t value) noexcept override;
 
-  SystemCalls& calls_;
-  std::uint16_t address_;
-  std::string name_;
   int lock_;
   bool taken_ = false;
 };

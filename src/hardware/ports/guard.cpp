@@ -1,27 +1,23 @@
 #include "hardware/ports/guard.h"
 
 #include <fcntl.h>
-#include <sched.h>
+#include <poll.h>
 #include <signal.h>
-#include <sys/mman.h>
-#include <sys/prctl.h>
+#include <spawn.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <ctime>
+#include <string>
+#include <vector>
 
 namespace kestrel::ports {
 namespace {
-
-constexpr char kReady = 'r';
-constexpr char kGoodBye = 'q';
-constexpr char kAlarm = '!';
 
 // The links of the guards that stand: what a signal handler, which has no argument, can reach.
 std::array<std::atomic<int>, 8> standingLinks{-1, -1, -1, -1, -1, -1, -1, -1};
@@ -33,77 +29,53 @@ void replaceLink(int before, int after) noexcept {
   }
 }
 
-constexpr int kGone = -1;
-
-// The next word from the other end, or kGone.
-int hear(int link) noexcept {
-  for (;;) {
-    char word = 0;
-    const ssize_t got = ::read(link, &word, 1);
-    if (got == 1) return word;
-    if (got == 0 || errno != EINTR) return kGone;
-  }
-}
-
-// From here to the end of watch(): the guard process. The program may have had other threads when
-// it was forked, so only async-signal-safe calls are allowed.
-
-void closeAllBut(int first, int second) noexcept {
-  const auto low = static_cast<unsigned>(std::min(first, second));
-  const auto high = static_cast<unsigned>(std::max(first, second));
-  if (low > 0) close_range(0, low - 1, 0);
-  if (high > low + 1) close_range(low + 1, high - 1, 0);
-  close_range(high + 1, ~0U, 0);
-}
-
-// The kernel's out-of-memory killer is asked to look elsewhere; only root is heard.
-void askToBeSpared() noexcept {
-  const int file = ::open("/proc/self/oom_score_adj", O_WRONLY | O_CLOEXEC);
-  if (file < 0) return;
-  static_cast<void>(!::write(file, "-1000", 5));
-  ::close(file);
-}
-
-// Ready to act at once, as far as this user may.
-void settleDown() noexcept {
-  setsid();
-  static_cast<void>(!chdir("/"));
-  prctl(PR_SET_NAME, kGuardName);
-  askToBeSpared();
-  mlockall(MCL_CURRENT | MCL_ONFAULT);
-  const sched_param lowest{.sched_priority = sched_get_priority_min(SCHED_FIFO)};
-  sched_setscheduler(0, SCHED_FIFO, &lowest);
-}
-
-[[noreturn]] void watch(int link, RealPort& port) noexcept {
-  settleDown();
-  closeAllBut(link, port.descriptor() < 0 ? link : port.descriptor());
-  send(link, &kReady, 1, MSG_NOSIGNAL);
-  for (;;) {
-    const int word = hear(link);
-    if (word == kGoodBye) _exit(0);
-    port.switchOff();
-    if (word == kGone) _exit(0);
-  }
-}
-
-// A fork with every signal blocked: none may reach the program's handlers in the child.
-pid_t forkQuietly() noexcept {
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
-  const pid_t process = fork();
-  const int reason = errno;
-  if (process != 0) pthread_sigmask(SIG_SETMASK, &before, nullptr);
-  errno = reason;
-  return process;
-}
-
-[[noreturn]] void throwNoGuard() {
+[[noreturn]] void throwNoGuard(const std::string& program, const std::string& reason) {
   throw RuntimeError(kDeviceUnavailableError,
-                     std::string("The guard process cannot be started: ") + std::strerror(errno));
+                     "The guard process " + program + " cannot be started: " + reason);
 }
+
+[[noreturn]] void throwNoGuard(const std::string& program, int errorNumber) {
+  throwNoGuard(program, std::strerror(errorNumber));
+}
+
+/// How the guard is started: its files, its session, its signals.
+class Preparation {
+ public:
+  Preparation() noexcept {
+    posix_spawn_file_actions_init(&files_);
+    posix_spawnattr_init(&attributes_);
+    sigset_t all;
+    sigfillset(&all);
+    posix_spawnattr_setsigmask(&attributes_, &all);
+    posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK);
+    for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+      posix_spawn_file_actions_addopen(&files_, standard, "/dev/null", O_RDWR, 0);
+    }
+  }
+  ~Preparation() {
+    posix_spawn_file_actions_destroy(&files_);
+    posix_spawnattr_destroy(&attributes_);
+  }
+  Preparation(const Preparation&) = delete;
+  Preparation& operator=(const Preparation&) = delete;
+
+  /// Duplicated onto itself, a file stays open in the program that is started.
+  void inherit(int descriptor) noexcept {
+    posix_spawn_file_actions_adddup2(&files_, descriptor, descriptor);
+  }
+
+  /// 0, or an error number.
+  int run(const std::vector<std::string>& words, pid_t& process) const {
+    std::vector<char*> arguments;
+    for (const std::string& each : words) arguments.push_back(const_cast<char*>(each.c_str()));
+    arguments.push_back(nullptr);
+    return posix_spawn(&process, arguments[0], &files_, &attributes_, arguments.data(), environ);
+  }
+
+ private:
+  posix_spawn_file_actions_t files_{};
+  posix_spawnattr_t attributes_{};
+};
 
 // A guard that was stopped by hand must not keep the program from ending.
 void awaitEnd(pid_t process) noexcept {
@@ -115,37 +87,85 @@ void awaitEnd(pid_t process) noexcept {
   }
 }
 
+// True when the link has something to read, or was closed, within the limit.
+bool awaitWord(int link, std::chrono::milliseconds limit) noexcept {
+  const auto end = std::chrono::steady_clock::now() + limit;
+  for (;;) {
+    const auto left =
+        std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+    if (left.count() <= 0) return false;
+    pollfd wait{.fd = link, .events = POLLIN, .revents = 0};
+    if (poll(&wait, 1, static_cast<int>(left.count())) > 0) return true;
+  }
+}
+
 }  // namespace
 
-Guard::Guard(RealPort& port) {
+std::filesystem::path guardProgram() {
+  std::error_code ignored;
+  const auto programs = std::filesystem::read_symlink("/proc/self/exe", ignored).parent_path();
+  const auto installed = programs.parent_path() / "libexec" / "kestrel" / kGuardName;
+  return std::filesystem::exists(installed, ignored) ? installed : programs / kGuardName;
+}
+
+Guard::Guard(RealPort& port, const std::filesystem::path& program) : port_(port) {
+  if (shared_.memory() == nullptr) throwNoGuard(program, errno);
   std::array<int, 2> ends{};
-  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) throwNoGuard();
-  process_ = forkQuietly();
-  if (process_ == 0) watch(ends[1], port);
-  const int reason = errno;
-  ::close(ends[1]);
-  link_ = ends[0];
-  // Ready means: out of reach of what is sent to the program's process group.
-  if (process_ < 0 || hear(link_) != kReady) {
-    ::close(link_);
-    errno = process_ < 0 ? reason : ECHILD;
-    throwNoGuard();
+  if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0) {
+    throwNoGuard(program, errno);
   }
+  link_ = ends[0];
+  try {
+    start(program, ends[1]);
+    awaitReady(program);
+  } catch (...) {
+    ::close(link_);
+    throw;
+  }
+  port_.setGuard(shared_.memory());
   replaceLink(-1, link_);
+}
+
+void Guard::start(const std::filesystem::path& program, int guardsEnd) {
+  Preparation preparation;
+  std::vector<std::string> words{program.string()};
+  for (const int descriptor : {guardsEnd, shared_.descriptor(), port_.descriptor()}) {
+    preparation.inherit(descriptor);
+    words.push_back(std::to_string(descriptor));
+  }
+  for (std::string& each : port_.guardArguments()) words.push_back(std::move(each));
+  const int problem = preparation.run(words, process_);
+  ::close(guardsEnd);
+  if (problem != 0) throwNoGuard(program, problem);
+}
+
+// Ready means: out of reach of what is sent to the program's process group.
+void Guard::awaitReady(const std::filesystem::path& program) {
+  const bool spoke = awaitWord(link_, kReadyLimit);
+  char word = 0;
+  if (spoke && ::read(link_, &word, 1) == 1 && word == kReadyWord) return;
+  kill(process_, SIGKILL);
+  awaitEnd(process_);
+  throwNoGuard(program, spoke ? "it ended at once" : "it was not ready within 2 s");
+}
+
+void Guard::dismiss() noexcept {
+  replaceLink(link_, -1);
+  // No SIGPIPE: the guard may have been ended by hand.
+  send(link_, &kGoodByeWord, 1, MSG_NOSIGNAL);
+  awaitEnd(process_);
 }
 
 Guard::~Guard() {
   replaceLink(link_, -1);
-  // No SIGPIPE: the guard may have been ended by hand.
-  send(link_, &kGoodBye, 1, MSG_NOSIGNAL);
-  awaitEnd(process_);
+  port_.setGuard(nullptr);
   ::close(link_);
 }
 
 void alarmGuards() noexcept {
   for (const std::atomic<int>& each : standingLinks) {
     const int link = each.load();
-    if (link >= 0) send(link, &kAlarm, 1, MSG_NOSIGNAL | MSG_DONTWAIT);
+    if (link >= 0) send(link, &kAlarmWord, 1, MSG_NOSIGNAL | MSG_DONTWAIT);
   }
 }
 

@@ -5,8 +5,6 @@
 #include <sys/ioctl.h>
 
 #include <cerrno>
-#include <cstring>
-#include <utility>
 
 namespace kestrel::ports {
 namespace {
@@ -48,71 +46,43 @@ PortProblem problemOfClaim(int errorNumber) {
 // Read and written for its lines, never as a file; a device that is no port must not wait either.
 constexpr int kOpenFlags = O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
+constexpr int kMostInterruptions = 1000;
+
 int openDevice(SystemCalls& calls, const std::string& path) {
-  for (;;) {
-    const int descriptor = calls.open(path.c_str(), kOpenFlags);
-    if (descriptor >= 0) return descriptor;
-    if (errno != EINTR) throw PortError(problemOfOpen(errno), path, errno);
+  int descriptor = -1;
+  for (int i = 0; i < kMostInterruptions && descriptor < 0; ++i) {
+    descriptor = calls.open(path.c_str(), kOpenFlags);
+    if (descriptor < 0 && errno != EINTR) break;
   }
+  if (descriptor < 0) throw PortError(problemOfOpen(errno), path, errno);
+  return descriptor;
 }
 
 }  // namespace
 
-ParportDevice::ParportDevice(SystemCalls& calls, std::string path, std::uint16_t base)
-    : RealPort(base),
-      calls_(calls),
-      path_(std::move(path)),
-      descriptor_(openDevice(calls, path_)) {}
+ParportDevice::ParportDevice(SystemCalls& calls, const std::string& path, std::uint16_t base)
+    : RealPortOver(base, path, PpdevLines(calls, openDevice(calls, path))), calls_(calls) {}
 
 ParportDevice::~ParportDevice() {
   giveBack();
   // Not repeated: Linux has closed the file also when it says EINTR.
-  calls_.close(descriptor_);
-}
-
-int ParportDevice::call(unsigned long request, void* argument) noexcept {
-  for (;;) {
-    const int result = calls_.ioctl(descriptor_, request, argument);
-    if (result >= 0 || errno != EINTR) return result;
-  }
-}
-
-bool ParportDevice::write(PortRegister target, std::uint8_t value) noexcept {
-  if (target == PortRegister::Data) return call(PPWDATA, &value) >= 0;
-  if (target != PortRegister::Control) return true;
-  value &= kControlLines;
-  return call(PPWCONTROL, &value) >= 0;
+  calls_.close(lines_.descriptor());
 }
 
 void ParportDevice::take() {
   for (const unsigned long request : {PPEXCL, PPCLAIM}) {
-    if (call(request, nullptr) < 0) throw PortError(problemOfClaim(errno), path_, errno);
+    if (lines_.call(request, nullptr) < 0) throw PortError(problemOfClaim(errno), name(), errno);
   }
   taken_ = true;
-  if (!switchOff()) throwGone();
+  begin();
 }
 
-void ParportDevice::giveBack() noexcept {
-  if (!taken_) return;
+bool ParportDevice::giveBack() noexcept {
+  if (!taken_) return true;
   taken_ = false;
-  switchOff();
-  call(PPRELEASE, nullptr);
-}
-
-void ParportDevice::throwGone() {
-  gone_ = true;
-  throw RuntimeError(kDeviceUnavailableError,
-                     "Device unavailable: " + path_ + " (" + std::strerror(errno) + ")");
-}
-
-void ParportDevice::PortOut(std::int16_t port, std::uint8_t value) {
-  if (!write(registerOf(port), value)) throwGone();
-}
-
-std::uint8_t ParportDevice::PortIn(std::int16_t port) {
-  std::uint8_t value = 0xFF;
-  if (registerOf(port) == PortRegister::Status && call(PPRSTATUS, &value) < 0) throwGone();
-  return value;
+  if (!switchOff()) return false;
+  lines_.call(PPRELEASE, nullptr);
+  return true;
 }
 
 }  // namespace kestrel::ports

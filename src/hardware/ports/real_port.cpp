@@ -1,8 +1,12 @@
 #include "hardware/ports/real_port.h"
 
+#include <pthread.h>
+
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <ctime>
 
 namespace kestrel::ports {
 namespace {
@@ -31,9 +35,59 @@ PortError::PortError(PortProblem problem, const std::string& device, int errorNu
       problem_(problem) {}
 
 bool RealPort::switchOff() noexcept {
-  bool written = true;
-  for (const PortWrite& each : kSafeOff) written = write(each.target, each.value) && written;
-  return written;
+  const bool isOff = switchOffWithin(kSwitchOffLimit, board());
+  if (isOff) noteVoltage(false);
+  switchOffFailed_ = !isOff;
+  return isOff;
+}
+
+void RealPort::begin() {
+  loss_ = switchOff() ? Loss::None : Loss::Port;
+  if (isGone()) throwGone();
+}
+
+void RealPort::setGuard(GuardMemory* memory) noexcept {
+  GuardMemory* const next = memory != nullptr ? memory : &ownMemory_;
+  next->isVoltageOn = memory_->isVoltageOn.load();
+  memory_ = next;
+  isGuarded_ = memory != nullptr;
+}
+
+// The guard holds this for as long as it lives. Without one the port is to be taken anew; the board
+// can still be put to rest.
+void RealPort::lookForGuard() {
+  if (pthread_mutex_trylock(&memory_->duty) == EBUSY) return;
+  isGuarded_ = false;
+  loss_ = Loss::Guard;
+  throw RuntimeError(kDeviceIoError, "The guard process of " + name_ +
+                                         " was ended. Press the hardware test to go on");
+}
+
+// Both would write at once if this did not wait for the guard's last try.
+void RealPort::throwStoodStill() {
+  constexpr std::timespec kPause{.tv_sec = 0, .tv_nsec = 1'000'000};
+  GuardAct act = memory_->act;
+  for (int i = 0; act == GuardAct::SwitchesOff && i < 3000; ++i) {
+    nanosleep(&kPause, nullptr);
+    act = memory_->act;
+  }
+  memory_->act.compare_exchange_strong(act, GuardAct::Watches);
+  switchOffFailed_ = act != GuardAct::SwitchedOff;
+  throw RuntimeError(kDeviceIoError,
+                     switchOffFailed_
+                         ? "The program stood still with a programming voltage on"
+                         : "The program stood still with a programming voltage on: switched off");
+}
+
+// Whoever hears of it may ask first and act later: the voltages do not wait for that.
+void RealPort::throwGone() {
+  const int reason = errno;
+  if (loss_ != Loss::Port) {
+    loss_ = Loss::Port;
+    switchOff();
+  }
+  throw RuntimeError(kDeviceUnavailableError,
+                     "Device unavailable: " + name_ + " (" + std::strerror(reason) + ")");
 }
 
 }  // namespace kestrel::ports

@@ -2,8 +2,12 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
+#include <vector>
 
-#include "hardware/ports/safe_off.h"
+#include "hardware/ports/guard_protocol.h"
+#include "hardware/ports/latch0_follower.h"
+#include "hardware/ports/port_lines.h"
 #include "platform/port_access.h"
 #include "platform/runtime_error.h"
 
@@ -36,38 +40,124 @@ class PortError : public RuntimeError {
 
 /// One parallel port of this machine behind one of the three bases. Made, it is open but not yet
 /// taken; its destructor gives it back. A read of what is no status register gives FFh.
+///
+/// Every access moves the counter that the port's guard looks at. It throws RuntimeError 57 when
+/// the guard has switched off meanwhile, because the program stood still with a voltage on, or when
+/// the guard is gone; and RuntimeError 68 when the access fails. Before an access that failed is
+/// reported, the voltages are switched off, if that can still be done.
 class RealPort : public PortAccess {
  public:
   /// Takes the port for this program alone and switches the board's voltages off before anything
-  /// else: the claim itself moves the control lines. Throws PortError.
+  /// else: the claim itself moves the control lines. Throws PortError, or RuntimeError 68.
   virtual void take() = 0;
 
-  /// Switches off and gives the port back. Without effect on a port that is not taken.
-  virtual void giveBack() noexcept = 0;
+  /// Switches off and gives the port back; true for a port that is not taken. When the voltages
+  /// cannot be switched off the port stays claimed, so that the guard can go on trying.
+  virtual bool giveBack() noexcept = 0;
 
-  /// Writes the sequence that loads 40h into latch 0 of a board of any model; false when a write
-  /// failed. Async-signal-safe: the guard process calls it, and so may a signal handler.
+  /// Takes every voltage off, trying for up to kSwitchOffLimit; false when it did not work.
   bool switchOff() noexcept;
 
-  /// The open file, or -1 for a port that has none.
+  /// The open file, for the guard to inherit.
   [[nodiscard]] virtual int descriptor() const noexcept = 0;
 
-  /// True after an access failed: the port is gone, or it belongs to another now.
-  [[nodiscard]] virtual bool isGone() const noexcept = 0;
+  /// What the guard is told of the port on its command line.
+  [[nodiscard]] virtual std::vector<std::string> guardArguments() const = 0;
+
+  /// True after an access failed, or the guard was ended: to be taken anew.
+  [[nodiscard]] bool isGone() const noexcept { return loss_ != Loss::None; }
+  [[nodiscard]] bool isGuardLost() const noexcept { return loss_ == Loss::Guard; }
+
+  /// True when a voltage was on and could not be switched off.
+  [[nodiscard]] bool mayVoltageBeOn() const noexcept {
+    return switchOffFailed_ && memory_->isVoltageOn;
+  }
+
+  /// From now on a guard looks on by this memory; with nullptr none does any more.
+  void setGuard(GuardMemory* memory) noexcept;
 
  protected:
-  explicit RealPort(std::uint16_t base) : base_(base) {}
+  RealPort(std::uint16_t base, std::string name) : base_(base), name_(std::move(name)) {}
 
-  /// Writes a register; true for one that cannot be written. Async-signal-safe.
-  virtual bool write(PortRegister target, std::uint8_t value) noexcept = 0;
+  /// What switches off the board behind this port.
+  [[nodiscard]] virtual SwitchOff& board() noexcept = 0;
+
+  /// After the claim: switches off, and begins with a clean slate. Throws RuntimeError 68.
+  void begin();
+
+  [[nodiscard]] const std::string& name() const { return name_; }
 
   [[nodiscard]] PortRegister registerOf(std::int16_t port) const {
     const unsigned offset = static_cast<unsigned>(static_cast<std::uint16_t>(port)) - base_;
     return offset < 3 ? static_cast<PortRegister>(offset) : PortRegister::None;
   }
 
+  /// Before each access. The counter has one writer, so it needs no locked instruction.
+  void countAccess() {
+    constexpr std::uint32_t kAccessesBetweenLooks = 256;  // a look takes 20 ns
+    const std::uint32_t count = memory_->accesses.load(std::memory_order_relaxed) + 1;
+    memory_->accesses.store(count, std::memory_order_relaxed);
+    if (memory_->act.load(std::memory_order_relaxed) != GuardAct::Watches) throwStoodStill();
+    if (count % kAccessesBetweenLooks == 0 && isGuarded_) lookForGuard();
+  }
+
+  /// Before and after each write: a voltage counts as on from before it goes on until after it
+  /// went off.
+  [[nodiscard]] Latch0Follower::Load beforeWrite(PortRegister target, std::uint8_t value) {
+    const Latch0Follower::Load load = latch0_.follow(target, value);
+    if (load == Latch0Follower::Load::WithVoltage) noteVoltage(true);
+    return load;
+  }
+  void afterWrite(Latch0Follower::Load load) {
+    if (load == Latch0Follower::Load::WithoutVoltage) noteVoltage(false);
+  }
+
+  /// After an access that failed; errno tells why.
+  [[noreturn]] void throwGone();
+
  private:
+  enum class Loss : std::uint8_t { None, Port, Guard };
+
+  void noteVoltage(bool isOn) { memory_->isVoltageOn.store(isOn, std::memory_order_relaxed); }
+  void lookForGuard();
+  [[noreturn]] void throwStoodStill();
+
+  GuardMemory* memory_ = &ownMemory_;
+  Latch0Follower latch0_;
   std::uint16_t base_;
+  Loss loss_ = Loss::None;
+  bool isGuarded_ = false;
+  bool switchOffFailed_ = false;
+  std::string name_;
+  GuardMemory ownMemory_;  // while there is no guard
+};
+
+/// The port over lines of a kind: the calls between them are direct, as there are millions.
+template <typename Lines>
+class RealPortOver : public RealPort {
+ public:
+  void PortOut(std::int16_t port, std::uint8_t value) final {
+    countAccess();
+    const PortRegister target = registerOf(port);
+    const Latch0Follower::Load load = beforeWrite(target, value);
+    if (!lines_.write(target, value)) throwGone();
+    afterWrite(load);
+  }
+
+  [[nodiscard]] std::uint8_t PortIn(std::int16_t port) final {
+    countAccess();
+    std::uint8_t value = 0xFF;
+    if (registerOf(port) == PortRegister::Status && !lines_.readStatus(value)) throwGone();
+    return value;
+  }
+
+ protected:
+  RealPortOver(std::uint16_t base, std::string name, Lines lines)
+      : RealPort(base, std::move(name)), lines_(lines) {}
+
+  [[nodiscard]] SwitchOff& board() noexcept override { return lines_; }
+
+  Lines lines_;
 };
 
 }  // namespace kestrel::ports

@@ -60,8 +60,9 @@ void RealPorts::take(Slot& slot, const std::vector<ListedPort>& listed) {
   try {
     slot.problem.reset();
     slot.port = open(slot, listed);
-    slot.guard = std::make_unique<Guard>(*slot.port);
+    slot.guard = std::make_unique<Guard>(*slot.port, options_.guard);
     slot.port->take();
+    slot.mayVoltageBeOn = false;
     filter_.connect(slot.base, *slot.port);
     return;
   } catch (const PortError& error) {
@@ -74,11 +75,16 @@ void RealPorts::take(Slot& slot, const std::vector<ListedPort>& listed) {
   giveBack(slot);
 }
 
-// The guard takes its leave only when the board is switched off and the port given back, and is
-// gone before the file is closed: then the port is free for the next program.
+// The guard is dismissed only when the board is switched off and the port given back, and is gone
+// before the file is closed: then the port is free for the next program. Else it is left to go on
+// trying.
 void RealPorts::giveBack(Slot& slot) {
   filter_.disconnect(slot.base);
-  if (slot.port) slot.port->giveBack();
+  if (slot.port) {
+    const bool isOff = slot.port->giveBack();
+    slot.mayVoltageBeOn = slot.port->mayVoltageBeOn();
+    if (isOff && slot.guard) slot.guard->dismiss();
+  }
   slot.guard.reset();
   slot.port.reset();
 }
@@ -101,6 +107,18 @@ std::vector<std::uint16_t> RealPorts::taken() const {
   return bases;
 }
 
+bool RealPorts::holds(std::uint16_t base) const {
+  return std::any_of(slots_.begin(), slots_.end(), [base](const Slot& each) {
+    return each.base == base && each.port && !each.port->isGone();
+  });
+}
+
+bool RealPorts::mayVoltageBeOn() const {
+  return std::any_of(slots_.begin(), slots_.end(), [](const Slot& each) {
+    return each.port ? each.port->mayVoltageBeOn() : each.mayVoltageBeOn;
+  });
+}
+
 bool RealPorts::switchOff() noexcept {
   bool any = false;
   bool all = true;
@@ -121,7 +139,10 @@ PortFinding RealPorts::findingOf(const Slot& slot) const {
                       .holder = {}};
   if (slot.port && slot.port->isGone()) {
     finding.problem = PortProblem::Other;
-    finding.reason = "the port has vanished. Cure: plug it in again and press the hardware test";
+    finding.reason =
+        slot.port->isGuardLost()
+            ? "its guard process was ended. Cure: press the hardware test"
+            : "the port has vanished. Cure: plug it in again and press the hardware test";
   }
   if (finding.problem == PortProblem::Taken && !slot.isDirect) {
     finding.holder = holderOf(options_.root, slot.device);

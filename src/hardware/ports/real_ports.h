@@ -20,6 +20,7 @@ struct PortOptions {
   std::vector<PortChoice> choices;                 // --port; the last one of a base counts
   std::filesystem::path root = "/";                // where the kernel's folders are
   std::filesystem::path lockFolder = "/run/lock";  // for direct access
+  std::filesystem::path guard = guardProgram();
 };
 
 /// The parallel ports of this machine, each taken for this program alone, with its voltages
@@ -40,11 +41,17 @@ class RealPorts {
   /// The bases behind which a port works.
   [[nodiscard]] std::vector<std::uint16_t> taken() const;
 
+  /// Whether a port works behind this base.
+  [[nodiscard]] bool holds(std::uint16_t base) const;
+
+  /// True when a programming voltage was on and could not be switched off.
+  [[nodiscard]] bool mayVoltageBeOn() const;
+
   /// Tries once more what could not be taken, and takes anew what has vanished: before a hardware
   /// test, so that a port that was plugged in or freed meanwhile is found.
   void takeMissing();
 
-  /// Writes the switch-off sequence to every port by hand; true if there was one and all took it.
+  /// Switches every port off by hand; true if there was one and it worked on all.
   bool switchOff() noexcept;
 
   /// What was found and what helps, a line a matter, for when no board answers.
@@ -60,6 +67,7 @@ class RealPorts {
     std::unique_ptr<Guard> guard;
     std::optional<PortProblem> problem;
     std::string reason;
+    bool mayVoltageBeOn = false;  // as it was left behind by a port that is gone
   };
 
   void find(Slot& slot, const std::vector<ListedPort>& listed) const;

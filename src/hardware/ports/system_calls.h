@@ -15,7 +15,7 @@ class SystemCalls {
   virtual int close(int descriptor) noexcept = 0;
 
   /// Asks for, or gives back, the permission to reach I/O ports directly. It is the calling
-  /// thread's, and inherited by the processes that it forks.
+  /// thread's, and inherited by the processes that it starts.
   virtual int ioperm(unsigned long first, unsigned long count, bool permit) noexcept = 0;
 
   /// Direct access; without permission the processor stops the program.
