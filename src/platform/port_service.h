@@ -12,12 +12,20 @@ class PortService {
   virtual ~PortService() = default;
 
   /// Around a device operation, never across a question: this thread before all ordinary programs
-  /// and its memory kept from being paged out, where the user may.
+  /// and its memory kept from being paged out, where the user may. An operation within another
+  /// changes nothing: the outermost pair counts.
   virtual void beginOperation() {}
   virtual void endOperation() {}
 
   /// Before a hardware test: tries again to take a port that was missing, busy or has vanished.
   virtual void takeMissing() {}
+
+  /// Whether the program holds a port behind this base, so that an access reaches one.
+  [[nodiscard]] virtual bool holdsPort(std::int16_t /*base*/) const { return true; }
+
+  /// True when a programming voltage was on and could not be switched off, so that only the board's
+  /// supply is left to be taken away.
+  [[nodiscard]] virtual bool mayVoltageBeOn() const { return false; }
 
   /// Why no board may have answered, and what cures it: one line for each port or driver concerned.
   [[nodiscard]] virtual std::vector<std::string> diagnosis() const { return {}; }

@@ -24,7 +24,6 @@ MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaul
       simulatedPort_(simulatedPort(simulated_.get(), options)),
       monotonic_(options.countNs, &stop) {
   if (simulatedPort_) return;
-  ports::lockMemory();
   ports::PortOptions portOptions;
   portOptions.choices = options.ports;
   realPorts_ = ports::openRealPorts(calls_, std::move(portOptions));
@@ -41,8 +40,18 @@ Waits& MachinePorts::waits() {
 }
 
 void MachinePorts::beginOperation() {
-  if (realPorts_) priority_.emplace();
+  if (operations_++ == 0 && realPorts_) realTime_.emplace();
 }
+
+void MachinePorts::endOperation() {
+  if (--operations_ == 0) realTime_.reset();
+}
+
+bool MachinePorts::holdsPort(std::int16_t base) const {
+  return !realPorts_ || realPorts_->holds(static_cast<std::uint16_t>(base));
+}
+
+bool MachinePorts::mayVoltageBeOn() const { return realPorts_ && realPorts_->mayVoltageBeOn(); }
 
 void MachinePorts::takeMissing() {
   if (realPorts_) realPorts_->takeMissing();

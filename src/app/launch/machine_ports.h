@@ -34,8 +34,10 @@ class MachinePorts final : public PortService {
 
   // The service of real ports; with the simulated board there is nothing to do.
   void beginOperation() override;
-  void endOperation() override { priority_.reset(); }
+  void endOperation() override;
   void takeMissing() override;
+  [[nodiscard]] bool holdsPort(std::int16_t base) const override;
+  [[nodiscard]] bool mayVoltageBeOn() const override;
   [[nodiscard]] std::vector<std::string> diagnosis() const override;
   [[nodiscard]] std::uint64_t takeStretchedPulses() override;
 
@@ -45,7 +47,8 @@ class MachinePorts final : public PortService {
   ports::LinuxCalls calls_;
   std::unique_ptr<ports::RealPorts> realPorts_;
   ports::MonotonicClock monotonic_;
-  std::optional<ports::RealTimePriority> priority_;
+  int operations_ = 0;  // that run, one within another
+  std::optional<ports::RealTime> realTime_;
 };
 
 }  // namespace kestrel::launch

@@ -8,11 +8,13 @@ namespace kestrel::ports {
 
 // With a limit, locking what is yet to come would make a later allocation fail: then only what is
 // there now is locked, if the limit allows that much.
-void lockMemory() noexcept {
+LockedMemory::LockedMemory() noexcept {
   rlimit limit{};
   const bool unlimited = getrlimit(RLIMIT_MEMLOCK, &limit) == 0 && limit.rlim_cur == RLIM_INFINITY;
   mlockall(unlimited ? MCL_CURRENT | MCL_FUTURE | MCL_ONFAULT : MCL_CURRENT | MCL_ONFAULT);
 }
+
+LockedMemory::~LockedMemory() { munlockall(); }
 
 // The lowest real-time priority: above every ordinary program, below the kernel's own threads.
 RealTimePriority::RealTimePriority() noexcept {

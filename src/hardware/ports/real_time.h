@@ -2,12 +2,19 @@
 
 namespace kestrel::ports {
 
-/// Keeps the program's memory from being paged out, where the user may: a page fault inside a
-/// pulse stretches it by the time of a disk. Without permission nothing happens.
-void lockMemory() noexcept;
+/// As long as this lives, the program's memory is not paged out, where the user may: a page fault
+/// inside a pulse stretches it by the time of a disk. Without permission nothing happens. To be
+/// held for the length of a command.
+class LockedMemory {
+ public:
+  LockedMemory() noexcept;
+  ~LockedMemory();
+  LockedMemory(const LockedMemory&) = delete;
+  LockedMemory& operator=(const LockedMemory&) = delete;
+};
 
 /// As long as this lives, the calling thread runs before all ordinary programs, where the user
-/// may; without permission nothing happens. Processes forked meanwhile do not inherit it. To be
+/// may; without permission nothing happens. Processes started meanwhile do not inherit it. To be
 /// held for the length of a command, on one thread.
 class RealTimePriority {
  public:
@@ -22,6 +29,12 @@ class RealTimePriority {
   int policyBefore_ = 0;
   int priorityBefore_ = 0;
   bool granted_ = false;
+};
+
+/// Both together: what a device operation runs under.
+struct RealTime {
+  LockedMemory memory;
+  RealTimePriority priority;
 };
 
 }  // namespace kestrel::ports
