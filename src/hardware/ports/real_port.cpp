@@ -42,8 +42,8 @@ bool RealPort::switchOff() noexcept {
 }
 
 void RealPort::begin() {
-  loss_ = Loss::None;
-  if (!switchOff()) throwGone();
+  loss_ = switchOff() ? Loss::None : Loss::Port;
+  if (isGone()) throwGone();
 }
 
 void RealPort::setGuard(GuardMemory* memory) noexcept {
