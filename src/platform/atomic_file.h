@@ -12,7 +12,7 @@
 namespace kestrel {
 
 /// Reads a whole regular file (or pipe, or device that ends). While a pipe keeps it waiting, a
-/// thrown switch ends it by OperationStopped.
+/// thrown switch ends it by OperationStopped, and where none is given any signal by FileError.
 /// Throws FileError when it cannot be opened or read, is a folder, or holds more than `maxBytes`.
 [[nodiscard]] std::vector<std::uint8_t> readWholeFile(const std::filesystem::path& path,
                                                       std::size_t maxBytes,

@@ -82,7 +82,12 @@ void FileTarget::commit(std::span<const std::uint8_t> bytes, const StopSwitch* s
   if (error != 0) fail(error);
 }
 
-void FileTarget::fail(int error) const { throw FileError("write", path_.string(), error); }
+// A name that leads nowhere or to a folder is told as it was given; of any other the folder may be
+// the reason.
+void FileTarget::fail(int error) const {
+  const bool isAsGiven = error == ENOENT || error == EISDIR;
+  throw FileError("write", (isAsGiven ? path_ : fullName(path_)).string(), error);
+}
 
 FileTarget::Status FileTarget::status() const {
   struct stat found {};

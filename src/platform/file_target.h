@@ -30,7 +30,7 @@ class FileTarget {
   explicit FileTarget(std::filesystem::path path);
 
   /// Throws FileError, and OperationStopped where a pipe or a device keeps it waiting and the
-  /// switch is thrown.
+  /// switch is thrown (without a switch any signal ends that wait by FileError).
   void commit(std::span<const std::uint8_t> bytes, const StopSwitch* stop = nullptr);
 
  private:

@@ -11,7 +11,7 @@
 namespace kestrel {
 namespace {
 
-// A signal cuts a wait short; the step is for a stop that comes from another thread.
+// A signal cuts a step short; its length is for a stop that comes from another thread.
 constexpr int kStepMs = 50;
 
 void endIfStopped(const StopSwitch* stop) {
@@ -23,32 +23,36 @@ bool isPipe(const std::filesystem::path& path) {
   return ::stat(path.c_str(), &status) == 0 && S_ISFIFO(status.st_mode);
 }
 
+/// Waits for one step. False when a signal has come and there is no switch that tells its meaning.
+bool mayGoOn(pollfd* waited, const StopSwitch* stop) {
+  endIfStopped(stop);
+  const int ready = ::poll(waited, waited == nullptr ? 0 : 1, kStepMs);
+  return ready >= 0 || errno != EINTR || stop != nullptr;
+}
+
 Descriptor openPolled(const std::filesystem::path& path, int access, const StopSwitch* stop) {
   for (;;) {
-    endIfStopped(stop);
     const int number = ::open(path.c_str(), access | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
     if (number >= 0) return Descriptor(number);
     // A pipe has no reader yet (ENXIO), or a file server has yet to give its lease back (EAGAIN).
     const int error = errno;
-    const bool comes = error == EINTR || error == EAGAIN || (error == ENXIO && isPipe(path));
-    if (!comes) {
-      errno = error;
-      return Descriptor();
-    }
-    ::poll(nullptr, 0, kStepMs);
+    const bool comes = error == EAGAIN || (error == ENXIO && isPipe(path));
+    errno = error;
+    if (!comes || !mayGoOn(nullptr, stop)) return Descriptor();
   }
 }
 
-/// Returns when the file is ready, or has an end or an error to tell.
-void waitFor(const Descriptor& file, short event, const StopSwitch* stop) {
-  for (;;) {
-    endIfStopped(stop);
-    pollfd waited{.fd = file.number(), .events = event, .revents = 0};
-    if (::poll(&waited, 1, kStepMs) > 0) return;
-  }
-}
+/// After a read or a write: the file was not ready after all, or a network disk was interrupted.
+bool isToBeTriedAgain() { return errno == EAGAIN || errno == EINTR; }
 
-bool isToBeTriedAgain(int error) { return error == EINTR || error == EAGAIN; }
+/// True when the file is ready, or has an end or an error to tell.
+bool isReady(const Descriptor& file, short event, const StopSwitch* stop) {
+  pollfd waited{.fd = file.number(), .events = event, .revents = 0};
+  while (waited.revents == 0) {
+    if (!mayGoOn(&waited, stop)) return false;
+  }
+  return true;
+}
 
 }  // namespace
 
@@ -61,18 +65,18 @@ Descriptor openToWrite(const std::filesystem::path& path, const StopSwitch* stop
 }
 
 ssize_t readSome(const Descriptor& file, std::span<std::uint8_t> bytes, const StopSwitch* stop) {
-  for (;;) {
-    waitFor(file, POLLIN, stop);
+  while (isReady(file, POLLIN, stop)) {
     const ssize_t count = ::read(file.number(), bytes.data(), bytes.size());
-    if (count >= 0 || !isToBeTriedAgain(errno)) return count;
+    if (count >= 0 || !isToBeTriedAgain()) return count;
   }
+  return -1;
 }
 
 int writeAll(const Descriptor& file, std::span<const std::uint8_t> bytes, const StopSwitch* stop) {
   while (!bytes.empty()) {
-    waitFor(file, POLLOUT, stop);
+    if (!isReady(file, POLLOUT, stop)) return EINTR;
     const ssize_t written = ::write(file.number(), bytes.data(), bytes.size());
-    if (written < 0 && !isToBeTriedAgain(errno)) return errno;
+    if (written < 0 && !isToBeTriedAgain()) return errno;
     if (written > 0) bytes = bytes.subspan(static_cast<std::size_t>(written));
   }
   return 0;

@@ -11,7 +11,7 @@ namespace kestrel {
 
 // Opening, reading and writing that never sleep for good: a pipe without its other end and a slow
 // device are waited for in short steps, and a thrown stop switch ends the wait by OperationStopped.
-// `stop` may be nullptr: then nothing ends it. Each returns as the system call does, with errno.
+// `stop` may be nullptr: then a signal ends it, with EINTR. Each returns as the system call does.
 
 /// For reading. A pipe is open at once; its writer is waited for by readSome().
 [[nodiscard]] Descriptor openToRead(const std::filesystem::path& path, const StopSwitch* stop);

@@ -6,6 +6,7 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -229,6 +230,14 @@ TEST(AtomicFile, aPipeIsWaitedForUntilTheStop) {
   EXPECT_TRUE(isStopped(write));
   const int idleEnd = ::open(pipe.c_str(), O_RDWR | O_CLOEXEC);
   EXPECT_TRUE(isStopped(read));
+  EXPECT_TRUE(holdsInChild([&] {  // without a switch, as Ctrl-C comes
+    struct sigaction action {};
+    action.sa_handler = [](int) {};
+    ::sigaction(SIGALRM, &action, nullptr);
+    constexpr itimerval kEvery20Ms{.it_interval = {0, 20'000}, .it_value = {0, 20'000}};
+    ::setitimer(ITIMER_REAL, &kEvery20Ms, nullptr);
+    return failureOf([&] { (void)readWholeFile(pipe, 10); }).ends_with("Interrupted system call");
+  }));
   EXPECT_TRUE(isStopped(write));
   ::close(idleEnd);
   const std::jthread writer([&] { writeFileAtomically(pipe, bytes); });
