@@ -5,6 +5,7 @@ build_packages="g++ cmake ninja-build libcli11-dev"
 window_packages="qt6-base-dev qt6-multimedia-dev libqt6svg6 libgl-dev fonts-dejavu-core"
 test_packages="libgtest-dev libgmock-dev python3 clang"
 measure_packages="libbenchmark-dev"
+link_packages="gcc-avr avr-libc libsimavr-dev"
 
 # install_missing NAME... : apt-get install of those that are not there yet.
 install_missing() {
