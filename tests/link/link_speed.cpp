@@ -30,10 +30,10 @@ std::uint8_t middleLatch(unsigned address) {
 
 void readChip(unsigned latencyUs) {
   AdapterRig rig(sim::Model::kestrel5, latencyUs * EmulatedAdapter::kCyclesPerUs);
+  rig.connect();  // the board starts with all voltages on: no chip before they are off
   const auto contents = someContents();
   rig.board.insert(sim::makeChip("27C256"));
   rig.board.loadChip(contents);
-  rig.connect();
   const auto start = rig.adapter.now();
   rig.load(3, 0x46);
   rig.load(0, 0x00);
