@@ -89,6 +89,7 @@ class EmulatedAdapter {
   std::array<bool, 26> connector_{};  // level of each DB-25 pin
   int shownData_ = -1;
   int shownControl_ = -1;
+  int shownStatus_ = -1;
   std::deque<Incoming> incoming_;
   Cycles lineFreeAt_ = 0;
   Cycles answerFreeAt_ = 0;

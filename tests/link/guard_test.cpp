@@ -28,7 +28,7 @@ constexpr std::size_t kDamagedBlockBytes = 9;
 /// How many random moments a case tries; KESTREL_LINK_MOMENTS=100 for the long run.
 int moments() {
   const char* const asked = std::getenv("KESTREL_LINK_MOMENTS");
-  return asked != nullptr ? std::atoi(asked) : 12;
+  return asked != nullptr ? std::atoi(asked) : 6;
 }
 
 /// Runs until no voltage is on; the milliseconds that took, or a thousand.
@@ -39,8 +39,8 @@ double msUntilOff(AdapterRig& rig) {
   return passed();
 }
 
-/// A 50 ms pulse, with all voltages on, that the adapter is somewhere in the middle of: its block
-/// may still be on the line. At most 30 blocks are waited for, which no program does.
+/// A 50 ms pulse with all voltages on, left at a random moment: its block may still be on the line,
+/// the pulse may be running or over.
 void startPulse(AdapterRig& rig, std::mt19937& random) {
   rig.switchVoltagesOn();
   rig.load(3, 0x46);
