@@ -6,6 +6,7 @@ window_packages="qt6-base-dev qt6-multimedia-dev libqt6svg6 libgl-dev fonts-deja
 test_packages="libgtest-dev libgmock-dev python3 clang"
 lint_packages="clang-format clang-tidy python3"
 measure_packages="libbenchmark-dev"
+link_packages="gcc-avr avr-libc libsimavr-dev"
 
 # install_missing NAME... : apt-get install of those that are not there yet.
 install_missing() {

@@ -1,0 +1,185 @@
+#include "link/connection.h"
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <deque>
+#include <functional>
+#include <vector>
+
+#include "link/link_error.h"
+
+namespace kestrel::link {
+namespace {
+
+using testing::ElementsAre;
+using Bytes = std::vector<std::uint8_t>;
+
+/// A line whose other end is a script: answers that come one after the other, each to be asked for
+/// by a read. Time passes by the limits of the reads that find nothing.
+class ScriptedLine final : public ByteLine {
+ public:
+  void answer(AnswerKind kind, unsigned sequence, const Bytes& contents) {
+    // An answer and a block differ in nothing but their kinds.
+    coming_.push_back(frameBlock(static_cast<BlockKind>(kind), sequence, contents));
+  }
+  void welcome(unsigned sequence, std::uint8_t version = 1) {
+    answer(AnswerKind::Welcome, sequence, {version, 100, 0, 20, 4, 'L', 'I', 'N', 'K'});
+  }
+  void noise(const Bytes& bytes) { coming_.push_back(bytes); }
+
+  void write(std::span<const std::uint8_t> bytes) override {
+    writes.emplace_back(bytes.begin(), bytes.end());
+  }
+  std::size_t read(std::span<std::uint8_t> bytes, std::chrono::milliseconds limit) override {
+    if (coming_.empty()) {
+      passed += limit;
+      return 0;
+    }
+    const Bytes next = coming_.front();
+    coming_.pop_front();
+    std::copy(next.begin(), next.end(), bytes.begin());
+    ++reads;
+    return next.size();
+  }
+  void writeUrgently(std::uint8_t value) noexcept override { writes.push_back({value}); }
+  [[nodiscard]] const std::string& name() const override { return name_; }
+
+  std::vector<Bytes> writes;
+  int reads = 0;
+  std::chrono::milliseconds passed{0};
+
+ private:
+  std::deque<Bytes> coming_;
+  std::string name_ = "/dev/ttyTEST";
+};
+
+LinkProblem problemOf(const std::function<void()>& action) {
+  try {
+    action();
+  } catch (const LinkError& error) {
+    return error.problem();
+  }
+  ADD_FAILURE() << "no LinkError";
+  return {};
+}
+
+struct Connected : testing::Test {
+  Connected() {
+    line.welcome(0);
+    connection.connect();
+    line.writes.clear();
+  }
+  ScriptedLine line;
+  LinkConnection connection{line};
+};
+
+TEST(Connect, takesWhatTheWelcomeTells) {
+  ScriptedLine line;
+  line.answer(AnswerKind::Trouble, 9, {1});  // of the reset that opening the line has caused
+  line.welcome(0);
+  LinkConnection connection(line);
+  connection.connect();
+  EXPECT_EQ(connection.adapter().name, "LINK");
+  EXPECT_EQ(connection.adapter().blockBytes, 100U);
+  EXPECT_EQ(connection.adapter().windowBytes, 20U);
+  EXPECT_EQ(connection.adapter().mostReads, 4U);
+}
+
+TEST(Connect, tellsWhyItFailed) {
+  ScriptedLine silent;
+  EXPECT_EQ(problemOf([&] { LinkConnection(silent).connect(); }), LinkProblem::NoAnswer);
+  EXPECT_GE(silent.passed.count(), 2500);  // longer than a boot loader takes
+  ScriptedLine modem;
+  modem.noise({'A', 'T', '\r', '\n', 'O', 'K'});
+  EXPECT_EQ(problemOf([&] { LinkConnection(modem).connect(); }), LinkProblem::NotAnAdapter);
+  ScriptedLine newer;
+  newer.welcome(0, 2);
+  EXPECT_EQ(problemOf([&] { LinkConnection(newer).connect(); }), LinkProblem::OtherVersion);
+}
+
+TEST_F(Connected, sendsNothingUntilAStatusIsAskedFor) {
+  connection.writeData(0x5A);
+  connection.writeControl(0xC5);  // the adapter has no lines for bits 4 to 7
+  EXPECT_TRUE(line.writes.empty());
+  line.answer(AnswerKind::Done, 1, {0x38});
+  EXPECT_EQ(connection.readStatus(), 0x38);
+  ASSERT_EQ(line.writes.size(), 1U);
+  EXPECT_THAT(Bytes(line.writes[0].begin() + 1, line.writes[0].end() - 2),
+              ElementsAre(0x01, 3, 0x40, 0x5A, 0x15));
+}
+
+TEST_F(Connected, readsSeveralInOneRoundTripInAnyOrder) {
+  connection.writeControl(5);
+  const auto low = connection.askStatus();
+  connection.writeControl(1);
+  const auto high = connection.askStatus();
+  line.answer(AnswerKind::Done, 1, {0x11, 0x22});
+  EXPECT_EQ(connection.statusOf(high), 0x22);
+  EXPECT_EQ(connection.statusOf(low), 0x11);
+  EXPECT_EQ(line.writes.size(), 1U);
+}
+
+// 20 bytes may follow an unanswered block: the second block of 11 has room behind the first, the
+// third must wait for an answer.
+TEST_F(Connected, keepsToTheCredit) {
+  const auto sendEleven = [this] {
+    for (unsigned i = 0; i < 3; ++i) connection.writeData(static_cast<std::uint8_t>(i));
+    connection.flush();
+  };
+  sendEleven();
+  sendEleven();
+  EXPECT_EQ(line.reads, 1);  // the welcome
+  line.answer(AnswerKind::Done, 1, {});
+  sendEleven();
+  EXPECT_EQ(line.reads, 2);
+  EXPECT_EQ(line.writes.size(), 3U);
+}
+
+TEST_F(Connected, splitsWhatDoesNotFitIntoABlock) {
+  for (unsigned i = 0; i < 60; ++i) connection.writeData(static_cast<std::uint8_t>(i & 0x0FU));
+  ASSERT_EQ(line.writes.size(), 1U);
+  EXPECT_LE(line.writes[0].size(), 100U + 5U);
+  line.answer(AnswerKind::Done, 1, {});
+  for (int i = 0; i < 4; ++i) static_cast<void>(connection.askStatus());
+  EXPECT_EQ(line.writes.size(), 1U);
+  static_cast<void>(connection.askStatus());  // four reads are the most of one block
+  EXPECT_EQ(line.writes.size(), 2U);
+}
+
+TEST_F(Connected, livesOnWhileALongWaitLasts) {
+  connection.waitCounts(50 * 40'000);
+  EXPECT_EQ(problemOf([&] { connection.finish(); }), LinkProblem::NoAnswer);
+  EXPECT_THAT(line.writes.back(), ElementsAre(0x7F));
+  EXPECT_GE(line.writes.size(), 10U);
+}
+
+TEST_F(Connected, endsWithTheCauseThatTheAdapterTells) {
+  connection.writeData(1);
+  line.answer(AnswerKind::Trouble, 1, {4});
+  try {
+    static_cast<void>(connection.readStatus());
+    FAIL();
+  } catch (const LinkError& error) {
+    EXPECT_EQ(error.problem(), LinkProblem::SwitchedOff);
+    EXPECT_EQ(error.cause(), SwitchOffCause::Silent);
+  }
+  connection.writeData(1);
+  EXPECT_THROW(connection.flush(), LinkError);  // until the next connect
+}
+
+TEST_F(Connected, takesNoAnswerToAnotherBlock) {
+  line.answer(AnswerKind::Done, 2, {0x38});
+  EXPECT_EQ(problemOf([&] { static_cast<void>(connection.readStatus()); }), LinkProblem::NoAnswer);
+}
+
+TEST_F(Connected, saysGoodbye) {
+  line.answer(AnswerKind::Done, 1, {});
+  connection.goodbye();
+  ASSERT_EQ(line.writes.size(), 1U);
+  EXPECT_EQ(line.writes[0].at(1), 0x81);
+  EXPECT_EQ(line.writes[0].at(2), 0);
+}
+
+}  // namespace
+}  // namespace kestrel::link

@@ -1,0 +1,104 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <filesystem>
+#include <functional>
+#include <utility>
+
+#include "simulator/bench.h"
+
+struct avr_t;
+struct avr_irq_t;
+struct avr_uart_t;
+
+namespace kestrel::test {
+
+/// The adapter as hardware: its program as it is flashed (Intel hex) in an emulated ATmega328P at
+/// 16 MHz, the pins wired to the connector of the board at 378h of a bench.
+///
+/// The time of the bench is the time of the processor; nothing else moves it. While the processor
+/// is reset its pins float: the control lines are then held by the resistors of the wiring at the
+/// code that opens no latch, and the data lines float high.
+class EmulatedAdapter {
+ public:
+  using Cycles = std::uint64_t;
+  static constexpr Cycles kCyclesPerUs = 16;
+  static constexpr Cycles kCyclesPerMs = 16'000;
+  static constexpr Cycles kCyclesPerByte = 160;  // 10 bits at 1 Mbaud
+
+  /// The bench outlives the adapter and has a board at 378h.
+  EmulatedAdapter(const std::filesystem::path& program, sim::Bench& bench);
+  ~EmulatedAdapter();
+  EmulatedAdapter(const EmulatedAdapter&) = delete;
+  EmulatedAdapter& operator=(const EmulatedAdapter&) = delete;
+
+  [[nodiscard]] Cycles now() const;
+
+  /// Runs until a moment; instructions and sleeps are not cut, so it may be a little later.
+  void runUntil(Cycles moment);
+  void runFor(Cycles duration) { runUntil(now() + duration); }
+
+  /// One byte of the program's, that starts on the line at a moment or as soon as the line is free.
+  void send(std::uint8_t value, Cycles notBefore);
+
+  /// Called with each byte of the adapter's and the moment of its stop bit.
+  void onByte(std::function<void(std::uint8_t, Cycles)> callback) {
+    byteSent_ = std::move(callback);
+  }
+
+  /// Called after each change of a line of the connector.
+  void onChange(std::function<void()> callback) { changed_ = std::move(callback); }
+
+  /// The reset button.
+  void reset();
+
+  /// The line is cut in both directions.
+  void pullLine();
+
+  /// The processor runs into an endless loop where it is, until its watchdog resets it.
+  void hang();
+
+ private:
+  struct Incoming {
+    std::uint8_t value;
+    Cycles startsAt;
+  };
+
+  static std::uint64_t deliver(avr_t* processor, std::uint64_t when, void* self);
+  static std::uint64_t refresh(avr_t* processor, std::uint64_t when, void* self);
+  static std::uint64_t wakeUp(avr_t* processor, std::uint64_t when, void* self);
+  void wireOutputs();
+  void takeByte(std::uint8_t value);
+  void letTimePass();
+  void driveBoard();
+  void driveStatus();
+  void endHang();
+  [[nodiscard]] std::uint16_t patchProgram(std::uint32_t place, std::uint16_t instruction);
+  [[nodiscard]] bool pin(std::size_t db25) const { return connector_.at(db25); }
+  [[nodiscard]] std::uint8_t dataRegister() const;
+  [[nodiscard]] std::uint8_t controlRegister() const;
+
+  sim::Bench& bench_;
+  sim::Board& board_;
+  avr_t* processor_ = nullptr;
+  avr_uart_t* uart_ = nullptr;
+  std::array<avr_irq_t*, 8> portCPins_{};
+  std::array<bool, 26> connector_{};  // level of each DB-25 pin
+  int shownData_ = -1;
+  int shownControl_ = -1;
+  int shownStatus_ = -1;
+  std::deque<Incoming> incoming_;
+  Cycles lineFreeAt_ = 0;
+  Cycles answerFreeAt_ = 0;
+  bool isLinePulled_ = false;
+  std::uint32_t hungAt_ = 0;
+  std::uint16_t hungInstruction_ = 0;
+  bool isHung_ = false;
+  std::function<void(std::uint8_t, Cycles)> byteSent_;
+  std::function<void()> changed_;
+};
+
+}  // namespace kestrel::test
