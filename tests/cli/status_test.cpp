@@ -25,7 +25,10 @@ const Ending kAtOnce[] = {
     {"save-setup 1 'a\nsFILE = b'", 2, "one line"},
     {"read --model 6", 2, "add --simulate"},
     {"read --simulate --lpt 378 --lpt 278", 2, "--lpt is given twice"},
-    {"read --vpp 21", 2, "--vpp is for the commands program and save-setup; leave it out"},
+    {"safe --vpp 21", 2,
+     "--vpp is for the commands detect, read, blank, verify, program, erase, display and "
+     "save-setup; "
+     "leave it out"},
     {"display --show", 2, "--show is for the command read; leave it out"},
     {"devices -d 24c16", 0,
      "Eeprom 24C16 Serial (8 pins)\nFamily:    serial EEPROM (SB)\n"

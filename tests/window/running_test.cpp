@@ -17,7 +17,7 @@ namespace {
 
 /// A large chip is selected, so that the event loop gets its turns while it is read.
 struct LargeChip : StartedRig {
-  LargeChip() : StartedRig("27C020") {}
+  explicit LargeChip(const char* chip = "27C020") : StartedRig(chip) {}
   /// Reads the chip and does something in the middle of that. The event loop has not run after it.
   Ending read(const std::function<void()>& during = [] {}) {
     QTimer::singleShot(0, &window, during);
@@ -38,7 +38,7 @@ TEST(Running, stopAndEscapeEndTheCommand) {
 }
 
 TEST(Running, whatIsPressedMeanwhileIsDroppedAndLooksOff) {
-  LargeChip rig;
+  LargeChip rig("27C801");
   QWidget& box = rig.find("VerifyAfterProgramming");
   bool looksOff = false;
   rig.read([&] {
