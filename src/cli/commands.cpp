@@ -74,7 +74,8 @@ void saveSetup(Session& s) {
 
 // -i counts for read, blank check and erase as well: the length of the file decides how much of a
 // chip they cover.
-// What stands on the form can be set for every command there, also where only a setup would keep it.
+// What stands on the form can be set for every command there, also where only a setup would keep
+// it.
 // clang-format off
 constexpr std::array<Command, 11> kCommands{{
     {.name = "devices", .help = "list the devices, or tell about the one of -d", .options = "-d --names", .press = nullptr, .alone = listDevices},

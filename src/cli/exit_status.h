@@ -9,9 +9,11 @@ namespace kestrel::cli {
 
 // What the program returns to the shell; 128 and the number after a signal.
 inline constexpr int kDone = 0;
-inline constexpr int kFailed = 1;    ///< the operation failed, was refused or cancelled
+inline constexpr int kFailed = 1;    ///< the operation failed, or there is no routine for it
 inline constexpr int kBadUsage = 2;  ///< usage, an unusable file, a control that is not enabled
 inline constexpr int kNoBoard = 3;
+inline constexpr int kDiffers = 4;    ///< the chip differs: a mismatch, not blank
+inline constexpr int kCancelled = 5;  ///< by the answer to a question
 
 /// The status that tells how a command ended.
 [[nodiscard]] constexpr int statusOf(Ending ending) {
@@ -21,8 +23,10 @@ inline constexpr int kNoBoard = 3;
     case Ending::Refused:
       return kBadUsage;
     case Ending::Differs:
-    case Ending::Failed:
+      return kDiffers;
     case Ending::Cancelled:
+      return kCancelled;
+    case Ending::Failed:
     case Ending::NoRoutine:
     case Ending::RunTimeError:
     case Ending::Stopped:

@@ -132,7 +132,12 @@ void Session::use(const std::function<void()>& event) {
 
 void Session::endUnlessDone(const CommandResult& result) const {
   if (p_.signals.isEndRequested()) throw EarlyEnd(p_.signals.exitStatus());
-  if (result.ending != Ending::Done) throw EarlyEnd(statusOf(result.ending));
+  tell(result.remark);
+  // What a box or a question has told already is not told again.
+  const bool isTold = result.ending != Ending::Differs && result.ending != Ending::Failed;
+  if (result.ending != Ending::Done) {
+    throw EarlyEnd(statusOf(result.ending), isTold ? std::string() : result.reason);
+  }
 }
 
 std::string Session::remark(std::string_view (*find)(const devices::Family&)) {

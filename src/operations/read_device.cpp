@@ -1,7 +1,11 @@
 #include "operations/read_device.h"
 
+#include <algorithm>
+#include <functional>
+#include <span>
 #include <string>
 
+#include "app/state/text_format.h"
 #include "buffers/checksum.h"
 #include "devices/families.h"
 #include "platform/runtime_error.h"
@@ -43,6 +47,7 @@ void ReadDevice::ReadParallel() {
     return true;
   });
   buffers_.CodeBuffer.swap(read);
+  noteUniform();
   buffers_.DeviceChecksumText = buffers::checksumText(buffers_.DeviceChecksum);
   board_.lamps.DataFlowLampOff();
   reporting_.LogMessage(std::to_string(buffers_.CodeLength) + " bytes Read from Device");
@@ -51,6 +56,17 @@ void ReadDevice::ReadParallel() {
   finishReading();
   reporting_.PlaySoundEvent("OK");
   board_.bus.Reset();
+}
+
+// A blank chip is read so too, and a missing one; the person at the bench knows which it is.
+void ReadDevice::noteUniform() {
+  const std::span<const std::uint8_t> bytes =
+      std::span(buffers_.CodeBuffer).first(static_cast<std::size_t>(buffers_.CodeLength));
+  if (bytes.empty() || std::ranges::adjacent_find(bytes, std::not_equal_to{}) != bytes.end())
+    return;
+  if (bytes[0] != kErased && bytes[0] != 0x00) return;
+  reporting_.noteRemark("every byte read is " + hexText(bytes[0], 2) +
+                        "h: is the board there, the chip in?");
 }
 
 void ReadDevice::showBuffer() {
@@ -84,6 +100,7 @@ void ReadDevice::ReadSerial() {
     reports_.AckErrorReport();
   } else {
     reporting_.LogMessage(std::to_string(buffers_.CodeLength) + " bytes Read from Device");
+    noteUniform();
     showBuffer();
     reporting_.PlaySoundEvent("OK");
   }

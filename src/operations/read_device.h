@@ -47,6 +47,7 @@ class ReadDevice {
   void ReadData();
 
  private:
+  void noteUniform();
   void showBuffer();
   void finishReading();
 

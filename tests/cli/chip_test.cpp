@@ -61,9 +61,9 @@ TEST(Program, thenVerifyInAnotherRunByTheChipsFile) {
            "Device Contents MATCHES with Buffer Contents");
   EXPECT_EQ(work.text("chip.bin"), work.text("rom.bin"));
   endsWith("verify", 0, "Device Contents MATCHES with Buffer Contents");
-  endsWith("blank", 1, "Address: 1FF0 ][ Device Data: 73");
+  endsWith("blank", 4, "Address: 1FF0 ][ Device Data: 73");
   work.put("rom.bin", mostlyErased(8192, 0x1FF0, "sixteen byteS..."));
-  endsWith("verify", 1, "Address: 1FFC ][ Buffer Data: 53 ][ Device Data: 73");
+  endsWith("verify", 4, "Address: 1FFC ][ Buffer Data: 53 ][ Device Data: 73");
 }
 
 TEST(Program, leavesInTheChipsFileWhatWasWritten) {
@@ -72,7 +72,7 @@ TEST(Program, leavesInTheChipsFileWhatWasWritten) {
   for (const auto& [words, status, chip] :
        {std::tuple(" --yes", 0, mostlyErased(8192, 0x10, "abcd")),
         {" --yes --lane odd", 0, mostlyErased(8192, 8, "bd")},
-        {"", 1, mostlyErased(8192, 0, "")},
+        {"", 5, mostlyErased(8192, 0, "")},
         {" --yes --verify --fault weak:11", 1, mostlyErased(8192, 0x10, "a")}}) {
     std::filesystem::remove(work.path("chip.bin"));
     std::filesystem::remove(work.path("saved.bin"));

@@ -41,7 +41,7 @@ TEST(Question, isAskedAtTheTerminalAndOnlyOkPrograms) {
   const Workplace work;
   work.put("rom.bin", mostlyErased(8192, 0, "x"));
   for (const auto& [answer, status] :
-       {std::pair("\n", 1), {"okay then\n", 1}, {"\x04", 1}, {"\x03", 130}, {"ok\n", 0}}) {
+       {std::pair("\n", 5), {"okay then\n", 5}, {"\x04", 5}, {"\x03", 130}, {"ok\n", 0}}) {
     const Outcome run =
         atTerminal(work, "program -d 27C64 -i rom.bin --chip 27C64=chip.bin", answer);
     EXPECT_EQ(run.status, status) << answer << run.out;
@@ -74,6 +74,7 @@ TEST(Progress, isDrawnWithinTheWidthAndTakenAwayAtTheEnd) {
 // Ctrl-S before the command begins; its output goes to a file.
 TEST(Progress, isLostRatherThanWaitedForWhenTheTerminalStands) {
   const Workplace work;
+  work.put("chip.bin", std::string(1U << 20U, 'x'));
   int terminal = -1;
   int line = -1;
   ASSERT_EQ(::openpty(&terminal, &line, nullptr, nullptr, nullptr), 0);
@@ -82,7 +83,7 @@ TEST(Progress, isLostRatherThanWaitedForWhenTheTerminalStands) {
   if (process == 0) {
     ::dup2(line, STDERR_FILENO);
     ::setenv("TERM", "xterm", 1);
-    work.become("--simulate read -d 27C080 -o saved.bin >out.txt");
+    work.become("--simulate read -d 27C080 --chip 27C080=chip.bin -o saved.bin >out.txt");
   }
   int status = -1;
   for (int wait = 0; wait < 3'000 && ::waitpid(process, &status, WNOHANG) == 0; ++wait) {

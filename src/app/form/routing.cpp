@@ -88,8 +88,17 @@ void frmMain::Units::connectValues() {
     c.Voltage_button[i].onClick([this, i] { devices.Voltage_button_Click(i); });
   }
   for (OptionButton& button : c.LPTSelection) {
-    button.onClick([this] { detection.LPTSelection_Click(); });
+    button.onClick([this] {
+      detection.LPTSelection_Click();
+      reportPortNotHeld();
+    });
   }
+}
+
+// Beside the choice, which stays the person's: only a real port can be missing.
+void frmMain::Units::reportPortNotHeld() {
+  if (machine.portService.holdsPort(state.PortBase)) return;
+  for (const std::string& line : machine.portService.diagnosis()) reporting.LogMessage(line);
 }
 
 void frmMain::Units::testHardware() {

@@ -57,17 +57,44 @@ void frmMain::Units::findBoard() {
     testIfNoPort();
     board.registers.ApplyPortAndModel();
   });
-  if (!isFound) {
-    state.PortBase = 0;
+  // Once the program is to end the ports stay as they are, for the board's last reset.
+  if (!isFound && !machine.stop.isEnding()) {
+    restAfterFault();
     runner.runStep(testIfNoPort);
     runner.runStep([this] { board.registers.ApplyPortAndModel(); });
   }
   reportDiagnosis();
+  checkPortInForce();
   // The start-up caption stays when nothing answers; a later hardware test words it without the
   // exclamation marks.
   if (controls.KestrelHardwareFound.caption() == "NO HARDWARE FOUND") {
     controls.KestrelHardwareFound.setCaption("NO HARDWARE FOUND !!!");
   }
+}
+
+// A board that was addressed already goes to rest; then base, status and control port are none.
+void frmMain::Units::restAfterFault() {
+  try {
+    if (state.ControlPort != 0) runner.resetBoard();
+  } catch (const std::exception&) {
+    // The fault that was reported is the port's: nobody is there to be reset.
+  }
+  state.PortBase = state.StatusPort = state.ControlPort = 0;
+}
+
+// kestrel6.ini may name a port that the program could not take, or half of what is needed: then no
+// board is there, whatever the procedures have shown.
+void frmMain::Units::checkPortInForce() {
+  const std::int16_t base = state.PortBase;
+  if (base == 0 || controls.Ready_label.caption() != "Ready") return;
+  const std::int16_t model = state.KestrelModel;
+  const bool isHeld = machine.portService.holdsPort(base);
+  const bool hasModel = model == 4 || model == 5 || model == 6;
+  if (isHeld && hasModel) return;
+  controls.Ready_label.setColour(Colour::Red);
+  controls.Ready_label.setCaption("NotReady");
+  if (isHeld) return;
+  for (const std::string& line : machine.portService.diagnosis()) reporting.LogMessage(line);
 }
 
 // Why a real port may have no board behind it.

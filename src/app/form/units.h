@@ -102,6 +102,8 @@ struct frmMain::Units {
   // Start-up and shut-down.
   void showNoBoardYet();
   void findBoard();
+  void restAfterFault();
+  void checkPortInForce();
 
   // Routing: every control's event to its handler.
   void connectAll();
@@ -114,6 +116,7 @@ struct frmMain::Units {
  private:
   void testHardware();
   void reportDiagnosis();
+  void reportPortNotHeld();
   void VScroll1_Change();
   void tbToolBar_ButtonClick(const std::string& key);
 };

@@ -19,6 +19,7 @@ enum class Ending {
 struct CommandResult {
   Ending ending = Ending::Done;
   std::string reason = {};  ///< in words; empty when done
+  std::string remark = {};  ///< what the person should know although it ended well
 };
 
 }  // namespace kestrel

@@ -60,7 +60,9 @@ void Reporting::boardIsAtRest() {
 }
 
 void Reporting::noteEnding(Ending ending, std::string reason) {
-  if (result_.ending == Ending::Done) result_ = {.ending = ending, .reason = std::move(reason)};
+  if (result_.ending != Ending::Done) return;
+  result_.ending = ending;
+  result_.reason = std::move(reason);
 }
 
 CommandResult Reporting::takeResult() { return std::exchange(result_, {}); }

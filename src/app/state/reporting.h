@@ -41,6 +41,9 @@ class Reporting final : public RestListener {
   /// cause of what follows.
   void noteEnding(Ending ending, std::string reason);
 
+  /// Notes what the person should know although the command ends well; the log has no line of it.
+  void noteRemark(std::string remark) { result_.remark = std::move(remark); }
+
   /// What was noted since the last call.
   [[nodiscard]] CommandResult takeResult();
 

@@ -3,7 +3,6 @@
 #include <QCommandLineParser>
 
 #include "app/launch/machine_options.h"
-
 #include "app/window/file_of.h"
 
 namespace kestrel::window {
