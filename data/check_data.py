@@ -109,11 +109,15 @@ NO_MESSAGES = (
   "simulator/",  # findings, explained by their panel
   "app/state/controls",  # captions: the pages of the window
   "devices/",  # names
+  "guard/",  # refuses a start by hand
+  "link/",  # the line to an adapter, which no option offers yet: docs/link.md
   "display/exports.cpp",  # the heads of two files: formats.html
   "hardware/hardware_config.cpp",  # the text of a file: formats.html
   "hardware/ports/lpt_filter.cpp",  # a fault of the program itself
   "hardware/ports/port_choice.cpp",  # the option --port
 )
+# The reason of an ending is a sentence that needs no other.
+REASON = r"noteEnding\([^;]*;|\.reason = [^,}]*"
 LITERAL = r'"(?:[^"\\\n]|\\.)*"'
 
 
@@ -139,7 +143,7 @@ def messages():
     code = path.read_text(encoding="utf-8")
     if name.startswith("app/window/"):  # full of captions: its boxes alone
       code = "\n".join(re.findall(r"QMessageBox::[a-z]+\([^;]*;", code))
-    for text in literals(code):
+    for text in literals(re.sub(REASON, "", code)):
       if re.search(r"[A-Za-z]{2}\S* (?:\S* )*\S*[A-Za-z]{2}", text):
         yield name, text
 

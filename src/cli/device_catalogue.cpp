@@ -12,6 +12,8 @@
 #include "app/state/programmer_state.h"
 #include "app/state/text_format.h"
 #include "devices/device_table.h"
+#include "devices/families.h"
+#include "devices/remarks.h"
 
 namespace kestrel::cli {
 namespace {
@@ -94,41 +96,27 @@ std::string numberOf(const std::string& name) {
   return name;
 }
 
-struct Kind {
-  std::string_view code;  ///< family letter, and sub-code where it matters
-  const char* text;
-  int pins;
-};
+const char* kindOf(const devices::Family& family) {
+  if (family.bus == devices::BusKind::Serial) return "serial EEPROM";
+  if (family.flashCommands != devices::FlashCommands::None) return "parallel flash";
+  return family.offersErase ? "EEPROM" : "UV EPROM";
+}
 
-// The first whose code the family's begins with.
-// clang-format off
-constexpr std::array<Kind, 9> kKinds{{
-    {"P1", "UV EPROM",                      24},
-    {"P2", "UV EPROM",                      28},
-    {"P3", "UV EPROM",                      28},
-    {"P4", "UV EPROM",                      28},
-    {"P5", "UV EPROM",                      28},
-    {"P",  "UV EPROM",                      32},
-    {"E",  "EEPROM, written page by page",  28},
-    {"S",  "serial EEPROM",                  8},
-    {"",   "not offered",                    0},
-}};
-// clang-format on
-
-const Kind& kindOf(std::string_view code) {
-  return *std::ranges::find_if(kKinds, [&](const Kind& k) { return code.starts_with(k.code); });
+/// The packages of byte-wide memories follow from their size (JEDEC 21-C).
+int pinsOf(const devices::Family& family, int sizeKB) {
+  if (family.bus == devices::BusKind::Serial) return 8;
+  if (sizeKB <= 4) return 24;
+  return sizeKB <= 64 ? 28 : 32;
 }
 
 Device deviceOf(std::int32_t position, const DeviceRow& row) {
   const std::string name(trimmed(row[devices::kNameColumn]));
-  const std::string code = row[devices::kLetterColumn] + row[devices::kSubCodeColumn];
   return {.position = position,
           .name = name,
           .shortName = numberOf(name),
-          .family = std::string(kindOf(code).text) + " (" + code + ")",
+          .family = row[devices::kLetterColumn] + row[devices::kSubCodeColumn],
           .isOffered = row[devices::kListedColumn] == "Y",
           .sizeKB = std::stoi(row[devices::kSizeKBColumn]),
-          .pins = kindOf(code).pins,
           .voltages = voltagesOf(row[devices::kVppClassColumn])};
 }
 
@@ -186,11 +174,19 @@ void DeviceCatalogue::printNames(std::ostream& out) const {
 
 void DeviceCatalogue::print(const Device& device, std::ostream& out) {
   constexpr int kBytesPerKB = 1024;
+  const devices::Family& family = devices::familyOf(device.family);
   out << device.name << '\n'
-      << "Family:    " << device.family << '\n'
+      << "Family:    " << kindOf(family) << " (" << device.family << ")\n"
       << "Size:      " << device.sizeKB * kBytesPerKB << " bytes\n"
-      << "Package:   " << device.pins << " pins\n"
+      << "Package:   " << pinsOf(family, device.sizeKB) << " pins\n"
       << "Voltages:  " << device.voltages << '\n';
+  if (device.voltages.find("21") != std::string::npos && !family.takes21And25V) {
+    out << "Remark:    always programmed at 12.5 V on models 5 and 6\n";
+  }
+  for (const auto remark : {devices::whyNoBlankCheck(family), devices::whyNoErase(family),
+                            devices::whyNoDisplay(family)}) {
+    if (!remark.empty()) out << "Remark:    " << remark << '\n';
+  }
 }
 
 }  // namespace kestrel::cli

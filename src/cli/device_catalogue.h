@@ -15,10 +15,9 @@ class DeviceCatalogue {
     std::int32_t position = 0;  ///< in the list, which is the row of the table
     std::string name;           ///< without trailing blanks
     std::string shortName;      ///< the word of it that is the chip's number, such as 27C256
-    std::string family;         ///< what it is, and the code of its routines
+    std::string family;         ///< its code
     bool isOffered = false;
     int sizeKB = 0;
-    int pins = 0;
     std::string voltages;  ///< that it may be programmed with
   };
 
