@@ -90,7 +90,8 @@ int SignalStop::signal() const { return firstSignal; }
 
 void switchOffOnCrash() {
   // A handler cannot run on a stack that has overflowed.
-  static std::array<char, 64 * 1024> stack;
+  constexpr std::size_t kStackBytes = 65'536;
+  static std::array<char, kStackBytes> stack;
   const stack_t own{.ss_sp = stack.data(), .ss_flags = 0, .ss_size = stack.size()};
   sigaltstack(&own, nullptr);
   for (const int number : kCrashSignals) install(number, crash, SA_ONSTACK);
