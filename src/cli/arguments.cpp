@@ -77,7 +77,7 @@ struct WorkOption {
 };
 
 // clang-format off
-constexpr std::array<WorkOption, 12> kWorkOptions{{
+constexpr std::array<WorkOption, 13> kWorkOptions{{
     {"-d", "NAME", "device: its name, a word of it, or a fitting part",
      [](auto& a, const auto& text) { a.device = named("-d", text); }},
     {"-i", "FILE", "code file to load",
@@ -96,6 +96,8 @@ constexpr std::array<WorkOption, 12> kWorkOptions{{
      [](auto& a, const auto&) { a.blankCheck = true; }},
     {"--verify", "", "verify after programming",
      [](auto& a, const auto&) { a.verify = true; }},
+    {"--pad-ff", "", "fill what -i FILE does not cover with FFh",
+     [](auto& a, const auto&) { a.padFF = true; }},
     {"--page", "N", "with display: page of 256 bytes, from 0",
      [](auto& a, const auto& text) { a.page = number("--page", text, 0, kMostPages, "is no page; use 0 or more"); }},
     {"--show", "", "with read: print the first page of the buffer",

@@ -24,6 +24,7 @@ struct Arguments {
   std::optional<std::int32_t> page;     ///< of display
   bool blankCheck = false;
   bool verify = false;
+  bool padFF = false;
   bool show = false;
   bool names = false;  ///< of devices: short names alone
   bool yes = false;

@@ -79,15 +79,15 @@ void saveSetup(Session& s) {
 // clang-format off
 constexpr std::array<Command, 11> kCommands{{
     {.name = "devices", .help = "list the devices, or tell about the one of -d", .options = "-d --names", .press = nullptr, .alone = listDevices},
-    {.name = "detect", .help = "run the hardware test", .options = "-d -i -o --setup --speed --vpp --lane --blank-check --verify", .press = detect, .needsBoard = false, .testsHardware = true},
-    {.name = "read", .help = "read the device into the buffer; -o saves it", .options = "-d -i -o --setup --speed --vpp --lane --blank-check --verify --show", .press = read},
-    {.name = "blank", .help = "check that the device is erased", .options = "-d -i -o --setup --speed --vpp --lane --blank-check --verify", .press = blank},
-    {.name = "verify", .help = "compare the device with -i FILE", .options = "-d -i -o --setup --speed --vpp --lane --blank-check --verify", .press = verify},
-    {.name = "program", .help = "program -i FILE into the device", .options = "-d -i -o --setup --speed --vpp --lane --blank-check --verify", .press = program},
-    {.name = "erase", .help = "erase the chip (EEPROMs)", .options = "-d -i -o --setup --speed --vpp --lane --blank-check --verify", .press = erase},
-    {.name = "display", .help = "print a page of the chip", .options = "-d -i -o --setup --speed --vpp --lane --blank-check --verify --page", .press = display},
+    {.name = "detect", .help = "run the hardware test", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = detect, .needsBoard = false, .testsHardware = true},
+    {.name = "read", .help = "read the device into the buffer; -o saves it", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --show", .press = read},
+    {.name = "blank", .help = "check that the device is erased", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = blank},
+    {.name = "verify", .help = "compare the device with -i FILE", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = verify},
+    {.name = "program", .help = "program -i FILE into the device", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = program},
+    {.name = "erase", .help = "erase the chip (EEPROMs)", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = erase},
+    {.name = "display", .help = "print a page of the chip", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --page", .press = display},
     {.name = "setups", .help = "list the four setups of this folder", .options = "", .press = nullptr, .alone = listSetups},
-    {.name = "save-setup", .help = "save the options as setup N (1 to 4)", .options = "-d -i -o --setup --speed --vpp --lane --blank-check --verify", .press = saveSetup, .needsBoard = false},
+    {.name = "save-setup", .help = "save the options as setup N (1 to 4)", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = saveSetup, .needsBoard = false},
     {.name = "safe", .help = "switch the board's voltages off", .options = "", .press = nullptr, .alone = switchOff},
 }};
 // clang-format on

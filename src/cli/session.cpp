@@ -107,8 +107,36 @@ void Session::tick(CheckBox& box, const char* option) {
 }
 
 void Session::openCodeFile(const std::string& name) {
-  answerWith(fullPath(name));
-  press(controls().mnuFileOpenCode, {});
+  const auto open = [&] {
+    answerWith(fullPath(name));
+    press(controls().mnuFileOpenCode, {});
+  };
+  open();
+  if (p_.arguments.padFF) {
+    // The buffer is erased behind the name of the file, which is then read into it once more.
+    press(controls().Erase_button, "--pad-ff: there is no buffer to fill");
+    open();
+  }
+  tellLengths(name);
+}
+
+// A file of another length than the chip's is no error: the rest keeps what the buffer held.
+void Session::tellLengths(const std::string& name) const {
+  const auto bytes = static_cast<std::int64_t>(p_.form.state().CodeLength);
+  const auto size = static_cast<std::int64_t>(p_.form.state().DeviceSizeBytes);
+  if (bytes == 0 && p_.arguments.command == "program") {
+    throw EarlyEnd(kBadUsage, shownName(name) + " is empty: there is nothing to program");
+  }
+  if (size == 0 || bytes == size) return;
+  const std::string lengths = shownName(name) + " holds " + std::to_string(bytes) +
+                              " bytes, the device " + std::to_string(size) + ": ";
+  if (bytes > size) {
+    tell(lengths + "the last " + std::to_string(bytes - size) + " are left out");
+  } else {
+    tell(
+        lengths + "the last " + std::to_string(size - bytes) +
+        (p_.arguments.padFF ? " get FFh" : " get what the buffer held before; --pad-ff gives FFh"));
+  }
 }
 
 void Session::saveBuffer(const std::string& name) {

@@ -74,6 +74,7 @@ class Session {
   void chooseVoltage(std::size_t index);
   void tick(CheckBox& box, const char* option);
   void openCodeFile(const std::string& name);
+  void tellLengths(const std::string& name) const;
   void saveBuffer(const std::string& name);
   void shutDown(int& status);
 

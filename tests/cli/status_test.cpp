@@ -56,6 +56,9 @@ const Ending kAfterStartUp[] = {
      "001F00| 6120627B 7D7EFFFF FFFFFFFF FFFFFFFF | a b............."},
     {"erase -d 28C256 --speed 12", 0, "Program Speed Slider set to: 12"},
     {"program --yes -d 2764 -i rom.bin --count-ns 1", 1, "*** Programming Failure ***"},
+    {"verify -d 2764 -i rom.bin --pad-ff", 4,
+     "rom.bin holds 1 bytes, the device 8192: the last 8191 get FFh"},
+    {"program -y -d 2764 -i empty.bin", 2, "empty.bin is empty"},
     {"erase -d 2764", 2, "erase: an EPROM is erased under the lamp"},
     {"read", 2, "read: no device is selected; add -d NAME"},
     {"program -d 27C256 -i rom.bin --vpp 21", 2, "does not take 21 V (offered: 12.5 V)"},
@@ -74,6 +77,7 @@ TEST(ExitStatus, tellsHowTheRunEndedAndTheReasonIsTold) {
   std::filesystem::create_directory(work.path("folder"));
   std::filesystem::create_directory(work.path("KSSetup3.INI"));
   work.put("rom.bin", "x");
+  work.put("empty.bin", "");
   work.put("page.bin", mostlyErased(8192, 0x1F00, "a b{}~"));
   work.put("short.bin", std::string(8191, 'x'));
   work.put("huge.bin", std::string(2'100'002, '\1'));
