@@ -25,7 +25,7 @@ struct CatalogueRow {
 // The fixed latch bits are the supply and idle levels of the chip in the 32-pin socket. Several
 // chips share a family code on purpose; the 27C259 differs from the other 32 KB parts on purpose.
 // clang-format off
-constexpr std::array<CatalogueRow, 40> kCatalogue{{
+constexpr auto kCatalogue = std::to_array<CatalogueRow>({
     // name                            letter sub   KB reg1 reg3 vpp listed
     {"Eprom 2716",                      "P", "1",    4,  32,  0, 3, "N"},
     {"Eprom 2732A",                     "P", "1",    4,  32,  0, 3, "Y"},
@@ -67,7 +67,7 @@ constexpr std::array<CatalogueRow, 40> kCatalogue{{
     {"Eeprom 24C32 Serial (8 pins)",    "S", "C",    4,   0,  0, 0, "Y"},
     {"Eeprom 24C256 Serial (8 pins)",   "S", "E",   32,   0,  0, 0, "N"},
     {"uC Atmel AT90S2313 Micro",        "M", "J", 1024,   0,  0, 0, "N"},
-}};
+});
 // clang-format on
 
 std::string padded(std::string name) {

@@ -18,7 +18,7 @@ inline constexpr std::size_t kListedColumn = 7;
 /// What stands before the name of a row that is not offered.
 inline constexpr const char* kNotAvailable = "N/A - ";
 
-/// Writes the catalogue into rows 1 to 40 of DeviceTable; row 0 and the rows above stay empty.
+/// Writes the catalogue into DeviceTable from row 1 on; row 0 and the rows behind stay empty.
 void BuildDeviceTable(CatalogueState& catalogue, ShellState& shell);
 
 /// One list entry for every row from 0 to the last one with a name, so that the position in the

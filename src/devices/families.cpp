@@ -73,7 +73,8 @@ constexpr Family flashWithoutWriter(std::string_view code) {
 }
 
 constexpr Family serial(std::string_view code, ProgramRoutine program,
-                        std::span<const EraseRoutine> erase, int addressBytes) {
+                        std::span<const EraseRoutine> erase, int addressBytes,
+                        SerialWriter writer = {}) {
   return {.code = code,
           .bus = BusKind::Serial,
           .read = BusKind::Serial,
@@ -81,7 +82,8 @@ constexpr Family serial(std::string_view code, ProgramRoutine program,
           .offersErase = true,
           .program = program,
           .erase = erase,
-          .addressBytes = addressBytes};
+          .addressBytes = addressBytes,
+          .serialWriter = writer};
 }
 
 // clang-format off

@@ -65,6 +65,12 @@ enum class EraseRoutine {
 /// The command cycles that a flash takes.
 enum class FlashCommands { None, Jedec, Atmel };
 
+/// What the two-byte writer of the serial chips is told.
+struct SerialWriter {
+  std::string_view chip = "24C32";  ///< in the log
+  std::int32_t pageBytes = 32;
+};
+
 /// What a device family can do, and how. What a row does not name it does not have.
 struct Family {
   std::string_view code;  ///< FamilyLetter and FamilySubCode of the catalogue
@@ -88,7 +94,8 @@ struct Family {
   PulsePlan pulses = {};
 
   // Others.
-  int addressBytes = 0;  ///< of a serial chip
+  int addressBytes = 0;         ///< of a serial chip
+  SerialWriter serialWriter{};  ///< for Write24C32, which a 24C16's erase calls too
   FlashCommands flashCommands = FlashCommands::None;
   bool isProbedWhenSelected = false;
   bool hasDataMemory = false;

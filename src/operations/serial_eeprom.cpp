@@ -1,5 +1,8 @@
 #include "operations/serial_eeprom.h"
 
+#include <string>
+#include <string_view>
+
 #include "buffers/checksum.h"
 #include "devices/families.h"
 #include "platform/runtime_error.h"
@@ -30,7 +33,7 @@ constexpr std::int32_t nearestQuotient(std::int32_t value, std::int32_t divisor)
 
 /// In what the two writers differ.
 struct SerialEeprom::Writer {
-  const char* eraseMessage;
+  std::string_view chip;
   std::int32_t pageBytes;
   std::int32_t startAddress;
   bool blockInSelect;  ///< address bits 8-10 in the select byte; otherwise two address bytes
@@ -41,22 +44,23 @@ struct SerialEeprom::Writer {
 };
 
 void SerialEeprom::Write24CXX() {
-  write({.eraseMessage = "Erasing Device 24CXX",
+  write({.chip = "24CXX",
          .pageBytes = 16,
          .startAddress = 0x300,  // fixed and intended: the first 768 bytes are not written
          .blockInSelect = true});
 }
 
 void SerialEeprom::Write24C32() {
-  write({.eraseMessage = "Erasing Device 24C32",
-         .pageBytes = 32,
+  const devices::SerialWriter& family = devices::familyOf(device_.FamilyCode).serialWriter;
+  write({.chip = family.chip,
+         .pageBytes = family.pageBytes,
          .startAddress = 0,
          .blockInSelect = false});
 }
 
 void SerialEeprom::write(const Writer& writer) {
   if (operation_.EraseMode == 1) {
-    reporting_.LogMessage(writer.eraseMessage);
+    reporting_.LogMessage("Erasing Device " + std::string(writer.chip));
     reporting_.LogMessage("Program Buffer will not be erased");
   }
   const std::int32_t pages = nearestQuotient(buffers_.CodeLength, writer.pageBytes);

@@ -32,7 +32,7 @@ class SerialEeprom {
   /// byte. With EraseMode FFh instead of the code buffer.
   void Write24CXX();
 
-  /// 24C32: pages of 32 bytes from 0 on, two address bytes.
+  /// 24C32 and larger: the family's pages from 0 on, two address bytes.
   void Write24C32();
 
   /// CodeLength bytes into the code buffer.

@@ -11,7 +11,7 @@
 namespace kestrel {
 
 /// A failure that ends the current command: a number and a text for the person at the screen.
-/// It is caught at the command boundary and nowhere passes through a front end's event handler.
+/// It is caught by the command runner and nowhere passes through a front end's event handler.
 class RuntimeError : public std::runtime_error {
  public:
   RuntimeError(int number, const std::string& text) : std::runtime_error(text), number_(number) {}

@@ -9,13 +9,13 @@ namespace {
 // next, an AT29C256 from a rising edge to the next falling one. Typical cycles are assumed; the
 // data sheets promise 10 ms at most.
 // clang-format off
-constexpr std::array<PageWriteType, 5> kTypes{{
+constexpr auto kTypes = std::to_array<PageWriteType>({
     {.name = "28C256",    .pageBytes = 64,  .pinWe = 27, .pinA14 = 1,  .loadWindow = microseconds(100), .windowFromFall = true,  .writeCycle = milliseconds(3), .fillsPage = false},
     {.name = "X28C256",   .pageBytes = 64,  .pinWe = 27, .pinA14 = 1,  .loadWindow = microseconds(100), .windowFromFall = true,  .writeCycle = milliseconds(3), .fillsPage = false},
     {.name = "CAT28C256", .pageBytes = 64,  .pinWe = 27, .pinA14 = 1,  .loadWindow = microseconds(100), .windowFromFall = true,  .writeCycle = milliseconds(3), .fillsPage = false},
     {.name = "CAT28C257", .pageBytes = 128, .pinWe = 27, .pinA14 = 1,  .loadWindow = microseconds(100), .windowFromFall = true,  .writeCycle = milliseconds(3), .fillsPage = false},
     {.name = "AT29C256",  .pageBytes = 64,  .pinWe = 1,  .pinA14 = 27, .loadWindow = microseconds(150), .windowFromFall = false, .writeCycle = milliseconds(4), .fillsPage = true, .makerCode = 0x1F, .deviceCode = 0xDC},
-}};
+});
 
 //                                                     A0  A1 A2 A3 A4 A5 A6 A7  A8  A9 A10 A11 A12 A13 A14
 constexpr std::array<std::uint8_t, 15> kAddress28C{    10,  9, 8, 7, 6, 5, 4, 3, 25, 24, 21, 23,  2, 26,  1};

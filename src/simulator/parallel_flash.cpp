@@ -19,13 +19,13 @@ constexpr Nanoseconds kRefusedProgram = microseconds(2);
 constexpr Nanoseconds kRefusedErase = microseconds(100);
 
 // clang-format off
-constexpr std::array<ParallelFlashType, 5> kTypes{{
+constexpr auto kTypes = std::to_array<ParallelFlashType>({
     {.name = "AM29F010", .addressBits = 17, .makerCode = 0x01, .deviceCode = 0x20, .hasContinuation = false, .program = kByte7us,  .erase = kErase1Mbit},
     {.name = "AM29F020", .addressBits = 18, .makerCode = 0x01, .deviceCode = 0xB0, .hasContinuation = false, .program = kByte7us,  .erase = kErase2Mbit},
     {.name = "AM29F040", .addressBits = 19, .makerCode = 0x01, .deviceCode = 0xA4, .hasContinuation = false, .program = kByte7us,  .erase = kErase4Mbit},
     {.name = "A29040",   .addressBits = 19, .makerCode = 0x37, .deviceCode = 0x86, .hasContinuation = false, .program = kByte10us, .erase = kErase4Mbit},
     {.name = "EN29F040", .addressBits = 19, .makerCode = 0x1C, .deviceCode = 0x04, .hasContinuation = true,  .program = kByte10us, .erase = kErase4Mbit},
-}};
+});
 
 //                                                A0  A1  A2 A3 A4 A5 A6 A7  A8  A9 A10 A11 A12 A13 A14 A15 A16 A17 A18
 constexpr std::array<std::uint8_t, 19> kAddress{  12, 11, 10, 9, 8, 7, 6, 5, 27, 26, 23, 25,  4, 28, 29,  3,  2, 30,  1};

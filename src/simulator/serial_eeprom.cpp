@@ -13,12 +13,12 @@ constexpr PinLevels kVcc = pin(8);
 constexpr Nanoseconds kWriteCycle = milliseconds(5);
 
 // clang-format off
-constexpr std::array<SerialEepromType, 4> kTypes{{
+constexpr auto kTypes = std::to_array<SerialEepromType>({
     {.name = "24C08",  .sizeBytes = 0x400,  .pageBytes = 16, .blockBits = 3, .pinBits = 4, .addressBytes = 1},
     {.name = "24C16",  .sizeBytes = 0x800,  .pageBytes = 16, .blockBits = 7, .pinBits = 0, .addressBytes = 1},
     {.name = "24C32",  .sizeBytes = 0x1000, .pageBytes = 32, .blockBits = 0, .pinBits = 7, .addressBytes = 2},
     {.name = "24C256", .sizeBytes = 0x8000, .pageBytes = 64, .blockBits = 0, .pinBits = 7, .addressBytes = 2},
-}};
+});
 // clang-format on
 
 }  // namespace

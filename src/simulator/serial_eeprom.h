@@ -11,7 +11,7 @@
 
 namespace kestrel::sim {
 
-// Serial memories 24C08, 24C16, 24C32, 24C256 on two wires. They act on edges of SCL and SDA alone.
+// Serial memories 24Cxx on two wires. They act on edges of SCL and SDA alone.
 //
 //   pin 1-3   E0-E2           pin 5   SDA, open drain
 //   pin 4     GND             pin 6   SCL
@@ -22,7 +22,7 @@ namespace kestrel::sim {
 //
 //   24C08   E2 P1 P0   P = block of 256 bytes, E = must be as the pin stands
 //   24C16   P2 P1 P0
-//   24C32   E2 E1 E0   two address bytes follow; so on the 24C256
+//   24C32   E2 E1 E0   two address bytes follow; so on the larger ones
 //
 // A write wraps inside its page; STOP after a whole byte begins the write cycle, in which no select
 // is acknowledged. Reads run on and wrap at the end of the memory until one is not acknowledged.

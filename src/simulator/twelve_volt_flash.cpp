@@ -9,10 +9,10 @@ namespace kestrel::sim {
 namespace {
 
 // clang-format off
-constexpr std::array<TwelveVoltFlashType, 2> kTypes{{
+constexpr auto kTypes = std::to_array<TwelveVoltFlashType>({
     {.name = "CAT28F010", .addressBits = 17, .makerCode = 0x31, .deviceCode = 0xB4},
     {.name = "CAT28F020", .addressBits = 18, .makerCode = 0x31, .deviceCode = 0xBD},
-}};
+});
 
 //                                                A0  A1  A2 A3 A4 A5 A6 A7  A8  A9 A10 A11 A12 A13 A14 A15 A16 A17
 constexpr std::array<std::uint8_t, 18> kAddress{  12, 11, 10, 9, 8, 7, 6, 5, 27, 26, 23, 25,  4, 28, 29,  3,  2, 30};

@@ -34,7 +34,7 @@ constexpr bool kCmos = false;
 // The times are those of a typical part: a 2732 has its bits well before its 50 ms pulse ends. The
 // 2732 needs no 5 V on VPP for reading, since that pin is its /OE; so kNmos is not set there.
 // clang-format off
-constexpr std::array<UvEpromType, 21> kTypes{{
+constexpr auto kTypes = std::to_array<UvEpromType>({
     {.name = "2732",       .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k25V, .programTime = milliseconds(10),  .plan = k50ms,     .isNmos = kCmos},
     {.name = "27C32",      .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k25V, .programTime = milliseconds(10),  .plan = k50ms,     .isNmos = kCmos},
     {.name = "2732A",      .package = k24, .sizeBytes = 0x1000,   .control = kOe,  .vpp = k21V, .programTime = milliseconds(10),  .plan = k50ms,     .isNmos = kCmos},
@@ -56,7 +56,7 @@ constexpr std::array<UvEpromType, 21> kTypes{{
     {.name = "27C801",     .package = k32, .sizeBytes = 0x100000, .control = kOe,  .vpp = k12V, .programTime = microseconds(50),  .plan = k50us,     .isNmos = kCmos},
     {.name = "27C080",     .package = k32, .sizeBytes = 0x100000, .control = kOe,  .vpp = k12V, .programTime = microseconds(50),  .plan = k50us,     .isNmos = kCmos},
     {.name = "27C080-OTP", .package = k32, .sizeBytes = 0x100000, .control = kOe,  .vpp = k12V, .programTime = microseconds(50),  .plan = k50us,     .isNmos = kCmos, .isOneTime = true},
-}};
+});
 
 // JEDEC pinouts, address pins from A0, data pins from D0.
 //                                                    A0  A1  A2 A3 A4 A5 A6 A7  A8  A9 A10 A11 A12 ...

@@ -18,8 +18,9 @@ struct PreparedForm : SimulatedForm {
       : SimulatedForm(model, tracing), image(std::move(givenImage)) {
     start();
     insert(chip, contents);
-    for (std::size_t row = 23; row <= 28; ++row)
-      rig.state.DeviceTable[row][devices::kListedColumn] = "Y";
+    for (auto& row : rig.state.DeviceTable) {
+      if (row[devices::kLetterColumn] == "F") row[devices::kListedColumn] = "Y";
+    }
     devices::FillDeviceList(rig.state, rig.controls.Device);
     rig.select(device);
     if (!image.empty()) rig.openImage(image);

@@ -23,21 +23,30 @@ struct SerialForm : PreparedForm {
   }
 };
 
-class Serial24C32 : public testing::TestWithParam<sim::Model> {};
+struct Part {
+  const char* chip;
+  std::size_t bytes;
+};
 
-TEST_P(Serial24C32, isProgrammedVerifiedReadAndErased) {
-  SerialForm s("24C32", randomBytes(4096, 31), {}, GetParam());
+// Those without limits.
+constexpr Part kParts[]{{"24C32", 4096}};
+
+class EverySerialPart : public testing::TestWithParam<std::tuple<sim::Model, Part>> {};
+
+TEST_P(EverySerialPart, isProgrammedVerifiedReadAndErased) {
+  const auto& [model, part] = GetParam();
+  SerialForm s(part.chip, randomBytes(part.bytes, 31), {}, model);
   s.rig.controls.VerifyAfterProgramming.press();
   ASSERT_TRUE(s.rig.program());
   EXPECT_TRUE(s.rig.logged("Programming Device Successfull"));
   EXPECT_TRUE(s.rig.logged("Device Contents MATCHES with Buffer Contents"));
   EXPECT_TRUE(s.chipContents() == s.image);
-  EXPECT_TRUE(s.read(4096) == s.image);
+  EXPECT_TRUE(s.read(part.bytes) == s.image);
   s.rig.clearLog();
   s.rig.press("EraseFlash_button");
-  EXPECT_THAT(s.rig.log(),
-              testing::ElementsAre("Erasing Device 24C32", "Program Buffer will not be erased",
-                                   "Programming Device Successfull"));
+  EXPECT_THAT(s.rig.log(), testing::ElementsAre("Erasing Device " + std::string(part.chip),
+                                                "Program Buffer will not be erased",
+                                                "Programming Device Successfull"));
   EXPECT_THAT(s.chipContents(), testing::Each(0xFF));
   EXPECT_TRUE(std::equal(s.image.begin(), s.image.end(), s.rig.state.CodeBuffer.begin()));
   // The chip's supply is /OE: it is left off, so that the chip can be taken out.
@@ -45,7 +54,8 @@ TEST_P(Serial24C32, isProgrammedVerifiedReadAndErased) {
   EXPECT_TRUE(s.bench.findings().empty());
 }
 
-INSTANTIATE_TEST_SUITE_P(Models, Serial24C32, testing::ValuesIn(kModels));
+INSTANTIATE_TEST_SUITE_P(Parts, EverySerialPart,
+                         testing::Combine(testing::ValuesIn(kModels), testing::ValuesIn(kParts)));
 
 // The writer begins at 300h and counts the whole size from there: at the end of the chip nobody
 // answers the next select byte.

@@ -1,59 +1,84 @@
-// The catalogue against the data sheets.
+// The catalogue against the pinouts and voltages of the data sheets.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "app/state/text_format.h"
 #include "devices/device_table.h"
+#include "devices/families.h"
 
 namespace kestrel {
 namespace {
 
-// Name, letter, sub-code, KB, fixed bits of latch 1 and latch 3, voltage class, listed.
-// clang-format off
-constexpr std::array<std::string_view, 40> kRows{
-    "Eprom 2716|P|1|4|32|0|3|N", "Eprom 2732A|P|1|4|32|0|3|Y",
-    "Eprom 2732B|P|1|4|32|0|1|Y", "Eprom 2732|P|1|4|32|0|3|Y",
-    "Eprom 27C32|P|1|4|32|0|3|Y", "Eprom 2764|P|2|8|192|2|3|Y",
-    "Eprom 27C64|P|2|8|192|2|1|Y", "Eprom 27128|P|3|16|192|2|3|Y",
-    "Eprom 27C128|P|3|16|192|2|1|Y", "Eprom 27256|P|4|32|128|2|3|Y",
-    "Eprom 27C256|P|4|32|128|2|1|Y", "Eprom 27C259|P|4|32|0|2|1|Y",
-    "Eprom 27C512|P|5|64|0|2|1|Y", "Eprom 27C1001|P|6|128|0|12|1|Y",
-    "Eprom 27C010|P|6|128|0|12|1|Y", "Eprom 27C2001|P|7|256|0|12|1|Y",
-    "Eprom 27C020|P|7|256|0|12|1|Y", "Eprom 27C4001|P|8|512|0|8|1|Y",
-    "Eprom 27C040|P|8|512|0|8|1|Y", "Eprom 27C801|P|9|1024|0|0|1|Y",
-    "Eprom 27C080|P|9|1024|0|0|1|Y", "Eprom 27C080 OTP|P|M|1024|0|0|1|N",
-    "Flash Atmel AT29C256|F|A|32|128|2|0|N", "Flash AMIC A29040|F|L|512|0|4|0|N",
-    "Flash AMD AM29F010|F|S|128|0|4|0|N", "Flash AMD AM29F020|F|R|256|0|4|0|N",
-    "Flash AMD AM29F040|F|M|512|0|4|0|N", "Flash EON EN29F040|F|M|512|0|4|0|N",
-    "Flash Atmel AT29F040|F|N|512|0|4|0|N", "Flash Catalyst CAT28F001|F|O|128|0|12|0|N",
-    "Flash Catalyst CAT28F010|F|P|128|0|12|0|N", "Flash Catalyst CAT28F020|F|Q|256|0|12|0|N",
-    "Eeprom XICOR X28C256|E|N|32|64|2|0|Y", "Eeprom Catalyst CAT28C256|E|O|32|64|2|0|N",
-    "Eeprom Catalyst CAT28C257|E|P|32|64|2|0|N", "Eeprom 24C08 Serial (8 pins)|S|A|1|0|0|0|Y",
-    "Eeprom 24C16 Serial (8 pins)|S|B|2|0|0|0|Y", "Eeprom 24C32 Serial (8 pins)|S|C|4|0|0|0|Y",
-    "Eeprom 24C256 Serial (8 pins)|S|E|32|0|0|0|N", "uC Atmel AT90S2313 Micro|M|J|1024|0|0|0|N",
+// Socket pins as bits: those of latch 1, and eight places above those of latch 3.
+constexpr int kPin28 = 0x20, kPin29 = 0x40, kPin3 = 0x80;
+constexpr int kPin30 = 0x200, kPin31 = 0x400, kPin1 = 0x800;
+
+/// What a chip at rest needs at 5 V: supply, VPP, /PGM or /WE.
+struct Pinout {
+  std::string_view family;  ///< code, or the letter for all others of it
+  int sizeKB;               ///< 0: the device's own
+  int high;
 };
+
+// clang-format off
+constexpr Pinout kPinouts[]{
+    {"P1", 4, kPin28},                                                             // 24 pins: supply
+    {"P2", 8, kPin30 | kPin3 | kPin29}, {"P3", 16, kPin30 | kPin3 | kPin29},       // 28: supply, VPP, /PGM
+    {"P4", 32, kPin30 | kPin3}, {"P5", 64, kPin30},                                // 28: supply, VPP
+    {"E", 32, kPin30 | kPin29}, {"FA", 32, kPin30 | kPin3},                        // 28: supply, /WE
+    {"P6", 128, kPin1 | kPin31}, {"P7", 256, kPin1 | kPin31}, {"P8", 512, kPin1},  // 32: VPP, /PGM
+    {"P9", 1024, 0}, {"PM", 1024, 0},                                              // 32: VPP is /OE
+    {"FO", 128, kPin1 | kPin31}, {"FP", 128, kPin1 | kPin31}, {"FQ", 256, kPin1 | kPin31},
+    {"FS", 128, kPin31}, {"FR", 256, kPin31}, {"F", 512, kPin31},                  // 32: /WE
+    {"S", 0, 0}, {"M", 0, 0}};
 // clang-format on
 
-std::string joined(const std::array<std::string, kDeviceTableColumns>& row) {
-  std::string text(trimmed(row[0]));
-  for (std::size_t column = 1; column < row.size(); ++column) text += "|" + row[column];
-  return text;
+const Pinout* pinoutOf(std::string_view code) {
+  const auto* const found = std::ranges::find(kPinouts, code, &Pinout::family);
+  if (found != std::end(kPinouts) || code.size() < 2) return found;
+  return pinoutOf(code.substr(0, 1));
 }
 
-TEST(DeviceTable, hasTheFortyRowsAndTheListThemInOrder) {
+// More than 14 V destroys every other part.
+constexpr std::string_view kTake21Or25V[]{"Eprom 2716", "Eprom 2732A", "Eprom 2732", "Eprom 27C32",
+                                          "Eprom 2764", "Eprom 27128", "Eprom 27256"};
+
+TEST(Catalogue, givesEachChipSupplyIdleLevelsAndVoltagesOfItsDataSheet) {
+  ProgrammerState s;
+  devices::BuildDeviceTable(s, s);
+  for (const auto& [name, letter, subCode, sizeKB, latch1, latch3, vppClass, listed] :
+       s.DeviceTable) {
+    if (name.empty()) continue;
+    const Pinout* const pinout = pinoutOf(letter + subCode);
+    ASSERT_NE(pinout, std::end(kPinouts)) << name;
+    const int low = name.starts_with("Eprom 27C259 ") ? kPin3 : 0;  // read with VPP at 0 V
+    EXPECT_EQ(std::stoi(latch1) | std::stoi(latch3) << 8, pinout->high & ~low) << name;
+    EXPECT_TRUE(pinout->sizeKB == 0 || std::stoi(sizeKB) == pinout->sizeKB) << name;
+    const bool isOld = std::ranges::count(kTake21Or25V, trimmed(name)) != 0;
+    EXPECT_EQ(vppClass, letter != "P" ? "0" : isOld ? "3" : "1") << name;
+    const bool hasWriter =
+        devices::familyOf(letter + subCode).program != devices::ProgramRoutine::None;
+    EXPECT_TRUE(listed == "N" || hasWriter) << name;
+  }
+}
+
+// A saved setup names its device by its place in the list.
+TEST(Catalogue, keepsTheDevicesInTheirPlaces) {
   ProgrammerState s;
   Controls c;
   devices::BuildDeviceTable(s, s);
   c.Device.addItem("of an earlier filling");
   devices::FillDeviceList(s, c.Device);
   const auto& items = c.Device.items();
-  ASSERT_EQ(items.size(), 41U);
-  for (std::size_t row = 1; row <= kRows.size(); ++row) {
-    EXPECT_EQ(joined(s.DeviceTable[row]), kRows[row - 1]);
-    EXPECT_EQ(items[row], (kRows[row - 1].ends_with('Y') ? "" : "N/A - ") + s.DeviceTable[row][0]);
-  }
-  EXPECT_EQ(items[2], "Eprom 2732A                   ");
-  EXPECT_EQ(joined(s.DeviceTable[41]), "|||||||");
+  EXPECT_EQ(items.at(0), "N/A - ");
+  EXPECT_EQ(items.at(2), "Eprom 2732A                   ");
+  EXPECT_EQ(trimmed(items.at(13)), "Eprom 27C512");
+  EXPECT_EQ(trimmed(items.at(23)), "N/A - Flash Atmel AT29C256");
+  EXPECT_EQ(trimmed(items.at(38)), "Eeprom 24C32 Serial (8 pins)");
+  EXPECT_EQ(trimmed(items.at(40)), "N/A - uC Atmel AT90S2313 Micro");
+  EXPECT_NE(items.back(), "N/A - ") << "no empty rows behind the last device";
 }
 
 }  // namespace
