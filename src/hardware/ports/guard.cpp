@@ -67,6 +67,7 @@ class Preparation {
   /// 0, or an error number.
   int run(const std::vector<std::string>& words, pid_t& process) const {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string& each : words) arguments.push_back(const_cast<char*>(each.c_str()));
     arguments.push_back(nullptr);
     return posix_spawn(&process, arguments[0], &files_, &attributes_, arguments.data(), environ);
