@@ -6,7 +6,6 @@
 #include <fstream>
 #include <optional>
 #include <system_error>
-#include <utility>
 
 #include "hardware/ports/guard.h"
 
@@ -90,6 +89,10 @@ bool isLockedDown(const fs::path& root) {
   return states.find('[') != std::string::npos && states.find("[none]") == std::string::npos;
 }
 
+std::string asHolder(const std::string& program, const std::string& process) {
+  return program + ", process " + process;
+}
+
 std::string holderOf(const fs::path& root, const std::string& device) {
   const std::string own = std::to_string(getpid());
   std::string guard;
@@ -97,9 +100,8 @@ std::string holderOf(const fs::path& root, const std::string& device) {
     const fs::path folder = root / "proc" / process;
     if (!isNumber(process) || process == own || !isOpenIn(folder, device)) continue;
     const std::string name = firstLineOf(folder / "comm");
-    std::string holder = name + ", process " + process;
-    if (name != kGuardName) return holder;
-    guard = std::move(holder);
+    if (name != kGuardName) return asHolder(name, process);
+    guard = asHolder(name, process);
   }
   return guard;
 }
