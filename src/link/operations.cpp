@@ -12,7 +12,6 @@ namespace {
 using Kind = Operation::Kind;
 
 constexpr std::uint8_t kStrobeBit = 0x01;
-constexpr std::uint8_t kControlLines = 0x0F;
 constexpr std::int64_t kMostShortCounts = 0xFF;
 constexpr std::int64_t kMostCounts = 0xFFFF;
 

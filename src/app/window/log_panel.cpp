@@ -24,7 +24,7 @@ constexpr int kFewestLines = 3;
 }  // namespace
 
 LogPanel::LogPanel(Controls& controls, const Binder& binder, QtDialogs& dialogs, QWidget* parent)
-    : QWidget(parent), controls_(controls), binder_(binder), dialogs_(dialogs) {
+    : QWidget(parent), controls_(controls), dialogs_(dialogs) {
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 8, 0);
   view_ = new LogView(controls, binder, this);

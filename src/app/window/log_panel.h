@@ -38,7 +38,6 @@ class LogPanel final : public QWidget {
   void find(bool backward);
 
   Controls& controls_;
-  const Binder& binder_;
   QtDialogs& dialogs_;
   LogView* view_ = nullptr;
   QWidget* clear_ = nullptr;

@@ -69,7 +69,7 @@ class OffTipFilter final : public QObject {
 
 }  // namespace
 
-void explainWhatIsOff(QWidget& window, std::function<Situation()> situation) {
+void explainWhatIsOff(QWidget& window, const std::function<Situation()>& situation) {
   for (const OffTip& tip : kOffTips) {
     if (auto* const widget = window.findChild<QWidget*>(tip.control)) {
       new OffTipFilter(*widget, tip, situation);

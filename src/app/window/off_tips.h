@@ -15,6 +15,6 @@ struct Situation {
 };
 
 /// The tips of disabled buttons say what is missing.
-void explainWhatIsOff(QWidget& window, std::function<Situation()> situation);
+void explainWhatIsOff(QWidget& window, const std::function<Situation()>& situation);
 
 }  // namespace kestrel::window

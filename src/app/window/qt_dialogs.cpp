@@ -50,7 +50,7 @@ class OpenDialog final : public QFileDialog {
     std::error_code unreadable;
     const bool isNamedByMarks = chosen.contains(QChar::ReplacementCharacter);
     if (isNamedByMarks && std::filesystem::is_regular_file(fileOf(chosen), unreadable)) {
-      QDialog::accept();
+      QDialog::accept();  // NOLINT(bugprone-parent-virtual-call): past the file dialog's checks
     } else {
       QFileDialog::accept();
     }
