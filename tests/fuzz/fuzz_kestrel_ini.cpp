@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   form.rig.form.Form_Load();
   const ProgrammerState& s = form.s;
   const bool isUp = form.c.Device.items().size() == 41 && s.StatusPort == s.PortBase + 1 &&
-                    s.RegShadow0 == 0x40 && !form.rig.form.isRunning();
+                    s.RegShadow0 == 0x40 && !form.rig.form.runner().isRunning();
   if (!isUp) std::abort();
   return 0;
 }
