@@ -8,6 +8,7 @@
 
 #include "app/launch/program_folders.h"
 #include "app/window/board_panel.h"
+#include "app/window/device_card.h"
 #include "app/window/help_window.h"
 #include "app/window/readable_style.h"
 #include "window/window_rig.h"
@@ -34,6 +35,7 @@ struct Scene : WindowRig {
     window.addSidePanel(*new window::SimulatedBoardPanel(*WindowRig::program.simulated(),
                                                          form.runner(), input, &window),
                         "Simulated board");
+    window::watchSocket(*WindowRig::program.simulated(), window.deviceCard());
     start();
     WindowRig::program.simulated()->startUpDone();
   }

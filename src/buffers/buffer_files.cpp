@@ -105,6 +105,7 @@ bool BufferFiles::ReadBinaryFile() {
 void BufferFiles::storeCode() {
   buffers_.CodeLength = narrowed<std::int32_t>(buffers_.FileBytes.size());
   std::ranges::copy(buffers_.FileBytes, buffers_.CodeBuffer.begin());
+  buffers_.CodeFrom = CodeSource::File;
   buffers_.FileChecksum = 0;
   for (const std::uint8_t byte : buffers_.FileBytes)
     buffers_.FileChecksum = addToChecksum(buffers_.FileChecksum, byte);
@@ -278,6 +279,7 @@ void BufferFiles::Erase_button_Click() {
 
 void BufferFiles::EraseCodeBuffer() {
   std::fill_n(buffers_.CodeBuffer.begin(), kErasedCodeBytes, kErased);
+  buffers_.CodeFrom = CodeSource::Erased;
   disableForErased(controls_.menuVerifyCode, controls_.menuProgramCode);
 }
 

@@ -29,6 +29,9 @@ Answer ConsoleDialogs::ask(const MessageBox& box) {
               << " Cancelled: there is no terminal to ask at; --yes answers OK." << std::endl;
     return Answer::Cancel;
   }
+  for (const Fact& fact : box.facts) {
+    std::cerr << (fact.isWarning ? "! " : "  ") << fact.text << '\n';
+  }
   std::cerr << box.title << ": " << box.text << " [ok/Cancel] " << std::flush;
   std::string line;
   if (!isLineComing() || !std::getline(std::cin, line)) {

@@ -13,6 +13,7 @@
 #include "app/state/text_format.h"
 #include "devices/device_table.h"
 #include "devices/families.h"
+#include "devices/pinouts.h"
 #include "devices/remarks.h"
 
 namespace kestrel::cli {
@@ -102,11 +103,8 @@ const char* kindOf(const devices::Family& family) {
   return family.offersErase ? "EEPROM" : "UV EPROM";
 }
 
-/// The packages of byte-wide memories follow from their size (JEDEC 21-C).
-int pinsOf(const devices::Family& family, int sizeKB) {
-  if (family.bus == devices::BusKind::Serial) return 8;
-  if (sizeKB <= 4) return 24;
-  return sizeKB <= 64 ? 28 : 32;
+std::string packageOf(const devices::Pinout& pinout) {
+  return pinout.count() == 0 ? "not known" : std::to_string(pinout.count()) + " pins";
 }
 
 Device deviceOf(std::int32_t position, const DeviceRow& row) {
@@ -175,10 +173,12 @@ void DeviceCatalogue::printNames(std::ostream& out) const {
 void DeviceCatalogue::print(const Device& device, std::ostream& out) {
   constexpr int kBytesPerKB = 1024;
   const devices::Family& family = devices::familyOf(device.family);
+  const devices::Pinout pinout = devices::pinoutOf(device.family);
   out << device.name << '\n'
       << "Family:    " << kindOf(family) << " (" << device.family << ")\n"
       << "Size:      " << device.sizeKB * kBytesPerKB << " bytes\n"
-      << "Package:   " << pinsOf(family, device.sizeKB) << " pins\n"
+      << "Package:   " << packageOf(pinout) << '\n'
+      << "Socket:    " << devices::placeInSocket(pinout) << '\n'
       << "Voltages:  " << device.voltages << '\n';
   if (device.voltages.find("21") != std::string::npos && !family.takes21And25V) {
     out << "Remark:    always programmed at 12.5 V on models 5 and 6\n";
@@ -187,6 +187,7 @@ void DeviceCatalogue::print(const Device& device, std::ostream& out) {
                             devices::whyNoDisplay(family)}) {
     if (!remark.empty()) out << "Remark:    " << remark << '\n';
   }
+  if (pinout.count() > 0) out << '\n' << devices::socketDrawing(pinout);
 }
 
 }  // namespace kestrel::cli

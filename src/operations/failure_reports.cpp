@@ -14,7 +14,8 @@ const std::string kAsterisks(50, '*');
 
 void FailureReports::NotBlankReport() {
   reporting_.noteEnding(Ending::Differs,
-                        "the device is not blank at address " + hexText(operation_.ProgramIndex));
+                        "the device is not blank at address " + hexText(operation_.ProgramIndex),
+                        operation_.ProgramIndex);
   alert_.RaiseErrorAlert();
   board_.lamps.DataFlowLampOff();
   reporting_.LogMessage("Device IS NOT BLANK (ERASED)");
@@ -26,8 +27,10 @@ void FailureReports::NotBlankReport() {
 
 void FailureReports::VerifyMismatchReport() {
   operation_.VerifyFailed = 1;
-  reporting_.noteEnding(Ending::Differs, "the device differs from the buffer at address " +
-                                             hexText(operation_.ProgramIndex));
+  reporting_.noteEnding(
+      Ending::Differs,
+      "the device differs from the buffer at address " + hexText(operation_.ProgramIndex),
+      operation_.ProgramIndex);
   alert_.RaiseErrorAlert();
   board_.lamps.DataFlowLampOff();
   reporting_.LogMessage(kAsterisks);
@@ -59,8 +62,10 @@ void FailureReports::ProgramFailureReport() {
   board_.registers.SetReg0();
   board_.bus.CEOFF();
   board_.bus.OEOFF();
-  reporting_.noteEnding(Ending::Failed, "the byte at address " + hexText(latches_.LinearAddress) +
-                                            " does not program");
+  reporting_.noteEnding(
+      Ending::Failed,
+      "the byte at address " + hexText(latches_.LinearAddress) + " does not program",
+      latches_.LinearAddress);
   reporting_.LogMessage("*** Programming Failure ***");
   reporting_.LogMessage("*** Address:" + hexText(latches_.LinearAddress) +
                         "h, Programming BYTE:" + hexText(operation_.ByteToWrite) +

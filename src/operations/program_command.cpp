@@ -1,5 +1,6 @@
 #include "operations/program_command.h"
 
+#include "operations/programming_facts.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::operations {
@@ -28,7 +29,9 @@ bool ProgramCommand::isConfirmed() {
                               .title = "Safety Question",
                               .icon = MessageIcon::Question,
                               .buttons = MessageButtons::OkCancel,
-                              .defaultAnswer = Answer::Cancel}) == Answer::Ok;
+                              .defaultAnswer = Answer::Cancel,
+                              .facts = programmingFacts(device_, buffers_, controls_)}) ==
+         Answer::Ok;
 }
 
 void ProgramCommand::ProgramCode() {

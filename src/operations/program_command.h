@@ -19,12 +19,13 @@ namespace kestrel::operations {
 /// lane, the routine of the device's family, the verify.
 class ProgramCommand {
  public:
-  ProgramCommand(const SelectionState& device, LatchState& latches, OperationState& operation,
-                 ShellState& shell, Controls& controls, Reporting& reporting,
-                 hardware::Board& board, hardware::ErrorAlert& alert, ProgramImage& image,
-                 FailureReports& reports, BlankCheck& blank, Verify& verify, Routines& routines,
-                 Dialogs& dialogs)
+  ProgramCommand(const SelectionState& device, const BufferState& buffers, LatchState& latches,
+                 OperationState& operation, ShellState& shell, Controls& controls,
+                 Reporting& reporting, hardware::Board& board, hardware::ErrorAlert& alert,
+                 ProgramImage& image, FailureReports& reports, BlankCheck& blank, Verify& verify,
+                 Routines& routines, Dialogs& dialogs)
       : device_(device),
+        buffers_(buffers),
         latches_(latches),
         operation_(operation),
         shell_(shell),
@@ -51,6 +52,7 @@ class ProgramCommand {
   void leaveIdle(const devices::Family& family);
 
   const SelectionState& device_;
+  const BufferState& buffers_;
   LatchState& latches_;
   OperationState& operation_;
   ShellState& shell_;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace kestrel {
 
@@ -8,12 +9,19 @@ enum class MessageIcon { None, Information, Question, Exclamation, Critical };
 enum class MessageButtons { Ok, OkCancel };
 enum class Answer { Ok, Cancel };
 
+/// A line below a question.
+struct Fact {
+  std::string text;
+  bool isWarning = false;  ///< it does not fit
+};
+
 struct MessageBox {
   std::string text;
   std::string title = {};
   MessageIcon icon = MessageIcon::None;
   MessageButtons buttons = MessageButtons::Ok;
   Answer defaultAnswer = Answer::Ok;
+  std::vector<Fact> facts = {};  ///< what the answer depends on
 };
 
 /// The questions that a command asks the person at the screen. Each call returns when it is

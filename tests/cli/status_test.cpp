@@ -32,8 +32,8 @@ const Ending kAtOnce[] = {
     {"display --show", 2, "--show is for the command read; leave it out"},
     {"devices -d 24c16", 0,
      "Eeprom 24C16 Serial (8 pins)\nFamily:    serial EEPROM (SB)\n"
-     "Size:      2048 bytes\nPackage:   8 pins\nVoltages:  5 V\n"
-     "Remark:    a serial EEPROM has no blank check\n"},
+     "Size:      2048 bytes\nPackage:   8 pins\n"
+     "Socket:    pin 1 in socket pin 9, 8 rows free above it, 4 rows free below it\n"},
     {"setups", 2, "KSSetup3.INI"},
     {"read --simulate -d 2764 --chip 2764=short.bin", 2, "8191 bytes"},
     {"read --simulate -d 2764 --trace no/such/t.txt", 2, "no/such/t.txt"},

@@ -79,9 +79,9 @@ struct frmMain::Units {
   operations::Verify verify{state, state, state,  state, state,   controls,       reporting,
                             board, image, serial, walk,  reports, machine.dialogs};
   operations::EraseChip erase{state, state, state, controls, reporting, board, routines, reports};
-  operations::ProgramCommand program{state,     state,  state,    state,          controls,
-                                     reporting, board,  alert,    image,          reports,
-                                     blank,     verify, routines, machine.dialogs};
+  operations::ProgramCommand program{state,    state,     state,  state,    state,
+                                     controls, reporting, board,  alert,    image,
+                                     reports,  blank,     verify, routines, machine.dialogs};
   selection::DeviceSelection devices{state,
                                      state,
                                      state,

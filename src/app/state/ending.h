@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 namespace kestrel {
@@ -18,8 +20,9 @@ enum class Ending {
 
 struct CommandResult {
   Ending ending = Ending::Done;
-  std::string reason = {};  ///< in words; empty when done
-  std::string remark = {};  ///< what the person should know although it ended well
+  std::string reason = {};                   ///< in words; empty when done
+  std::string remark = {};                   ///< what the person should know although it ended well
+  std::optional<std::int32_t> address = {};  ///< of the byte that the ending is about
 };
 
 }  // namespace kestrel

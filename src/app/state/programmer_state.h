@@ -101,6 +101,9 @@ struct SelectionState {
   bool operator==(const SelectionState&) const = default;
 };
 
+/// Where the bytes of the code buffer come from.
+enum class CodeSource { Start, File, Chip, Erased };
+
 /// Buffers and files: buffers/.
 struct BufferState {
   std::vector<std::uint8_t> CodeBuffer = std::vector<std::uint8_t>(kCodeBufferBytes);
@@ -111,6 +114,8 @@ struct BufferState {
   std::int16_t DataBufferValid = 0;
   std::string CodeFileName;
   std::string DataFileName;
+  CodeSource CodeFrom = CodeSource::Start;
+  std::string CodeReadFrom;             ///< the device that CodeBuffer was read from last
   std::vector<std::uint8_t> FileBytes;  ///< the whole file while it is loaded, otherwise empty
   std::int32_t FileChecksum = 0;        ///< 0..65535
   std::string FileChecksumText;

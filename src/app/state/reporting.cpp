@@ -59,8 +59,9 @@ void Reporting::boardIsAtRest() {
   controls_.ProgressBar1.setValue(0);
 }
 
-void Reporting::noteEnding(Ending ending, std::string reason) {
+void Reporting::noteEnding(Ending ending, std::string reason, std::optional<std::int32_t> address) {
   if (result_.ending != Ending::Done) return;
+  result_.address = address;
   result_.ending = ending;
   result_.reason = std::move(reason);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -38,8 +40,8 @@ class Reporting final : public RestListener {
   void boardIsAtRest() override;
 
   /// Notes what came of the running command, where it happens. The first note counts: it is the
-  /// cause of what follows.
-  void noteEnding(Ending ending, std::string reason);
+  /// cause of what follows. The address is that of the byte which it is about, if it is about one.
+  void noteEnding(Ending ending, std::string reason, std::optional<std::int32_t> address = {});
 
   /// Notes what the person should know although the command ends well; the log has no line of it.
   void noteRemark(std::string remark) { result_.remark = std::move(remark); }

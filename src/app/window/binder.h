@@ -29,6 +29,9 @@ class Binder {
   [[nodiscard]] Mirror& mirror() const { return mirror_; }
   [[nodiscard]] form::CommandRunner& runner() const { return runner_; }
 
+  /// `listener` hears that a button or menu entry is about to be pressed.
+  void onPress(std::function<void(const Control&)> listener) { press_ = std::move(listener); }
+
   /// `listener` hears how each press of a button or menu entry ended.
   void onPressed(std::function<void(const Control&, const CommandResult&)> listener) {
     pressed_ = std::move(listener);
@@ -51,6 +54,7 @@ class Binder {
  private:
   Mirror& mirror_;
   form::CommandRunner& runner_;
+  std::function<void(const Control&)> press_;
   std::function<void(const Control&, const CommandResult&)> pressed_;
 };
 

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/window/device_card.h"
 #include "app/window/elided_label.h"
 #include "app/window/file_of.h"
 #include "app/window/wheel_guard.h"
@@ -40,7 +41,18 @@ QString sizeText(std::size_t bytes) {
   return bytes % 1024 == 0 ? QString("%1 KB").arg(bytes / 1024) : QString("%1 bytes").arg(bytes);
 }
 
+SocketLook lookAt(launch::SimulatedBoard& simulated) {
+  sim::Board& board = simulated.board();
+  const sim::Chip* const chip = board.chip();
+  return {.levels = {.high = board.socketLevels(), .vpp = board.vppPins()},
+          .chip = chip == nullptr ? std::string() : std::string(chip->typeName())};
+}
+
 }  // namespace
+
+void watchSocket(launch::SimulatedBoard& simulated, DeviceCard& card) {
+  card.lookAt([&simulated] { return lookAt(simulated); }, launch::chipTypeForDevice);
+}
 
 SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated,
                                          form::CommandRunner& runner, HeldInput& input,

@@ -17,6 +17,8 @@ class QPushButton;
 
 namespace kestrel::window {
 
+class DeviceCard;
+
 /// The bench with the simulated board: what a person would do there with the hands.
 class SimulatedBoardPanel final : public QScrollArea {
  public:
@@ -70,5 +72,8 @@ class SimulatedBoardPanel final : public QScrollArea {
   QTimer running_;  // until the panel looks as if a command ran
   QTimer look_;     // the board does not tell when something happens on it
 };
+
+/// The card shows what stands in the simulated socket.
+void watchSocket(launch::SimulatedBoard& simulated, DeviceCard& card);
 
 }  // namespace kestrel::window

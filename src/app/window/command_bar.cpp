@@ -6,12 +6,11 @@
 
 #include "app/window/lamp.h"
 #include "app/window/step_label.h"
-#include "devices/families.h"
+#include "operations/programming_facts.h"
 
 namespace kestrel::window {
 namespace {
 
-constexpr int kAnyVoltageClass = 3;  // the user chooses between 12.5, 21 and 25 V
 constexpr double kUsualVolts = 12.5;
 constexpr int kModelSetByHand = 4;
 
@@ -23,14 +22,6 @@ QWidget* newGroup(QWidget* parent) {
 }
 
 }  // namespace
-
-std::optional<double> voltageToApply(const SelectionState& selection) {
-  const devices::Family& family = devices::familyOf(selection.FamilyCode);
-  if (family.vppPin == devices::VppPin::None) return std::nullopt;
-  const bool isChosen = family.takes21And25V && selection.VppClass == kAnyVoltageClass;
-  if (isChosen && selection.VppVolts > kUsualVolts) return selection.VppVolts;
-  return kUsualVolts;
-}
 
 CommandBar::CommandBar(Controls& controls, const ProgrammerState& state, const Binder& binder,
                        IconSet& icons, QWidget* parent)
@@ -88,7 +79,7 @@ void CommandBar::addVoltage() {
 
 // Amber for the common 12.5 V, red for the two that destroy most chips.
 void CommandBar::showVoltage() {
-  const std::optional<double> volts = voltageToApply(state_);
+  const std::optional<double> volts = operations::voltageToApply(state_);
   voltage_->setVisible(volts.has_value());
   if (!volts) return;
   voltage_->setCaption(QString("%1 V").arg(*volts));

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QWidget>
-#include <optional>
 
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
@@ -14,10 +13,6 @@ class QPushButton;
 namespace kestrel::window {
 
 class Lamp;
-
-/// The programming voltage that the next Program applies, in volts; nothing for a chip that is
-/// programmed with 5 V alone.
-[[nodiscard]] std::optional<double> voltageToApply(const SelectionState& selection);
 
 /// The commands: what works on the chip with the programming voltage beside it, then what looks or
 /// erases; in one row, or in two where that is too wide.

@@ -144,6 +144,8 @@ bool DisplayPanel::turnPage(int key) {
   }
 }
 
+void DisplayPanel::showAddress(std::int32_t address) { scroll_->goTo(address / kPageBytes); }
+
 // The page is shown whole, in letters as large as the window lets them be.
 void DisplayPanel::fitFont() {
   const QSize needed = hexPageSize(*page_, fixedFont(), kPageLines);

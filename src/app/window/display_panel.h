@@ -2,6 +2,7 @@
 
 #include <QPlainTextEdit>
 #include <QWidget>
+#include <cstdint>
 
 #include "app/state/controls.h"
 #include "app/window/binder.h"
@@ -18,6 +19,12 @@ inline constexpr int kPageLines = 17;  ///< an empty first line, then sixteen of
 class DisplayPanel final : public QWidget {
  public:
   DisplayPanel(Controls& controls, const Binder& binder, QWidget* parent);
+
+  /// Turns to the page of the address.
+  void showAddress(std::int32_t address);
+
+  /// The line above the page; a sign may lie over it.
+  [[nodiscard]] QWidget& header() const { return *header_; }
 
   /// While a page that was scrolled to is drawn.
   [[nodiscard]] bool isDrawing() const;

@@ -8,6 +8,7 @@
 #include "app/launch/version.h"
 #include "app/window/arguments.h"
 #include "app/window/board_panel.h"
+#include "app/window/device_card.h"
 #include "app/window/instance_number.h"
 #include "app/window/main_window.h"
 #include "app/window/qt_help_viewer.h"
@@ -61,6 +62,7 @@ int runProgram(const Arguments& arguments) {
     auto* const panel =
         new SimulatedBoardPanel(*simulated, program.form().runner(), input, &window);
     window.addSidePanel(*panel, "Simulated board");
+    watchSocket(*simulated, window.deviceCard());
     window.onLeaving([panel] { return panel->keepChip(); });
   }
   const InstanceNumber instance;

@@ -20,6 +20,7 @@
 
 #include "app/window/command_bar.h"
 #include "app/window/device_box.h"
+#include "app/window/device_card.h"
 #include "app/window/display_panel.h"
 #include "app/window/elided_label.h"
 #include "app/window/file_of.h"
@@ -28,11 +29,13 @@
 #include "app/window/menus.h"
 #include "app/window/off_tips.h"
 #include "app/window/options_panel.h"
+#include "app/window/outcome_line.h"
 #include "app/window/running_look.h"
 #include "app/window/screen_place.h"
 #include "app/window/second_display.h"
 #include "app/window/status_strip.h"
 #include "app/window/twips.h"
+#include "app/window/vpp_sign.h"
 
 namespace kestrel::window {
 namespace {
@@ -101,11 +104,14 @@ void MainWindow::buildContent() {
   middle->addLayout(right, 1);
   commands_ = new CommandBar(controls_, parts_.form.state(), binder, icons, content);
   right->addWidget(commands_);
+  outcome_ = new OutcomeLine(controls_, parts_.form.state(), content);
+  right->addWidget(outcome_);
   split_ = new QSplitter(Qt::Vertical, content);
   split_->setChildrenCollapsible(false);
   display_ = new DisplayPanel(controls_, binder, split_);
   log_ = new LogPanel(controls_, binder, parts_.dialogs, split_);
   split_->addWidget(display_);
+  vppSign_ = new VppSign(parts_.form.state(), &display_->header());
   split_->addWidget(log_);
   split_->setStretchFactor(0, 3);
   split_->setStretchFactor(1, 2);
@@ -126,6 +132,8 @@ void MainWindow::connectCommands() {
   look_->setParent(this);
   runner.whenStarted([this] { commandStarted(); });
   runner.whenEnded([this] { commandEnded(); });
+  binder.onPress([this](const Control& control) { outcome_->begin(control); });
+  outcome_->onAddress([this](std::int32_t address) { display_->showAddress(address); });
   binder.onPressed(
       [this](const Control& control, const CommandResult& result) { pressed(control, result); });
   explainWhatIsOff(*this, [this] {
@@ -154,6 +162,7 @@ void MainWindow::commandStarted() {
   parts_.dialogs.beginCommand();
   ending_ = Ending::Done;
   strip_->setRunning(true);
+  options_->card().setRunning(true);
   look_->begin();
 }
 
@@ -161,6 +170,8 @@ void MainWindow::commandEnded() {
   parts_.input.dropPending();
   strip_->setRunning(false);
   parts_.mirror.refresh();
+  options_->card().setRunning(false);
+  vppSign_->lookAtEnd();
   commands_->showVoltage();
   showTitle();
   ErrorLamp& alert = strip_->errorLamp();
@@ -178,6 +189,7 @@ void MainWindow::closeAfterCommand() {
 
 void MainWindow::pressed(const Control& control, const CommandResult& result) {
   ending_ = result.ending;
+  outcome_->end(control, result, parts_.dialogs.asked());
   if (result.ending != Ending::Done) return;
   const auto isOneOf = [&](std::initializer_list<const Control*> some) {
     return std::ranges::find(some, &control) != some.end();
@@ -304,6 +316,8 @@ void MainWindow::start(int windowsBefore) {
   wasMaximised ? showMaximized() : show();
   for (const int wait : kFrameKnownMs) QTimer::singleShot(wait, this, [this] { fitToScreen(); });
 }
+
+DeviceCard& MainWindow::deviceCard() const { return options_->card(); }
 
 void MainWindow::addSidePanel(QWidget& panel, const QString& title) {
   side_ = new QDockWidget(title, this);

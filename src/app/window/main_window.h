@@ -21,12 +21,15 @@ class QSplitter;
 namespace kestrel::window {
 
 class CommandBar;
+class DeviceCard;
 class DisplayPanel;
 class LogPanel;
 class Menus;
 class OptionsPanel;
+class OutcomeLine;
 class RunningLook;
 class StatusStrip;
+class VppSign;
 
 /// What the window is put together with; all of it outlives the window.
 struct WindowParts {
@@ -58,6 +61,9 @@ class MainWindow final : private WidgetServices, public QMainWindow {
 
   /// Opens a code file as the Open command does with this answer.
   void openCodeFile(const std::filesystem::path& file);
+
+  /// Where it is shown which chip goes where.
+  [[nodiscard]] DeviceCard& deviceCard() const;
 
   /// A panel beside everything else, and its entry in the Hardware menu.
   void addSidePanel(QWidget& panel, const QString& title);
@@ -106,6 +112,8 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   Ending ending_ = Ending::Done;  // of the last command
   Menus* menus_ = nullptr;
   OptionsPanel* options_ = nullptr;
+  OutcomeLine* outcome_ = nullptr;
+  VppSign* vppSign_ = nullptr;
   CommandBar* commands_ = nullptr;
   DisplayPanel* display_ = nullptr;
   LogPanel* log_ = nullptr;

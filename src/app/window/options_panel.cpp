@@ -13,6 +13,7 @@
 #include <algorithm>
 
 #include "app/window/device_box.h"
+#include "app/window/device_card.h"
 #include "app/window/elided_label.h"
 #include "app/window/lamp.h"
 #include "app/window/range_reporter.h"
@@ -90,6 +91,8 @@ void OptionsPanel::buildDevice(QBoxLayout& column) {
   label->setBuddy(device_);
   column.addWidget(label);
   column.addWidget(device_);
+  card_ = new DeviceCard(controls_, state_, binder_, widget());
+  column.addWidget(card_);
 }
 
 void OptionsPanel::buildFile(QBoxLayout& column) {

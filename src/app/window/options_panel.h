@@ -13,6 +13,7 @@ class QLabel;
 namespace kestrel::window {
 
 class DeviceBox;
+class DeviceCard;
 
 /// The left side, from top to bottom in the order of the work: device, file, options; at the foot
 /// the board.
@@ -22,6 +23,7 @@ class OptionsPanel final : public QScrollArea {
                IconSet& icons, QWidget* parent);
 
   [[nodiscard]] DeviceBox& device() const { return *device_; }
+  [[nodiscard]] DeviceCard& card() const { return *card_; }
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override;
 
@@ -46,6 +48,7 @@ class OptionsPanel final : public QScrollArea {
   const Binder& binder_;
   IconSet& icons_;
   DeviceBox* device_ = nullptr;
+  DeviceCard* card_ = nullptr;
   QLabel* hardware_ = nullptr;
 };
 

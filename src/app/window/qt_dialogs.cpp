@@ -1,6 +1,7 @@
 #include "app/window/qt_dialogs.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
@@ -8,6 +9,7 @@
 
 #include "app/window/about_box.h"
 #include "app/window/file_of.h"
+#include "app/window/theme.h"
 
 namespace kestrel::window {
 namespace {
@@ -26,6 +28,22 @@ QMessageBox::Icon iconOf(MessageIcon icon) {
       return QMessageBox::Critical;
   }
   return QMessageBox::NoIcon;
+}
+
+/// Below the text of the box, warnings in amber.
+void showFacts(QMessageBox& dialog, const std::vector<Fact>& facts) {
+  if (facts.empty()) return;
+  QString lines;
+  for (const Fact& fact : facts) {
+    const QString text = QString::fromStdString(fact.text).toHtmlEscaped();
+    if (!lines.isEmpty()) lines += "<br>";
+    lines += fact.isWarning
+                 ? QString("<b style=\"color:%1\">%2</b>").arg(amber(dialog.palette()).name(), text)
+                 : text;
+  }
+  dialog.setTextFormat(Qt::RichText);
+  dialog.setText(dialog.text().toHtmlEscaped());
+  dialog.setInformativeText(lines);
 }
 
 /// The filter's text is shown whole and every file matches: "*.*" as a pattern would leave out the
@@ -59,6 +77,19 @@ class OpenDialog final : public QFileDialog {
 
 }  // namespace
 
+void QtDialogs::beginCommand() {
+  fileCancelled_ = false;
+  asked_ = 0;
+}
+
+int QtDialogs::ask(QDialog& dialog) {
+  QElapsedTimer clock;
+  clock.start();
+  const int answer = dialog.exec();
+  asked_ += clock.elapsed();
+  return answer;
+}
+
 Answer QtDialogs::messageBox(const MessageBox& box) {
   mirror_.refresh();
   QMessageBox dialog(owner_);
@@ -66,12 +97,13 @@ Answer QtDialogs::messageBox(const MessageBox& box) {
   dialog.setTextFormat(Qt::PlainText);
   dialog.setText(QString::fromStdString(box.text));
   dialog.setWindowTitle(QString::fromStdString(box.title));
+  showFacts(dialog, box.facts);
   dialog.setIcon(iconOf(box.icon));
   const bool canCancel = box.buttons == MessageButtons::OkCancel;
   dialog.setStandardButtons(canCancel ? QMessageBox::Ok | QMessageBox::Cancel : QMessageBox::Ok);
   const bool cancelFirst = canCancel && box.defaultAnswer == Answer::Cancel;
   dialog.setDefaultButton(cancelFirst ? QMessageBox::Cancel : QMessageBox::Ok);
-  return dialog.exec() == QMessageBox::Ok ? Answer::Ok : Answer::Cancel;
+  return ask(dialog) == QMessageBox::Ok ? Answer::Ok : Answer::Cancel;
 }
 
 std::string QtDialogs::inputBox(const std::string& prompt, const std::string& title) {
@@ -80,7 +112,7 @@ std::string QtDialogs::inputBox(const std::string& prompt, const std::string& ti
   dialog.setObjectName("inputBox");
   dialog.setWindowTitle(QString::fromStdString(title));
   dialog.setLabelText(QString::fromStdString(prompt));
-  if (dialog.exec() != QDialog::Accepted) return {};
+  if (ask(dialog) != QDialog::Accepted) return {};
   return dialog.textValue().toStdString();
 }
 
@@ -105,7 +137,7 @@ std::string QtDialogs::choose(QFileDialog& dialog, const std::string& filter) {
   setFilter(dialog, filter);
   const QString folder = QString::fromStdString(settings_.value(kSection, kFolder).value_or(""));
   if (!folder.isEmpty() && QDir(folder).exists()) dialog.setDirectory(folder);
-  const bool isChosen = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
+  const bool isChosen = ask(dialog) == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
   fileCancelled_ = !isChosen;
   if (!isChosen) return {};
   settings_.setValue(kSection, kFolder, dialog.directory().absolutePath().toStdString());

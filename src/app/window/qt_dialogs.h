@@ -9,6 +9,7 @@
 #include "platform/dialogs.h"
 #include "platform/settings_store.h"
 
+class QDialog;
 class QFileDialog;
 
 namespace kestrel::window {
@@ -27,7 +28,9 @@ class QtDialogs final : public Dialogs {
   void forgetNextOpen() { nextOpen_.reset(); }
 
   /// A command begins.
-  void beginCommand() { fileCancelled_ = false; }
+  void beginCommand();
+  /// The milliseconds since then that questions waited for their answers.
+  [[nodiscard]] qint64 asked() const { return asked_; }
   /// Since then the choice of a file was cancelled.
   [[nodiscard]] bool wasFileCancelled() const { return fileCancelled_; }
 
@@ -39,12 +42,14 @@ class QtDialogs final : public Dialogs {
 
  private:
   [[nodiscard]] std::string choose(QFileDialog& dialog, const std::string& filter);
+  int ask(QDialog& dialog);
 
   Mirror& mirror_;
   SettingsStore& settings_;
   QPointer<QWidget> owner_;
   std::optional<std::filesystem::path> nextOpen_;
   bool fileCancelled_ = false;
+  qint64 asked_ = 0;
 };
 
 }  // namespace kestrel::window

@@ -1,0 +1,119 @@
+#include "app/window/outcome_line.h"
+
+#include <QRegularExpression>
+#include <array>
+#include <utility>
+
+#include "app/window/theme.h"
+#include "devices/families.h"
+
+namespace kestrel::window {
+namespace {
+
+constexpr int kLookMs = 100;
+constexpr double kMsPerSecond = 1000.0;
+
+QString hexAddress(std::int32_t address) {
+  constexpr int kDigits = 5;
+  constexpr int kHex = 16;
+  return QString("%1h").arg(address, kDigits, kHex, QChar('0')).toUpper().replace('H', 'h');
+}
+
+}  // namespace
+
+OutcomeLine::OutcomeLine(const Controls& controls, const ProgrammerState& state, QWidget* parent)
+    : QLabel(parent), controls_(controls), state_(state) {
+  setObjectName("outcome");
+  setAccessibleName("What happened");
+  setTextFormat(Qt::RichText);
+  setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+  setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+  setText("&nbsp;");  // the line keeps its height
+  connect(this, &QLabel::linkActivated, this, [this](const QString& address) {
+    if (go_) go_(address.toInt());
+  });
+  timer_.setInterval(kLookMs);
+  connect(&timer_, &QTimer::timeout, this, [this] { showRunning(); });
+}
+
+QString OutcomeLine::nameOf(const Control& control) const {
+  const Controls& c = controls_;
+  const std::array<std::pair<const Control*, const char*>, 13> commands{{
+      {&c.Read_button, "Read"},
+      {&c.menuReadCode, "Read"},
+      {&c.Blank_button, "Blank check"},
+      {&c.menuBlankCheck, "Blank check"},
+      {&c.Verify_button, "Verify"},
+      {&c.menuVerifyCode, "Verify"},
+      {&c.Program_button, "Program"},
+      {&c.menuProgramCode, "Program"},
+      {&c.EraseFlash_button, "Erase chip"},
+      {&c.menuEraseFlash, "Erase chip"},
+      {&c.Display_button, "Display"},
+      {&c.TestHardware_button, "Hardware test"},
+      {&c.menuTestHardware, "Hardware test"},
+  }};
+  for (const auto& [pressed, name] : commands) {
+    if (pressed == &control) return name;
+  }
+  return {};
+}
+
+void OutcomeLine::begin(const Control& control) {
+  running_ = nameOf(control);
+  clock_.start();
+  if (running_.isEmpty()) return;
+  showRunning();
+  timer_.start();
+}
+
+void OutcomeLine::showRunning() {
+  const std::int32_t address = state_.LinearAddress;
+  const bool isWalking = controls_.ProgressBar1.value() > 0 && address < state_.DeviceSizeBytes;
+  const QString where = isWalking ? " at " + hexAddress(address) : QString();
+  showText(running_ + " is running" + where, Colour::ButtonText);
+}
+
+void OutcomeLine::end(const Control& control, const CommandResult& result, qint64 asked) {
+  timer_.stop();
+  lasted_ = clock_.isValid() ? clock_.elapsed() - asked : 0;
+  const QString command = nameOf(control);
+  if (command.isEmpty()) return;
+  switch (result.ending) {
+    case Ending::Done:
+      return showText(doneText(command), Colour::Green);
+    case Ending::Cancelled:
+    case Ending::Stopped:
+      return showText(failedText(command, result), Colour::ButtonText);
+    default:
+      return showText(failedText(command, result), Colour::Red);
+  }
+}
+
+QString OutcomeLine::doneText(const QString& command) const {
+  QString text = command + ": done";
+  const QString sum = QString::fromStdString(state_.DeviceChecksumText);
+  const bool isWalk = command == "Read" || command == "Verify";
+  if (isWalk && !sum.isEmpty()) text += ", sum " + sum.toHtmlEscaped();
+  return text + QString(", %1 s").arg(static_cast<double>(lasted_) / kMsPerSecond, 0, 'f', 1);
+}
+
+QString OutcomeLine::failedText(const QString& command, const CommandResult& result) const {
+  QString reason = QString::fromStdString(result.reason).toHtmlEscaped();
+  if (result.address) {
+    reason += QString(" <a href=\"%1\">show %2</a>")
+                  .arg(*result.address)
+                  .arg(hexAddress(*result.address));
+  }
+  return command + ": " + reason;
+}
+
+void OutcomeLine::showText(const QString& richText, Colour colour) {
+  QPalette own = palette();
+  own.setColor(QPalette::WindowText, inkColour(colour, own));
+  setPalette(own);
+  setText(richText);
+  setAccessibleDescription(QString(richText).remove(QRegularExpression("<[^>]*>")));
+}
+
+}  // namespace kestrel::window

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QLabel>
+#include <QTimer>
+#include <cstdint>
+#include <functional>
+
+#include "app/state/controls.h"
+#include "app/state/ending.h"
+#include "app/state/programmer_state.h"
+
+namespace kestrel::window {
+
+/// One line that tells which command runs and at which address, and afterwards what came of it.
+class OutcomeLine final : public QLabel {
+ public:
+  OutcomeLine(const Controls& controls, const ProgrammerState& state, QWidget* parent);
+
+  /// A click on the address of what failed.
+  void onAddress(std::function<void(std::int32_t address)> go) { go_ = std::move(go); }
+
+  /// A control was pressed; the line follows the commands on the chip and leaves the others.
+  void begin(const Control& control);
+  /// `asked`: milliseconds that questions took.
+  void end(const Control& control, const CommandResult& result, qint64 asked);
+
+  /// Milliseconds of the last command, questions not counted.
+  [[nodiscard]] qint64 lasted() const { return lasted_; }
+
+ private:
+  [[nodiscard]] QString nameOf(const Control& control) const;
+  [[nodiscard]] QString doneText(const QString& command) const;
+  [[nodiscard]] QString failedText(const QString& command, const CommandResult& result) const;
+  void showRunning();
+  void showText(const QString& richText, Colour colour);
+
+  const Controls& controls_;
+  const ProgrammerState& state_;
+  std::function<void(std::int32_t)> go_;
+  QString running_;
+  QTimer timer_;
+  QElapsedTimer clock_;
+  qint64 lasted_ = 0;
+};
+
+}  // namespace kestrel::window

@@ -1,0 +1,96 @@
+#include "operations/programming_facts.h"
+
+#include <array>
+#include <filesystem>
+#include <iomanip>
+#include <sstream>
+#include <string>
+
+#include "app/state/text_format.h"
+#include "devices/families.h"
+#include "platform/file_names.h"
+
+namespace kestrel::operations {
+namespace {
+
+constexpr int kAnyVoltageClass = 3;  // the user chooses between 12.5, 21 and 25 V
+constexpr double kUsualVolts = 12.5;
+
+std::string bytes(std::int32_t count) {
+  return std::to_string(count) + (count == 1 ? " byte" : " bytes");
+}
+
+Fact imageFact(const SelectionState& device, const BufferState& buffers) {
+  const std::string name = std::filesystem::path(buffers.CodeFileName).filename().string();
+  switch (buffers.CodeFrom) {
+    case CodeSource::File:
+      return {.text = "Image: " + shownName(name) + ", " + bytes(buffers.CodeLength)};
+    case CodeSource::Chip:
+      return {.text = "Image: read from " + buffers.CodeReadFrom,
+              .isWarning = buffers.CodeReadFrom != trimmed(device.DeviceName)};
+    case CodeSource::Erased:
+      return {.text = "Image: the erased buffer", .isWarning = true};
+    case CodeSource::Start:
+      break;
+  }
+  return {.text = "Image: the buffer as it stands, no file was opened", .isWarning = true};
+}
+
+std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buffers) {
+  if (buffers.CodeFrom != CodeSource::File) return {};
+  const std::int32_t more = buffers.CodeLength - device.DeviceSizeBytes;
+  if (more > 0) {
+    return {{.text = "The file is longer than the chip: the last " + bytes(more) + " are left out",
+             .isWarning = true}};
+  }
+  if (more < 0) {
+    return {{.text = "The file is shorter than the chip: the last " + bytes(-more) +
+                     " get what stands in the buffer",
+             .isWarning = true}};
+  }
+  return {};
+}
+
+std::vector<Fact> laneFacts(const Controls& controls) {
+  const auto lane = [](const char* name) -> std::vector<Fact> {
+    return {{.text = std::string("Only the ") + name + " bytes, into the first half of the chip",
+             .isWarning = true}};
+  };
+  if (controls.HiLow_button[1].value()) return lane("odd");
+  if (controls.HiLow_button[2].value()) return lane("even");
+  return {};
+}
+
+Fact voltageFact(const SelectionState& device) {
+  const std::optional<double> volts = voltageToApply(device);
+  if (!volts) return {.text = "Voltage: 5 V alone"};
+  std::ostringstream text;
+  text << "Programming voltage: " << *volts << " V";
+  return {.text = text.str(), .isWarning = *volts > kUsualVolts};
+}
+
+}  // namespace
+
+std::optional<double> voltageToApply(const SelectionState& device) {
+  const devices::Family& family = devices::familyOf(device.FamilyCode);
+  if (family.vppPin == devices::VppPin::None) return std::nullopt;
+  const bool isChosen = family.takes21And25V && device.VppClass == kAnyVoltageClass;
+  if (isChosen && device.VppVolts > kUsualVolts) return device.VppVolts;
+  return kUsualVolts;
+}
+
+std::vector<Fact> programmingFacts(const SelectionState& device, const BufferState& buffers,
+                                   const Controls& controls) {
+  std::vector<Fact> facts{{.text = "Device: " + std::string(trimmed(device.DeviceName)) + ", " +
+                                   bytes(device.DeviceSizeBytes)},
+                          imageFact(device, buffers)};
+  for (const auto& more : {sizeFacts(device, buffers), laneFacts(controls)}) {
+    facts.insert(facts.end(), more.begin(), more.end());
+  }
+  facts.push_back(voltageFact(device));
+  const bool isVerified = controls.VerifyAfterProgramming.isTicked();
+  facts.push_back({.text = isVerified ? "Verified afterwards" : "Not verified afterwards"});
+  return facts;
+}
+
+}  // namespace kestrel::operations

@@ -1,0 +1,96 @@
+#include <gmock/gmock.h>
+
+#include "app/window/board_panel.h"
+#include "app/window/device_card.h"
+#include "devices/pinouts.h"
+#include "simulator/chip_factory.h"
+#include "simulator/package.h"
+#include "window/window_rig.h"
+
+namespace kestrel::test {
+namespace {
+
+using ::testing::HasSubstr;
+
+std::string textOf(WindowRig& rig, const char* label) {
+  return rig.find<QLabel>(label).text().toStdString();
+}
+
+// The simulated packages know nothing of the program's drawing.
+TEST(Socket, eachChipIsDrawnWhereItsPinsMeetTheBoard) {
+  StartedRig rig;
+  int drawn = 0;
+  for (const auto& row : rig.form.state().DeviceTable) {
+    const std::string type = launch::chipTypeForDevice(row[0]);
+    if (type.empty()) continue;
+    const devices::Pinout pinout = devices::pinoutOf(row[1] + row[2]);
+    const sim::Package package = sim::makeChip(type)->package();
+    ASSERT_GT(pinout.count(), 0) << row[0];
+    for (int pin = 1; pin <= pinout.count(); ++pin) {
+      EXPECT_EQ(sim::socketPins(package, sim::pin(pin)), sim::pin(pinout.socketPin(pin))) << row[0];
+    }
+    ++drawn;
+  }
+  EXPECT_GT(drawn, 30);
+}
+
+TEST(Socket, theSignStandsAsLongAsTheVoltageIsOn) {
+  StartedRig rig("2764");
+  QTest::mouseClick(&rig.find("Voltage_button(2)"), Qt::LeftButton);
+  rig.openFile("image.bin", countingBytes(8'192));
+  auto& sign = rig.find<QLabel>("vppSign");
+  std::string during;
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, &look, [&] {
+    if (sign.isVisible() && rig.board().vppMillivolts() > 0) during = sign.text().toStdString();
+  });
+  look.start(20);
+  const WithDialog question = answering(QMessageBox::Ok);
+  rig.click("Program_button");
+  EXPECT_THAT(during, HasSubstr("VPP ON 21 V"));
+  EXPECT_FALSE(sign.isVisible());
+}
+
+TEST(Socket, anotherChipThanTheDeviceIsSeen) {
+  StartedRig rig("27C256");
+  window::watchSocket(*rig.WindowRig::program.simulated(), rig.window.deviceCard());
+  EXPECT_EQ(textOf(rig, "socketWarning"), "");
+  rig.select("2764");
+  EXPECT_THAT(textOf(rig, "socketWarning"), HasSubstr("another chip: 27C256"));
+  EXPECT_THAT(textOf(rig, "deviceFacts"), HasSubstr("VPP on pin 1 (socket 3)"));
+}
+
+TEST(Outcome, aClickOnTheFailingAddressShowsIt) {
+  StartedRig rig("27C256");
+  rig.openFile("image.bin", countingBytes(32'768));
+  rig.click("Verify_button");
+  auto& line = rig.find<QLabel>("outcome");
+  EXPECT_THAT(line.text().toStdString(), HasSubstr("differs from the buffer at address 0"));
+  rig.click("Error_label");
+  std::vector<std::uint8_t> chip = countingBytes(32'768);
+  chip[0x1234] ^= 1;
+  rig.board().loadChip(chip);
+  rig.click("Verify_button");
+  ASSERT_THAT(line.text().toStdString(), HasSubstr("show 01234h"));
+  emit line.linkActivated("4660");
+  rig.turn();
+  EXPECT_TRUE(rig.displayed("001230|"));
+}
+
+TEST(SafetyQuestion, tellsWhatWillBeDoneAndWhatDoesNotFit) {
+  StartedRig rig("27C256");
+  rig.openFile("image.bin", countingBytes(32'000));
+  QString facts;
+  const WithDialog question([&](QDialog& dialog) {
+    facts = dynamic_cast<QMessageBox&>(dialog).informativeText();
+    dialog.reject();
+  });
+  rig.click("Program_button");
+  for (const char* const fact :
+       {"Eprom 27C256, 32768 bytes", "image.bin, 32000 bytes", "the last 768 bytes", "12.5 V"}) {
+    EXPECT_THAT(facts.toStdString(), HasSubstr(fact));
+  }
+}
+
+}  // namespace
+}  // namespace kestrel::test
