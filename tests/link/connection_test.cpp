@@ -74,18 +74,6 @@ struct Connected : testing::Test {
   LinkConnection connection{line};
 };
 
-TEST(Connect, takesWhatTheWelcomeTells) {
-  ScriptedLine line;
-  line.answer(AnswerKind::Trouble, 9, {1});  // of the reset that opening the line has caused
-  line.welcome(0);
-  LinkConnection connection(line);
-  connection.connect();
-  EXPECT_EQ(connection.adapter().name, "LINK");
-  EXPECT_EQ(connection.adapter().blockBytes, 100U);
-  EXPECT_EQ(connection.adapter().windowBytes, 20U);
-  EXPECT_EQ(connection.adapter().mostReads, 4U);
-}
-
 TEST(Connect, tellsWhyItFailed) {
   ScriptedLine silent;
   EXPECT_EQ(problemOf([&] { LinkConnection(silent).connect(); }), LinkProblem::NoAnswer);
@@ -107,17 +95,6 @@ TEST_F(Connected, sendsNothingUntilAStatusIsAskedFor) {
   ASSERT_EQ(line.writes.size(), 1U);
   EXPECT_THAT(Bytes(line.writes[0].begin() + 1, line.writes[0].end() - 2),
               ElementsAre(0x01, 3, 0x40, 0x5A, 0x15));
-}
-
-TEST_F(Connected, readsSeveralInOneRoundTripInAnyOrder) {
-  connection.writeControl(5);
-  const auto low = connection.askStatus();
-  connection.writeControl(1);
-  const auto high = connection.askStatus();
-  line.answer(AnswerKind::Done, 1, {0x11, 0x22});
-  EXPECT_EQ(connection.statusOf(high), 0x22);
-  EXPECT_EQ(connection.statusOf(low), 0x11);
-  EXPECT_EQ(line.writes.size(), 1U);
 }
 
 // 20 bytes may follow an unanswered block: the second block of 11 has room behind the first, the
@@ -171,14 +148,6 @@ TEST_F(Connected, endsWithTheCauseThatTheAdapterTells) {
 TEST_F(Connected, takesNoAnswerToAnotherBlock) {
   line.answer(AnswerKind::Done, 2, {0x38});
   EXPECT_EQ(problemOf([&] { static_cast<void>(connection.readStatus()); }), LinkProblem::NoAnswer);
-}
-
-TEST_F(Connected, saysGoodbye) {
-  line.answer(AnswerKind::Done, 1, {});
-  connection.goodbye();
-  ASSERT_EQ(line.writes.size(), 1U);
-  EXPECT_EQ(line.writes[0].at(1), 0x81);
-  EXPECT_EQ(line.writes[0].at(2), 0);
 }
 
 }  // namespace

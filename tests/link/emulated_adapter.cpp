@@ -12,19 +12,23 @@
 #include <cstring>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 /// simavr gives back little of what it takes for a processor.
 extern "C" const char* __lsan_default_suppressions();
 extern "C" const char* __lsan_default_suppressions() { return "leak:libsimavr"; }
 
 namespace kestrel::test {
+
+using Cycles = EmulatedAdapter::Cycles;
+
 namespace {
 
 constexpr std::uint16_t kBase = 0x378;
 constexpr sim::Nanoseconds kNsPer2Cycles = 125;  // 62.5 ns a cycle
 
 // How often the status lines follow a chip that changes by itself.
-constexpr EmulatedAdapter::Cycles kRefreshCycles = 160;
+constexpr Cycles kRefreshCycles = 160;
 
 // The wiring of the adapter, from processor pins to the 25-pin connector (docs/link.md). A pin that
 // is no output floats; the control lines have resistors.
@@ -130,7 +134,7 @@ void EmulatedAdapter::wireOutputs() {
   avr_ioctl(processor_, kUartFlagsRequest, &flags);
 }
 
-EmulatedAdapter::Cycles EmulatedAdapter::now() const { return processor_->cycle; }
+Cycles EmulatedAdapter::now() const { return processor_->cycle; }
 
 void EmulatedAdapter::letTimePass() {
   const auto moment = static_cast<sim::Nanoseconds>(now()) * kNsPer2Cycles / 2;
@@ -264,6 +268,39 @@ std::uint16_t EmulatedAdapter::patchProgram(std::uint32_t place, std::uint16_t i
   code[0] = static_cast<std::uint8_t>(instruction);
   code[1] = static_cast<std::uint8_t>(instruction >> 8);
   return before;
+}
+
+EmulatedLine::EmulatedLine(EmulatedAdapter& adapter, Cycles latency)
+    : adapter_(adapter), latency_(latency) {
+  adapter_.onByte([this](std::uint8_t value, Cycles at) {
+    arrived_.push_back({.value = value, .at = at + latency_ / 2});
+  });
+}
+
+void EmulatedLine::write(std::span<const std::uint8_t> bytes) {
+  for (const std::uint8_t value : bytes) {
+    const auto damage = std::exchange(damage_, std::uint8_t{0});
+    adapter_.send(static_cast<std::uint8_t>(value ^ damage), adapter_.now() + latency_ / 2);
+  }
+}
+
+void EmulatedLine::writeUrgently(std::uint8_t value) noexcept {
+  adapter_.send(value, adapter_.now() + latency_ / 2);
+}
+
+std::size_t EmulatedLine::read(std::span<std::uint8_t> bytes, std::chrono::milliseconds limit) {
+  const Cycles end =
+      adapter_.now() + static_cast<Cycles>(limit.count()) * EmulatedAdapter::kCyclesPerMs;
+  while (!hasByte() && adapter_.now() < end) {
+    const Cycles next = arrived_.empty() ? adapter_.now() + 1 : arrived_.front().at;
+    adapter_.runUntil(std::min(next, end));
+  }
+  std::size_t count = 0;
+  while (count < bytes.size() && hasByte()) {
+    bytes[count++] = arrived_.front().value;
+    arrived_.pop_front();
+  }
+  return count;
 }
 
 }  // namespace kestrel::test

@@ -17,18 +17,14 @@
 #include <chrono>
 #include <cstdio>
 #include <deque>
-#include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <system_error>
 #include <vector>
 
+#include "app/launch/simulated_board.h"
 #include "link/emulated_adapter.h"
-#include "simulator/chip_factory.h"
 
 namespace kestrel::test {
 namespace {
@@ -39,66 +35,24 @@ using SteadyClock = std::chrono::steady_clock;
 
 std::atomic<bool> isEnded{false};
 
-struct Options {
-  sim::Model model = sim::Model::kestrel5;
-  std::string chipType;
-  std::filesystem::path chipFile;
-};
-
-Options readOptions(std::span<char*> arguments) {
-  Options options;
-  for (std::size_t i = 1; i + 1 < arguments.size(); i += 2) {
+launch::LaunchOptions readOptions(std::span<char*> arguments) {
+  launch::LaunchOptions options;
+  options.simulate = true;
+  for (std::size_t i = 1; i < arguments.size(); i += 2) {
     const std::string name = arguments[i];
-    const std::string value = arguments[i + 1];
-    if (name == "--model" && (value == "4" || value == "5" || value == "6")) {
-      options.model = static_cast<sim::Model>(std::stoi(value));
+    const std::string value = i + 1 < arguments.size() ? arguments[i + 1] : "";
+    if (name == "--model") {
+      options.model = launch::parseModel(value);
     } else if (name == "--chip") {
-      const std::size_t equals = std::min(value.find('='), value.size());
-      options.chipType = value.substr(0, equals);
-      options.chipFile = value.substr(std::min(equals + 1, value.size()));
+      options.chip = launch::parseChip(value);
     } else {
-      throw std::invalid_argument("unknown option " + name + " " + value);
+      throw launch::UsageError("usage: emulated-link [--model 4|5|6] [--chip TYPE[=FILE]]");
     }
   }
-  if (arguments.size() % 2 == 0) {
-    throw std::invalid_argument("usage: emulated-link [--model 4|5|6] [--chip TYPE[=FILE]]");
-  }
+  if (!options.chip)
+    options.faults.push_back({.kind = launch::Fault::Kind::EmptySocket, .value = 0});
   return options;
 }
-
-/// The chip in the socket and the file of its contents.
-class ChipFile {
- public:
-  ChipFile(sim::Board& board, const Options& options) : board_(board), path_(options.chipFile) {
-    if (options.chipType.empty()) return;
-    auto chip = sim::makeChip(options.chipType);
-    if (!chip) throw std::invalid_argument("no such chip: " + options.chipType);
-    board_.insert(std::move(chip));
-    if (std::ifstream file(path_, std::ios::binary); file) {
-      written_.assign(std::istreambuf_iterator<char>(file), {});
-      board_.loadChip(written_);
-    }
-  }
-
-  void writeChanges() {
-    if (path_.empty() || board_.chip() == nullptr) return;
-    const auto contents = board_.chip()->contents();
-    if (std::ranges::equal(contents, written_)) return;
-    written_.assign(contents.begin(), contents.end());
-    auto beside = path_;
-    beside += ".new";
-    std::ofstream file(beside, std::ios::binary);
-    std::copy(written_.begin(), written_.end(), std::ostreambuf_iterator<char>(file));
-    file.close();
-    if (!file) throw std::runtime_error("cannot write " + beside.string());
-    std::filesystem::rename(beside, path_);
-  }
-
- private:
-  sim::Board& board_;
-  std::filesystem::path path_;
-  Bytes written_;
-};
 
 /// The adapter's end of a pseudo terminal.
 class Terminal {
@@ -198,10 +152,9 @@ void endAtSignals() {
   ::sigaction(SIGTERM, &action, nullptr);
 }
 
-void serve(const Options& options) {
-  sim::Bench bench;
-  ChipFile chip(bench.plug(options.model, 0x378), options);
-  EmulatedAdapter adapter(KESTREL_LINK_PROGRAM, bench);
+void serve(const launch::LaunchOptions& options) {
+  launch::SimulatedBoard simulated(options, "");
+  EmulatedAdapter adapter(KESTREL_LINK_PROGRAM, simulated.bench());
   const Terminal terminal;
   Server server(adapter, terminal);
   endAtSignals();
@@ -210,11 +163,11 @@ void serve(const Options& options) {
   while (!isEnded) {
     server.turn();
     if (SteadyClock::now() - writtenAt < std::chrono::milliseconds(250)) continue;
-    chip.writeChanges();
+    simulated.saveChip();
     writtenAt = SteadyClock::now();
   }
-  chip.writeChanges();
-  for (const sim::Finding& finding : bench.findings().all()) {
+  simulated.saveChip();
+  for (const sim::Finding& finding : simulated.bench().findings().all()) {
     std::cerr << "finding: " << finding.text << " (" << finding.count << ")\n";
   }
 }

@@ -96,19 +96,6 @@ TEST(Guard, switchesOffWhenItsProgramHangs) {
   expectOffAfter([](AdapterRig& rig) { rig.adapter.hang(); }, 300);
 }
 
-// The pulse's block may be damaged, or bytes that belong to none may come after it: a wrong block
-// does nothing, a hurt line ends everything.
-TEST(Guard, switchesOffAtNoise) {
-  std::mt19937 random(4);
-  expectOffAfter(
-      [&random](AdapterRig& rig) {
-        // Neither of the marks that mean something alone.
-        for (int i = 0; i < 8; ++i)
-          rig.adapter.send(static_cast<std::uint8_t>(random() & 0x3FU), 0);
-      },
-      600);
-}
-
 void sendDamagedBlock(sim::Model model, std::size_t place, unsigned bit) {
   AdapterRig rig(model);
   rig.connect();

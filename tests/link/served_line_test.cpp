@@ -1,6 +1,5 @@
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,7 +11,7 @@
 #include <thread>
 #include <vector>
 
-#include "link/connection.h"
+#include "link/adapter_rig.h"
 #include "link/link_error.h"
 #include "link/serial_line.h"
 #include "support/temporary_folder.h"
@@ -30,12 +29,13 @@ class ServedLine {
     words.push_back(nullptr);
     int ends[2];
     EXPECT_EQ(::pipe(ends), 0);
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
-    posix_spawn_file_actions_addclose(&actions, ends[0]);
-    EXPECT_EQ(::posix_spawn(&process_, words[0], &actions, nullptr, words.data(), environ), 0);
-    posix_spawn_file_actions_destroy(&actions);
+    process_ = ::fork();
+    if (process_ == 0) {
+      ::dup2(ends[1], STDOUT_FILENO);
+      ::close(ends[0]);
+      ::execv(words[0], words.data());
+      ::_exit(127);
+    }
     ::close(ends[1]);
     for (char letter = 0; ::read(ends[0], &letter, 1) == 1 && letter != '\n';) name += letter;
     ::close(ends[0]);
@@ -55,13 +55,6 @@ class ServedLine {
   pid_t process_ = -1;
 };
 
-void load(LinkConnection& connection, unsigned idle, unsigned value) {
-  connection.writeData(static_cast<std::uint8_t>(value));
-  connection.writeControl(static_cast<std::uint8_t>(idle));
-  connection.writeControl(static_cast<std::uint8_t>(idle ^ 1U));
-  connection.writeControl(static_cast<std::uint8_t>(idle));
-}
-
 struct Served : testing::Test {
   test::TemporaryFolder folder;
   std::filesystem::path file = folder.path() / "chip.bin";
@@ -74,23 +67,18 @@ TEST_F(Served, writesAByteThatIsInTheFileAtTheEnd) {
     LinkConnection connection(line);
     connection.connect();
     EXPECT_EQ(connection.adapter().name, "KESTREL LINK");
-    load(connection, 0x05, 0x40);
-    load(connection, 0x07, 0x21);  // address 21h
-    load(connection, 0x0D, 0x40);
-    load(connection, 0x0F, 0x06);  // supply, /CE low, latch 4 on the bus
-    load(connection, 0x01, 0x5A);
-    load(connection, 0x0D, 0x00);  // /WE
-    load(connection, 0x0D, 0x40);
+    test::LinkedBoard board(connection, sim::Model::kestrel6);
+    board.load(0, 0x40);
+    board.load(2, 0x21);  // address 21h
+    board.load(1, 0x40);
+    board.load(3, 0x06);  // supply, /CE low, latch 4 on the bus
+    board.load(4, 0x5A);
+    board.load(1, 0x00);  // /WE
+    board.load(1, 0x40);
     connection.waitMilliseconds(20);
-    load(connection, 0x0F, 0x46);
-    load(connection, 0x05, 0x00);
-    connection.writeControl(0x05);
-    const auto low = connection.askStatus();
-    connection.writeControl(0x01);
-    const auto high = connection.askStatus();
-    const unsigned value =
-        (connection.statusOf(low) >> 3U & 0x0FU) | (connection.statusOf(high) >> 3U & 0x0FU) << 4U;
-    EXPECT_EQ(value, 0x5AU);
+    board.load(3, 0x46);
+    board.load(0, 0x00);
+    EXPECT_EQ(board.readByte(), 0x5A);
     connection.goodbye();
   }
   served.end(SIGTERM);
