@@ -31,23 +31,6 @@ TEST(Read, savesTheChipByteForByteWithItsChecksum) {
                 work.path("out.bin") + "\n");
 }
 
-TEST(Read, savesEveryPackageByteForByte) {
-  for (const auto& [type, bytes] : {std::pair("2732A", 4096U),
-                                    {"2764", 8192U},
-                                    {"27C512", 65536U},
-                                    {"27C010", 131072U},
-                                    {"27C020", 262144U}}) {
-    const Workplace work;
-    std::string chip(bytes, '\0');
-    for (unsigned i = 0; i < bytes; ++i) chip[i] = static_cast<char>((i * 2654435761U) >> 24U);
-    work.put("chip.bin", chip);
-    const std::string name(type);
-    EXPECT_EQ(work.simulate("--chip " + name + "=chip.bin read -d " + name + " -o out.bin").status,
-              0);
-    EXPECT_TRUE(work.text("out.bin") == chip) << name;
-  }
-}
-
 // From one run to the next the chip is its file.
 TEST(Program, thenVerifyInAnotherRunByTheChipsFile) {
   const Workplace work;

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/atomic_file.h"
-#include "support/form_rig.h"
+#include "support/script_form.h"
 
 namespace kestrel::test {
 namespace {
@@ -77,6 +77,28 @@ TEST(NoBoard, isSaidAndThePortKept) {
   EXPECT_EQ(d.c.PortSelected.text(), "None");
   EXPECT_FALSE(d.c.LPTSelection[2].value());
   EXPECT_EQ(d.rig.state.PortBase, 0x3BC);
+}
+
+// The status bytes of a board at 278h; the other ports are silent.
+TEST(Signatures, tellTheModelsAndAForcedModelsCodesAreApplied) {
+  const std::vector<std::pair<std::deque<std::uint8_t>, const char*>> cases{
+      {{0x0F, 0xF0, 0xFF, 0xFF, 0x78, 0x70, 0x70, 0x78}, "MODEL 5 - PC port 278h"},  // FEh
+      {{0x00, 0x70, 0x8F, 0x7F}, "MODEL 4 - PC port 278h"},  // both signatures
+      {{0x10, 0x70, 0x00, 0x60}, "NO HARDWARE FOUND"},
+      {{0x40, 0x70, 0x00, 0x30}, "NO HARDWARE FOUND"}};
+  ScriptForm f;
+  f.load();
+  for (const auto& [answers, caption] : cases) {
+    f.port.answers = answers;
+    ASSERT_TRUE(f.rig.press("menuTestHardware"));
+    EXPECT_EQ(f.c.KestrelHardwareFound.caption(), caption);
+  }
+  f.c.LPTSelection[1].press();
+  (void)f.port.taken();
+  ASSERT_TRUE(f.rig.press("ForceKestrel4"));
+  EXPECT_TRUE(f.port.taken().starts_with("278=40 27A=0A 27A=0B 27A=0A 278=00 27A=02 "));
+  EXPECT_EQ(f.c.KestrelHardwareFound.caption(), "Operator Forced Model 4");
+  EXPECT_EQ(f.rig.log().back(), "KESTREL-4 Device was FORCED by Operator");
 }
 
 }  // namespace

@@ -86,15 +86,5 @@ TEST(DeviceDisplay, hasItsOwnCharactersAndDrawsPage0) {
   EXPECT_EQ(s.board->latch(2), 0xFF);
 }
 
-TEST(DeviceDisplay, drawsNothingOfASerialChip) {
-  PreparedForm s("24C16", "Eeprom 24C16", {}, randomBytes(2048, 5), sim::Model::kestrel5,
-                 SimulatedForm::Trace::On);
-  const std::string before = s.rig.controls.BufferDisplay.text();
-  s.rig.press("Display_button");
-  EXPECT_EQ(s.rig.controls.BufferDisplay.text(), before);
-  EXPECT_THAT(s.rig.log(), ElementsAre("Fetching Device Binary Contents to Screen"));
-  EXPECT_EQ(s.trace.str(), "");
-}
-
 }  // namespace
 }  // namespace kestrel::test

@@ -13,9 +13,8 @@ constexpr sim::Model kModels[]{sim::Model::kestrel4, sim::Model::kestrel5, sim::
 /// device chosen, the image open. The flash rows, which the list calls not available, are opened.
 struct PreparedForm : SimulatedForm {
   PreparedForm(const std::string& chip, const std::string& device, Bytes givenImage,
-               const Bytes& contents = {}, sim::Model model = sim::Model::kestrel5,
-               Trace tracing = Trace::Off)
-      : SimulatedForm(model, tracing), image(std::move(givenImage)) {
+               const Bytes& contents = {}, sim::Model model = sim::Model::kestrel5)
+      : SimulatedForm(model, Trace::Off), image(std::move(givenImage)) {
     start();
     insert(chip, contents);
     for (auto& row : rig.state.DeviceTable) {
@@ -26,7 +25,6 @@ struct PreparedForm : SimulatedForm {
     if (!image.empty()) rig.openImage(image);
     rig.clearLog();
     bench.findings().clear();
-    trace.str("");
   }
   /// What the first bytes of a buffer that was empty are after Read.
   [[nodiscard]] Bytes read(std::size_t count) {

@@ -150,14 +150,25 @@ TEST(CodeLengths, thatAreOddProgramAndReadAllTheSame) {
   }
 }
 
-TEST(FileLengths, thatAreShortLeaveWhatIsBehindThem) {
+TEST(NotProgrammed, isAChipThatIsNotBlankAndAFamilyWithoutARoutine) {
   PreparedEprom s("27C64", sparse(8192));
-  s.rig.openImage({0x11, 0x22});
+  Bytes contents(8192, 0xFF);
+  contents[0x123] = 0x7F;
+  s.board->loadChip(contents);
+  s.rig.controls.CheckBlankPriorProgramming.press();
   s.rig.program();
-  auto expected = s.image;
-  expected[0] = 0x11;
-  expected[1] = 0x22;
-  EXPECT_TRUE(s.chipContents() == expected);
+  EXPECT_TRUE(s.rig.logged("Address: 123 ][ Device Data: 7F"));
+  EXPECT_TRUE(s.chipContents() == contents);
+  EXPECT_FALSE(s.rig.press("Program_button"));
+  s.rig.clearLog();
+  s.rig.program("menuProgramCode");  // the question, and nothing more
+  EXPECT_THAT(s.rig.log(), testing::ElementsAre("Programming Button Pressed"));
+  EXPECT_TRUE(s.rig.press("Error_label"));
+  s.rig.controls.CheckBlankPriorProgramming.press();
+  s.rig.state.FamilyCode = "PM";
+  s.rig.program();
+  EXPECT_EQ(s.rig.log().back(), "Device Not Supported - Status 9 - Please Report");
+  EXPECT_TRUE(s.chipContents() == contents);
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include "driver/prepared_form.h"
-#include "support/board_trace.h"
 
 namespace kestrel::test {
 namespace {
@@ -13,14 +12,8 @@ const std::string kNoAcknowledge = "Device 24CXX DOES NOT RESPOND - ACK Error";
 
 struct SerialForm : PreparedForm {
   SerialForm(const std::string& chip, const Bytes& given, const Bytes& contents = {},
-             sim::Model model = sim::Model::kestrel5, Trace tracing = Trace::Off)
-      : PreparedForm(chip, "Eeprom " + chip, given, contents, model, tracing) {}
-
-  /// What has been on the wires since the last call.
-  [[nodiscard]] std::string onTheWires() {
-    const std::string taken = std::exchange(trace, std::ostringstream()).str();
-    return TwoWireDecoder().decode(boardEvents(taken, 5, rig.state.BusDelayCount));
-  }
+             sim::Model model = sim::Model::kestrel5)
+      : PreparedForm(chip, "Eeprom " + chip, given, contents, model) {}
 };
 
 struct Part {
@@ -95,26 +88,6 @@ TEST(Serial24C08And16, areErasedAsTheirWritersGo) {
   }
 }
 
-TEST(TwoWireWaveform, isTheSameAtEverySliderPosition) {
-  std::string page;
-  for (int i = 0; i < 32; ++i) page += " 5Aa";
-  for (std::int32_t slider = 1; slider <= 20; ++slider) {
-    SerialForm s("24C32", Bytes(4096, 0x5A), {}, sim::Model::kestrel5, SerialForm::Trace::On);
-    s.rig.controls.Slider1.setValue(slider);
-    s.rig.state.CodeLength = 64;
-    s.rig.program();
-    std::string wires = s.onTheWires();
-    // However often the chip is polled while it writes.
-    for (std::size_t at; (at = wires.find(" S A0 ")) != std::string::npos;) wires.erase(at, 5);
-    for (std::size_t at; (at = wires.find(" S A0n ")) != std::string::npos;) wires.erase(at, 6);
-    EXPECT_TRUE(
-        wires.ends_with("S A0a 00a 00a" + page + " P S A0a S A0a 00a 20a" + page + " P S A0a"))
-        << wires;
-    EXPECT_EQ(s.read(64), Bytes(64, 0x5A)) << slider;
-    EXPECT_NE(s.onTheWires().find("S A0a 00a 00a S A1a 5AA "), std::string::npos) << slider;
-  }
-}
-
 TEST(SerialFaults, endWithTheAcknowledgeReport) {
   using Fit = void (*)(SerialForm&);
   for (const Fit fit : {Fit([](SerialForm& s) { (void)s.board->takeOut(); }),
@@ -131,31 +104,6 @@ TEST(SerialFaults, endWithTheAcknowledgeReport) {
     EXPECT_TRUE(s.rig.press("Error_label"));
     EXPECT_TRUE(s.rig.program());
     EXPECT_TRUE(s.chipContents() == s.image);
-  }
-}
-
-// A line that is always low acknowledges everything: nothing is written and only Verify shows it.
-TEST(SerialFaults, aDataLineStuckLowShowsInVerify) {
-  SerialForm s("24C32", randomBytes(4096, 31));
-  s.board->stickDataLine(7, false);
-  s.rig.controls.VerifyAfterProgramming.press();
-  s.rig.program();
-  EXPECT_THAT(s.chipContents(), testing::Each(0xFF));
-  EXPECT_TRUE(s.rig.logged("Device Memory DOES NOT VERIFY with Buffer Contents"));
-  EXPECT_EQ(s.rig.state.VerifyFailed, 1);
-}
-
-// 50 polls last some 150 ms. A chip that writes longer does not answer the next page.
-TEST(SerialFaults, aWriteCycleMayLastAsLongAsThePolls) {
-  for (const auto& [cycleMs, succeeds] : {std::pair{100, true}, std::pair{400, false}}) {
-    SerialForm s("24C32", randomBytes(4096, 31));
-    s.rig.state.CodeLength = 64;
-    s.board->setChip({.writeCycle = sim::milliseconds(cycleMs)});
-    s.rig.program();
-    EXPECT_EQ(s.rig.logged("Programming Device Successfull"), succeeds);
-    EXPECT_EQ(s.rig.logged(kNoAcknowledge), !succeeds);
-    EXPECT_EQ(std::equal(s.image.begin(), s.image.begin() + 64, s.chipContents().begin()),
-              succeeds);
   }
 }
 

@@ -77,34 +77,6 @@ TEST_F(RealPortsTest, secondProgramIsToldAndChangesNothing) {
   EXPECT_EQ(second->taken(), Bases{0x378});
 }
 
-TEST_F(RealPortsTest, tellOfThePrinterDriverAndALockedDownKernel) {
-  fit("parport0", 956);
-  fs::create_directories(root / "proc/sys/dev/parport/parport0/devices/lp");
-  kernel.devices["/dev/parport0"].hasPrinterDriver = true;
-  write("sys/kernel/security/lockdown", "none [integrity] confidentiality\n");
-  EXPECT_THAT(open({"378=0xD010"})->diagnosis(),
-              ElementsAre(HasSubstr("locked down"), HasSubstr("sudo modprobe -r lp")));
-  EXPECT_EQ(bench.accessCount(), 0U) << "the printer's lines were moved";
-}
-
-TEST_F(RealPortsTest, leaveTheVoltagesOfEveryModelOffHoweverTheyWereOn) {
-  fit("parport0", 888);
-  for (const auto model : {sim::Model::kestrel4, sim::Model::kestrel5, sim::Model::kestrel6}) {
-    const sim::Board& board = bench.plug(model, 0x378);
-    auto ports = open();
-    for (const bool byHand : {true, false}) {
-      ports->port().PortOut(0x378, 0xBF);
-      ports->port().PortOut(0x37A, model == sim::Model::kestrel4 ? 0x0B : 0x04);
-      EXPECT_NE(board.vppPins(), 0U);
-      EXPECT_TRUE(!byHand || ports->switchOff());
-      if (!byHand) ports.reset();
-      EXPECT_EQ(board.latch(0), 0x40);
-    }
-    lines.PortOut(0x378, 0xFF);
-    for (std::size_t i = 0; i < 5; ++i) EXPECT_NE(board.latch(i), 0xFF) << i << " was left open";
-  }
-}
-
 const std::string kPort = "Port 378h (/dev/parport0): ";
 constexpr auto kHolder = "kestrel, process 4711";
 

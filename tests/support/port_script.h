@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -54,20 +53,5 @@ class PortScript final : public PortAccess, public Waits {
  private:
   std::string line_;
 };
-
-/// The accesses of one latch load on a model 5 or 6, from the wiring: "3 47" is 47h into latch 3.
-/// Several loads are separated by commas.
-inline std::string loads5(const std::string& loads, const std::string& base = "378",
-                          const std::string& control = "37A") {
-  static constexpr std::array<std::array<const char*, 2>, 5> kIdleAndStrobe{
-      {{"=05", "=04"}, {"=0D", "=0C"}, {"=07", "=06"}, {"=0F", "=0E"}, {"=01", "=00"}}};
-  std::string line;
-  for (std::size_t at = 0; at + 4 <= loads.size(); at += 5) {
-    const auto [idle, strobe] = kIdleAndStrobe.at(static_cast<std::size_t>(loads[at] - '0'));
-    line += (line.empty() ? "" : " ") + base + "=" + loads.substr(at + 2, 2) + " " + control +
-            idle + " " + control + strobe + " " + control + idle;
-  }
-  return line;
-}
 
 }  // namespace kestrel::test

@@ -45,36 +45,6 @@ TEST(FlashId, isReadBetweenIdentifyAndReset) {
                                read + "3=C4 0=48 0=40");
 }
 
-TEST(FlashId, namesEveryChip) {
-  struct Case {
-    std::uint8_t maker, device;
-    const char* name;
-    int pageSize, pageCount;
-  };
-  constexpr Case kCases[]{
-      {0x1C, 0x04, "1C04 - EON EN29F040 Flash Memory", 512, 1024},
-      {0x01, 0x20, "0120 - AMD am29F010 Flash Memory", 512, 256},
-      {0x01, 0xA4, "01A4 - AMD am29F040 Flash Memory", 512, 1024},
-      {0x37, 0x86, "3786 - AMIC A29040 Flash Memory", 512, 1024},
-      {0x37, 0xA4, "37A4 - AMIC A29010 Flash Memory", 512, 256},
-      {0x1F, 0x5B, "1F5B - ATMEL 29C040 Flash Memory", 512, 1024},
-      {0x1F, 0xA4, "1FA4 - ATMEL 29C040A Flash Memory", 256, 2048},
-      {0x1F, 0xDA, "1FDA - ATMEL 29C020 Flash Memory", 256, 1024},
-      {0x1F, 0x25, "1F25 - ATMEL 29C1024 Flash Memory", 128, 512},
-      {0x1F, 0xD5, "1FD5 - ATMEL 29C010 Flash Memory", 128, 1024},
-      {0x1F, 0x5D, "1F5D - ATMEL 29C512 Flash Memory", 128, 512},
-      {0x1F, 0xDC, "1FDC - ATMEL 29C256 Flash Memory", 64, 512},
-      {0xC2, 0x13, "C213 -  Not Valid!!!", 0, 0},
-  };
-  for (const Case& c : kCases) {
-    FlashRig rig({c.maker, c.device, 0, 0});
-    rig.identification.ReadFlashID();
-    EXPECT_THAT(rig.log(), ElementsAre(std::string("Device ID# ") + c.name));
-    EXPECT_EQ(rig.state.FlashPageSize, c.pageSize) << c.name;
-    EXPECT_EQ(rig.state.FlashPageCount, c.pageCount) << c.name;
-  }
-}
-
 TEST(FlashId, ofWhatIsNoFlashIsSaidSo) {
   FlashRig rig({0xFF, 0xFF, 0xFF, 0xFF});
   rig.identification.menuFlashShowCodeID_Click();

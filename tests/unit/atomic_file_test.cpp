@@ -280,23 +280,5 @@ TEST(FileTarget, clearsWhatAKilledOneLeftAndNothingElse) {
   EXPECT_TRUE(fs::exists(folder / "living"));
 }
 
-// A writer that is killed at any moment leaves one of the two contents, never a part of one.
-TEST(AtomicFile, aKilledWriterLeavesAWholeFile) {
-  const test::TemporaryFolder folder;
-  const fs::path file = folder / "image.bin";
-  const std::string first(200'000, 'a');
-  const std::string second(200'000, 'b');
-  writeFileAtomically(file, first);
-  for (unsigned delayUs = 0; delayUs < 20'000; delayUs += 1'000) {
-    const pid_t writer = ::fork();
-    for (; writer == 0; writeFileAtomically(file, first)) writeFileAtomically(file, second);
-    ::usleep(delayUs);
-    ::kill(writer, SIGKILL);
-    ::waitpid(writer, nullptr, 0);
-    const std::string now = readWholeTextFile(file);
-    EXPECT_TRUE(now == first || now == second);
-  }
-}
-
 }  // namespace
 }  // namespace kestrel

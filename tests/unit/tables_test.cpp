@@ -1,5 +1,6 @@
-// The catalogue against the pinouts and voltages of the data sheets.
+// The catalogue against the pinouts and voltages of the data sheets; what a chip's marking names.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include "app/state/text_format.h"
 #include "devices/device_table.h"
 #include "devices/families.h"
+#include "devices/part_marking.h"
 
 namespace kestrel {
 namespace {
@@ -79,6 +81,25 @@ TEST(Catalogue, keepsTheDevicesInTheirPlaces) {
   EXPECT_EQ(trimmed(items.at(38)), "Eeprom 24C32 Serial (8 pins)");
   EXPECT_EQ(trimmed(items.at(40)), "N/A - uC Atmel AT90S2313 Micro");
   EXPECT_NE(items.back(), "N/A - ") << "no empty rows behind the last device";
+}
+
+using devices::hasPart;
+using devices::partNames;
+using testing::ElementsAre;
+
+TEST(PartMarking, losesMakerRevisionPackageAndSpeedInThisOrder) {
+  EXPECT_THAT(partNames("m27c256b-12f1"), ElementsAre("27C256B", "27C256"));
+  EXPECT_THAT(partNames("AM27C010"), ElementsAre("27C010"));
+  EXPECT_THAT(partNames(" TMS2732A JL"), ElementsAre("2732A", "2732")) << "its own part first";
+  EXPECT_THAT(partNames("24C16/P"), ElementsAre("24C16"));
+  EXPECT_THAT(partNames("bootloader"), ElementsAre());
+}
+
+TEST(PartMarking, aDeviceHasThePartOfAnyOfItsWordsAndNoShorterOne) {
+  EXPECT_TRUE(hasPart("Eprom 27C256             ", "27C256"));
+  EXPECT_TRUE(hasPart("Eeprom XICOR X28C256", "28C256")) << "the maker's letter aside";
+  EXPECT_FALSE(hasPart("Eprom 2732A", "2732")) << "21 V and 25 V";
+  EXPECT_FALSE(hasPart("Eprom 27C256", "27C25"));
 }
 
 }  // namespace

@@ -47,28 +47,6 @@ TEST(TypicalRun, readsTheChipAndShowsItsPages) {
   EXPECT_EQ(rig.controls().VScroll1.value(), 127);
 }
 
-TEST(TypicalRun, readsEveryPackageByteForByteWithItsChecksum) {
-  for (const auto& [type, bytes] : {std::pair("2732A", 4096U),
-                                    {"2764", 8192U},
-                                    {"27C256", 32768U},
-                                    {"27C512", 65536U},
-                                    {"27C010", 131072U},
-                                    {"27C020", 262144U}}) {
-    StartedRig rig(type);
-    std::vector<std::uint8_t> contents(bytes);
-    unsigned sum = 0;
-    for (unsigned i = 0; i < bytes; ++i) {
-      contents[i] = static_cast<std::uint8_t>((i * 2654435761U) >> 24U);
-      sum += contents[i];
-    }
-    rig.board().loadChip(contents);
-    rig.click("Read_button");
-    EXPECT_TRUE(std::ranges::equal(contents, std::span(rig.form.state().CodeBuffer).first(bytes)));
-    const QString digits = QString("%1").arg(sum % 65536, 4, 16, QChar('0')).toUpper();
-    EXPECT_TRUE(rig.logged(qPrintable("Device CHKSUMM = $" + digits))) << type;
-  }
-}
-
 TEST(TypicalRun, anAlertIsRedStopsTheFourButtonsAndIsClickedAway) {
   StartedRig rig("27C256");
   rig.board().fitWeakCell(0x40);
