@@ -110,6 +110,7 @@ NO_MESSAGES = (
   "app/state/controls",  # captions: the pages of the window
   "devices/",  # names
   "guard/",  # refuses a start by hand
+  "images/",  # what is wrong with a file or a change: told with its remedy
   "link/",  # the line to an adapter, which no option offers yet: docs/link.md
   "display/exports.cpp",  # the heads of two files: formats.html
   "hardware/hardware_config.cpp",  # the text of a file: formats.html
