@@ -84,6 +84,20 @@ bool BufferFiles::ReadBinaryFile() {
   const bool isRead = tried("Can't Open Code File",
                             [&] { buffers_.FileBytes = readWholeFile(name, kCodeBufferBytes); });
   if (!isRead) return false;
+  showCode(name);
+  return true;
+}
+
+void BufferFiles::loadImage(const std::string& name, std::vector<std::uint8_t> image,
+                            const std::string& found) {
+  startOpening();
+  reporting_.LogMessage(found);
+  buffers_.FileBytes = std::move(image);
+  buffers_.CodeFileName.clear();
+  showCode(name);
+}
+
+void BufferFiles::showCode(const std::string& name) {
   controls_.FileNameCodeText.setCaption(upperCase(name));
   controls_.BufferDisplay.setText(kReadingText);
   lamps_.DataFlowLampOn();
@@ -98,7 +112,6 @@ bool BufferFiles::ReadBinaryFile() {
   showCodeLoaded();
   buffers_.CodeBufferValid = 1;
   reporting_.PlaySoundEvent("DONE");
-  return true;
 }
 
 // Bytes beyond the file keep what the buffer held before.
@@ -265,6 +278,13 @@ bool BufferFiles::writeData(const std::string& path) {
     writeFileAtomically(path, firstBytes(buffers_.DataBuffer, buffers_.DataLength));
     reporting_.LogMessage("File Sucessfully Saved as " + name);
     controls_.StatusBar.setText("");
+  });
+}
+
+void BufferFiles::exportImage(const std::string& name, std::span<const std::uint8_t> contents) {
+  (void)tried("Can't Save Code File", [&] {
+    writeFileAtomically(name, contents);
+    reporting_.LogMessage("File Sucessfully Saved as " + name);
   });
 }
 

@@ -2,7 +2,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
+#include <vector>
 
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
@@ -51,6 +53,14 @@ class BufferFiles {
   /// Loads a code file; CodeFileName keeps the earlier name when the file is refused.
   void openCodeFile(const std::string& name);
 
+  /// Takes over an image that was made of this file: what the file itself holds is something else,
+  /// so it is not the file to save into. `found` goes to the log.
+  void loadImage(const std::string& name, std::vector<std::uint8_t> image,
+                 const std::string& found);
+
+  /// Writes the contents of a file that were made of the code buffer.
+  void exportImage(const std::string& name, std::span<const std::uint8_t> contents);
+
   /// Fills the first 1 MB and one byte of the code buffer with FFh, whatever its length.
   void EraseCodeBuffer();
 
@@ -62,6 +72,7 @@ class BufferFiles {
   bool tried(const char* title, const std::function<void()>& steps);
   void startOpening();
   void openDataFile(const std::string& name);
+  void showCode(const std::string& name);
   void storeCode();
   void showCodeLoaded();
   void refuseDataFile(std::uintmax_t length);

@@ -14,6 +14,16 @@ Controls& frmMain::controls() { return units_->controls; }
 
 ProgrammerState& frmMain::state() { return units_->state; }
 
+CommandResult frmMain::loadImage(const std::string& name, std::vector<std::uint8_t> image,
+                                 const std::string& found) {
+  return runner().run([&] { units_->files.loadImage(name, std::move(image), found); });
+}
+
+CommandResult frmMain::exportImage(const std::string& name,
+                                   std::span<const std::uint8_t> contents) {
+  return runner().run([&] { units_->files.exportImage(name, contents); });
+}
+
 CommandRunner& frmMain::runner() { return units_->runner; }
 
 }  // namespace kestrel::form

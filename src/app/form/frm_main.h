@@ -1,6 +1,10 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <span>
+#include <string>
+#include <vector>
 
 #include "app/form/command_runner.h"
 #include "app/state/controls.h"
@@ -29,6 +33,13 @@ class frmMain {
 
   /// The shut-down sequence: idle board, other windows closed, window place saved. Does not throw.
   void Form_Unload();
+
+  /// Loads an image that was imported from the file; `found` tells of it in the log.
+  CommandResult loadImage(const std::string& name, std::vector<std::uint8_t> image,
+                          const std::string& found);
+
+  /// Writes the contents of an exported file.
+  CommandResult exportImage(const std::string& name, std::span<const std::uint8_t> contents);
 
   /// Every press of a control goes through it.
   [[nodiscard]] CommandRunner& runner();
