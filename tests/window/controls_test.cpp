@@ -186,6 +186,7 @@ TEST(Log, followsTheNewestLineUnlessOneHasScrolledUp) {
 
 TEST(Log, isFoundInSavedAndCleared) {
   StartedRig rig("27C256");
+  rig.find("SystemLog").setFocus();
   QTest::keyClick(&rig.window, Qt::Key_F, Qt::ControlModifier);
   auto& wanted = rig.find<QLineEdit>("logWanted");
   QTest::keyClicks(&wanted, "was selected");

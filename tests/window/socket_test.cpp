@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
+
 #include "app/window/board_panel.h"
 #include "app/window/device_card.h"
 #include "devices/pinouts.h"
@@ -75,6 +77,24 @@ TEST(Outcome, aClickOnTheFailingAddressShowsIt) {
   emit line.linkActivated("4660");
   rig.turn();
   EXPECT_TRUE(rig.displayed("001230|"));
+}
+
+TEST(Display, goesToWhatIsLookedForAndToAPlaceOnTheMap) {
+  StartedRig rig("27C256");
+  auto bytes = std::vector<std::uint8_t>(32'768, 0xFF);
+  std::ranges::copy(std::string_view("FALCON"), bytes.begin() + 0x2345);
+  rig.openFile("image.bin", bytes);
+  rig.trigger("bufferFind");
+  QTest::keyClicks(&rig.find("bufferWanted"), "FALCON");
+  QTest::keyClick(&rig.find("bufferWanted"), Qt::Key_Return);
+  EXPECT_TRUE(rig.displayed("002340|"));
+  const auto marks = rig.find<QPlainTextEdit>("BufferDisplay").extraSelections();
+  EXPECT_EQ(marks.back().cursor.selectedText(), "N");
+  QWidget& map = rig.find("memoryMap");
+  EXPECT_THAT(map.accessibleDescription().toStdString(), HasSubstr("data 02300h-023FFh"));
+  QTest::mouseClick(&map, Qt::LeftButton, Qt::NoModifier, QPoint(3, map.height() / 2));
+  rig.turn();
+  EXPECT_NEAR(rig.controls().VScroll1.value(), 64, 2);
 }
 
 TEST(SafetyQuestion, tellsWhatWillBeDoneAndWhatDoesNotFit) {

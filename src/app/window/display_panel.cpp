@@ -1,12 +1,17 @@
 #include "app/window/display_panel.h"
 
+#include <QApplication>
+#include <QClipboard>
 #include <QEvent>
 #include <QFontMetricsF>
 #include <QHBoxLayout>
+#include <QInputDialog>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QTextBlock>
 #include <QToolTip>
 #include <QVBoxLayout>
 #include <QWheelEvent>
@@ -14,13 +19,22 @@
 #include <cmath>
 
 #include "app/window/elided_label.h"
+#include "app/window/memory_map_strip.h"
 #include "app/window/range_reporter.h"
 #include "app/window/theme.h"
+#include "display/byte_search.h"
 
 namespace kestrel::window {
 namespace {
 
 constexpr int kPageBytes = 256;
+constexpr int kLineBytes = 16;
+constexpr int kGroupBytes = 4;
+constexpr int kAddressDigits = 6;
+constexpr int kHexColumn = 8;    // the first byte of a line
+constexpr int kTextColumn = 46;  // its first character
+constexpr QLatin1StringView kColumnHeads(
+    "        00010203 04050607 08090A0B 0C0D0E0F   0123456789ABCDEF");
 constexpr int kPageColumns = 62;        // address, four groups of eight digits, sixteen characters
 constexpr double kSmallestFont = 0.65;  // of the desktop's fixed font
 constexpr double kLargestFont = 1.8;
@@ -45,13 +59,18 @@ QSize hexPageSize(const QPlainTextEdit& view, const QFont& font, int lines) {
           static_cast<int>(std::ceil(lines * lineHeight + margins + 2))};
 }
 
-DisplayPanel::DisplayPanel(Controls& controls, const Binder& binder, QWidget* parent)
-    : QWidget(parent), controls_(controls), binder_(binder) {
+DisplayPanel::DisplayPanel(Controls& controls, const ProgrammerState& state, const Binder& binder,
+                           QWidget* parent)
+    : QWidget(parent), controls_(controls), state_(state), binder_(binder) {
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 8, 0);
   column->setSizeConstraint(QLayout::SetMinAndMaxSize);
   buildHeader(*column);
   buildPage(*column);
+  find_ = new BufferFind(state, this);
+  find_->onFound([this](std::int32_t address, std::int32_t count) { showAddress(address, count); });
+  find_->onClosed([this] { page_->setFocus(); });
+  column->addWidget(find_);
   setFocusProxy(page_);
   binder.common(controls.Frame3, *this);
 }
@@ -84,6 +103,7 @@ void DisplayPanel::buildPage(QBoxLayout& column) {
   row->setSpacing(0);
   column.addLayout(row, 1);
   page_ = new QPlainTextEdit(this);
+  map_ = new MemoryMapStrip(this);
   page_->setReadOnly(true);
   page_->setUndoRedoEnabled(false);
   page_->setLineWrapMode(QPlainTextEdit::NoWrap);
@@ -101,6 +121,11 @@ void DisplayPanel::buildPage(QBoxLayout& column) {
   binder_.mirror().bind(controls_.BufferDisplay, *page_, [this] { showPage(); });
   row->addWidget(page_, 1);
   buildScrollBar(*row);
+  map_->onAddress([this](std::int32_t address) {
+    if (!binder_.runner().isRunning()) showAddress(address, 0);
+  });
+  row->addSpacing(2);
+  row->addWidget(map_);
 }
 
 void DisplayPanel::buildScrollBar(QBoxLayout& row) {
@@ -121,7 +146,76 @@ void DisplayPanel::buildScrollBar(QBoxLayout& row) {
 void DisplayPanel::showPage() {
   QString shown = toQString(controls_.BufferDisplay.text());
   shown.remove('\r');
+  // A page begins with an empty line: the heads of the columns stand there.
+  if (shown.startsWith('\n')) shown.prepend(kColumnHeads);
   page_->setPlainText(shown);
+  const std::int32_t begin = controls_.VScroll1.value() * kPageBytes;
+  map_->setShown({.begin = begin, .end = begin + kPageBytes});
+  showMarks();
+}
+
+void DisplayPanel::showMap() {
+  const std::int32_t device = state_.DeviceSizeBytes;
+  const auto length = static_cast<std::size_t>(device > 0 ? device : state_.CodeLength);
+  map_->setMemory(std::span(state_.CodeBuffer).first(length));
+}
+
+// The heads in grey, the bytes that were looked for in the colour of a selection.
+void DisplayPanel::showMarks() {
+  QList<QTextEdit::ExtraSelection> marks;
+  const auto mark = [&](int line, int column, int length, const QTextCharFormat& format) {
+    const QTextBlock block = page_->document()->findBlockByNumber(line);
+    if (!block.isValid() || block.length() <= column + length) return;
+    QTextCursor cursor(block);
+    cursor.setPosition(block.position() + column);
+    cursor.setPosition(block.position() + column + length, QTextCursor::KeepAnchor);
+    marks.append({cursor, format});
+  };
+  QTextCharFormat heads;
+  heads.setForeground(palette().color(QPalette::Disabled, QPalette::Text));
+  if (page_->toPlainText().startsWith(kColumnHeads)) {
+    mark(0, 0, static_cast<int>(kColumnHeads.size()), heads);
+  }
+  QTextCharFormat found;
+  found.setBackground(palette().color(QPalette::Highlight));
+  found.setForeground(palette().color(QPalette::HighlightedText));
+  const std::int32_t begin = controls_.VScroll1.value() * kPageBytes;
+  const std::int32_t last = std::min(marked_.end, begin + kPageBytes);
+  for (std::int32_t address = std::max(marked_.begin, begin); address < last; ++address) {
+    const int inLine = address % kLineBytes;
+    const int line = 1 + (address - begin) / kLineBytes;
+    mark(line, kHexColumn + 2 * inLine + inLine / kGroupBytes, 2, found);
+    mark(line, kTextColumn + inLine, 1, found);
+  }
+  page_->setExtraSelections(marks);
+}
+
+void DisplayPanel::copyAddressAt(const QPoint& place) {
+  const QTextCursor cursor = page_->cursorForPosition(place);
+  const QString address = cursor.block().text().left(kAddressDigits);
+  if (cursor.positionInBlock() >= kAddressDigits || page_->textCursor().hasSelection()) return;
+  bool isAddress = false;
+  (void)address.toInt(&isAddress, 16);
+  if (!isAddress) return;
+  QApplication::clipboard()->setText(address);
+  QToolTip::showText(page_->viewport()->mapToGlobal(place), address + " copied", page_);
+}
+
+void DisplayPanel::askForAddress() {
+  const int last = (scroll_->slider().maximum() + 1) * kPageBytes - 1;
+  const QString to = QString("%1h").arg(last, 5, 16, QChar('0')).toUpper();
+  bool isAccepted = false;
+  const QString typed =
+      QInputDialog::getText(window(), "Go to Address", "Address, hexadecimal, up to " + to + ":",
+                            QLineEdit::Normal, QString(), &isAccepted);
+  if (!isAccepted || typed.trimmed().isEmpty()) return;
+  const auto address = display::addressOf(typed.toStdString());
+  if (address && *address <= last) {
+    showAddress(*address);
+  } else {
+    QMessageBox::warning(window(), "Kestrel",
+                         "Address " + onOneLine(typed) + " is none of those up to " + to + ".");
+  }
 }
 
 bool DisplayPanel::turnPage(int key) {
@@ -144,7 +238,12 @@ bool DisplayPanel::turnPage(int key) {
   }
 }
 
-void DisplayPanel::showAddress(std::int32_t address) { scroll_->goTo(address / kPageBytes); }
+void DisplayPanel::showAddress(std::int32_t address, std::int32_t count) {
+  marked_ = {.begin = address, .end = address + count};
+  if (address / kPageBytes != controls_.VScroll1.value()) scroll_->goTo(address / kPageBytes);
+  binder_.mirror().refresh();
+  showMarks();
+}
 
 // The page is shown whole, in letters as large as the window lets them be.
 void DisplayPanel::fitFont() {
@@ -179,6 +278,11 @@ bool DisplayPanel::eventFilter(QObject* receiver, QEvent* event) {
       if (receiver != page_->viewport()) return false;
       binder_.press(controls_.BufferDisplay_DblClick);
       return true;
+    case QEvent::MouseButtonRelease:
+      if (receiver == page_->viewport()) {
+        copyAddressAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+      }
+      return false;
     case QEvent::Resize:
       if (receiver == page_) fitFont();
       return false;

@@ -5,12 +5,16 @@
 #include <cstdint>
 
 #include "app/state/controls.h"
+#include "app/state/programmer_state.h"
 #include "app/window/binder.h"
+#include "app/window/buffer_find.h"
+#include "display/memory_map.h"
 
 class QBoxLayout;
 
 namespace kestrel::window {
 
+class MemoryMapStrip;
 class RangeReporter;
 
 inline constexpr int kPageLines = 17;  ///< an empty first line, then sixteen of sixteen bytes
@@ -18,10 +22,21 @@ inline constexpr int kPageLines = 17;  ///< an empty first line, then sixteen of
 /// The hex display: a page of 16 lines, its scroll bar, and what it shows.
 class DisplayPanel final : public QWidget {
  public:
-  DisplayPanel(Controls& controls, const Binder& binder, QWidget* parent);
+  DisplayPanel(Controls& controls, const ProgrammerState& state, const Binder& binder,
+               QWidget* parent);
 
-  /// Turns to the page of the address.
-  void showAddress(std::int32_t address);
+  /// Turns to the page of the address and marks the bytes there.
+  void showAddress(std::int32_t address, std::int32_t count = 1);
+
+  /// Asks for an address and goes there.
+  void askForAddress();
+
+  /// Bytes or a text in the code buffer; the next place of what was looked for.
+  void openFind() { find_->open(); }
+  void findNext() { find_->findNext(); }
+
+  /// The buffer may hold something else.
+  void showMap();
 
   /// The line above the page; a sign may lie over it.
   [[nodiscard]] QWidget& header() const { return *header_; }
@@ -43,13 +58,19 @@ class DisplayPanel final : public QWidget {
   void buildScrollBar(QBoxLayout& row);
   void showPage();
   void fitFont();
+  void showMarks();
+  void copyAddressAt(const QPoint& place);
   bool turnPage(int key);
 
   Controls& controls_;
+  const ProgrammerState& state_;
   const Binder& binder_;
   QWidget* header_ = nullptr;
   QPlainTextEdit* page_ = nullptr;
   RangeReporter* scroll_ = nullptr;
+  BufferFind* find_ = nullptr;
+  MemoryMapStrip* map_ = nullptr;
+  display::AddressRange marked_;
 };
 
 /// The size that so many lines of a hex page take in the font.

@@ -6,7 +6,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QShortcut>
 #include <QToolButton>
 #include <QVBoxLayout>
 #include <utility>
@@ -42,13 +41,11 @@ void LogPanel::buildHeader(QBoxLayout& column) {
   title->setBuddy(view_);
   row->addWidget(title, 1);
   addButton(*row, "Copy", "logCopy", "Copy the log, or what is selected in it", [this] { copy(); });
-  addButton(*row, "Find...", "logFind", "Find a text in the log (Ctrl+F)", [this] { openFind(); });
+  addButton(*row, "Find...", "logFind", "Find a text in the log (Ctrl+F in the log)",
+            [this] { openFind(); });
   addButton(*row, "Save As...", "logSave", "Save the log under a name", [this] { save(); });
   clear_ = addButton(*row, "Clear", "logClear", "Empty the log",
                      [this] { controls_.SystemLog.setText(""); });
-  auto* const find = new QShortcut(QKeySequence::Find, this);
-  find->setContext(Qt::WindowShortcut);
-  connect(find, &QShortcut::activated, this, [this] { openFind(); });
 }
 
 QWidget* LogPanel::addButton(QBoxLayout& row, const QString& caption, const QString& name,
@@ -101,6 +98,8 @@ void LogPanel::save() {
         {.text = error.what(), .title = "Can't Save Log", .icon = MessageIcon::Exclamation});
   }
 }
+
+bool LogPanel::hasKeyboard() const { return view_->hasFocus() || wanted_->hasFocus(); }
 
 void LogPanel::openFind() {
   findBar_->show();

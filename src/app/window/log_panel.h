@@ -20,6 +20,10 @@ class LogPanel final : public QWidget {
  public:
   LogPanel(Controls& controls, const Binder& binder, QtDialogs& dialogs, QWidget* parent);
 
+  void openFind();
+  /// The keyboard is in the log.
+  [[nodiscard]] bool hasKeyboard() const;
+
   /// Clearing waits until the running command has said all it has to say.
   void setCommandsOff(bool off);
 
@@ -33,7 +37,6 @@ class LogPanel final : public QWidget {
                      const QString& toolTip, std::function<void()> handler);
   void copy();
   void save();
-  void openFind();
   void closeFind();
   void find(bool backward);
 

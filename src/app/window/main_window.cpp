@@ -73,6 +73,7 @@ MainWindow::MainWindow(const WindowParts& parts)
   setAcceptDrops(true);
   buildMenus();
   buildContent();
+  buildSearch();
   icons.apply(palette());
   connectCommands();
   connectInput();
@@ -108,7 +109,7 @@ void MainWindow::buildContent() {
   right->addWidget(outcome_);
   split_ = new QSplitter(Qt::Vertical, content);
   split_->setChildrenCollapsible(false);
-  display_ = new DisplayPanel(controls_, binder, split_);
+  display_ = new DisplayPanel(controls_, parts_.form.state(), binder, split_);
   log_ = new LogPanel(controls_, binder, parts_.dialogs, split_);
   split_->addWidget(display_);
   vppSign_ = new VppSign(parts_.form.state(), &display_->header());
@@ -119,6 +120,23 @@ void MainWindow::buildContent() {
   strip_ = new StatusStrip(controls_, binder, icons, content);
   column->addWidget(strip_);
   new SecondDisplay(controls_.frmDisplay1, binder, parts_.screen, this);
+}
+
+// What is looked for is in the log when the keyboard is there, else in the buffer.
+void MainWindow::buildSearch() {
+  QMenu& menu = menus_->bufferMenu();
+  const auto add = [&](const char* caption, const QKeySequence& key, const char* name,
+                       const std::function<void()>& handler) {
+    QAction* const action = menu.addAction(caption, this, handler);
+    action->setShortcut(key);
+    action->setObjectName(name);
+  };
+  menu.addSeparator();
+  add("&Go to Address...", QKeySequence("Ctrl+G"), "bufferGoTo",
+      [this] { display_->askForAddress(); });
+  add("&Find...", QKeySequence("Ctrl+F"), "bufferFind",
+      [this] { log_->hasKeyboard() ? log_->openFind() : display_->openFind(); });
+  add("Find &Next", QKeySequence("F3"), "bufferFindNext", [this] { display_->findNext(); });
 }
 
 void MainWindow::connectCommands() {
@@ -172,6 +190,7 @@ void MainWindow::commandEnded() {
   parts_.mirror.refresh();
   options_->card().setRunning(false);
   vppSign_->lookAtEnd();
+  display_->showMap();
   commands_->showVoltage();
   showTitle();
   ErrorLamp& alert = strip_->errorLamp();

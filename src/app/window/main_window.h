@@ -82,6 +82,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
  private:
   void buildContent();
   void buildMenus();
+  void buildSearch();
   void connectCommands();
   void connectInput();
   void commandStarted();

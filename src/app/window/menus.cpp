@@ -140,6 +140,7 @@ void Menus::setCommandsOff(bool all, bool ofDevice) {
 
 void Menus::buildBuffer() {
   QMenu& menu = *addMenu("Buff&er", "mnuBuffer");
+  buffer_ = &menu;
   add(menu, controls_.menuEraseCode, "erase-buffer");
   add(menu, controls_.menuEraseData);
 }

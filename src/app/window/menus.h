@@ -26,6 +26,7 @@ class Menus final : public QObject {
   void onOpenRecent(std::function<void(const std::filesystem::path&)> open);
 
   [[nodiscard]] QMenu& hardwareMenu() const { return *hardware_; }
+  [[nodiscard]] QMenu& bufferMenu() const { return *buffer_; }
 
   /// What cannot be used looks so: everything while a command runs, the Device menu while the name
   /// of a device is typed.
@@ -56,6 +57,7 @@ class Menus final : public QObject {
   RecentFiles& recent_;
   std::function<bool()> maySave_;
   QMenu* device_ = nullptr;
+  QMenu* buffer_ = nullptr;
   QToolBar* toolbar_ = nullptr;
   QMenu* recentMenu_ = nullptr;
   QMenu* hardware_ = nullptr;
