@@ -107,6 +107,7 @@ NO_MESSAGES = (
   "app/launch/",  # wrong options: told at once, with what would be right
   "cli/",  # the same
   "simulator/",  # findings, explained by their panel
+  "waveform/",  # the words of a wave file
   "app/state/controls",  # captions: the pages of the window
   "devices/",  # names
   "guard/",  # refuses a start by hand

@@ -3,7 +3,7 @@
 
 build_packages="g++ cmake ninja-build pkg-config libcli11-dev libsrecord-dev libboost-dev libgcrypt20-dev nlohmann-json3-dev"
 window_packages="qt6-base-dev qt6-multimedia-dev libqt6svg6 libgl-dev fonts-dejavu-core"
-test_packages="libgtest-dev libgmock-dev python3 python3-jsonschema srecord binutils clang"
+test_packages="libgtest-dev libgmock-dev python3 python3-jsonschema srecord binutils sigrok-cli clang"
 lint_packages="clang-format clang-tidy python3"
 measure_packages="libbenchmark-dev"
 link_packages="gcc-avr avr-libc libsimavr-dev"

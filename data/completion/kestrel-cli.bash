@@ -7,7 +7,7 @@ _kestrel_cli() {
   local previous=${COMP_WORDS[COMP_CWORD - 1]}
   local commands="devices detect read blank verify program erase display setups save-setup safe"
   local options="-d -i -o --simulate --model --lpt --chip --board-vpp --fault --port --setup --speed
-    --vpp --lane --pad-ff --blank-check --verify --page --show --names --trace --home --count-ns -y --yes
+    --vpp --lane --pad-ff --blank-check --verify --page --show --names --trace --waves --home --count-ns -y --yes
     -q --quiet --version -h --help"
   COMPREPLY=()
 
@@ -19,7 +19,7 @@ _kestrel_cli() {
     -d | --chip)
       mapfile -t COMPREPLY < <(compgen -W "$("$program" devices --names 2>/dev/null)" -- "${current^^}")
       return ;;
-    -i | -o | --trace | =)
+    -i | -o | --trace | --waves | =)
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return ;;

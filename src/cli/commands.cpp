@@ -115,6 +115,7 @@ int runAtForm(const Arguments& a, const Command& command) {
                    .dialogs = dialogs,
                    .signals = signals,
                    .simulated = program.simulated(),
+                   .waves = program.waves(),
                    .device = device,
                    .arguments = a});
   return session.run(command);

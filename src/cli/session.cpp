@@ -177,10 +177,22 @@ std::string Session::unless(const std::string& what, const std::string& reason) 
   return what + ": " + (isSelected ? reason : "no device is selected; add -d NAME");
 }
 
+void Session::endWaves(int& status) {
+  if (p_.waves == nullptr) return;
+  try {
+    p_.waves->end();
+    tell("--waves: " + p_.waves->summary());
+  } catch (const FileError& error) {
+    tell(std::string("--waves: ") + error.what());
+    if (status == kDone) status = kBadUsage;
+  }
+}
+
 // The contents of the simulated chip are kept whatever happened before.
 void Session::shutDown(int& status) {
   p_.form.Form_Unload();
   p_.view.clearProgress();
+  endWaves(status);
   if (p_.simulated == nullptr) return;
   p_.simulated->putChipBack();
   try {

@@ -6,6 +6,7 @@
 
 #include "app/form/frm_main.h"
 #include "app/launch/simulated_board.h"
+#include "app/launch/wave_file.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/console_dialogs.h"
@@ -26,6 +27,7 @@ class Session {
     ConsoleDialogs& dialogs;
     const ports::SignalStop& signals;
     launch::SimulatedBoard* simulated;      ///< nullptr with real ports
+    launch::WaveFile* waves;                ///< nullptr without a wave file
     const DeviceCatalogue::Device* device;  ///< of -d; nullptr if not given
     const Arguments& arguments;
   };
@@ -77,6 +79,7 @@ class Session {
   void tellLengths(const std::string& name) const;
   void saveBuffer(const std::string& name);
   void shutDown(int& status);
+  void endWaves(int& status);
 
   Parts p_;
 };

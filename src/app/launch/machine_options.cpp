@@ -13,13 +13,15 @@ std::string named(const char* option, const std::string& text) {
 }
 
 // clang-format off
-constexpr std::array<MachineOption, 10> kMachineOptions{{
+constexpr std::array<MachineOption, 11> kMachineOptions{{
     {.name = "--port", .value = "BASE=DEVICE", .help = "parallel port for 378, 278 or 3BC; repeatable", .isRepeatable = true,
      .set = [](auto& o, const auto& text) { o.ports.push_back(parsePort(text)); }},
     {.name = "--home", .value = "DIR", .help = "folder of kestrel6.ini",
      .set = [](auto& o, const auto& text) { o.home = named("--home", text); }},
     {.name = "--trace", .value = "FILE", .help = "write every port access and wait to FILE",
      .set = [](auto& o, const auto& text) { o.trace = named("--trace", text); }},
+    {.name = "--waves", .value = "FILE", .help = "record the pins of the socket as a VCD wave file",
+     .set = [](auto& o, const auto& text) { o.waves = named("--waves", text); }},
     {.name = "--count-ns", .value = "N", .help = "length of a delay-loop count in nanoseconds (25)",
      .set = [](auto& o, const auto& text) { o.countNs = parseCountNs(text); }},
     {.name = "--simulate", .value = "", .help = "work on a simulated board", .group = Group::SimulatedBoard,

@@ -1,5 +1,6 @@
 #include "app/launch/machine_ports.h"
 
+#include <chrono>
 #include <utility>
 
 namespace kestrel::launch {
@@ -37,6 +38,12 @@ PortAccess& MachinePorts::port() {
 Waits& MachinePorts::waits() {
   if (simulatedPort_) return *simulatedPort_;
   return monotonic_;
+}
+
+std::int64_t MachinePorts::nowNs() {
+  if (simulated_) return simulated_->bench().now();
+  const auto now = std::chrono::steady_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
 }
 
 void MachinePorts::beginOperation() {

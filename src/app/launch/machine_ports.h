@@ -29,6 +29,9 @@ class MachinePorts final : public PortService {
   [[nodiscard]] PortAccess& port();
   [[nodiscard]] Waits& waits();
 
+  /// The time of the port, in nanoseconds from some moment: the board's own on a simulated one.
+  [[nodiscard]] std::int64_t nowNs();
+
   /// The simulated machine; nullptr with real ports.
   [[nodiscard]] SimulatedBoard* simulated() { return simulated_.get(); }
 

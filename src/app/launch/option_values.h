@@ -45,6 +45,8 @@ struct LaunchOptions {
   std::vector<ports::PortChoice> ports;
   std::filesystem::path home;   ///< empty: the user's configuration folder
   std::filesystem::path trace;  ///< empty: no trace
+  std::filesystem::path waves;  ///< empty: no wave file from the start
+  bool mayRecord = false;       ///< a wave file may be begun later
   std::int64_t countNs = kDefaultCountNs;
 };
 

@@ -13,6 +13,9 @@ Program::Program(const Ground& ground, const FrontEnd& frontEnd, StopSwitch& sto
       trace_(trace == nullptr ? std::nullopt
                               : std::optional<ports::TracingPort>(std::in_place, interruptible_,
                                                                   interruptible_, *trace)),
+      recorder_(ground.now ? std::optional<waveform::RecordingPort>(std::in_place, portBelow(),
+                                                                    waitsBelow(), ground.now)
+                           : std::nullopt),
       form_({.port = port(),
              .waits = waits(),
              .portService = ground.service,
@@ -25,14 +28,24 @@ Program::Program(const Ground& ground, const FrontEnd& frontEnd, StopSwitch& sto
              .stop = stop,
              .folders = folders}) {}
 
-PortAccess& Program::port() {
+PortAccess& Program::portBelow() {
   if (trace_) return *trace_;
   return interruptible_;
 }
 
-Waits& Program::waits() {
+Waits& Program::waitsBelow() {
   if (trace_) return *trace_;
   return interruptible_;
+}
+
+PortAccess& Program::port() {
+  if (recorder_) return *recorder_;
+  return portBelow();
+}
+
+Waits& Program::waits() {
+  if (recorder_) return *recorder_;
+  return waitsBelow();
 }
 
 std::ofstream openTrace(const LaunchOptions& options) {
@@ -49,7 +62,16 @@ LaunchedProgram::LaunchedProgram(const LaunchOptions& options, std::string_view 
     : ports_(options, defaultChip, stop),
       traceFile_(openTrace(options)),
       folders_(folders ? *folders : programFolders(options)),
-      program_({.port = ports_.port(), .waits = ports_.waits(), .service = ports_}, frontEnd, stop,
-               time_, folders_, traceFile_.is_open() ? &traceFile_ : nullptr) {}
+      program_({.port = ports_.port(),
+                .waits = ports_.waits(),
+                .service = ports_,
+                .now = options.mayRecord || !options.waves.empty()
+                           ? [this] { return ports_.nowNs(); }
+                           : waveform::RecordingPort::Nanoseconds()},
+               frontEnd, stop, time_, folders_, traceFile_.is_open() ? &traceFile_ : nullptr) {
+  if (program_.recorder() == nullptr) return;
+  waves_.emplace(*program_.recorder(), program_.form());
+  if (!options.waves.empty()) waves_->begin(options.waves);
+}
 
 }  // namespace kestrel::launch

@@ -8,6 +8,7 @@
 #include "app/form/frm_main.h"
 #include "app/launch/machine_ports.h"
 #include "app/launch/option_values.h"
+#include "app/launch/wave_file.h"
 #include "hardware/ports/interruptible_port.h"
 #include "hardware/ports/tracing_port.h"
 #include "platform/dialogs.h"
@@ -21,6 +22,7 @@
 #include "platform/stop_switch.h"
 #include "platform/time_of_day.h"
 #include "platform/waits.h"
+#include "waveform/recording_port.h"
 
 namespace kestrel::launch {
 
@@ -38,10 +40,12 @@ struct Ground {
   PortAccess& port;
   Waits& waits;
   PortService& service;
+  waveform::RecordingPort::Nanoseconds now = {};  ///< the port's time, for what can be recorded
 };
 
 /// The program, put together: the form over the layers that every port gets.
 ///
+///   recording port (with a time) wave files
 ///   trace (if asked for)        what the procedures ask for
 ///   interruptible port          Stop, turns of the screen, long waits in slices
 ///   ground                      the real ports, the simulated board, or a test's port
@@ -53,14 +57,20 @@ class Program {
 
   [[nodiscard]] form::frmMain& form() { return form_; }
 
+  /// What records wave files; nullptr where the ground has no time.
+  [[nodiscard]] waveform::RecordingPort* recorder() { return recorder_ ? &*recorder_ : nullptr; }
+
   /// The topmost port: what the procedures address.
   [[nodiscard]] PortAccess& port();
 
  private:
   [[nodiscard]] Waits& waits();
+  [[nodiscard]] PortAccess& portBelow();
+  [[nodiscard]] Waits& waitsBelow();
 
   ports::InterruptiblePort interruptible_;
   std::optional<ports::TracingPort> trace_;
+  std::optional<waveform::RecordingPort> recorder_;
   form::frmMain form_;
 };
 
@@ -83,12 +93,16 @@ class LaunchedProgram {
   /// The simulated machine; nullptr with real ports.
   [[nodiscard]] SimulatedBoard* simulated() { return ports_.simulated(); }
 
+  /// The wave file; nullptr where none was asked for and none may be.
+  [[nodiscard]] WaveFile* waves() { return waves_ ? &*waves_ : nullptr; }
+
  private:
   const TimeOfDay time_;
   MachinePorts ports_;
   std::ofstream traceFile_;
   const Folders folders_;
   Program program_;
+  std::optional<WaveFile> waves_;
 };
 
 }  // namespace kestrel::launch

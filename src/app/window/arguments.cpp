@@ -21,6 +21,7 @@ void describe(QCommandLineParser& parser) {
 
 launch::LaunchOptions launchOptions(const QCommandLineParser& parser) {
   launch::LaunchOptions options;
+  options.mayRecord = true;
   for (const launch::MachineOption& option : launch::machineOptions()) {
     if (!parser.isSet(nameOf(option))) continue;
     std::vector<std::string> values;

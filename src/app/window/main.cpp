@@ -65,6 +65,7 @@ int runProgram(const Arguments& arguments) {
     watchSocket(*simulated, window.deviceCard());
     window.onLeaving([panel] { return panel->keepChip(); });
   }
+  if (program.waves() != nullptr) window.offerWaves(*program.waves());
   const InstanceNumber instance;
   window.start(instance.value());
   if (simulated != nullptr) simulated->startUpDone();
@@ -72,6 +73,7 @@ int runProgram(const Arguments& arguments) {
     QTimer::singleShot(0, &window, [&] { window.openCodeFile(arguments.codeFile); });
   }
   const int result = QApplication::exec();
+  if (program.waves() != nullptr) program.waves()->end();
   if (simulated != nullptr) putAway(*simulated, program.folders());
   return signalStop.isEndRequested() ? signalStop.exitStatus() : result;
 }

@@ -36,6 +36,7 @@
 #include "app/window/status_strip.h"
 #include "app/window/twips.h"
 #include "app/window/vpp_sign.h"
+#include "platform/runtime_error.h"
 
 namespace kestrel::window {
 namespace {
@@ -347,6 +348,31 @@ void MainWindow::addSidePanel(QWidget& panel, const QString& title) {
   addDockWidget(Qt::RightDockWidgetArea, side_);
   menus_->hardwareMenu().addSeparator();
   menus_->hardwareMenu().addAction(side_->toggleViewAction());
+}
+
+void MainWindow::offerWaves(launch::WaveFile& waves) {
+  QAction* const entry = menus_->hardwareMenu().addAction("Record &Waveform...");
+  entry->setObjectName("recordWaves");
+  entry->setCheckable(true);
+  entry->setChecked(waves.isOpen());
+  connect(entry, &QAction::triggered, this, [this, &waves, entry] { recordWaves(waves, *entry); });
+}
+
+// The second press ends what the first began.
+void MainWindow::recordWaves(launch::WaveFile& waves, QAction& entry) {
+  try {
+    if (waves.isOpen()) {
+      waves.end();
+      outcome_->tell("Waveform: " + QString::fromStdString(waves.summary()));
+    } else {
+      const std::string file =
+          parts_.dialogs.saveFile("Record Waveform", "Wave files (*.vcd)|*.vcd");
+      if (!file.empty()) waves.begin(file);
+    }
+  } catch (const FileError& error) {
+    QMessageBox::warning(this, "Kestrel", onOneLine(error.what()));
+  }
+  entry.setChecked(waves.isOpen());
 }
 
 void MainWindow::closeEvent(QCloseEvent* event) {

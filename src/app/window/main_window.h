@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "app/form/frm_main.h"
+#include "app/launch/wave_file.h"
 #include "app/window/binder.h"
 #include "app/window/code_origin.h"
 #include "app/window/qt_dialogs.h"
@@ -68,6 +69,9 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   /// A panel beside everything else, and its entry in the Hardware menu.
   void addSidePanel(QWidget& panel, const QString& title);
 
+  /// Offers to record the pins of the socket into a wave file.
+  void offerWaves(launch::WaveFile& waves);
+
   /// Asked when the window is about to close for good; false keeps it.
   void onLeaving(std::function<bool()> mayLeave) { mayLeave_ = std::move(mayLeave); }
 
@@ -99,6 +103,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   [[nodiscard]] bool mayLoseRead();
   bool saveCodeAs();
 
+  void recordWaves(launch::WaveFile& waves, QAction& entry);
   void askToStop();
 
   void showPlace();

@@ -108,6 +108,8 @@ QString OutcomeLine::failedText(const QString& command, const CommandResult& res
   return command + ": " + reason;
 }
 
+void OutcomeLine::tell(const QString& text) { showText(text.toHtmlEscaped(), Colour::ButtonText); }
+
 void OutcomeLine::showText(const QString& richText, Colour colour) {
   QPalette own = palette();
   own.setColor(QPalette::WindowText, inkColour(colour, own));

@@ -25,6 +25,9 @@ class OutcomeLine final : public QLabel {
   /// `asked`: milliseconds that questions took.
   void end(const Control& control, const CommandResult& result, qint64 asked);
 
+  /// Something else that came of it.
+  void tell(const QString& text);
+
   /// Milliseconds of the last command, questions not counted.
   [[nodiscard]] qint64 lasted() const { return lasted_; }
 
