@@ -26,6 +26,7 @@ const Ending kAtOnce[] = {
     {"", 2, "no command"},
     {"raed", 2, "\"raed\" is no command"},
     {"read --speed 21", 2, "1 (slow) to 20"},
+    {"save-setup 5 x", 2, "use 1 to 4"},
     {"save-setup 1 'a\nsFILE = b'", 2, "one line"},
     {"read --model 6", 2, "add --simulate"},
     {"read --simulate --lpt 378 --lpt 278", 2, "--lpt is given twice"},
@@ -48,6 +49,7 @@ const Ending kAtOnce[] = {
 
 const Ending kAfterStartUp[] = {
     {"detect --model 6 --lpt 3BC", 0, "KESTREL-6 Device was FOUND at Port: 3BC"},
+    {"save-setup 1 x -d 2732 --vpp 25", 0, "Programming Voltage as 25 Volts!!!"},
     {"read -d 'eprom 27c256' --home /proc", 0, "kestrel6.ini"},
     {"read -d xicor", 0, "Device Eeprom XICOR X28C256 was Selected"},
     {"read -d 2732", 0, "Device Eprom 2732 was Selected"},

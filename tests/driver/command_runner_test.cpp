@@ -84,6 +84,7 @@ TEST(CommandRunner, errorsAndStopAreReportedOnceAndTheBoardIsAtRestBeforeThat) {
   d.rig.press("Read_button");
   EXPECT_EQ(d.rig.result.ending, Ending::Done);
   EXPECT_EQ(d.rig.state.CodeBuffer[0], 0xFF);
+  EXPECT_EQ(d.rig.state.CodeBufferValid, 1);
 }
 
 TEST(CommandRunner, anAlertThatWasUpStaysUpUntilTheHardwareTest) {

@@ -88,11 +88,14 @@ TEST(Signatures, tellTheModelsAndAForcedModelsCodesAreApplied) {
       {{0x40, 0x70, 0x00, 0x30}, "NO HARDWARE FOUND"}};
   ScriptForm f;
   f.load();
+  bool lampLit = false;
+  f.port.onEvent = [&] { lampLit |= f.c.DataFlow_label.colour() == Colour::Green; };
   for (const auto& [answers, caption] : cases) {
     f.port.answers = answers;
     ASSERT_TRUE(f.rig.press("menuTestHardware"));
     EXPECT_EQ(f.c.KestrelHardwareFound.caption(), caption);
   }
+  EXPECT_TRUE(lampLit);
   f.c.LPTSelection[1].press();
   (void)f.port.taken();
   ASSERT_TRUE(f.rig.press("ForceKestrel4"));

@@ -67,6 +67,7 @@ TEST_P(EveryPart, isProgrammedVerifiedAndReadBack) {
   ASSERT_TRUE(s.rig.program());
   EXPECT_TRUE(s.rig.logged("Device IS BLANK (ERASED)"));
   EXPECT_TRUE(s.rig.logged("Programming Device Successfull"));
+  EXPECT_EQ(s.rig.controls.Program_label.colour(), Colour::ButtonFace);
   EXPECT_TRUE(s.rig.logged("Device Contents MATCHES with Buffer Contents"));
   EXPECT_TRUE(s.chipContents() == s.image);
   expectContentionAlone(s);
@@ -163,7 +164,9 @@ TEST(NotProgrammed, isAChipThatIsNotBlankAndAFamilyWithoutARoutine) {
   s.rig.clearLog();
   s.rig.program("menuProgramCode");  // the question, and nothing more
   EXPECT_THAT(s.rig.log(), testing::ElementsAre("Programming Button Pressed"));
+  s.rig.controls.ProgressBar1.setValue(7);
   EXPECT_TRUE(s.rig.press("Error_label"));
+  EXPECT_EQ(s.rig.controls.ProgressBar1.value(), 0);
   s.rig.controls.CheckBlankPriorProgramming.press();
   s.rig.state.FamilyCode = "PM";
   s.rig.program();

@@ -165,6 +165,18 @@ TEST(SimulatedBoard, anotherBoardTakesOverTheChipAndTheSameOneIsNoOther) {
   EXPECT_TRUE(simulated.wasExchanged());
 }
 
+TEST(SimulatedBoard, aChipThatReturnsToItsFirstContentsIsWrittenToo) {
+  const test::TemporaryFolder folder;
+  launch::LaunchOptions options = with2764();
+  options.chip->file = folder / "chip.bin";
+  launch::SimulatedBoard simulated(options, "");
+  for (const auto value : std::initializer_list<std::uint8_t>{0xFF, 0x00, 0xFF}) {
+    simulated.board().loadChip(std::vector<std::uint8_t>(8192, value));
+    simulated.saveChip();
+    EXPECT_EQ(std::ifstream(options.chip->file).get(), value);
+  }
+}
+
 TEST(SimulatedBoard, aChipTakenOutKeepsItsFileAndTheNextOneHasNone) {
   const test::TemporaryFolder folder;
   launch::LaunchOptions options = with2764();

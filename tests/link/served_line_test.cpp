@@ -4,17 +4,13 @@
 #include <unistd.h>
 
 #include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "link/adapter_rig.h"
+#include "link/connection.h"
 #include "link/link_error.h"
 #include "link/serial_line.h"
-#include "support/temporary_folder.h"
 
 // The emulated adapter in a process of its own, behind a true serial line and in true time.
 namespace kestrel::link {
@@ -56,38 +52,8 @@ class ServedLine {
 };
 
 struct Served : testing::Test {
-  test::TemporaryFolder folder;
-  std::filesystem::path file = folder.path() / "chip.bin";
-  ServedLine served{{"--model", "6", "--chip", "28C256=" + file.string()}};
+  ServedLine served{{"--model", "6"}};
 };
-
-TEST_F(Served, writesAByteThatIsInTheFileAtTheEnd) {
-  {
-    SerialLine line(served.name);
-    LinkConnection connection(line);
-    connection.connect();
-    EXPECT_EQ(connection.adapter().name, "KESTREL LINK");
-    test::LinkedBoard board(connection, sim::Model::kestrel6);
-    board.load(0, 0x40);
-    board.load(2, 0x21);  // address 21h
-    board.load(1, 0x40);
-    board.load(3, 0x06);  // supply, /CE low, latch 4 on the bus
-    board.load(4, 0x5A);
-    board.load(1, 0x00);  // /WE
-    board.load(1, 0x40);
-    connection.waitMilliseconds(20);
-    board.load(3, 0x46);
-    board.load(0, 0x00);
-    EXPECT_EQ(board.readByte(), 0x5A);
-    connection.goodbye();
-  }
-  served.end(SIGTERM);
-  std::ifstream contents(file, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(contents), {}};
-  ASSERT_EQ(bytes.size(), 32768U);
-  EXPECT_EQ(bytes.at(0x21), 0x5A);
-  EXPECT_EQ(bytes.at(0x20), '\xFF');
-}
 
 TEST_F(Served, isStoppedInTheMiddleOfAWait) {
   SerialLine line(served.name);
@@ -109,6 +75,7 @@ TEST_F(Served, isGoneWhenItIsPulled) {
   SerialLine line(served.name);
   LinkConnection connection(line);
   connection.connect();
+  EXPECT_EQ(connection.adapter().name, "KESTREL LINK");
   served.end(SIGKILL);
   try {
     static_cast<void>(connection.readStatus());

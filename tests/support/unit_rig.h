@@ -44,7 +44,9 @@ class ScriptedPort final : public PortAccess, public Waits {
         (half & 1U) << 6U | (~half & 2U) << 6U | (half & 4U) << 3U | (half & 8U) << 1U;
     return static_cast<std::uint8_t>(0x0FU | lines);
   }
-  void Sleep(std::int32_t) override {}
+  void Sleep(std::int32_t) override {
+    if (onSleep) onSleep();
+  }
   void Spin(std::int64_t) override {}
 
   void answer(const std::vector<std::uint8_t>& bytes) {
@@ -56,6 +58,7 @@ class ScriptedPort final : public PortAccess, public Waits {
   }
 
   std::deque<std::uint8_t> answers;
+  std::function<void()> onSleep;
   std::optional<std::uint8_t> thereafter;  ///< given when the script is at its end
 
  private:

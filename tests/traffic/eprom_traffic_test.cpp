@@ -101,6 +101,7 @@ TEST(EpromSetUp, loadsLatch0ByModelAndVoltage) {
     rig.state.FamilyCode = std::string("P") + c.subCode;
     rig.state.VppClass = c.vppClass;
     rig.state.VppVolts = c.vppVolts;
+    rig.port.onSleep = [&rig] { EXPECT_EQ(rig.log().size(), 1U) << "the wait is announced"; };
     (rig.eprom.*c.routine)();
     const auto events = rig.events();
     EXPECT_EQ(loadsOf(0, events), c.latch0) << c.subCode << " on model " << c.model;

@@ -86,6 +86,18 @@ TEST(ProgramFlash, waits1msForEachByteOfAnAtmelAndReadsNothing) {
   EXPECT_EQ(rig.state.ProgramFailed, 0);
 }
 
+TEST(ProgramFlash, takesAmicAndEonToo) {
+  for (const auto maker : std::initializer_list<std::uint8_t>{0x37, 0x1C}) {
+    FlashRig rig({maker, 0x04, 0xFF, 0xFF});
+    rig.state.CodeLength = 1;
+    rig.port.thereafter = 0;
+    rig.flash.ProgramFlash();
+    EXPECT_TRUE(rig.log().back().ends_with("Start programming"));
+    EXPECT_NE(rig.traffic().find("3=C4 0=48 0=40 3=84 0=40 3=84 3=84 1=00 2=00 3=C4"),
+              std::string::npos);
+  }
+}
+
 TEST(ProgramFlash, refusesAnUnknownMaker) {
   FlashRig rig({0xC2, 0x13, 0xFF, 0xFF});
   rig.state.ProgramStatus = 1;

@@ -91,12 +91,15 @@ struct PageRig : UnitRig {
 
 TEST(PageWriter, writesA28C256PageAndOnceMoreWholeWhenAByteIsWrong) {
   PageRig rig(kXicor);
+  std::optional<std::size_t> linesAtFirstWait;
+  rig.port.onSleep = [&] { linesAtFirstWait = linesAtFirstWait.value_or(rig.log().size()); };
   EXPECT_THROW(rig.pages.ProgramX28C256(), ScriptEnd);
   EXPECT_EQ(rig.traffic(), "sleep=500 3=82 0=40 3=82 0=40 1=40 2=00 3=C6 3=C2 " + unlock(kXicor) +
                                " sleep=40 0=40 3=82 " + pageLoad(kXicor, 0, "82") +
                                pageReadBack(2) + pageLoad(kXicor, 0, "02") + pageReadBack(64) +
                                "0=48 " + pageLoad(kXicor, 64, "02") + "2=40 3=42 0=08");
   EXPECT_EQ(rig.log(), std::vector<std::string>{"Programming 28C256 XICOR Device"});
+  EXPECT_EQ(linesAtFirstWait, 0U);
 }
 
 TEST(PageWriter, writesAnAT29C256PageByBit7) {

@@ -60,6 +60,7 @@ TEST(SerialRead, addressesReadsOnAndAcknowledgesTheLastByteToo) {
                 hasTwoBytes ? "S A0a 00a 00a S A1a 5AA C3A P" : "S A0a 00a S A1a 5AA C3A P");
       EXPECT_EQ(rig.state.CodeBuffer[0], 0x5A);
       EXPECT_EQ(rig.state.CodeBuffer[1], 0xC3);
+      EXPECT_TRUE(rig.traffic().starts_with("0=40 sleep=50 ")) << rig.traffic();
     }
   }
 }
@@ -83,6 +84,7 @@ TEST(SerialWrite, startsAt300hWithTheBlockInTheSelectByte) {
   EXPECT_NE(wires.find("FFa 00a P S A6 S A6a S A8a 00a 01a"), std::string::npos);
   EXPECT_TRUE(wires.ends_with("0Fa 10a P S A8 S A8a"));
   EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 50, rig.events()), 1);
+  EXPECT_TRUE(rig.traffic().starts_with("0=40 sleep=50 ")) << rig.traffic();
   EXPECT_TRUE(rig.traffic().ends_with("3=C0 3=40 4=00 3=00"));
   EXPECT_EQ(rig.state.I2CError, 0);
 }

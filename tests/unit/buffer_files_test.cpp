@@ -118,6 +118,8 @@ TEST(Save, writesAsManyBytesAsAreInUseAndKeepsTheFileWhenItFails) {
   f.rig.press("mnuFileSaveData");
   EXPECT_EQ(readWholeTextFile(path), "da");
   EXPECT_EQ(f.rig.log().back(), "File Sucessfully Saved as " + data);
+  f.open("mnuFileSaveDataAs", path + "2");
+  EXPECT_EQ(readWholeTextFile(path + "2"), "da");
 }
 
 TEST(EraseBuffer, fillsOneByteMoreThanAMegabyte) {

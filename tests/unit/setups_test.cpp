@@ -104,7 +104,8 @@ TEST(RestoreSetup, readsValuesAsFarAsTheyGoAndSkipsWhatIsNoLineOfItsOwn) {
   f.restore("Device.Index = 41\nSlider1.Value = none\nVerifyAfterProgramming.Value = -1\n");
   EXPECT_EQ(f.c.Device.position(), 7);
   EXPECT_EQ(f.c.Slider1.value(), 1);
-  f.restore("Device.Index = -99999999999999999999\n");
+  f.restore("Device.Index = -99999999999999999999\nCheckData.Value = 1\n");
+  EXPECT_EQ(f.c.CheckData.value(), 1);
   EXPECT_EQ(f.c.Device.position(), -1);
   for (const std::string value : {"maybe", "", "5-3", "inf", "0", "false"}) {
     f.restore("HiLow_button(2).Value = " + value + "\n");

@@ -63,6 +63,13 @@ TEST(Catalogue, givesEachChipSupplyIdleLevelsAndVoltagesOfItsDataSheet) {
     const bool hasWriter =
         devices::familyOf(letter + subCode).program != devices::ProgramRoutine::None;
     EXPECT_TRUE(listed == "N" || hasWriter) << name;
+    EXPECT_FALSE(hasWriter && name.find(" OTP") != std::string::npos) << "programmed once at most";
+    if (const std::size_t at = name.find(" 24C"); at != std::string::npos) {  // 24C32: 32 Kbit
+      const int kilobits = std::stoi(name.substr(at + 4));
+      EXPECT_EQ(std::stoi(sizeKB), kilobits / 8) << name;
+      const int addressBytes = devices::familyOf(letter + subCode).addressBytes;
+      EXPECT_TRUE(listed == "N" || addressBytes == (kilobits > 16 ? 2 : 1)) << name;
+    }
   }
 }
 

@@ -1,4 +1,4 @@
-// Flash identification by true chips, and the chip's pages on the display.
+// Page-write chips and flash on the simulated board, and the chip's pages on the display.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -31,6 +31,10 @@ TEST(FlashIdentification, namesTrueChipsInTheSocket) {
       ASSERT_TRUE(s.rig.press("menuFlashShowCodeID"));
       EXPECT_EQ(s.rig.log().back(), std::string("Device ID# ") + c.name);
       EXPECT_EQ(s.rig.state.FlashRawCode, c.rawCode);
+      s.rig.controls.Slider1.setValue(1);
+      const auto before = s.bench.now();
+      ASSERT_TRUE(s.rig.press("LoopFlashTest"));
+      EXPECT_GE(s.bench.now() - before, sim::milliseconds(250)) << "1000 rounds of 10000 counts";
     }
   }
 }
@@ -73,7 +77,9 @@ TEST(DeviceDisplay, hasItsOwnCharactersAndDrawsPage0) {
   std::copy(text.begin(), text.end(), contents.begin() + 0x10);
   PreparedForm s("27C64", "Eprom 27C64", {}, contents);
   s.rig.controls.VScroll1.setValue(3);
+  const auto before = s.bench.now();
   s.rig.press("Display_button");
+  EXPECT_GE(s.bench.now() - before, sim::milliseconds(500)) << "the supply settles";
   EXPECT_EQ(s.rig.controls.VScroll1.value(), 0);
   EXPECT_NE(s.rig.controls.BufferDisplay.text().find(
                 "\r\n000010| 41202260 7A7B7E1F 30313233 34353637 | A \"`z...01234567\r\n000020| "),
@@ -84,6 +90,62 @@ TEST(DeviceDisplay, hasItsOwnCharactersAndDrawsPage0) {
   EXPECT_EQ(s.board->latch(0), 0x40);
   EXPECT_EQ(s.board->latch(3) & 0xC0, 0xC0);
   EXPECT_EQ(s.board->latch(2), 0xFF);
+}
+
+struct PageForm : PreparedForm {
+  PageForm(const std::string& chip, sim::Model model)
+      : PreparedForm(chip, chip == "28C256" ? "Eeprom XICOR X28C256" : "Flash Atmel AT29C256",
+                     randomBytes(32768, 51), {}, model) {}
+};
+
+class PageWriteChips : public testing::TestWithParam<sim::Model> {};
+
+TEST_P(PageWriteChips, areProgrammedVerifiedReadBackAndErased) {
+  for (const auto& [chip, success] :
+       {std::pair{"28C256", "XICOR 28C256 Programmed Sucessfully"},
+        std::pair{"AT29C256", "FLASH Atmel AT29C256 Programmed Sucessfully"}}) {
+    PageForm s(chip, GetParam());
+    s.board->setChip({.softwareProtection = GetParam() != sim::Model::kestrel5});
+    s.rig.controls.VerifyAfterProgramming.press();
+    ASSERT_TRUE(s.rig.program());
+    EXPECT_TRUE(s.rig.logged(success));
+    EXPECT_TRUE(s.rig.logged("Device Contents MATCHES with Buffer Contents"));
+    EXPECT_TRUE(s.chipContents() == s.image);
+    EXPECT_TRUE(s.read(32768) == s.image);
+    EXPECT_TRUE(s.bench.findings().empty());
+    EXPECT_EQ(s.board->latch(0), 0x40);
+    s.rig.clearLog();
+    ASSERT_TRUE(s.rig.press("EraseFlash_button"));
+    if (chip == std::string("28C256")) {
+      EXPECT_THAT(s.rig.log(),
+                  testing::ElementsAre("Erasing Program Buffer", "Erasing XICOR 28C256",
+                                       "Programming 28C256 XICOR Device", success));
+      EXPECT_THAT(s.chipContents(), testing::Each(0xFF));
+    } else {  // nothing is done
+      EXPECT_TRUE(s.rig.log().empty());
+      EXPECT_TRUE(s.chipContents() == s.image);
+    }
+    for (const auto* buffer : {&s.rig.state.CodeBuffer, &s.rig.state.ProgramBuffer}) {
+      EXPECT_TRUE(std::equal(s.image.begin(), s.image.end(), buffer->begin()));
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Models, PageWriteChips, testing::ValuesIn(kModels));
+
+// The wait after a page is 23 ms less the slider's value: at 18, 12 and 1 it is 5, 11 and 22 ms.
+// Below 10 the bytes come too slowly for the load window of 100 us, whatever the wait.
+TEST(PageWriteSpeed, hasToFitTheChipsLoadWindowAndWriteCycle) {
+  for (const auto& [slider, writeCycleMs, succeeds] :
+       {std::tuple{18, 7, false}, {12, 10, true}, {1, 3, false}}) {
+    PageForm s("28C256", sim::Model::kestrel5);
+    s.rig.controls.Slider1.setValue(slider);
+    s.board->setChip({.writeCycle = sim::milliseconds(writeCycleMs)});
+    s.rig.program();
+    EXPECT_EQ(s.chipContents() == s.image, succeeds) << slider;
+    EXPECT_EQ(s.rig.logged("*** Programming Failure ***"), !succeeds) << slider;
+    EXPECT_EQ(s.board->latch(0), 0x40);
+  }
 }
 
 }  // namespace
