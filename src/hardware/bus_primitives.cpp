@@ -116,17 +116,31 @@ void BusPrimitives::Reset() {
   operation_.EraseMode = 0;
 }
 
-std::uint8_t BusPrimitives::readStatus(std::int16_t nibbleSelect) {
+PendingRead BusPrimitives::askStatus(std::int16_t nibbleSelect) {
   port_.PortOut(portState_.ControlPort, narrowed<std::uint8_t>(nibbleSelect));
-  return port_.PortIn(portState_.StatusPort);
+  return port_.askPortIn(portState_.StatusPort);
 }
 
-void BusPrimitives::GetNibbles() {
+std::uint8_t BusPrimitives::fetchStatus(PendingRead pending) {
+  return port_.fetchPortIn(portState_.StatusPort, pending);
+}
+
+bool BusPrimitives::hasModel() const {
   const std::int16_t model = portState_.KestrelModel;
-  if (model != 4 && model != 5 && model != 6) return;
-  const unsigned first = latches_.StatusLow = readStatus(portState_.NibbleSelA);
-  const unsigned second = latches_.StatusHigh = readStatus(portState_.NibbleSelB);
-  if (model == 4) {
+  return model == 4 || model == 5 || model == 6;
+}
+
+PendingByte BusPrimitives::askNibbles() {
+  if (!hasModel()) return {};
+  const PendingRead first = askStatus(portState_.NibbleSelA);
+  return {.first = first, .second = askStatus(portState_.NibbleSelB)};
+}
+
+void BusPrimitives::fetchNibbles(const PendingByte& pending) {
+  if (!hasModel()) return;
+  const unsigned first = latches_.StatusLow = fetchStatus(pending.first);
+  const unsigned second = latches_.StatusHigh = fetchStatus(pending.second);
+  if (portState_.KestrelModel == 4) {
     latches_.ReadByte = latches_.StatusDecode4[(second & kUpperStatusBits) | (first >> 4U)];
   } else {
     latches_.ReadByte = static_cast<std::uint8_t>(latches_.StatusDecodeHigh[second] |
@@ -134,12 +148,17 @@ void BusPrimitives::GetNibbles() {
   }
 }
 
-void BusPrimitives::GetNibbles24CXX() {
-  const std::int16_t model = portState_.KestrelModel;
-  if (model != 4 && model != 5 && model != 6) return;
-  const unsigned status = readStatus(portState_.NibbleSelB);
-  latches_.ReadByte = model == 4 ? latches_.StatusDecode4[status & kUpperStatusBits]
-                                 : latches_.StatusDecodeHigh[status];
+PendingByte BusPrimitives::askNibbles24CXX() {
+  if (!hasModel()) return {};
+  return {.first = {}, .second = askStatus(portState_.NibbleSelB)};
+}
+
+void BusPrimitives::fetchNibbles24CXX(const PendingByte& pending) {
+  if (!hasModel()) return;
+  const unsigned status = fetchStatus(pending.second);
+  latches_.ReadByte = portState_.KestrelModel == 4
+                          ? latches_.StatusDecode4[status & kUpperStatusBits]
+                          : latches_.StatusDecodeHigh[status];
 }
 
 void BusPrimitives::WaitSettlingTime() {

@@ -9,6 +9,12 @@
 
 namespace kestrel::hardware {
 
+/// A byte, or a half of one, that was asked for.
+struct PendingByte {
+  PendingRead first;
+  PendingRead second;
+};
+
 /// The signals of the board that every device routine is made of: chip enable, output enable, the
 /// programming voltage of 24-pin parts, the address, the byte that the device drives, the waits.
 class BusPrimitives {
@@ -65,10 +71,19 @@ class BusPrimitives {
 
   /// The byte that the device drives, into ReadByte, in two halves over the status lines. The chip
   /// is selected and the bus released before. No model, no access.
-  void GetNibbles();
+  void GetNibbles() { fetchNibbles(askNibbles()); }
 
   /// One read of the upper half, for the serial chips' SDA (bit 7 of ReadByte).
-  void GetNibbles24CXX();
+  void GetNibbles24CXX() { fetchNibbles24CXX(askNibbles24CXX()); }
+
+  /// Both in two steps, for reads in a row: all are asked for, with whatever the procedure does
+  /// between them, and fetched afterwards in the same order. Through an adapter they then take one
+  /// round trip; on the lines, in the trace and on any other port nothing is different. At most 64
+  /// bytes in a row: what an adapter answers at once.
+  [[nodiscard]] PendingByte askNibbles();
+  void fetchNibbles(const PendingByte& pending);
+  [[nodiscard]] PendingByte askNibbles24CXX();
+  void fetchNibbles24CXX(const PendingByte& pending);
 
   /// Busy loop of SettleFactor x 100 counts, counted in LoopIndex.
   void WaitSettlingTime();
@@ -84,7 +99,9 @@ class BusPrimitives {
   void spin(std::int64_t counts) { waits_.Spin(counts); }
 
  private:
-  [[nodiscard]] std::uint8_t readStatus(std::int16_t nibbleSelect);
+  [[nodiscard]] bool hasModel() const;
+  [[nodiscard]] PendingRead askStatus(std::int16_t nibbleSelect);
+  [[nodiscard]] std::uint8_t fetchStatus(PendingRead pending);
 
   const PortState& portState_;
   LatchState& latches_;

@@ -12,6 +12,8 @@ namespace {
 using std::chrono::milliseconds;
 
 constexpr milliseconds kKeepAliveEvery{100};
+// How often a wait for the adapter looks for a stop; a signal wakes it at once.
+constexpr milliseconds kLookEvery{20};
 constexpr milliseconds kHelloEvery{200};
 // A boot loader holds a board for up to two seconds after a reset.
 constexpr int kHelloTries = 15;
@@ -47,6 +49,7 @@ std::string reasonOf(SwitchOffCause cause) {
 
 void LinkConnection::restart() {
   isConnected_ = false;
+  isStopSent_ = false;
   reader_ = {};
   received_.clear();
   encoder_ = {};
@@ -128,10 +131,11 @@ void LinkConnection::waitCounts(std::int64_t counts) {
   if (counts > 0) gather({.kind = Operation::Kind::Wait, .counts = counts});
 }
 
+// The next block is on its way while one is executed, so that no time is lost between them.
 void LinkConnection::waitMilliseconds(std::int64_t milliseconds) {
   while (milliseconds > kLongWaitMs) {
     gather({.kind = Operation::Kind::Wait, .counts = kLongWaitMs * kCountsPerMs});
-    finish();
+    finishBut(std::chrono::milliseconds(kLongWaitMs));
     milliseconds -= kLongWaitMs;
   }
   if (milliseconds > 0) {
@@ -184,16 +188,23 @@ void LinkConnection::makeRoom(std::size_t lineBytes) {
   while (!hasRoom(lineBytes)) takeAnswer();
 }
 
-void LinkConnection::finish() {
+void LinkConnection::finishBut(milliseconds most) {
   flush();
-  while (!unanswered_.empty()) takeAnswer();
+  const auto left = [this] {
+    milliseconds sum{0};
+    for (const Sent& each : unanswered_) sum += each.duration;
+    return sum;
+  };
+  while (!unanswered_.empty() && (most.count() == 0 || left() > most)) takeAnswer();
 }
 
 void LinkConnection::keepAlive() { line_.write(std::array{kKeepAliveMark}); }
 
 void LinkConnection::takeAnswer() {
   const Sent sent = unanswered_.front();
-  const Answer answer = awaitAnswer(sent.duration + kAnswerLimit);
+  Answer answer = awaitAnswer(sent.duration + kAnswerLimit);
+  // A block may have been over before the stop came.
+  while (isStopSent_ && answer.kind == AnswerKind::Done) answer = awaitAnswer(kAnswerLimit);
   if (answer.kind == AnswerKind::Trouble) {
     isConnected_ = false;
     failSwitchedOff(answer);
@@ -218,13 +229,22 @@ Answer LinkConnection::awaitAnswer(milliseconds limit) {
       if (auto answer = reader_.take(value)) return *std::move(answer);
     }
     if (waited >= limit) return {.kind = AnswerKind::None, .contents = {}};
+    stopIfAsked();
     std::array<std::uint8_t, 256> bytes{};
-    const std::size_t count = line_.read(bytes, kKeepAliveEvery);
+    const milliseconds step = isStopAsked_ ? kLookEvery : kKeepAliveEvery;
+    const std::size_t count = line_.read(bytes, step);
     received_.insert(received_.end(), bytes.begin(), bytes.begin() + count);
     if (count > 0) continue;
-    waited += kKeepAliveEvery;
-    if (isConnected_) keepAlive();
+    waited += step;
+    if (isConnected_ && waited.count() % kKeepAliveEvery.count() == 0) keepAlive();
   }
+}
+
+// The answer that is awaited is then that of the stop.
+void LinkConnection::stopIfAsked() {
+  if (!isConnected_ || isStopSent_ || !isStopAsked_ || !isStopAsked_()) return;
+  isStopSent_ = true;
+  stop();
 }
 
 void LinkConnection::failSwitchedOff(const Answer& answer) const {

@@ -4,8 +4,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <map>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "link/byte_line.h"
@@ -37,8 +39,10 @@ struct AdapterIdentity {
 /// helps.
 class LinkConnection {
  public:
-  /// The line outlives the connection.
-  explicit LinkConnection(ByteLine& line) : line_(line) {}
+  /// The line outlives the connection. `isStopAsked`, if any, is looked at while an answer is
+  /// awaited; it makes the adapter stop, and the wait end in a LinkError with that cause.
+  explicit LinkConnection(ByteLine& line, std::function<bool()> isStopAsked = {})
+      : line_(line), isStopAsked_(std::move(isStopAsked)) {}
 
   /// Says hello until the adapter answers; a board that is reset by the opening of its line takes
   /// up to two seconds. The board is switched off by it.
@@ -48,6 +52,7 @@ class LinkConnection {
   void goodbye() noexcept;
 
   [[nodiscard]] const AdapterIdentity& adapter() const { return adapter_; }
+  [[nodiscard]] bool isConnected() const { return isConnected_; }
 
   // The port and the clock.
   void writeData(std::uint8_t value);
@@ -69,7 +74,10 @@ class LinkConnection {
   void flush();
 
   /// Sends what was gathered and waits until all of it was executed.
-  void finish();
+  void finish() { finishBut(std::chrono::milliseconds(0)); }
+
+  /// Sends what was gathered and waits until no more than so much time of it is left.
+  void finishBut(std::chrono::milliseconds most);
 
   /// Ends the running block at once and drops what follows; the adapter switches off. From any
   /// thread and from signal handlers. The calls under way then throw LinkError.
@@ -98,12 +106,16 @@ class LinkConnection {
   [[noreturn]] void failSwitchedOff(const Answer& answer) const;
   void restart();
 
+  void stopIfAsked();
+
   ByteLine& line_;
+  std::function<bool()> isStopAsked_;
   AdapterIdentity adapter_;
   AnswerReader reader_;
   std::deque<std::uint8_t> received_;
   OperationEncoder encoder_;
   bool isConnected_ = false;
+  bool isStopSent_ = false;
 
   unsigned nextSequence_ = 0;
   std::deque<Sent> unanswered_;

@@ -1,5 +1,7 @@
 #include "operations/i2c_bus.h"
 
+#include <array>
+
 namespace kestrel::operations {
 namespace {
 
@@ -81,11 +83,15 @@ void I2cBus::I2CWaitAck() {
 
 void I2cBus::I2CReadByte() {
   unsigned value = 0;
+  std::array<hardware::PendingByte, kBits> bits;
   board_.registers.REG4OFF();
-  for (int bit = 0; bit < kBits; ++bit) {
+  for (hardware::PendingByte& bit : bits) {
     board_.bus.CEON();
     board_.bus.CEOFF();
-    board_.bus.GetNibbles24CXX();
+    bit = board_.bus.askNibbles24CXX();
+  }
+  for (const hardware::PendingByte& bit : bits) {
+    board_.bus.fetchNibbles24CXX(bit);
     value = value * 2 + ((latches_.ReadByte & kSdaBit) != 0 ? 1 : 0);
   }
   board_.bus.CEON();

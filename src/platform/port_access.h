@@ -4,6 +4,12 @@
 
 namespace kestrel {
 
+/// A read that was asked for and is fetched later.
+struct PendingRead {
+  std::uint64_t number = 0;  // the byte itself when it is here, else its place in the port's queue
+  bool isHere = true;
+};
+
 /// Byte-wide access to the machine's I/O ports.
 ///
 /// Both calls are synchronous and have no error result: a write with nothing behind it is lost, a
@@ -18,6 +24,17 @@ class PortAccess {
 
   /// Reads one byte from the I/O port.
   [[nodiscard]] virtual std::uint8_t PortIn(std::int16_t port) = 0;
+
+  /// The same in two steps. A port at the end of a line then answers several reads, with the writes
+  /// and waits between them, in one round trip; any other reads at once. On the lines everything
+  /// happens in the order of the calls either way. Each read is fetched once, in the order in which
+  /// they were asked for; one that is never fetched does no harm.
+  [[nodiscard]] virtual PendingRead askPortIn(std::int16_t port) {
+    return {.number = PortIn(port)};
+  }
+  [[nodiscard]] virtual std::uint8_t fetchPortIn(std::int16_t /*port*/, PendingRead pending) {
+    return static_cast<std::uint8_t>(pending.number);
+  }
 };
 
 }  // namespace kestrel

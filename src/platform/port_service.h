@@ -17,6 +17,10 @@ class PortService {
   virtual void beginOperation() {}
   virtual void endOperation() {}
 
+  /// When a command has come to its end: throws RuntimeError when the port did not do all that it
+  /// was asked for. A port that does everything at once has told already.
+  virtual void settle() {}
+
   /// Before a hardware test: tries again to take a port that was missing, busy or has vanished.
   virtual void takeMissing() {}
 

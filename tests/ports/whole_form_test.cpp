@@ -5,68 +5,11 @@
 
 #include <random>
 
+#include "support/families.h"
 #include "support/real_form.h"
 
 namespace kestrel::test {
 namespace {
-
-using Bytes = std::vector<std::uint8_t>;
-
-struct Family {
-  const char *code, *device, *chip;
-  std::int32_t bytes;  // handled: of EPROMs the beginning, to be quick
-  sim::Model model = sim::Model::kestrel5;
-  std::size_t voltage = 0;   // Voltage_button: 1 = 12.5 V, 2 = 21 V; 0: none is pressed
-  bool isProgrammed = true;  // these two end with the acknowledge report on a true chip
-};
-
-constexpr auto k4 = sim::Model::kestrel4, k5 = sim::Model::kestrel5, k6 = sim::Model::kestrel6;
-
-// clang-format off
-constexpr Family kFamilies[]{
-    {"P1", "Eprom 2732A",        "2732A",    512, k5, 2},
-    {"P2", "Eprom 2764",         "2764",     512, k6, 2},
-    {"P3", "Eprom 27C128",       "27C128",   512, k4, 1},
-    {"P4", "Eprom 27C256",       "27C256",   512, k5, 1},
-    {"P5", "Eprom 27C512",       "27C512",   512, k6, 1},
-    {"P6", "Eprom 27C010",       "27C010",   512, k4, 1},
-    {"P7", "Eprom 27C020",       "27C020",   512, k5, 1},
-    {"P8", "Eprom 27C040",       "27C040",   512, k6, 1},
-    {"P9", "Eprom 27C080",       "27C080",   512, k4, 1},
-    {"EN", "Eeprom XICOR X28C256", "28C256", 512, k5},
-    {"SA", "Eeprom 24C08",       "24C08",   1024, k6, 0, false},
-    {"SB", "Eeprom 24C16",       "24C16",   2048, k4, 0, false},
-    {"SC", "Eeprom 24C32",       "24C32",    512, k5},
-};
-// clang-format on
-
-/// Programs, verifies and reads back; returns what the procedures asked of the port.
-template <typename Form>
-std::string traceOf(const Family& family) {
-  Form f(family.model);
-  Bytes image = randomBytes(static_cast<std::size_t>(family.bytes), 41);
-  image[0] = 0xC3;  // a 24Cxx whose first bit is 0 holds SDA, and the next command, after a verify
-  f.start();
-  f.insert(family.chip, family.isProgrammed ? Bytes() : image);
-  f.rig.select(family.device);
-  EXPECT_EQ(f.rig.state.FamilyCode, family.code);
-  f.rig.openImage(image);
-  if (family.voltage != 0) f.rig.controls.Voltage_button[family.voltage].press();
-  f.rig.state.DeviceSizeBytes = family.bytes;
-  f.rig.clearLog();
-  f.trace.str("");
-  if (family.isProgrammed) {
-    f.rig.program();
-    EXPECT_TRUE(f.rig.logged("Programming Device Successfull"));
-  }
-  f.rig.press("Verify_button");
-  EXPECT_TRUE(f.rig.logged("Device Contents MATCHES with Buffer Contents"));
-  std::ranges::fill(f.rig.state.CodeBuffer, std::uint8_t{0});
-  f.rig.press("Read_button");
-  EXPECT_TRUE(std::equal(image.begin(), image.end(), f.rig.state.CodeBuffer.begin()));
-  EXPECT_EQ(f.board->vppPins(), 0U);
-  return f.trace.str();
-}
 
 // Replays the writes of a trace: where the board has VPP on a pin, the follower must know it.
 void expectVoltageKnown(const std::string& trace, sim::Model model) {
@@ -91,11 +34,11 @@ void expectVoltageKnown(const std::string& trace, sim::Model model) {
 class WholeForm : public testing::TestWithParam<Family> {};
 
 TEST_P(WholeForm, hasTheSameTraceOnARealPortAsOnTheSimulatedOne) {
-  const std::string real = traceOf<RealForm>(GetParam());
-  const std::string simulated = traceOf<SimulatedForm>(GetParam());
-  EXPECT_GT(std::ranges::count(simulated, '\n'), 10 * GetParam().bytes);
+  const FamilyTrace real = traceOf<RealForm>(GetParam());
+  const FamilyTrace simulated = traceOf<SimulatedForm>(GetParam());
+  EXPECT_GT(std::ranges::count(simulated.reading, '\n'), 10 * GetParam().bytes);
   EXPECT_TRUE(real == simulated);
-  expectVoltageKnown(simulated, GetParam().model);
+  expectVoltageKnown(simulated.programming + simulated.reading, GetParam().model);
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryFamily, WholeForm, testing::ValuesIn(kFamilies),

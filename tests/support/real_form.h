@@ -9,6 +9,9 @@ namespace kestrel::test {
 /// Looks after real ports as the programs do.
 struct ServiceOf final : PortService {
   explicit ServiceOf(ports::RealPorts& given) : ports(given) {}
+  void beginOperation() override { ports.beginOperation(); }
+  void endOperation() override { ports.endOperation(); }
+  void settle() override { ports.settle(); }
   void takeMissing() override { ports.takeMissing(); }
   [[nodiscard]] std::vector<std::string> diagnosis() const override { return ports.diagnosis(); }
 

@@ -67,6 +67,7 @@ CommandResult CommandRunner::runOne(const Event& event) {
   CommandResult result;
   try {
     event();
+    service_.settle();
     result = reporting_.takeResult();
   } catch (...) {
     // The board first: a programming voltage may be on the chip.

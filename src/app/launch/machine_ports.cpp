@@ -27,7 +27,10 @@ MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaul
   if (simulatedPort_) return;
   ports::PortOptions portOptions;
   portOptions.choices = options.ports;
+  portOptions.link.countNs = options.countNs;
+  portOptions.link.stop = &stop;
   realPorts_ = ports::openRealPorts(calls_, std::move(portOptions));
+  realWaits_.emplace(*realPorts_, monotonic_);
 }
 
 PortAccess& MachinePorts::port() {
@@ -37,7 +40,7 @@ PortAccess& MachinePorts::port() {
 
 Waits& MachinePorts::waits() {
   if (simulatedPort_) return *simulatedPort_;
-  return monotonic_;
+  return *realWaits_;
 }
 
 std::int64_t MachinePorts::nowNs() {
@@ -47,11 +50,19 @@ std::int64_t MachinePorts::nowNs() {
 }
 
 void MachinePorts::beginOperation() {
-  if (operations_++ == 0 && realPorts_) realTime_.emplace();
+  if (operations_++ > 0 || !realPorts_) return;
+  realTime_.emplace();
+  realPorts_->beginOperation();
 }
 
 void MachinePorts::endOperation() {
-  if (--operations_ == 0) realTime_.reset();
+  if (--operations_ > 0 || !realPorts_) return;
+  realPorts_->endOperation();
+  realTime_.reset();
+}
+
+void MachinePorts::settle() {
+  if (realPorts_) realPorts_->settle();
 }
 
 bool MachinePorts::holdsPort(std::int16_t base) const {

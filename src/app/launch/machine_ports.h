@@ -38,6 +38,7 @@ class MachinePorts final : public PortService {
   // The service of real ports; with the simulated board there is nothing to do.
   void beginOperation() override;
   void endOperation() override;
+  void settle() override;
   void takeMissing() override;
   [[nodiscard]] bool holdsPort(std::int16_t base) const override;
   [[nodiscard]] bool mayVoltageBeOn() const override;
@@ -50,6 +51,7 @@ class MachinePorts final : public PortService {
   ports::LinuxCalls calls_;
   std::unique_ptr<ports::RealPorts> realPorts_;
   ports::MonotonicClock monotonic_;
+  std::optional<ports::PortWaits> realWaits_;
   int operations_ = 0;  // that run, one within another
   std::optional<ports::RealTime> realTime_;
 };

@@ -26,11 +26,20 @@ void InterruptiblePort::turn() {
   throwIfStopped();
 }
 
-std::uint8_t InterruptiblePort::PortIn(std::int16_t port) {
+void InterruptiblePort::beforeRead() {
   throwIfStopped();
   sinceTurnNs_ += kReadNs;
   if (sinceTurnNs_ >= kTurnNs) turn();
+}
+
+std::uint8_t InterruptiblePort::PortIn(std::int16_t port) {
+  beforeRead();
   return port_.PortIn(port);
+}
+
+PendingRead InterruptiblePort::askPortIn(std::int16_t port) {
+  beforeRead();
+  return port_.askPortIn(port);
 }
 
 void InterruptiblePort::sleepSlice(std::int32_t milliseconds) {

@@ -37,6 +37,10 @@ class InterruptiblePort final : public PortAccess, public Waits {
     port_.PortOut(port, value);
   }
   [[nodiscard]] std::uint8_t PortIn(std::int16_t port) override;
+  [[nodiscard]] PendingRead askPortIn(std::int16_t port) override;
+  [[nodiscard]] std::uint8_t fetchPortIn(std::int16_t port, PendingRead pending) override {
+    return port_.fetchPortIn(port, pending);
+  }
   void Sleep(std::int32_t milliseconds) override;
   void Spin(std::int64_t counts) override;
 
@@ -46,6 +50,7 @@ class InterruptiblePort final : public PortAccess, public Waits {
   }
   [[noreturn]] static void stopped();
   void sleepSlice(std::int32_t milliseconds);
+  void beforeRead();
   void turn();
 
   PortAccess& port_;

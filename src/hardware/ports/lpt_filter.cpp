@@ -14,8 +14,16 @@ std::size_t indexOf(std::uint16_t base) {
 
 }  // namespace
 
-void LptFilter::connect(std::uint16_t base, PortAccess& port) { ports_[indexOf(base)] = &port; }
+void LptFilter::connect(std::uint16_t base, PortAccess& port, Waits* time) {
+  const std::size_t slot = indexOf(base);
+  ports_[slot] = &port;
+  times_[slot] = time;
+}
 
-void LptFilter::disconnect(std::uint16_t base) { ports_[indexOf(base)] = &none_; }
+void LptFilter::disconnect(std::uint16_t base) {
+  const std::size_t slot = indexOf(base);
+  ports_[slot] = &none_;
+  times_[slot] = nullptr;
+}
 
 }  // namespace kestrel::ports

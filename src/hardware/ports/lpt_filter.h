@@ -6,6 +6,7 @@
 
 #include "hardware/ports/no_port.h"
 #include "platform/port_access.h"
+#include "platform/waits.h"
 
 namespace kestrel::ports {
 
@@ -22,18 +23,29 @@ class LptFilter final : public PortAccess {
   LptFilter& operator=(const LptFilter&) = delete;
 
   /// Puts a port behind a base; it outlives the connection and is called with the same port
-  /// numbers as this. Throws std::invalid_argument for a base that is none of kLptBases.
-  void connect(std::uint16_t base, PortAccess& port);
+  /// numbers as this. A port at the end of a line keeps the time between its accesses itself:
+  /// `time` then outlives the connection too. Throws std::invalid_argument for a base that is none
+  /// of kLptBases.
+  void connect(std::uint16_t base, PortAccess& port, Waits* time = nullptr);
 
   /// Takes it away again.
   void disconnect(std::uint16_t base);
 
   void PortOut(std::int16_t port, std::uint8_t value) override {
-    ports_[slotOf(port)]->PortOut(port, value);
+    address(port).PortOut(port, value);
   }
   [[nodiscard]] std::uint8_t PortIn(std::int16_t port) override {
-    return ports_[slotOf(port)]->PortIn(port);
+    return address(port).PortIn(port);
   }
+  [[nodiscard]] PendingRead askPortIn(std::int16_t port) override {
+    return address(port).askPortIn(port);
+  }
+  [[nodiscard]] std::uint8_t fetchPortIn(std::int16_t port, PendingRead pending) override {
+    return address(port).fetchPortIn(port, pending);
+  }
+
+  /// Who keeps the time of the port that was addressed last; nullptr for the machine's clock.
+  [[nodiscard]] Waits* timeOfLast() const { return times_[last_]; }
 
  private:
   static constexpr unsigned kRegisters = 3;
@@ -47,8 +59,15 @@ class LptFilter final : public PortAccess {
     return kNowhere;
   }
 
+  [[nodiscard]] PortAccess& address(std::int16_t port) {
+    last_ = slotOf(port);
+    return *ports_[last_];
+  }
+
   NoPort none_;
   std::array<PortAccess*, kLptBases.size() + 1> ports_{&none_, &none_, &none_, &none_};
+  std::array<Waits*, kLptBases.size() + 1> times_{};
+  std::size_t last_ = kNowhere;
 };
 
 }  // namespace kestrel::ports

@@ -12,6 +12,7 @@ namespace kestrel::ports {
 namespace {
 
 constexpr std::string_view kHexMark = "0x";
+constexpr std::string_view kLinkMark = "link:";
 
 std::optional<std::uint16_t> hexNumber(std::string_view text) {
   std::uint16_t number = 0;
@@ -38,6 +39,13 @@ std::uint16_t addressFrom(std::string_view text) {
   return *address;
 }
 
+std::string serialDeviceFrom(std::string_view text) {
+  if (text.empty()) {
+    throw std::invalid_argument("an adapter is given as link:DEVICE, such as link:/dev/ttyACM0");
+  }
+  return text.starts_with('/') ? std::string(text) : "/dev/" + std::string(text);
+}
+
 }  // namespace
 
 PortChoice parsePortChoice(std::string_view text) {
@@ -46,16 +54,21 @@ PortChoice parsePortChoice(std::string_view text) {
     throw std::invalid_argument("a port is given as BASE=DEVICE, such as 378=/dev/parport1");
   }
   const std::string_view device = text.substr(equals + 1);
-  PortChoice choice{.base = baseFrom(text.substr(0, equals)), .device = {}, .address = 0};
+  PortChoice choice{.base = baseFrom(text.substr(0, equals)), .device = {}};
   if (device.starts_with(kHexMark)) {
     choice.address = addressFrom(device);
+  } else if (device.starts_with(kLinkMark)) {
+    choice.device = serialDeviceFrom(device.substr(kLinkMark.size()));
+    choice.isLink = true;
   } else if (device.starts_with("parport")) {
     choice.device = "/dev/" + std::string(device);
   } else if (device.starts_with('/')) {
     choice.device = device;
   } else {
-    throw std::invalid_argument("\"" + std::string(device) +
-                                "\" is neither a device file nor an address with 0x");
+    throw std::invalid_argument(
+        "\"" + std::string(device) +
+        "\" is neither a device file nor an address with 0x nor link: and a "
+        "serial line");
   }
   return choice;
 }

@@ -75,8 +75,15 @@ std::string problemText(const PortSurvey& survey, const PortFinding& finding) {
 }
 
 std::string findingText(const PortSurvey& survey, const PortFinding& finding) {
-  const std::string where = "Port " + addressText(finding.base) + "h (" + finding.device + "): ";
+  const std::string where = "Port " + addressText(finding.base) + "h (" +
+                            (finding.isLink ? "link:" : "") + finding.device + "): ";
   if (finding.problem) return where + problemText(survey, finding);
+  if (finding.isLink) {
+    return where +
+           "the adapter answers, but no board behind it. Check the board's cable and power, that "
+           "its socket is empty, and the adapter's wires: kestrel-cli link-test --port " +
+           addressText(finding.base) + "=link:" + finding.device;
+  }
   return where +
          "the port works, but no board answers. Check the board's cable and power, and "
          "that its socket is empty";

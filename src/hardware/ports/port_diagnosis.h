@@ -18,6 +18,7 @@ struct PortFinding {
   std::optional<PortProblem> problem;  // none: the port is taken and works
   std::string reason;                  // the failure in words
   std::string holder;                  // who has it: "name, process 4711", where that is known
+  bool isLink = false;                 // a serial line with an adapter at its end
 };
 
 /// All that is known about the ports of this machine when no board answers.

@@ -41,6 +41,12 @@ bool RealPort::switchOff() noexcept {
   return isOff;
 }
 
+std::string RealPort::lossText() const {
+  return loss_ == Loss::Guard
+             ? "its guard process was ended. Cure: press the hardware test"
+             : "the port has vanished. Cure: plug it in again and press the hardware test";
+}
+
 void RealPort::begin() {
   loss_ = switchOff() ? Loss::None : Loss::Port;
   if (isGone()) throwGone();

@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "hardware/ports/guard_protocol.h"
+#include "hardware/ports/held_port.h"
 #include "hardware/ports/latch0_follower.h"
 #include "hardware/ports/port_lines.h"
-#include "platform/port_access.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::ports {
@@ -38,25 +38,19 @@ class PortError : public RuntimeError {
   PortProblem problem_;
 };
 
-/// One parallel port of this machine behind one of the three bases. Made, it is open but not yet
-/// taken; its destructor gives it back. A read of what is no status register gives FFh.
+/// One parallel port of this machine.
 ///
 /// Every access moves the counter that the port's guard looks at. It throws RuntimeError 57 when
 /// the guard has switched off meanwhile, because the program stood still with a voltage on, or when
 /// the guard is gone; and RuntimeError 68 when the access fails. Before an access that failed is
 /// reported, the voltages are switched off, if that can still be done.
-class RealPort : public PortAccess {
+class RealPort : public HeldPort {
  public:
-  /// Takes the port for this program alone and switches the board's voltages off before anything
-  /// else: the claim itself moves the control lines. Throws PortError, or RuntimeError 68.
-  virtual void take() = 0;
+  // The voltages are switched off before anything else: the claim itself moves the control lines.
+  // When they cannot be, the port stays claimed after giveBack, so that the guard can go on trying.
 
-  /// Switches off and gives the port back; true for a port that is not taken. When the voltages
-  /// cannot be switched off the port stays claimed, so that the guard can go on trying.
-  virtual bool giveBack() noexcept = 0;
-
-  /// Takes every voltage off, trying for up to kSwitchOffLimit; false when it did not work.
-  bool switchOff() noexcept;
+  /// Tries for up to kSwitchOffLimit.
+  bool switchOff() noexcept final;
 
   /// The open file, for the guard to inherit.
   [[nodiscard]] virtual int descriptor() const noexcept = 0;
@@ -64,12 +58,9 @@ class RealPort : public PortAccess {
   /// What the guard is told of the port on its command line.
   [[nodiscard]] virtual std::vector<std::string> guardArguments() const = 0;
 
-  /// True after an access failed, or the guard was ended: to be taken anew.
-  [[nodiscard]] bool isGone() const noexcept { return loss_ != Loss::None; }
-  [[nodiscard]] bool isGuardLost() const noexcept { return loss_ == Loss::Guard; }
-
-  /// True when a voltage was on and could not be switched off.
-  [[nodiscard]] bool mayVoltageBeOn() const noexcept {
+  [[nodiscard]] bool isGone() const noexcept final { return loss_ != Loss::None; }
+  [[nodiscard]] std::string lossText() const final;
+  [[nodiscard]] bool mayVoltageBeOn() const noexcept final {
     return switchOffFailed_ && memory_->isVoltageOn;
   }
 

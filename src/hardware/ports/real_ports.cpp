@@ -42,12 +42,14 @@ void RealPorts::find(Slot& slot, const std::vector<ListedPort>& listed) const {
   for (const PortChoice& each : options_.choices) {
     if (each.base != slot.base) continue;
     slot.isDirect = each.isDirect();
+    slot.isLink = each.isLink;
     slot.address = each.address;
     slot.device = each.isDirect() ? "0x" + addressText(each.address) : each.device;
   }
 }
 
-std::unique_ptr<RealPort> RealPorts::open(const Slot& slot, const std::vector<ListedPort>& listed) {
+std::unique_ptr<RealPort> RealPorts::openHere(const Slot& slot,
+                                              const std::vector<ListedPort>& listed) {
   if (!slot.isDirect) return std::make_unique<ParportDevice>(calls_, slot.device, slot.base);
   // Its driver would not know of the access, nor keep others off.
   if (isListedAt(listed, slot.address)) throw PortError(PortProblem::Taken, slot.device, EBUSY);
@@ -55,16 +57,36 @@ std::unique_ptr<RealPort> RealPorts::open(const Slot& slot, const std::vector<Li
                                       options_.lockFolder.string());
 }
 
-// The guard stands before the claim, which is the first thing that moves a line of the board.
+void RealPorts::openLink(Slot& slot) {
+  auto port = std::make_unique<LinkPort>(slot.base, slot.device, options_.link);
+  slot.link = port.get();
+  slot.port = std::move(port);
+}
+
+// The guard stands before the claim, which is the first thing that moves a line of the board. An
+// adapter is the guard itself.
+void RealPorts::open(Slot& slot, const std::vector<ListedPort>& listed) {
+  if (slot.isLink) {
+    openLink(slot);
+    return;
+  }
+  auto port = openHere(slot, listed);
+  slot.guard = std::make_unique<Guard>(*port, options_.guard);
+  slot.port = std::move(port);
+}
+
 void RealPorts::take(Slot& slot, const std::vector<ListedPort>& listed) {
   try {
     slot.problem.reset();
-    slot.port = open(slot, listed);
-    slot.guard = std::make_unique<Guard>(*slot.port, options_.guard);
+    open(slot, listed);
     slot.port->take();
     slot.mayVoltageBeOn = false;
-    filter_.connect(slot.base, *slot.port);
+    filter_.connect(slot.base, *slot.port, slot.link);
     return;
+  } catch (const link::LinkError& error) {
+    const bool isTaken = error.problem() == link::LinkProblem::Taken;
+    slot.problem = isTaken ? PortProblem::Taken : PortProblem::Other;
+    slot.reason = error.what() + (". Cure: " + link::cureOf(error.problem(), slot.device));
   } catch (const PortError& error) {
     slot.problem = error.problem();
     slot.reason = error.what();
@@ -86,6 +108,7 @@ void RealPorts::giveBack(Slot& slot) {
     if (isOff && slot.guard) slot.guard->dismiss();
   }
   slot.guard.reset();
+  slot.link = nullptr;
   slot.port.reset();
 }
 
@@ -119,6 +142,24 @@ bool RealPorts::mayVoltageBeOn() const {
   });
 }
 
+void RealPorts::beginOperation() {
+  for (Slot& each : slots_) {
+    if (each.link != nullptr) each.link->beginOperation();
+  }
+}
+
+void RealPorts::endOperation() noexcept {
+  for (Slot& each : slots_) {
+    if (each.link != nullptr) each.link->endOperation();
+  }
+}
+
+void RealPorts::settle() {
+  for (Slot& each : slots_) {
+    if (each.link != nullptr) each.link->settle();
+  }
+}
+
 bool RealPorts::switchOff() noexcept {
   bool any = false;
   bool all = true;
@@ -136,13 +177,11 @@ PortFinding RealPorts::findingOf(const Slot& slot) const {
                       .isDirect = slot.isDirect,
                       .problem = slot.problem,
                       .reason = slot.reason,
-                      .holder = {}};
+                      .holder = {},
+                      .isLink = slot.isLink};
   if (slot.port && slot.port->isGone()) {
     finding.problem = PortProblem::Other;
-    finding.reason =
-        slot.port->isGuardLost()
-            ? "its guard process was ended. Cure: press the hardware test"
-            : "the port has vanished. Cure: plug it in again and press the hardware test";
+    finding.reason = slot.port->lossText();
   }
   if (finding.problem == PortProblem::Taken && !slot.isDirect) {
     finding.holder = holderOf(options_.root, slot.device);

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "hardware/ports/guard.h"
+#include "hardware/ports/held_port.h"
+#include "hardware/ports/link_port.h"
 #include "hardware/ports/lpt_filter.h"
 #include "hardware/ports/port_choice.h"
 #include "hardware/ports/port_diagnosis.h"
@@ -21,10 +23,12 @@ struct PortOptions {
   std::filesystem::path root = "/";                // where the kernel's folders are
   std::filesystem::path lockFolder = "/run/lock";  // for direct access
   std::filesystem::path guard = guardProgram();
+  LinkOptions link = {.open = openSerialLine};
 };
 
-/// The parallel ports of this machine, each taken for this program alone, with its voltages
-/// switched off and a guard process beside it. They are given back, switched off again, when this
+/// The parallel ports of this machine, and adapters that stand in for one, each taken for this
+/// program alone, with its voltages switched off and a guard beside it: a process, or the adapter
+/// itself. They are given back, switched off again, when this
 /// ends. A port that cannot be taken is as if it were not there; diagnosis() tells why.
 class RealPorts {
  public:
@@ -37,6 +41,14 @@ class RealPorts {
   /// The access to all of them, with everything else filtered away. Throws RuntimeError 68 when a
   /// port has vanished.
   [[nodiscard]] PortAccess& port() { return filter_; }
+
+  /// Who keeps the time of the port that was addressed last; nullptr for the machine's clock.
+  [[nodiscard]] Waits* timeOfLast() const { return filter_.timeOfLast(); }
+
+  /// For the adapters (LinkPort): an operation, and the end of a command.
+  void beginOperation();
+  void endOperation() noexcept;
+  void settle();
 
   /// The bases behind which a port works.
   [[nodiscard]] std::vector<std::uint16_t> taken() const;
@@ -62,8 +74,10 @@ class RealPorts {
     std::uint16_t base = 0;
     std::string device;  // empty: nothing to take
     bool isDirect = false;
+    bool isLink = false;
     std::uint16_t address = 0;
-    std::unique_ptr<RealPort> port;
+    std::unique_ptr<HeldPort> port;
+    LinkPort* link = nullptr;  // the same port, where it is one
     std::unique_ptr<Guard> guard;
     std::optional<PortProblem> problem;
     std::string reason;
@@ -73,8 +87,10 @@ class RealPorts {
   void find(Slot& slot, const std::vector<ListedPort>& listed) const;
   void take(Slot& slot, const std::vector<ListedPort>& listed);
   void giveBack(Slot& slot);
-  [[nodiscard]] std::unique_ptr<RealPort> open(const Slot& slot,
-                                               const std::vector<ListedPort>& listed);
+  void open(Slot& slot, const std::vector<ListedPort>& listed);
+  void openLink(Slot& slot);
+  [[nodiscard]] std::unique_ptr<RealPort> openHere(const Slot& slot,
+                                                   const std::vector<ListedPort>& listed);
   [[nodiscard]] bool isChosen(const std::string& device) const;
   [[nodiscard]] PortFinding findingOf(const Slot& slot) const;
 
@@ -82,6 +98,26 @@ class RealPorts {
   PortOptions options_;
   LptFilter filter_;
   std::vector<Slot> slots_;
+};
+
+/// The time between the accesses: kept by the port that was addressed last, where that is an
+/// adapter, else by the machine's clock.
+class PortWaits final : public Waits {
+ public:
+  /// Both outlive it.
+  PortWaits(RealPorts& ports, Waits& clock) : ports_(ports), clock_(clock) {}
+
+  void Sleep(std::int32_t milliseconds) override { keeper().Sleep(milliseconds); }
+  void Spin(std::int64_t counts) override { keeper().Spin(counts); }
+
+ private:
+  [[nodiscard]] Waits& keeper() {
+    Waits* const own = ports_.timeOfLast();
+    return own != nullptr ? *own : clock_;
+  }
+
+  RealPorts& ports_;
+  Waits& clock_;
 };
 
 /// Finds and takes the machine's ports.

@@ -14,6 +14,12 @@ constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 class Line {
  public:
   explicit Line(std::string_view event) { append(event); }
+  Line(const Line&) = delete;  // its end points into itself
+  Line& operator=(const Line&) = delete;
+
+  Line& access(std::int16_t port, std::uint8_t value) {
+    return hex(static_cast<std::uint16_t>(port), 1).blank().hex(value, 2);
+  }
 
   Line& hex(unsigned value, unsigned digits) {
     while (digits < 4 && value >> (4 * digits) != 0) ++digits;
@@ -32,9 +38,9 @@ class Line {
     return *this;
   }
 
-  void writeTo(std::ostream& stream) {
+  [[nodiscard]] std::string_view ended() {
     append("\n");
-    stream.write(text_.data(), end_ - text_.data());
+    return {text_.data(), static_cast<std::size_t>(end_ - text_.data())};
   }
 
  private:
@@ -44,31 +50,71 @@ class Line {
   char* end_ = text_.data();
 };
 
-std::uint16_t asPortNumber(std::int16_t port) { return static_cast<std::uint16_t>(port); }
-
 }  // namespace
 
 TracingPort::TracingPort(PortAccess& port, Waits& waits, std::ostream& trace)
     : port_(port), waits_(waits), trace_(trace) {}
 
+TracingPort::~TracingPort() { writeHeldBack(); }
+
 void TracingPort::PortOut(std::int16_t port, std::uint8_t value) {
-  Line("out ").hex(asPortNumber(port), 1).blank().hex(value, 2).writeTo(trace_);
+  write(Line("out ").access(port, value).ended());
   port_.PortOut(port, value);
 }
 
 std::uint8_t TracingPort::PortIn(std::int16_t port) {
   const std::uint8_t value = port_.PortIn(port);
-  Line("in ").hex(asPortNumber(port), 1).blank().hex(value, 2).writeTo(trace_);
+  writeHeldBack();
+  write(Line("in ").access(port, value).ended());
   return value;
 }
 
+PendingRead TracingPort::askPortIn(std::int16_t port) {
+  const PendingRead pending = port_.askPortIn(port);
+  if (pending.isHere) {
+    write(Line("in ").access(port, static_cast<std::uint8_t>(pending.number)).ended());
+  } else {
+    heldBack_.push_back({.text = {}, .isUnanswered = true, .read = pending.number});
+  }
+  return pending;
+}
+
+std::uint8_t TracingPort::fetchPortIn(std::int16_t port, PendingRead pending) {
+  const std::uint8_t value = port_.fetchPortIn(port, pending);
+  if (pending.isHere) return value;
+  for (HeldBack& each : heldBack_) {
+    if (!each.isUnanswered || each.read != pending.number) continue;
+    each = {.text = std::string(Line("in ").access(port, value).ended())};
+    break;
+  }
+  while (!heldBack_.empty() && !heldBack_.front().isUnanswered) {
+    trace_ << heldBack_.front().text;
+    heldBack_.pop_front();
+  }
+  return value;
+}
+
+void TracingPort::write(std::string_view line) {
+  if (heldBack_.empty()) {
+    trace_.write(line.data(), static_cast<std::streamsize>(line.size()));
+  } else {
+    heldBack_.push_back({.text = std::string(line)});
+  }
+}
+
+// Reads are fetched in the order of their asking: what is unanswered now will never be.
+void TracingPort::writeHeldBack() {
+  for (const HeldBack& each : heldBack_) trace_ << each.text;
+  heldBack_.clear();
+}
+
 void TracingPort::Sleep(std::int32_t milliseconds) {
-  if (milliseconds > 0) Line("sleep ").decimal(milliseconds).writeTo(trace_);
+  if (milliseconds > 0) write(Line("sleep ").decimal(milliseconds).ended());
   waits_.Sleep(milliseconds);
 }
 
 void TracingPort::Spin(std::int64_t counts) {
-  if (counts > 0) Line("spin ").decimal(counts).writeTo(trace_);
+  if (counts > 0) write(Line("spin ").decimal(counts).ended());
   waits_.Spin(counts);
 }
 
