@@ -42,6 +42,7 @@ SelectionKeeper::Kept SelectionKeeper::keep() const {
             .position = c.Device.position(),
             .listText = c.Device.text(),
             .lastPage = c.VScroll1.maximum(),
+            .programSpeed = c.Slider1.value(),
             .checkCode = c.CheckCode.value(),
             .checkData = c.CheckData.value(),
             .voltages = {},
@@ -61,10 +62,10 @@ SelectionKeeper::Kept SelectionKeeper::keep() const {
   return kept;
 }
 
-void SelectionKeeper::putBack(const Kept& kept) {
+bool SelectionKeeper::putBack(const Kept& kept) {
   Controls& c = controls_;
   if (device_ == kept.device && timing_ == kept.timing && c.Device.position() == kept.position) {
-    return;
+    return false;
   }
   device_ = kept.device;
   timing_ = kept.timing;
@@ -72,6 +73,7 @@ void SelectionKeeper::putBack(const Kept& kept) {
   buffers_.DataBufferValid = kept.dataBufferValid;
   c.Device.putBack(kept.position, kept.listText);
   c.VScroll1.putBackMaximum(kept.lastPage);
+  c.Slider1.putBack(kept.programSpeed);
   c.CheckCode.setValue(kept.checkCode);
   c.CheckData.setValue(kept.checkData);
   c.Show_button.setCaption(kept.showCaption);
@@ -86,6 +88,7 @@ void SelectionKeeper::putBack(const Kept& kept) {
     }
   }
   for (const auto& [control, visible] : kept.visible) control->setVisible(visible);
+  return true;
 }
 
 }  // namespace kestrel::selection

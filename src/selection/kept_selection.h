@@ -29,6 +29,7 @@ class SelectionKeeper {
     std::int32_t position = -1;
     std::string listText;
     std::int32_t lastPage = 0;
+    std::int32_t programSpeed = 0;
     int checkCode = 0;
     int checkData = 0;
     std::array<bool, 4> voltages{};
@@ -39,8 +40,8 @@ class SelectionKeeper {
 
   [[nodiscard]] Kept keep() const;
 
-  /// Nothing is changed when the selection is still the kept one.
-  void putBack(const Kept& kept);
+  /// False, and nothing is changed, when the selection is still the kept one.
+  bool putBack(const Kept& kept);
 
  private:
   [[nodiscard]] std::vector<Button*> commands() const;

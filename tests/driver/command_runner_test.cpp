@@ -158,6 +158,16 @@ TEST(FailedSelection, leavesDeviceVoltageAndFormAsTheyWere) {
     EXPECT_EQ(look(), formBefore);
     s.rig.state.CtlIdle[latch] = goodCode;
   }
+  // Stopped, the board rests with the fixed bits of the device that is back, at its old speed.
+  const std::uint8_t atRest = s.board->latch(3);
+  s.rig.screen.onTurn = [&] { s.rig.stop.stopCommand(); };
+  s.rig.result = s.rig.form.runner().run([&] {
+    s.rig.controls.Slider1.setValue(3);
+    s.rig.controls.Device.setPosition(position + 15);
+  });
+  EXPECT_EQ(s.rig.result.ending, Ending::Stopped);
+  EXPECT_EQ(s.board->latch(3), atRest);
+  EXPECT_EQ(s.rig.controls.Slider1.value(), 18);
 }
 
 TEST(ShutDown, closesTheOtherWindowsAndSavesThePlaceUnlessMinimised) {

@@ -71,16 +71,14 @@ CommandResult CommandRunner::runOne(const Event& event) {
     result = reporting_.takeResult();
   } catch (...) {
     // The board first: a programming voltage may be on the chip.
-    try {
-      resetBoard();
-    } catch (const std::exception&) {
-      // The port has gone; the fault that is reported below is the same one.
-    }
-    selection_.putBack(kept);
+    tryToResetBoard();
+    // Latch 3 at rest holds the device's fixed bits: those of the half-chosen one until now.
+    if (selection_.putBack(kept)) tryToResetBoard();
     showRest();
     result = report(std::current_exception());
   }
   reportStretchedPulses();
+  reportVoltage();
   return result;
 }
 
@@ -125,12 +123,26 @@ void CommandRunner::reportStretchedPulses() {
                         " pulses lasted more than twice their time, the computer was busy");
 }
 
+void CommandRunner::reportVoltage() {
+  const bool mayBeOn = service_.mayVoltageBeOn();
+  if (mayBeOn && !isVoltageReported_) reporting_.LogMessage(kVoltageWarning);
+  isVoltageReported_ = mayBeOn;
+}
+
 void CommandRunner::showRest() {
   controls_.Verify_button.setColour(Colour::ButtonFace);
   controls_.Program_label.setColour(Colour::ButtonFace);
   controls_.DataFlow_label.setColour(Colour::ButtonFace);
   controls_.ProgressBar1.setValue(0);
   controls_.StatusBar.setText("");
+}
+
+void CommandRunner::tryToResetBoard() {
+  try {
+    resetBoard();
+  } catch (const std::exception&) {
+    // The port has gone; the fault that is reported is the same one.
+  }
 }
 
 void CommandRunner::resetBoard() {

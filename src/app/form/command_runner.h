@@ -15,6 +15,10 @@
 
 namespace kestrel::form {
 
+/// What is left to be done when a switch-off has failed.
+inline constexpr const char* kVoltageWarning =
+    "The programming voltage may still be on: take the board's supply away";
+
 /// The one way from a front end to the procedures: every press runs here, one at a time, and gives
 /// back how it ended.
 ///
@@ -67,8 +71,10 @@ class CommandRunner {
   CommandResult runOne(const Event& event);
   CommandResult report(const std::exception_ptr& fault);
   CommandResult report(const RuntimeError& error);
+  void tryToResetBoard();
   void showRest();
   void reportStretchedPulses();
+  void reportVoltage();
 
   Controls& controls_;
   Reporting& reporting_;
@@ -78,6 +84,7 @@ class CommandRunner {
   StopSwitch& stop_;
   PortService& service_;
   bool running_ = false;
+  bool isVoltageReported_ = false;
   std::deque<Event> waiting_;
   std::vector<Event> started_;
   std::vector<Event> ended_;

@@ -24,6 +24,10 @@ CommandResult frmMain::exportImage(const std::string& name,
   return runner().run([&] { units_->files.exportImage(name, contents); });
 }
 
+std::string frmMain::whyNoBoard() const { return units_->whyNoBoard(); }
+
+bool frmMain::mayVoltageBeOn() const { return units_->machine.portService.mayVoltageBeOn(); }
+
 CommandRunner& frmMain::runner() { return units_->runner; }
 
 }  // namespace kestrel::form

@@ -41,6 +41,13 @@ class frmMain {
   /// Writes the contents of an exported file.
   CommandResult exportImage(const std::string& name, std::span<const std::uint8_t> contents);
 
+  /// What makes the port in force one without a board: kestrel6.ini, or a port chosen since. Empty
+  /// when nothing does; a board may be missing all the same (Ready_label).
+  [[nodiscard]] std::string whyNoBoard() const;
+
+  /// True when a programming voltage could not be switched off.
+  [[nodiscard]] bool mayVoltageBeOn() const;
+
   /// Every press of a control goes through it.
   [[nodiscard]] CommandRunner& runner();
 

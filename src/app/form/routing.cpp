@@ -97,8 +97,7 @@ void frmMain::Units::connectValues() {
 
 // Beside the choice, which stays the person's: only a real port can be missing.
 void frmMain::Units::reportPortNotHeld() {
-  if (machine.portService.holdsPort(state.PortBase)) return;
-  for (const std::string& line : machine.portService.diagnosis()) reporting.LogMessage(line);
+  if (!machine.portService.holdsPort(state.PortBase)) logDiagnosis();
 }
 
 void frmMain::Units::testHardware() {

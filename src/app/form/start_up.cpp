@@ -1,5 +1,6 @@
 #include "app/form/units.h"
 #include "app/form/window_place.h"
+#include "app/state/text_format.h"
 #include "devices/device_table.h"
 #include "hardware/decode_tables.h"
 
@@ -31,6 +32,7 @@ void frmMain::Form_Load() {
     u.board.lamps.ErrorLampOff();
   });
   u.controls.SystemLog.setText("");
+  u.reportPortInForce();
   u.controls.VScroll1.setValue(0);
   devices::BuildDeviceTable(s, s);
   devices::FillDeviceList(s, u.controls.Device);
@@ -63,7 +65,6 @@ void frmMain::Units::findBoard() {
     runner.runStep(testIfNoPort);
     runner.runStep([this] { board.registers.ApplyPortAndModel(); });
   }
-  reportDiagnosis();
   checkPortInForce();
   // The start-up caption stays when nothing answers; a later hardware test words it without the
   // exclamation marks.
@@ -85,22 +86,37 @@ void frmMain::Units::restAfterFault() {
 // kestrel6.ini may name a port that the program could not take, or half of what is needed: then no
 // board is there, whatever the procedures have shown.
 void frmMain::Units::checkPortInForce() {
-  const std::int16_t base = state.PortBase;
-  if (base == 0 || controls.Ready_label.caption() != "Ready") return;
-  const std::int16_t model = state.KestrelModel;
-  const bool isHeld = machine.portService.holdsPort(base);
-  const bool hasModel = model == 4 || model == 5 || model == 6;
-  if (isHeld && hasModel) return;
+  if (whyNoBoard().empty()) return;
   controls.Ready_label.setColour(Colour::Red);
   controls.Ready_label.setCaption("NotReady");
-  if (isHeld) return;
-  for (const std::string& line : machine.portService.diagnosis()) reporting.LogMessage(line);
+}
+
+std::string frmMain::Units::whyNoBoard() const {
+  const std::int16_t base = state.PortBase;
+  const std::int16_t model = state.KestrelModel;
+  if (base == 0) return {};
+  if (!machine.portService.holdsPort(base)) return "No port can be used at " + hexText(base) + "h";
+  if (model == 0) return "kestrel6.ini names a port and no model";
+  if (model == 4 || model == 5 || model == 6) return {};
+  return "kestrel6.ini names model " + std::to_string(model) + ", which is none of 4, 5 and 6";
+}
+
+// The log has been emptied since the board was looked for; it opens with what is wrong.
+void frmMain::Units::reportPortInForce() {
+  const std::string reason = whyNoBoard();
+  if (!reason.empty()) {
+    reporting.LogMessage(reason + ": press the hardware test, which writes that file anew");
+  }
+  if (state.KestrelModel == 0 || !machine.portService.holdsPort(state.PortBase)) logDiagnosis();
 }
 
 // Why a real port may have no board behind it.
-void frmMain::Units::reportDiagnosis() {
-  if (state.KestrelModel != 0) return;
+void frmMain::Units::logDiagnosis() {
   for (const std::string& line : machine.portService.diagnosis()) reporting.LogMessage(line);
+}
+
+void frmMain::Units::reportDiagnosis() {
+  if (state.KestrelModel == 0) logDiagnosis();
 }
 
 // The board comes first; a port that has gone must not keep the window from closing.

@@ -53,8 +53,8 @@ struct frmMain::Units {
   display::DeviceDisplay deviceDisplay{state,    state,     state, state,
                                        controls, reporting, board, machine.dialogs};
   display::Exports exports{state, controls, reporting, machine.time, machine.folders};
-  buffers::BufferFiles files{state,       state, controls,      reporting,
-                             board.lamps, alert, memoryDisplay, machine.dialogs};
+  buffers::BufferFiles files{state, state,         controls,        reporting,   board.lamps,
+                             alert, memoryDisplay, machine.dialogs, machine.stop};
 
   operations::FailureReports reports{state, state, state, controls, reporting, board, alert};
   operations::ProgramImage image{state, state, state, controls};
@@ -94,7 +94,8 @@ struct frmMain::Units {
                                      memoryDisplay,
                                      flashIdentification};
   selection::SelectionKeeper selectionKeeper{state, state, state, controls, alert};
-  setups::NamedSetups setups{state, controls, reporting, files, machine.dialogs, machine.folders};
+  setups::NamedSetups setups{state,           controls,        reporting,   files,
+                             machine.dialogs, machine.folders, machine.stop};
   HelpCommands help{machine.help, machine.dialogs, machine.folders};
   CommandRunner runner{controls,     reporting,          errors, board, selectionKeeper,
                        machine.stop, machine.portService};
@@ -104,6 +105,8 @@ struct frmMain::Units {
   void findBoard();
   void restAfterFault();
   void checkPortInForce();
+  void reportPortInForce();
+  [[nodiscard]] std::string whyNoBoard() const;
 
   // Routing: every control's event to its handler.
   void connectAll();
@@ -117,6 +120,7 @@ struct frmMain::Units {
   void testHardware();
   void reportDiagnosis();
   void reportPortNotHeld();
+  void logDiagnosis();
   void VScroll1_Change();
   void tbToolBar_ButtonClick(const std::string& key);
 };

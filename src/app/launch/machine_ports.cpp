@@ -1,5 +1,6 @@
 #include "app/launch/machine_ports.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -7,8 +8,9 @@ namespace kestrel::launch {
 namespace {
 
 std::unique_ptr<SimulatedBoard> simulatedBoard(const LaunchOptions& options,
-                                               std::string_view defaultChip) {
-  return options.simulate ? std::make_unique<SimulatedBoard>(options, defaultChip) : nullptr;
+                                               std::string_view defaultChip,
+                                               const StopSwitch& stop) {
+  return options.simulate ? std::make_unique<SimulatedBoard>(options, defaultChip, &stop) : nullptr;
 }
 
 std::unique_ptr<sim::SimulatedPort> simulatedPort(SimulatedBoard* simulated,
@@ -21,7 +23,7 @@ std::unique_ptr<sim::SimulatedPort> simulatedPort(SimulatedBoard* simulated,
 
 MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaultChip,
                            const StopSwitch& stop)
-    : simulated_(simulatedBoard(options, defaultChip)),
+    : simulated_(simulatedBoard(options, defaultChip, stop)),
       simulatedPort_(simulatedPort(simulated_.get(), options)),
       monotonic_(options.countNs, &stop) {
   if (simulatedPort_) return;
@@ -66,7 +68,9 @@ void MachinePorts::settle() {
 }
 
 bool MachinePorts::holdsPort(std::int16_t base) const {
-  return !realPorts_ || realPorts_->holds(static_cast<std::uint16_t>(base));
+  const auto number = static_cast<std::uint16_t>(base);
+  if (realPorts_) return realPorts_->holds(number);
+  return std::ranges::find(sim::kPortBases, number) != sim::kPortBases.end();
 }
 
 bool MachinePorts::mayVoltageBeOn() const { return realPorts_ && realPorts_->mayVoltageBeOn(); }

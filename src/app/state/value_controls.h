@@ -44,6 +44,9 @@ class RangeControl : public Control {
   /// Gives it an earlier maximum back, its value within it; nothing runs.
   void putBackMaximum(std::int32_t maximum);
 
+  /// Gives it an earlier value back; nothing runs.
+  void putBack(std::int32_t value) { assign(value_, value); }
+
  private:
   std::function<void()> handler_;
   std::int32_t minimum_;
