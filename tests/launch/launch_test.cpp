@@ -9,6 +9,7 @@
 #include <fstream>
 #include <vector>
 
+#include "app/launch/machine_options.h"
 #include "app/launch/option_values.h"
 #include "app/launch/program_folders.h"
 #include "app/launch/separate_files.h"

@@ -27,15 +27,20 @@ constexpr std::array<MachineOption, 11> kMachineOptions{{
     {.name = "--simulate", .value = "", .help = "work on a simulated board", .group = Group::SimulatedBoard,
      .set = [](auto& o, const auto&) { o.simulate = true; }},
     {.name = "--model", .value = "4|5|6", .help = "model of the simulated board (5)", .group = Group::SimulatedBoard,
-     .set = [](auto& o, const auto& text) { o.model = parseModel(text); }},
+     .set = [](auto& o, const auto& text) { o.model = parseModel(text); },
+     .isGiven = [](const auto& o) { return o.model.has_value(); }},
     {.name = "--lpt", .value = "378|278|3BC", .help = "port of the simulated board (378)", .group = Group::SimulatedBoard,
-     .set = [](auto& o, const auto& text) { o.lpt = parseLpt(text); }},
+     .set = [](auto& o, const auto& text) { o.lpt = parseLpt(text); },
+     .isGiven = [](const auto& o) { return o.lpt.has_value(); }},
     {.name = "--chip", .value = "TYPE[=FILE]", .help = "chip in its socket; FILE holds its contents", .group = Group::SimulatedBoard,
-     .set = [](auto& o, const auto& text) { o.chip = parseChip(text); }},
+     .set = [](auto& o, const auto& text) { o.chip = parseChip(text); },
+     .isGiven = [](const auto& o) { return o.chip.has_value(); }},
     {.name = "--board-vpp", .value = "12.5|21|25", .help = "voltage set by hand on a simulated model 4", .group = Group::SimulatedBoard,
-     .set = [](auto& o, const auto& text) { o.boardVppMillivolts = parseBoardVpp(text); }},
+     .set = [](auto& o, const auto& text) { o.boardVppMillivolts = parseBoardVpp(text); },
+     .isGiven = [](const auto& o) { return o.boardVppMillivolts.has_value(); }},
     {.name = "--fault", .value = "FAULT", .help = "weak:ADDR, stuck:BIT, unplug:N, empty; repeatable", .group = Group::SimulatedBoard, .isRepeatable = true,
-     .set = [](auto& o, const auto& text) { o.faults.push_back(parseFault(text)); }},
+     .set = [](auto& o, const auto& text) { o.faults.push_back(parseFault(text)); },
+     .isGiven = [](const auto& o) { return !o.faults.empty(); }},
 }};
 // clang-format on
 
@@ -51,6 +56,19 @@ void setOption(const MachineOption& option, const std::vector<std::string>& valu
                LaunchOptions& options) {
   if (!option.isRepeatable) refuseSecond(option.name, values);
   for (const std::string& value : values) option.set(options, value);
+}
+
+void checkTogether(const LaunchOptions& options) {
+  if (options.simulate && !options.ports.empty()) {
+    throw UsageError("--port names a real port; leave it out or leave out --simulate");
+  }
+  for (const MachineOption& option : kMachineOptions) {
+    if (options.simulate || option.isGiven == nullptr || !option.isGiven(options)) continue;
+    throw UsageError(std::string(option.name) + " is for the simulated board; add --simulate");
+  }
+  if (options.boardVppMillivolts && options.model != sim::Model::kestrel4) {
+    throw UsageError("--board-vpp is set by hand on a model 4 only; add --model 4");
+  }
 }
 
 }  // namespace kestrel::launch

@@ -1,9 +1,7 @@
 #include "app/launch/option_values.h"
 
 #include <algorithm>
-#include <array>
 #include <charconv>
-#include <utility>
 
 #include "simulator/chip_factory.h"
 
@@ -104,29 +102,6 @@ std::int64_t parseCountNs(std::string_view text) {
   const auto value = number(text, 10);
   if (value && *value >= 1 && *value <= kMostNs) return static_cast<std::int64_t>(*value);
   refuse("--count-ns", text, "is no count length; use 1 to 1000000 nanoseconds (default 25)");
-}
-
-void checkTogether(const LaunchOptions& options) {
-  if (options.simulate) {
-    if (!options.ports.empty()) {
-      throw UsageError("--port names a real port; leave it out or leave out --simulate");
-    }
-  } else {
-    const std::array<std::pair<bool, const char*>, 5> simulatedOnly{{
-        {options.model.has_value(), "--model"},
-        {options.lpt.has_value(), "--lpt"},
-        {options.chip.has_value(), "--chip"},
-        {options.boardVppMillivolts.has_value(), "--board-vpp"},
-        {!options.faults.empty(), "--fault"},
-    }};
-    for (const auto& [given, name] : simulatedOnly) {
-      if (given)
-        throw UsageError(std::string(name) + " is for the simulated board; add --simulate");
-    }
-  }
-  if (options.boardVppMillivolts && options.model != sim::Model::kestrel4) {
-    throw UsageError("--board-vpp is set by hand on a model 4 only; add --model 4");
-  }
 }
 
 }  // namespace kestrel::launch

@@ -60,7 +60,4 @@ struct LaunchOptions {
 [[nodiscard]] ports::PortChoice parsePort(std::string_view text);
 [[nodiscard]] std::int64_t parseCountNs(std::string_view text);
 
-/// Throws UsageError for options that exclude or need one another.
-void checkTogether(const LaunchOptions& options);
-
 }  // namespace kestrel::launch
