@@ -5,10 +5,10 @@ _kestrel_cli() {
   local program=${COMP_WORDS[0]}
   local current=${COMP_WORDS[COMP_CWORD]}
   local previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local commands="devices detect read blank verify program erase display setups save-setup safe"
+  local commands="devices detect read blank verify program erase display flash-id erase-buffer setups save-setup safe"
   local options="-d -i -o --simulate --model --lpt --chip --board-vpp --fault --port --setup --speed
     --vpp --lane --pad-ff --blank-check --verify --page --show --names --trace --waves --home --count-ns -y --yes
-    -q --quiet --version -h --help"
+    -q --quiet --select-port --force-model --version -h --help"
   COMPREPLY=()
 
   # "--chip 27C256=FILE" and "--port 378=DEVICE" reach this function split at the equals sign.
@@ -27,8 +27,8 @@ _kestrel_cli() {
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return ;;
-    --model) mapfile -t COMPREPLY < <(compgen -W "4 5 6" -- "$current"); return ;;
-    --lpt) mapfile -t COMPREPLY < <(compgen -W "378 278 3BC" -- "$current"); return ;;
+    --model | --force-model) mapfile -t COMPREPLY < <(compgen -W "4 5 6" -- "$current"); return ;;
+    --lpt | --select-port) mapfile -t COMPREPLY < <(compgen -W "378 278 3BC" -- "$current"); return ;;
     --port)
       compopt -o nospace
       mapfile -t COMPREPLY < <(compgen -W "378= 278= 3BC=" -- "$current")

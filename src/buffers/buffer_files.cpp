@@ -12,6 +12,7 @@
 #include "devices/families.h"
 #include "display/hex_line.h"
 #include "platform/atomic_file.h"
+#include "platform/file_names.h"
 
 namespace kestrel::buffers {
 namespace {
@@ -81,8 +82,9 @@ void BufferFiles::openDataFile(const std::string& name) {
 
 bool BufferFiles::ReadBinaryFile() {
   const std::string& name = buffers_.CodeFileName;
-  const bool isRead = tried("Can't Open Code File",
-                            [&] { buffers_.FileBytes = readWholeFile(name, kCodeBufferBytes); });
+  const bool isRead = tried("Can't Open Code File", [&] {
+    buffers_.FileBytes = readWholeFile(name, kCodeBufferBytes, &stop_);
+  });
   if (!isRead) return false;
   showCode(name);
   return true;
@@ -101,7 +103,7 @@ void BufferFiles::showCode(const std::string& name) {
   controls_.FileNameCodeText.setCaption(upperCase(name));
   controls_.BufferDisplay.setText(kReadingText);
   lamps_.DataFlowLampOn();
-  controls_.StatusBar.setText("Reading Code File " + name + " into Buffer... Wait");
+  controls_.StatusBar.setText("Reading Code File " + shownName(name) + " into Buffer... Wait");
   storeCode();
   lamps_.DataFlowLampOff();
   const std::string length = std::to_string(buffers_.CodeLength);
@@ -162,7 +164,7 @@ bool BufferFiles::ReadBinaryFileData() {
     std::error_code notRegular;
     length = std::filesystem::file_size(name, notRegular);
     if (notRegular || length <= kDataFileBytes) {
-      buffers_.FileBytes = readWholeFile(name, kCodeBufferBytes);
+      buffers_.FileBytes = readWholeFile(name, kCodeBufferBytes, &stop_);
       length = buffers_.FileBytes.size();
     }
   });
@@ -245,8 +247,8 @@ void BufferFiles::saveUnder(const std::string& name, std::string& fileName, Cont
 bool BufferFiles::writeCode() {
   const std::string& name = buffers_.CodeFileName;
   return tried("Can't Save Code File", [&] {
-    controls_.StatusBar.setText("Writing Binary File " + name + " ... Wait");
-    writeFileAtomically(name, firstBytes(buffers_.CodeBuffer, buffers_.CodeLength));
+    controls_.StatusBar.setText("Writing Binary File " + shownName(name) + " ... Wait");
+    writeFileAtomically(name, firstBytes(buffers_.CodeBuffer, buffers_.CodeLength), &stop_);
     reporting_.LogMessage("File Sucessfully Saved as " + name);
     controls_.StatusBar.setText("");
   });
@@ -274,8 +276,8 @@ void BufferFiles::mnuFileSaveDataAs_Click() {
 bool BufferFiles::writeData(const std::string& path) {
   const std::string& name = buffers_.DataFileName;
   return tried("Can't Save Data File", [&] {
-    controls_.StatusBar.setText("Writing Data Binary File " + name + " ... Wait");
-    writeFileAtomically(path, firstBytes(buffers_.DataBuffer, buffers_.DataLength));
+    controls_.StatusBar.setText("Writing Data Binary File " + shownName(name) + " ... Wait");
+    writeFileAtomically(path, firstBytes(buffers_.DataBuffer, buffers_.DataLength), &stop_);
     reporting_.LogMessage("File Sucessfully Saved as " + name);
     controls_.StatusBar.setText("");
   });

@@ -14,6 +14,7 @@
 #include "hardware/lamps.h"
 #include "platform/dialogs.h"
 #include "platform/runtime_error.h"
+#include "platform/stop_switch.h"
 
 namespace kestrel::buffers {
 
@@ -23,7 +24,7 @@ class BufferFiles {
  public:
   BufferFiles(BufferState& buffers, const SelectionState& device, Controls& controls,
               Reporting& reporting, hardware::Lamps& lamps, hardware::ErrorAlert& alert,
-              display::MemoryDisplay& display, Dialogs& dialogs)
+              display::MemoryDisplay& display, Dialogs& dialogs, const StopSwitch& stop)
       : buffers_(buffers),
         device_(device),
         controls_(controls),
@@ -31,7 +32,8 @@ class BufferFiles {
         lamps_(lamps),
         alert_(alert),
         display_(display),
-        dialogs_(dialogs) {}
+        dialogs_(dialogs),
+        stop_(stop) {}
 
   void mnuFileOpenCode_Click();
   void mnuFileOpenData_Click();
@@ -96,6 +98,7 @@ class BufferFiles {
   hardware::ErrorAlert& alert_;
   display::MemoryDisplay& display_;
   Dialogs& dialogs_;
+  const StopSwitch& stop_;  // ends the wait for a pipe
 };
 
 }  // namespace kestrel::buffers

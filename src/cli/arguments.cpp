@@ -12,8 +12,10 @@
 #include <vector>
 
 #include "app/launch/machine_options.h"
+#include "app/launch/separate_files.h"
 #include "app/launch/version.h"
 #include "cli/commands.h"
+#include "platform/polled_io.h"
 
 namespace kestrel::cli {
 namespace {
@@ -52,9 +54,26 @@ std::size_t laneButton(const std::string& text) {
   refuse("--lane", text, "is no byte lane; use all, odd or even");
 }
 
+std::size_t modelEntry(const std::string& text) {
+  return static_cast<std::size_t>(
+      number("--force-model", text, 4, 6, "is no board model; use 4, 5 or 6") - 4);
+}
+
+std::size_t portButton(const std::string& text) {
+  if (text == "378") return 0;
+  if (text == "278") return 1;
+  if (text == "3BC" || text == "3bc") return 2;
+  refuse("--select-port", text, "is no port address; use 378, 278 or 3BC");
+}
+
 const std::string& named(std::string_view option, const std::string& text) {
   if (text.empty()) throw launch::UsageError(std::string(option) + " is empty; give it a name");
   return text;
+}
+
+/// A file; "-" is the standard stream.
+std::string fileName(std::string_view option, const std::string& text, const char* standard) {
+  return text == "-" ? standard : named(option, text);
 }
 
 /// A name that stays within its line of the setup file.
@@ -77,13 +96,17 @@ struct WorkOption {
 };
 
 // clang-format off
-constexpr std::array<WorkOption, 13> kWorkOptions{{
+constexpr std::array<WorkOption, 15> kWorkOptions{{
     {"-d", "NAME", "device: its name, a word of it, or a fitting part",
      [](auto& a, const auto& text) { a.device = named("-d", text); }},
-    {"-i", "FILE", "code file to load",
-     [](auto& a, const auto& text) { a.codeFile = named("-i", text); }},
-    {"-o", "FILE", "file to save the buffer to after the command",
-     [](auto& a, const auto& text) { a.saveFile = named("-o", text); }},
+    {"-i", "FILE", "code file to load; -: standard input",
+     [](auto& a, const auto& text) { a.codeFile = fileName("-i", text, kStandardInput); }},
+    {"-o", "FILE", "file to save the buffer to; -: standard output",
+     [](auto& a, const auto& text) { a.saveFile = fileName("-o", text, kStandardOutput); }},
+    {"--select-port", "BASE", "use the port 378, 278 or 3BC without asking it",
+     [](auto& a, const auto& text) { a.port = portButton(text); }},
+    {"--force-model", "4|5|6", "use the board as this model without asking it",
+     [](auto& a, const auto& text) { a.model = modelEntry(text); }},
     {"--setup", "N", "load setup slot N (1 to 4)",
      [](auto& a, const auto& text) { a.setup = slot("--setup", text); }},
     {"--speed", "1..20", "program speed",
@@ -200,7 +223,7 @@ void refuseExtras(const CLI::App& app, const Arguments& a) {
 }
 
 bool uses(const Command& command, std::string_view option) {
-  const std::string words = " " + std::string(command.options) + " ";
+  const std::string words = std::string(" ") + command.options + " " + command.ownOption + " ";
   return words.find(" " + std::string(option) + " ") != std::string::npos;
 }
 
@@ -223,6 +246,22 @@ void refuseUnused(const CLI::App& app, const Arguments& a) {
     if (app.count(option.name) == 0 || uses(command, option.name)) continue;
     throw launch::UsageError(std::string(option.name) + " is for " + usersOf(option.name) +
                              "; leave it out");
+  }
+}
+
+void checkFiles(const Arguments& a) {
+  const auto named = [](const std::optional<std::string>& file) {
+    const bool isStream = file == kStandardInput || file == kStandardOutput;
+    return std::filesystem::path(isStream ? "" : file.value_or(""));
+  };
+  launch::checkSeparate(std::array<launch::FileOption, 4>{{
+      {"-i", named(a.codeFile)},
+      {"-o", named(a.saveFile)},
+      {"--trace", a.launch.trace},
+      {"--chip", a.launch.chip ? a.launch.chip->file : std::filesystem::path()},
+  }});
+  if (a.padFF && a.codeFile == kStandardInput) {
+    throw launch::UsageError("--pad-ff reads the file of -i twice; give it a file, not -");
   }
 }
 
@@ -260,6 +299,7 @@ std::optional<Arguments> readArguments(int argc, const char* const* argv) {
   refuseExtras(app, a);
   refuseUnused(app, a);
   launch::checkTogether(a.launch);
+  checkFiles(a);
   return a;
 }
 

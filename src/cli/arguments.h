@@ -17,6 +17,8 @@ struct Arguments {
   std::optional<std::string> device;
   std::optional<std::string> codeFile;  ///< -i
   std::optional<std::string> saveFile;  ///< -o
+  std::optional<std::size_t> model;     ///< --force-model: index of the menu entry
+  std::optional<std::size_t> port;      ///< --select-port: index of the port button
   std::optional<std::size_t> setup;     ///< slot 1 to 4
   std::optional<std::int32_t> speed;    ///< 1 to 20
   std::optional<std::size_t> voltage;   ///< index of the voltage button

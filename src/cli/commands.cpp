@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <array>
+#include <iostream>
+#include <optional>
 
 #include "app/launch/program.h"
 #include "cli/exit_status.h"
@@ -9,6 +11,8 @@
 #include "cli/session.h"
 #include "cli/silent_parts.h"
 #include "devices/remarks.h"
+#include "platform/polled_io.h"
+#include "platform/runtime_error.h"
 
 namespace kestrel::cli {
 namespace {
@@ -38,8 +42,21 @@ void program(Session& s) {
           s.unless("program", "there is nothing to program; add -i FILE"));
 }
 
+// The form asks before it programs and not before it erases, where a click is seen to be one.
 void erase(Session& s) {
-  s.press(s.controls().EraseFlash_button, s.unless("erase", s.remark(devices::whyNoErase)));
+  Button& button = s.controls().EraseFlash_button;
+  if (button.enabled()) s.confirm("Erase the Chip?");
+  s.press(button, s.unless("erase", s.remark(devices::whyNoErase)));
+}
+
+void flashId(Session& s) {
+  s.press(s.controls().menuFlashShowCodeID,
+          s.unless("flash-id", "this device has no maker and device code to ask for"));
+}
+
+void eraseBuffer(Session& s) {
+  s.press(s.controls().Erase_button,
+          "erase-buffer: nothing is in the buffer; -i FILE gives it its length");
 }
 
 void goToPage(Session& s, std::int32_t page) {
@@ -77,37 +94,51 @@ void saveSetup(Session& s) {
 // What stands on the form can be set for every command there, also where only a setup would keep
 // it.
 // clang-format off
-constexpr std::array<Command, 11> kCommands{{
-    {.name = "devices", .help = "list the devices, or tell about the one of -d", .options = "-d --names", .press = nullptr, .alone = listDevices},
-    {.name = "detect", .help = "run the hardware test", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = detect, .needsBoard = false, .testsHardware = true},
-    {.name = "read", .help = "read the device into the buffer; -o saves it", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --show", .press = read},
-    {.name = "blank", .help = "check that the device is erased", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = blank},
-    {.name = "verify", .help = "compare the device with -i FILE", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = verify},
-    {.name = "program", .help = "program -i FILE into the device", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = program},
-    {.name = "erase", .help = "erase the chip (EEPROMs)", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = erase},
-    {.name = "display", .help = "print a page of the chip", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --page", .press = display},
-    {.name = "setups", .help = "list the four setups of this folder", .options = "", .press = nullptr, .alone = listSetups},
-    {.name = "save-setup", .help = "save the options as setup N (1 to 4)", .options = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify", .press = saveSetup, .needsBoard = false},
-    {.name = "safe", .help = "switch the board's voltages off", .options = "", .press = nullptr, .alone = switchOff},
+constexpr const char* kAtForm = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --select-port --force-model";
+constexpr const char* kSaved = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --select-port";
+constexpr const char* kBeforeTest = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify";
+
+constexpr std::array<Command, 13> kCommands{{
+    {.name = "devices", .help = "list the devices, or tell about the one of -d", .options = "-d --names", .alone = listDevices},
+    {.name = "detect", .help = "run the hardware test", .options = kBeforeTest, .press = detect, .needsBoard = false, .testsHardware = true},
+    {.name = "read", .help = "read the device into the buffer; -o saves it", .options = kAtForm, .ownOption = "--show", .press = read, .worksOnMemory = true},
+    {.name = "blank", .help = "check that the device is erased", .options = kAtForm, .press = blank, .worksOnMemory = true},
+    {.name = "verify", .help = "compare the device with -i FILE", .options = kAtForm, .press = verify, .worksOnMemory = true},
+    {.name = "program", .help = "program -i FILE into the device", .options = kAtForm, .press = program, .worksOnMemory = true, .writesChip = true},
+    {.name = "erase", .help = "erase the chip (EEPROMs)", .options = kAtForm, .press = erase, .writesChip = true},
+    {.name = "display", .help = "print a page of the chip", .options = kAtForm, .ownOption = "--page", .press = display, .worksOnMemory = true},
+    {.name = "flash-id", .help = "ask a flash chip for its maker and device code", .options = kAtForm, .press = flashId},
+    {.name = "erase-buffer", .help = "fill the buffer with FFh; -o saves it", .options = kSaved, .press = eraseBuffer, .needsBoard = false},
+    {.name = "setups", .help = "list the four setups of this folder", .options = "", .alone = listSetups},
+    {.name = "save-setup", .help = "save the options as setup N (1 to 4)", .options = kSaved, .press = saveSetup, .needsBoard = false},
+    {.name = "safe", .help = "switch the board's voltages off", .options = "", .alone = switchOff},
 }};
 // clang-format on
 
-int runAtForm(const Arguments& a, const Command& command) {
+int runAtForm(const Arguments& a, const Command& command, StopSwitch& stop) {
   const DeviceCatalogue catalogue;
   const DeviceCatalogue::Device* const device = a.device ? &catalogue.find(*a.device) : nullptr;
-  StopSwitch stop;
   const ports::SignalStop signals(stop);
-  ConsoleView view(a.quiet);
+  ConsoleView view(a.quiet, a.saveFile == kStandardOutput ? std::cerr : std::cout);
   ConsoleDialogs dialogs(view, a.yes, signals.descriptor());
   NoSound sounds;
   NoSettings settings;
   NoHelp help;
   const std::string chip =
       device != nullptr ? launch::chipTypeForDevice(device->name) : std::string();
-  launch::LaunchedProgram program(
-      a.launch, chip,
-      {.sounds = sounds, .settings = settings, .help = help, .dialogs = dialogs, .screen = view},
-      stop);
+  std::optional<launch::LaunchedProgram> launched;
+  try {
+    launched.emplace(a.launch, chip,
+                     launch::FrontEnd{.sounds = sounds,
+                                      .settings = settings,
+                                      .help = help,
+                                      .dialogs = dialogs,
+                                      .screen = view},
+                     stop);
+  } catch (const OperationStopped&) {
+    return signals.exitStatus();  // at a pipe that was to be a file of the options
+  }
+  launch::LaunchedProgram& program = *launched;
   form::frmMain& form = program.form();
   view.mirror(form.controls());
   Session session({.form = form,
@@ -116,6 +147,7 @@ int runAtForm(const Arguments& a, const Command& command) {
                    .signals = signals,
                    .simulated = program.simulated(),
                    .waves = program.waves(),
+                   .trace = program.trace(),
                    .device = device,
                    .arguments = a});
   return session.run(command);
@@ -129,9 +161,9 @@ const Command& commandNamed(std::string_view name) {
   return *std::ranges::find_if(kCommands, [&](const Command& c) { return c.name == name; });
 }
 
-int runCommand(const Arguments& arguments) {
+int runCommand(const Arguments& arguments, StopSwitch& stop) {
   const Command& command = commandNamed(arguments.command);
-  return command.alone != nullptr ? command.alone(arguments) : runAtForm(arguments, command);
+  return command.alone != nullptr ? command.alone(arguments) : runAtForm(arguments, command, stop);
 }
 
 }  // namespace kestrel::cli

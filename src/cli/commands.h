@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "cli/arguments.h"
+#include "platform/stop_switch.h"
 
 namespace kestrel::cli {
 
@@ -15,10 +16,13 @@ struct Command {
   const char* name;
   const char* help;
   const char* options;                       ///< of those for the work: the ones that it uses
-  void (*press)(Session&);                   ///< what a person presses at the form; or:
+  const char* ownOption = "";                ///< one that is for this command alone
+  void (*press)(Session&) = nullptr;         ///< what a person presses at the form; or:
   int (*alone)(const Arguments&) = nullptr;  ///< done without the form, returns the exit status
   bool needsBoard = true;                    ///< ends before its first step when no board is ready
   bool testsHardware = false;                ///< wants the socket empty
+  bool worksOnMemory = false;                ///< on what CheckCode and CheckData tick
+  bool writesChip = false;
 };
 
 /// All commands, in the order of the manual.
@@ -28,7 +32,7 @@ struct Command {
 [[nodiscard]] const Command& commandNamed(std::string_view name);
 
 /// Does what the command line asks for and returns the exit status. Throws UsageError, and
-/// FileError for a chip or trace file.
-[[nodiscard]] int runCommand(const Arguments& arguments);
+/// FileError for a chip or trace file. The switch is thrown by the signals that end the program.
+[[nodiscard]] int runCommand(const Arguments& arguments, StopSwitch& stop);
 
 }  // namespace kestrel::cli

@@ -8,6 +8,7 @@
 #include <iostream>
 
 #include "app/state/text_format.h"
+#include "platform/file_names.h"
 
 namespace kestrel::cli {
 
@@ -17,8 +18,8 @@ Answer ConsoleDialogs::messageBox(const MessageBox& box) {
     return yes_ ? Answer::Ok : ask(box);
   }
   const bool isNamed = !box.title.empty() && box.title != "Kestrel";
-  std::cerr << "kestrel-cli: " << (isNamed ? box.title + ": " : std::string()) << box.text
-            << std::endl;
+  std::cerr << "kestrel-cli: " << (isNamed ? box.title + ": " : std::string())
+            << shownName(box.text) << std::endl;
   return Answer::Ok;
 }
 

@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <iostream>
 #include <string>
 
 #include "app/state/text_format.h"
@@ -30,7 +29,7 @@ std::size_t columns() {
 
 }  // namespace
 
-ConsoleView::ConsoleView(bool quiet) : quiet_(quiet) {
+ConsoleView::ConsoleView(bool quiet, std::ostream& out) : out_(out), quiet_(quiet) {
   if (canDrawOver()) terminal_.emplace();
 }
 
@@ -54,7 +53,7 @@ void ConsoleView::textAppended(const TextBox& box, std::string_view piece) {
   if (&box != &controls_->SystemLog || quiet_) return;
   clearProgress();
   if (piece.starts_with("\r\n")) piece.remove_prefix(2);
-  std::cout << piece << std::endl;
+  out_ << piece << std::endl;
 }
 
 void ConsoleView::turn() {
@@ -76,9 +75,9 @@ void ConsoleView::clearProgress() {
 void ConsoleView::printPage(const TextBox& box) {
   clearProgress();
   for (const std::string& line : linesOf(box.text())) {
-    if (!line.empty()) std::cout << line << '\n';
+    if (!line.empty()) out_ << line << '\n';
   }
-  std::cout << std::flush;
+  out_ << std::flush;
 }
 
 }  // namespace kestrel::cli

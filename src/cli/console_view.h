@@ -2,6 +2,7 @@
 
 #include <chrono>
 #include <optional>
+#include <ostream>
 #include <string_view>
 
 #include "app/state/controls.h"
@@ -11,11 +12,12 @@
 
 namespace kestrel::cli {
 
-/// What a terminal shows of the form: the log on standard output, line by line as it is logged, and
+/// What a terminal shows of the form: the log and pages on a stream, line by line as logged, and
 /// the progress bar on standard error while that is a terminal, as far as it is taken at once.
 class ConsoleView final : public ControlListener, public Screen {
  public:
-  explicit ConsoleView(bool quiet);
+  /// `out` is standard output, or standard error where the other is for a file. It outlives this.
+  ConsoleView(bool quiet, std::ostream& out);
   ~ConsoleView() override;
   ConsoleView(const ConsoleView&) = delete;
   ConsoleView& operator=(const ConsoleView&) = delete;
@@ -41,6 +43,7 @@ class ConsoleView final : public ControlListener, public Screen {
   void closeMainWindow() override {}
 
  private:
+  std::ostream& out_;
   Controls* controls_ = nullptr;
   ProgressLine progress_;
   std::optional<Terminal> terminal_;  // where a bar can be drawn

@@ -14,6 +14,7 @@
 #include "hardware/ports/safe_off.h"
 #include "hardware/ports/system_calls.h"
 #include "hardware/ports/tracing_port.h"
+#include "platform/file_names.h"
 #include "platform/runtime_error.h"
 #include "setups/setup_files.h"
 
@@ -33,12 +34,13 @@ void reportSwitchedOff(const Arguments& arguments, std::uint16_t base) {
 int switchOffSimulated(const Arguments& arguments) {
   const StopSwitch stop;
   launch::MachinePorts ports(arguments.launch, {}, stop);
-  std::ofstream traceFile = launch::openTrace(arguments.launch);
-  ports::TracingPort traced(ports.port(), ports.waits(), traceFile);
+  launch::TraceFile trace(arguments.launch, stop);
+  ports::TracingPort traced(ports.port(), ports.waits(), trace.stream());
   for (const ports::PortWrite& write : ports::kSafeOff) {
     const std::uint16_t port = address(ports.simulated()->base(), write.target);
     traced.PortOut(static_cast<std::int16_t>(port), write.value);
   }
+  trace.finish();
   reportSwitchedOff(arguments, ports.simulated()->base());
   return kDone;
 }
@@ -61,9 +63,9 @@ void printSetup(const setups::SetupSummary& setup, const DeviceCatalogue& catalo
   const auto isMeant = [&](const auto& d) { return d.position == setup.devicePosition; };
   const auto device = std::ranges::find_if(catalogue.devices(), isMeant);
   const bool isKnown = device != catalogue.devices().end();
-  std::cout << std::left << std::setw(24) << setup.name << "  " << std::setw(28)
+  std::cout << std::left << std::setw(24) << shownName(setup.name) << "  " << std::setw(28)
             << (isKnown ? device->name : "no device") << "  "
-            << (setup.codeFile.empty() ? "no file" : setup.codeFile) << '\n';
+            << (setup.codeFile.empty() ? "no file" : shownName(setup.codeFile)) << '\n';
 }
 
 }  // namespace

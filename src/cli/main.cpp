@@ -4,18 +4,29 @@
 #include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/exit_status.h"
+#include "cli/standard_output.h"
 #include "hardware/ports/signal_stop.h"
+#include "platform/file_names.h"
 #include "platform/runtime_error.h"
 
 namespace {
 
-int run(int argc, char** argv) {
-  const auto arguments = kestrel::cli::readArguments(argc, argv);
-  return arguments ? kestrel::cli::runCommand(*arguments) : kestrel::cli::kDone;
+int refused(const std::exception& error, int status) {
+  std::cerr << "kestrel-cli: " << kestrel::shownName(error.what()) << '\n';
+  return status;
 }
 
-int refused(const std::exception& error, int status) {
-  std::cerr << "kestrel-cli: " << error.what() << '\n';
+int run(int argc, char** argv) {
+  kestrel::StopSwitch stop;
+  kestrel::cli::StandardOutput output(stop);
+  const auto arguments = kestrel::cli::readArguments(argc, argv);
+  const int status = arguments ? kestrel::cli::runCommand(*arguments, stop) : kestrel::cli::kDone;
+  try {
+    output.finish();
+  } catch (const kestrel::FileError& error) {
+    const int lost = refused(error, kestrel::cli::kBadUsage);
+    return status == kestrel::cli::kDone ? lost : status;
+  }
   return status;
 }
 

@@ -1,10 +1,13 @@
 #include "cli/session.h"
 
+#include <array>
 #include <iostream>
 
 #include "cli/exit_status.h"
 #include "platform/file_names.h"
+#include "platform/file_target.h"
 #include "platform/runtime_error.h"
+#include "setups/setup_files.h"
 
 namespace kestrel::cli {
 namespace {
@@ -13,11 +16,14 @@ constexpr const char* kNoBoardText =
     "no board answers. Connect it to a parallel port with its power on and its socket empty, then "
     "run kestrel-cli detect; --simulate works without a board";
 
+constexpr const char* kTestText =
+    ". Run kestrel-cli detect: the hardware test finds the board and writes that file anew";
+
 /// The code file's full path, as a file dialog gives it.
 std::string fullPath(const std::string& name) { return fullName(name).string(); }
 
 void tell(const std::string& text) {
-  if (!text.empty()) std::cerr << "kestrel-cli: " << text << std::endl;
+  if (!text.empty()) std::cerr << "kestrel-cli: " << shownName(text) << std::endl;
 }
 
 }  // namespace
@@ -30,8 +36,11 @@ int Session::run(const Command& command) {
 
 int Session::attempt(const Command& command) {
   try {
+    tryFiles(command);
     startUp(command);
     applyOptions();
+    if (command.needsBoard) checkBoard();
+    if (command.worksOnMemory) checkMemory();
     command.press(*this);
     if (p_.arguments.saveFile) saveBuffer(*p_.arguments.saveFile);
     return kDone;
@@ -39,11 +48,22 @@ int Session::attempt(const Command& command) {
     p_.view.clearProgress();
     tell(end.what());
     return end.status();
+  } catch (const FileError& error) {
+    p_.view.clearProgress();
+    tell(error.what());
+    return kBadUsage;
   } catch (const std::exception& error) {
     p_.view.clearProgress();
     tell(error.what());
     return kFailed;
   }
+}
+
+// What cannot be written is met before the work that would be lost with it. A chip that is only
+// read leaves its file as it is.
+void Session::tryFiles(const Command& command) const {
+  if (p_.arguments.saveFile) const FileTarget tried(fullPath(*p_.arguments.saveFile));
+  if (p_.simulated != nullptr) p_.simulated->tryChipFile(command.writesChip);
 }
 
 // The hardware test wants the socket empty: it reads the bus while chip and outputs are enabled.
@@ -56,15 +76,32 @@ void Session::startUp(const Command& command) {
     p_.simulated->startUpDone();
   }
   endUnlessDone({});
-  if (command.needsBoard && !isReady()) throw EarlyEnd(kNoBoard, kNoBoardText);
+  const bool isChosen = p_.arguments.port || p_.arguments.model;
+  if (command.needsBoard && !isChosen) checkBoard();
 }
 
-bool Session::isReady() { return controls().Ready_label.caption() == "Ready"; }
+void Session::checkBoard() const {
+  const std::string reason = p_.form.whyNoBoard();
+  if (!reason.empty()) throw EarlyEnd(kNoBoard, reason + kTestText);
+  if (!isReady()) throw EarlyEnd(kNoBoard, kNoBoardText);
+}
+
+// A setup may tick neither; the command would do nothing, and well.
+void Session::checkMemory() const {
+  const Controls& c = p_.form.controls();
+  if (p_.device == nullptr && p_.form.state().FamilyCode.empty()) return;  // told by the command
+  if (c.CheckCode.isTicked() || c.CheckData.isTicked()) return;
+  throw EarlyEnd(kBadUsage, "neither the code nor the data memory is ticked: there is nothing to " +
+                                std::string(p_.arguments.command) + "; -d NAME ticks the code");
+}
+
+bool Session::isReady() const { return p_.form.controls().Ready_label.caption() == "Ready"; }
 
 void Session::applyOptions() {
   const Arguments& a = p_.arguments;
   Controls& c = controls();
   if (a.setup) loadSetup(*a.setup);
+  choosePort();
   if (p_.device != nullptr) {
     use([&] { c.Device.setPosition(p_.device->position); });
   }
@@ -76,9 +113,18 @@ void Session::applyOptions() {
   if (a.codeFile) openCodeFile(*a.codeFile);
 }
 
+void Session::choosePort() {
+  Controls& c = controls();
+  const std::array<Button*, 3> models{&c.ForceKestrel4, &c.ForceKestrel5, &c.ForceKestrel6};
+  if (p_.arguments.port) use([&] { c.LPTSelection.at(*p_.arguments.port).press(); });
+  if (p_.arguments.model) press(*models.at(*p_.arguments.model), {});
+}
+
 void Session::loadSetup(std::size_t slot) {
   const std::string digit = std::to_string(slot);
   press(controls().Setup, {});
+  // A file that is there and cannot be used has its own reason.
+  if (!controls().LoadSetup.at(slot - 1).enabled()) (void)setups::summaryOf(".", slot);
   press(controls().LoadSetup.at(slot - 1), "--setup " + digit + ": there is no file KSSetup" +
                                                digit + ".INI in this folder; save-setup " + digit +
                                                " NAME makes one");
@@ -149,6 +195,16 @@ void Session::press(Button& button, const std::string& whyDisabled) {
   endUnlessDone(tryToPress(button, whyDisabled));
 }
 
+void Session::confirm(const std::string& question) {
+  const Answer answer = p_.dialogs.messageBox({.text = question,
+                                               .title = "Safety Question",
+                                               .icon = MessageIcon::Question,
+                                               .buttons = MessageButtons::OkCancel,
+                                               .defaultAnswer = Answer::Cancel});
+  if (p_.signals.isEndRequested()) throw EarlyEnd(p_.signals.exitStatus());
+  if (answer != Answer::Ok) throw EarlyEnd(kCancelled);
+}
+
 CommandResult Session::tryToPress(Button& button, const std::string& whyDisabled) {
   if (!button.enabled()) throw EarlyEnd(kBadUsage, whyDisabled);
   return p_.form.runner().press(button);
@@ -177,14 +233,14 @@ std::string Session::unless(const std::string& what, const std::string& reason) 
   return what + ": " + (isSelected ? reason : "no device is selected; add -d NAME");
 }
 
-void Session::endWaves(int& status) {
-  if (p_.waves == nullptr) return;
+void Session::finish(int& status, const char* option, const std::function<void()>& steps) {
   try {
-    p_.waves->end();
-    tell("--waves: " + p_.waves->summary());
+    steps();
   } catch (const FileError& error) {
-    tell(std::string("--waves: ") + error.what());
+    tell(std::string(option) + ": " + error.what());
     if (status == kDone) status = kBadUsage;
+  } catch (const OperationStopped&) {
+    // By the signal that the status tells.
   }
 }
 
@@ -192,15 +248,23 @@ void Session::endWaves(int& status) {
 void Session::shutDown(int& status) {
   p_.form.Form_Unload();
   p_.view.clearProgress();
-  endWaves(status);
+  tellVoltage(status);
+  finish(status, "--trace", [this] { p_.trace.finish(); });
+  if (p_.waves != nullptr) {
+    finish(status, "--waves", [this] {
+      p_.waves->end();
+      tell("--waves: " + p_.waves->summary());
+    });
+  }
   if (p_.simulated == nullptr) return;
   p_.simulated->putChipBack();
-  try {
-    p_.simulated->saveChip();
-  } catch (const FileError& error) {
-    tell(std::string("--chip: ") + error.what());
-    if (status == kDone) status = kBadUsage;
-  }
+  finish(status, "--chip", [this] { p_.simulated->saveChip(); });
+}
+
+void Session::tellVoltage(int& status) const {
+  if (!p_.form.mayVoltageBeOn()) return;
+  tell(form::kVoltageWarning);
+  if (status == kDone) status = kFailed;
 }
 
 }  // namespace kestrel::cli

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/form/frm_main.h"
+#include "app/launch/program.h"
 #include "app/launch/simulated_board.h"
 #include "app/launch/wave_file.h"
 #include "cli/arguments.h"
@@ -26,8 +27,9 @@ class Session {
     ConsoleView& view;
     ConsoleDialogs& dialogs;
     const ports::SignalStop& signals;
-    launch::SimulatedBoard* simulated;      ///< nullptr with real ports
-    launch::WaveFile* waves;                ///< nullptr without a wave file
+    launch::SimulatedBoard* simulated;  ///< nullptr with real ports
+    launch::WaveFile* waves;            ///< nullptr without a wave file
+    launch::TraceFile& trace;
     const DeviceCatalogue::Device* device;  ///< of -d; nullptr if not given
     const Arguments& arguments;
   };
@@ -44,7 +46,7 @@ class Session {
   [[nodiscard]] Controls& controls() { return p_.form.controls(); }
   [[nodiscard]] const ProgrammerState& state() { return p_.form.state(); }
   [[nodiscard]] ConsoleView& view() { return p_.view; }
-  [[nodiscard]] bool isReady();
+  [[nodiscard]] bool isReady() const;
 
   /// What the next dialog is answered with.
   void answerWith(std::string text) { p_.dialogs.answerWith(std::move(text)); }
@@ -55,6 +57,9 @@ class Session {
 
   /// Presses it and gives back how that ended. Throws EarlyEnd when it is disabled.
   [[nodiscard]] CommandResult tryToPress(Button& button, const std::string& whyDisabled);
+
+  /// Asks before something is lost. Throws EarlyEnd unless the answer is OK.
+  void confirm(const std::string& question);
 
   /// Throws EarlyEnd unless the command ended well and no signal asked for the end.
   void endUnlessDone(const CommandResult& result) const;
@@ -70,8 +75,12 @@ class Session {
 
  private:
   int attempt(const Command& command);
+  void tryFiles(const Command& command) const;
   void startUp(const Command& command);
   void applyOptions();
+  void choosePort();
+  void checkBoard() const;
+  void checkMemory() const;
   void loadSetup(std::size_t slot);
   void chooseVoltage(std::size_t index);
   void tick(CheckBox& box, const char* option);
@@ -79,7 +88,8 @@ class Session {
   void tellLengths(const std::string& name) const;
   void saveBuffer(const std::string& name);
   void shutDown(int& status);
-  void endWaves(int& status);
+  void tellVoltage(int& status) const;
+  static void finish(int& status, const char* option, const std::function<void()>& steps);
 
   Parts p_;
 };

@@ -34,8 +34,8 @@ std::vector<std::uint8_t> readWholeFile(const fs::path& path, std::size_t maxByt
   }
 }
 
-std::string readWholeTextFile(const fs::path& path) {
-  const std::vector<std::uint8_t> bytes = readWholeFile(path, kTextLimit);
+std::string readWholeTextFile(const fs::path& path, const StopSwitch* stop) {
+  const std::vector<std::uint8_t> bytes = readWholeFile(path, kTextLimit, stop);
   return {bytes.begin(), bytes.end()};
 }
 

@@ -19,7 +19,8 @@ namespace kestrel {
                                                       const StopSwitch* stop = nullptr);
 
 /// The same as text; kestrel's own text files are far below the limit of 1 MB.
-[[nodiscard]] std::string readWholeTextFile(const std::filesystem::path& path);
+[[nodiscard]] std::string readWholeTextFile(const std::filesystem::path& path,
+                                            const StopSwitch* stop = nullptr);
 
 /// Tries and writes a file in one go (see FileTarget): it has the whole new contents afterwards,
 /// or the whole earlier ones. Throws FileError, and OperationStopped at a pipe or device.

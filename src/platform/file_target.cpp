@@ -53,6 +53,7 @@ int takeSpace(const Descriptor& file, std::size_t size, const struct stat& old) 
 
 FileTarget::FileTarget(fs::path path) : path_(std::move(path)) {
   if (path_.empty()) fail(ENOENT);
+  if (path_ == kStandardOutput) return;
   // The system looks at the links first: it refuses some that a user planted for another.
   const Status old = status();
   std::error_code error;
@@ -65,6 +66,10 @@ FileTarget::FileTarget(fs::path path) : path_(std::move(path)) {
 }
 
 void FileTarget::commit(std::span<const std::uint8_t> bytes, const StopSwitch* stop) {
+  if (path_ == kStandardOutput) {
+    if (const int error = writeStream(bytes, stop); error != 0) fail(error);
+    return;
+  }
   // Looked at anew: minutes may have passed.
   const Status old = status();
   int error = 0;

@@ -13,6 +13,7 @@ namespace {
 
 // A signal cuts a step short; its length is for a stop that comes from another thread.
 constexpr int kStepMs = 50;
+constexpr mode_t kNewFileMode = 0666;  // less what the user's mask takes away
 
 void endIfStopped(const StopSwitch* stop) {
   if (stop != nullptr && stop->isThrown()) throw OperationStopped();
@@ -32,7 +33,8 @@ bool mayGoOn(pollfd* waited, const StopSwitch* stop) {
 
 Descriptor openPolled(const std::filesystem::path& path, int access, const StopSwitch* stop) {
   for (;;) {
-    const int number = ::open(path.c_str(), access | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    const int number =
+        ::open(path.c_str(), access | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, kNewFileMode);
     if (number >= 0) return Descriptor(number);
     // A pipe has no reader yet (ENXIO), or a file server has yet to give its lease back (EAGAIN).
     const int error = errno;
@@ -40,6 +42,10 @@ Descriptor openPolled(const std::filesystem::path& path, int access, const StopS
     errno = error;
     if (!comes || !mayGoOn(nullptr, stop)) return Descriptor();
   }
+}
+
+Descriptor another(int standard) {
+  return Descriptor(::fcntl(standard, F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
 }
 
 /// After a read or a write: the file was not ready after all, or a network disk was interrupted.
@@ -57,11 +63,17 @@ bool isReady(const Descriptor& file, short event, const StopSwitch* stop) {
 }  // namespace
 
 Descriptor openToRead(const std::filesystem::path& path, const StopSwitch* stop) {
+  if (path == kStandardInput) return another(STDIN_FILENO);
   return openPolled(path, O_RDONLY, stop);
 }
 
 Descriptor openToWrite(const std::filesystem::path& path, const StopSwitch* stop) {
+  if (path == kStandardOutput) return another(STDOUT_FILENO);
   return openPolled(path, O_WRONLY, stop);
+}
+
+Descriptor openNew(const std::filesystem::path& path, const StopSwitch* stop) {
+  return openPolled(path, O_WRONLY | O_CREAT | O_TRUNC, stop);
 }
 
 ssize_t readSome(const Descriptor& file, std::span<std::uint8_t> bytes, const StopSwitch* stop) {

@@ -8,6 +8,7 @@
 
 #include "app/state/text_format.h"
 #include "platform/atomic_file.h"
+#include "platform/file_names.h"
 #include "platform/runtime_error.h"
 #include "setups/setup_files.h"
 
@@ -44,6 +45,9 @@ void setOption(OptionButton& button, std::string_view value) {
 void setCheck(CheckBox& box, std::string_view value) {
   box.setValue(std::clamp(integerIn(value), 0, 2));
 }
+
+/// A line break in a value would add a line to the file.
+bool isOneLine(std::string_view value) { return value.find_first_of("\r\n") == value.npos; }
 
 /// What follows the key, if the first `length` characters of the line are the key.
 std::optional<std::string_view> valueOf(std::string_view line, std::string_view key,
@@ -95,6 +99,10 @@ std::string NamedSetups::setupText(const std::string& name) const {
 void NamedSetups::SaveSetupRot(const std::string& fileName) {
   std::string name = dialogs_.inputBox("Please input a NAME for this Setup", "Saving Name Input");
   if (name.empty()) name = std::string("No Name Setup ") + fileName.at(kSlotDigit);
+  if (!isOneLine(buffers_.CodeFileName)) {
+    throw FileError("keep", buffers_.CodeFileName, "a name of several lines does not fit a setup");
+  }
+  if (!isOneLine(name)) name = shownName(name);
   writeFileAtomically(pathOf(fileName), setupText(name));
   reporting_.LogMessage("Setup Saved as " + fileName + ", named:" + name);
 }
@@ -102,7 +110,7 @@ void NamedSetups::SaveSetupRot(const std::string& fileName) {
 void NamedSetups::RestoreSetup(const std::string& fileName) {
   reporting_.LogMessage(kRule);
   reporting_.LogMessage("RESTORING SETUP FROM " + fileName);
-  const std::vector<std::string> lines = linesOf(readWholeTextFile(pathOf(fileName)));
+  const std::vector<std::string> lines = linesOf(readWholeTextFile(pathOf(fileName), &stop_));
   const std::string earlierFile = buffers_.CodeFileName;
   const std::string earlierCaption = controls_.FileNameCodeText.caption();
   try {
@@ -174,10 +182,10 @@ void NamedSetups::Setup_Click() {
     std::error_code error;
     if (!fs::is_regular_file(path, error)) continue;
     try {
-      const std::vector<std::string> lines = linesOf(readWholeTextFile(path));
+      const std::vector<std::string> lines = linesOf(readWholeTextFile(path, &stop_));
       const std::string first = lines.empty() ? std::string() : lines.front();
       Button& entry = controls_.LoadSetup[slot - 1];
-      entry.setCaption(first.substr(std::min(kNameStart, first.size())));
+      entry.setCaption(shownName(first.substr(std::min(kNameStart, first.size()))));
       entry.setEnabled(true);
     } catch (const FileError&) {
       continue;  // not readable: the slot stays disabled

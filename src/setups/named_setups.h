@@ -11,6 +11,7 @@
 #include "buffers/buffer_files.h"
 #include "platform/dialogs.h"
 #include "platform/folders.h"
+#include "platform/stop_switch.h"
 
 namespace kestrel::setups {
 
@@ -21,13 +22,15 @@ namespace kestrel::setups {
 class NamedSetups {
  public:
   NamedSetups(BufferState& buffers, Controls& controls, Reporting& reporting,
-              buffers::BufferFiles& files, Dialogs& dialogs, const Folders& folders)
+              buffers::BufferFiles& files, Dialogs& dialogs, const Folders& folders,
+              const StopSwitch& stop)
       : buffers_(buffers),
         controls_(controls),
         reporting_(reporting),
         files_(files),
         dialogs_(dialogs),
-        folders_(folders) {}
+        folders_(folders),
+        stop_(stop) {}
 
   /// Slots count from 1 to 4.
   void SaveSetup_Click(std::size_t slot);
@@ -37,7 +40,8 @@ class NamedSetups {
   /// cannot be read leaves its slot disabled.
   void Setup_Click();
 
-  /// Asks for a name and writes the nineteen lines. Throws FileError; the earlier file stays then.
+  /// Asks for a name and writes the nineteen lines. Throws FileError, also for a code file whose
+  /// name has more than one line; the earlier file stays then.
   void SaveSetupRot(const std::string& fileName);
 
   /// Applies what the file's lines say, in their order. Throws FileError before anything changed.
@@ -55,6 +59,7 @@ class NamedSetups {
   buffers::BufferFiles& files_;
   Dialogs& dialogs_;
   const Folders& folders_;
+  const StopSwitch& stop_;
 };
 
 }  // namespace kestrel::setups

@@ -30,10 +30,7 @@ const Ending kAtOnce[] = {
     {"save-setup 1 'a\nsFILE = b'", 2, "one line"},
     {"read --model 6", 2, "add --simulate"},
     {"read --simulate --lpt 378 --lpt 278", 2, "--lpt is given twice"},
-    {"safe --vpp 21", 2,
-     "--vpp is for the commands detect, read, blank, verify, program, erase, display and "
-     "save-setup; "
-     "leave it out"},
+    {"safe --vpp 21", 2, "--vpp is for the commands detect, read, blank"},
     {"display --show", 2, "--show is for the command read; leave it out"},
     {"devices -d 24c16", 0,
      "Eeprom 24C16 Serial (8 pins)\nFamily:    serial EEPROM (SB)\n"
@@ -60,7 +57,8 @@ const Ending kAfterStartUp[] = {
     {"read -q -d 2764", 0, "every byte read is FFh: is the board there, the chip in?"},
     {"display -q -d 2764 --chip 2764=page.bin --page 31", 0,
      "001F00| 6120627B 7D7EFFFF FFFFFFFF FFFFFFFF | a b............."},
-    {"erase -d 28C256 --speed 12", 0, "Program Speed Slider set to: 12"},
+    {"erase -d 28C256", 5, "Erase the Chip? Cancelled"},
+    {"erase -y -d 28C256 --speed 12", 0, "Program Speed Slider set to: 12"},
     {"program --yes -d 2764 -i rom.bin --count-ns 1", 1, "*** Programming Failure ***"},
     {"verify -d 2764 -i rom.bin --pad-ff", 4,
      "rom.bin holds 1 bytes, the device 8192: the last 8191 get FFh"},
@@ -75,6 +73,15 @@ const Ending kAfterStartUp[] = {
     {"program --yes -d 2764 -i folder", 2, "Can't Open Code File"},
     {"program --yes -d 2764 -i huge.bin", 2, "huge.bin"},
     {"read -d 2764 -o folder", 2, "folder"},
+    {"read -d 2764 -o rom.bin -i ./rom.bin", 2, "-i and -o name one file"},
+    {"read -d 2764 -q --trace /dev/full", 2, "--trace: Cannot write /dev/full: No space left"},
+    {"read -d 2764 --force-model 4 --home odd", 0, "KESTREL-4 Device was FORCED"},
+    {"read -d 2764 --home odd", 3, "names model 7, which is none of 4, 5 and 6"},
+    {"read --setup 1", 2, "there is nothing to read; -d NAME ticks the code"},
+    {"read --setup 3", 2, "KSSetup3.INI: Is a directory"},
+    {"erase-buffer -q -d 2764 -i rom.bin -o -", 0, "\xFF"},
+    {"flash-id -d 2764", 2, "no maker and device code"},
+    {"read -q -i 'a\x1B' -d 2764", 2, "a\\x1B: No such file"},
     {"read -d 2764 --chip 2764=no/such/chip.bin", 2, "no/such/chip.bin"},
 };
 
@@ -82,6 +89,9 @@ TEST(ExitStatus, tellsHowTheRunEndedAndTheReasonIsTold) {
   const Workplace work;
   std::filesystem::create_directory(work.path("folder"));
   std::filesystem::create_directory(work.path("KSSetup3.INI"));
+  std::filesystem::create_directory(work.path("odd"));
+  work.put("odd/kestrel6.ini", "IO_PORT = 378\r\nMODEL = 7\r\n");
+  work.put("KSSetup1.INI", "SetupName = x\r\nDevice.Index = 5\r\nCheckCode.Value = 0\r\n");
   work.put("rom.bin", "x");
   work.put("empty.bin", "");
   work.put("page.bin", mostlyErased(8192, 0x1F00, "a b{}~"));
@@ -149,7 +159,7 @@ std::string completions(const std::string& words) {
 TEST(Completion, offersWhatFitsBehindTheWordBefore) {
   EXPECT_EQ(completions("sa"), "save-setup safe");
   EXPECT_EQ(completions("read ''"), "") << "the command is there";
-  EXPECT_EQ(completions("read --s"), "--simulate --setup --speed --show");
+  EXPECT_EQ(completions("read --s"), "--simulate --setup --speed --show --select-port");
   EXPECT_EQ(completions("read --vpp 2"), "21 25");
   EXPECT_EQ(completions("read -d 27c259"), "27C259") << "in either case";
   EXPECT_EQ(completions("read --chip 24c08"), "24C08");

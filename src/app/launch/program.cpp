@@ -48,19 +48,20 @@ Waits& Program::waits() {
   return waitsBelow();
 }
 
-std::ofstream openTrace(const LaunchOptions& options) {
-  if (options.trace.empty()) return {};
-  std::ofstream file(options.trace, std::ios::binary | std::ios::trunc);
-  if (!file) throw FileError("write", options.trace.string(), errno);
-  giveToOwnerOfFolder(options.trace);
-  return file;
+TraceFile::TraceFile(const LaunchOptions& options, const StopSwitch& stop) : stream_(nullptr) {
+  if (options.trace.empty()) return;
+  stream_.rdbuf(&buffer_.emplace(options.trace, stop));
+}
+
+void TraceFile::finish() {
+  if (buffer_) buffer_->finish();
 }
 
 LaunchedProgram::LaunchedProgram(const LaunchOptions& options, std::string_view defaultChip,
                                  const FrontEnd& frontEnd, StopSwitch& stop,
                                  const std::optional<Folders>& folders)
     : ports_(options, defaultChip, stop),
-      traceFile_(openTrace(options)),
+      trace_(options, stop),
       folders_(folders ? *folders : programFolders(options)),
       program_({.port = ports_.port(),
                 .waits = ports_.waits(),
@@ -68,7 +69,7 @@ LaunchedProgram::LaunchedProgram(const LaunchOptions& options, std::string_view 
                 .now = options.mayRecord || !options.waves.empty()
                            ? [this] { return ports_.nowNs(); }
                            : waveform::RecordingPort::Nanoseconds()},
-               frontEnd, stop, time_, folders_, traceFile_.is_open() ? &traceFile_ : nullptr) {
+               frontEnd, stop, time_, folders_, trace_.isOpen() ? &trace_.stream() : nullptr) {
   if (program_.recorder() == nullptr) return;
   waves_.emplace(*program_.recorder(), program_.form());
   if (!options.waves.empty()) waves_->begin(options.waves);

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <fstream>
-#include <iosfwd>
 #include <optional>
+#include <ostream>
 #include <string_view>
 
 #include "app/form/frm_main.h"
@@ -14,6 +13,7 @@
 #include "platform/dialogs.h"
 #include "platform/folders.h"
 #include "platform/help_viewer.h"
+#include "platform/output_buffer.h"
 #include "platform/port_access.h"
 #include "platform/port_service.h"
 #include "platform/screen.h"
@@ -74,20 +74,35 @@ class Program {
   form::frmMain form_;
 };
 
-/// The file of --trace; closed when no trace is asked for. Throws FileError.
-[[nodiscard]] std::ofstream openTrace(const LaunchOptions& options);
+/// The file of --trace; without one the stream is in a failed state.
+class TraceFile {
+ public:
+  /// Throws FileError, and OperationStopped where a pipe has no reader.
+  TraceFile(const LaunchOptions& options, const StopSwitch& stop);
+
+  [[nodiscard]] bool isOpen() const { return buffer_.has_value(); }
+  [[nodiscard]] std::ostream& stream() { return stream_; }
+
+  /// Throws FileError when any of the trace was lost.
+  void finish();
+
+ private:
+  std::optional<OutputBuffer> buffer_;
+  std::ostream stream_;
+};
 
 /// The program on the machine that the options ask for.
 class LaunchedProgram {
  public:
   /// `defaultChip` is in the simulated socket when no --chip is given; without `folders` the
-  /// program's own are used (program_folders.h). Throws UsageError, and FileError for a chip or
-  /// trace file.
+  /// program's own are used (program_folders.h). Throws UsageError, for a chip or trace file
+  /// FileError, and OperationStopped where one keeps it waiting.
   LaunchedProgram(const LaunchOptions& options, std::string_view defaultChip,
                   const FrontEnd& frontEnd, StopSwitch& stop,
                   const std::optional<Folders>& folders = {});
 
   [[nodiscard]] form::frmMain& form() { return program_.form(); }
+  [[nodiscard]] TraceFile& trace() { return trace_; }
   [[nodiscard]] const Folders& folders() const { return folders_; }
 
   /// The simulated machine; nullptr with real ports.
@@ -99,7 +114,7 @@ class LaunchedProgram {
  private:
   const TimeOfDay time_;
   MachinePorts ports_;
-  std::ofstream traceFile_;
+  TraceFile trace_;
   const Folders folders_;
   Program program_;
   std::optional<WaveFile> waves_;

@@ -6,6 +6,7 @@
 
 #include "platform/atomic_file.h"
 #include "platform/file_names.h"
+#include "platform/file_target.h"
 #include "simulator/chip_factory.h"
 
 namespace kestrel::launch {
@@ -25,8 +26,9 @@ bool isSet(const LaunchOptions& options, Fault::Kind kind) {
 
 }  // namespace
 
-SimulatedBoard::SimulatedBoard(const LaunchOptions& options, std::string_view defaultChip)
-    : base_(options.lpt.value_or(0x378)) {
+SimulatedBoard::SimulatedBoard(const LaunchOptions& options, std::string_view defaultChip,
+                               const StopSwitch* stop)
+    : base_(options.lpt.value_or(0x378)), stop_(stop) {
   sim::Board& board = bench_.plug(options.model.value_or(sim::Model::kestrel5), base_);
   board.setVppByHand(options.boardVppMillivolts);
   if (!isSet(options, Fault::Kind::EmptySocket)) insertChip(options, defaultChip);
@@ -37,18 +39,20 @@ void SimulatedBoard::insertChip(const LaunchOptions& options, std::string_view d
   auto chip = sim::makeChip(options.chip ? options.chip->type : defaultChip);
   if (chip && options.chip && !options.chip->file.empty()) {
     chipFile_ = options.chip->file;
-    if (isThere(chipFile_)) {
-      const std::size_t size = chip->contents().size();
-      fileContents_ = readWholeFile(chipFile_, kAnyChipFile);
-      if (fileContents_.size() != size) {
-        throw UsageError("--chip: " + shownName(chipFile_.string()) + " holds " +
-                         std::to_string(fileContents_.size()) + " bytes, a " + chip->typeName() +
-                         " has " + std::to_string(size));
-      }
-      chip->load(fileContents_);
-    }
+    if (isThere(chipFile_)) readChipFile(*chip);
   }
   bench_.board(base_)->insert(std::move(chip));
+}
+
+void SimulatedBoard::readChipFile(sim::Chip& chip) {
+  const std::size_t size = chip.contents().size();
+  fileContents_ = readWholeFile(chipFile_, kAnyChipFile, stop_);
+  if (fileContents_.size() != size) {
+    throw UsageError("--chip: " + shownName(chipFile_.string()) + " holds " +
+                     std::to_string(fileContents_.size()) + " bytes, a " + chip.typeName() +
+                     " has " + std::to_string(size));
+  }
+  chip.load(fileContents_);
 }
 
 void SimulatedBoard::fitFault(const Fault& fault) {
@@ -94,12 +98,17 @@ void SimulatedBoard::startUpDone() {
   if (!unplugAfter_.empty()) bench_.unplugAfter(std::ranges::min(unplugAfter_));
 }
 
+void SimulatedBoard::tryChipFile(bool isChanged) const {
+  const bool isToBeMade = fileContents_.empty();
+  if (!chipFile_.empty() && (isChanged || isToBeMade)) const FileTarget tried(chipFile_);
+}
+
 void SimulatedBoard::saveChip() {
   sim::Board* const board = bench_.board(base_);
   if (chipFile_.empty() || board == nullptr || board->chip() == nullptr) return;
   const auto contents = board->chip()->contents();
   if (std::ranges::equal(contents, fileContents_)) return;
-  writeFileAtomically(chipFile_, contents);
+  writeFileAtomically(chipFile_, contents, stop_);
   fileContents_.assign(contents.begin(), contents.end());
 }
 
@@ -113,12 +122,14 @@ void SimulatedBoard::releaseChip() {
 
 std::string chipTypeForDevice(std::string_view deviceName) {
   std::istringstream words{std::string(deviceName)};
+  std::string found;
   for (std::string word; words >> word;) {
     for (const std::string_view type : sim::chipTypeNames()) {
-      if (word.ends_with(type)) return std::string(type);  // "X28C256" is a 28C256
+      if (word == type) return word;
+      if (found.empty() && word.ends_with(type)) found = type;  // "X28C256" is a 28C256
     }
   }
-  return {};
+  return found;
 }
 
 }  // namespace kestrel::launch

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/launch/option_values.h"
+#include "platform/stop_switch.h"
 #include "simulator/bench.h"
 
 namespace kestrel::launch {
@@ -17,7 +18,9 @@ class SimulatedBoard {
  public:
   /// `defaultChip` is the type in the socket when no --chip is given; blank. Throws UsageError for
   /// options that do not fit the chip, FileError for a chip file that cannot be read.
-  SimulatedBoard(const LaunchOptions& options, std::string_view defaultChip);
+  /// A pipe as its file is waited for until the switch is thrown (OperationStopped).
+  SimulatedBoard(const LaunchOptions& options, std::string_view defaultChip,
+                 const StopSwitch* stop = nullptr);
 
   [[nodiscard]] sim::Bench& bench() { return bench_; }
   [[nodiscard]] std::uint16_t base() const { return base_; }
@@ -42,6 +45,10 @@ class SimulatedBoard {
   /// Start-up is over: from here findings are kept and the accesses to an unplugging count.
   void startUpDone();
 
+  /// Tries whether the chip's file could be written, before work that would be lost with it: work
+  /// that changes the chip, or any where the file is still to be made. Throws FileError.
+  void tryChipFile(bool isChanged) const;
+
   /// Writes the contents of the --chip back to its file, if they changed or there is no such file
   /// yet. Throws FileError.
   void saveChip();
@@ -55,10 +62,12 @@ class SimulatedBoard {
 
  private:
   void insertChip(const LaunchOptions& options, std::string_view defaultChip);
+  void readChipFile(sim::Chip& chip);
   void fitFault(const Fault& fault);
 
   sim::Bench bench_;
   std::uint16_t base_;
+  const StopSwitch* stop_;
   bool exchanged_ = false;
   std::unique_ptr<sim::Chip> beside_;
   std::filesystem::path chipFile_;

@@ -4,6 +4,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/file_names.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel {
@@ -29,7 +30,7 @@ Reporting::Reporting(ShellState& state, Controls& controls, const TimeOfDay& tim
       folders_(folders) {}
 
 void Reporting::LogMessage(std::string_view message) {
-  controls_.SystemLog.append("\r\n" + time_.longTime() + ">  " + std::string(message));
+  controls_.SystemLog.append("\r\n" + time_.longTime() + ">  " + shownName(message));
   screen_.turn();
 }
 

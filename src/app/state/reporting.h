@@ -23,7 +23,8 @@ class Reporting final : public RestListener {
             Screen& screen, const Folders& folders);
 
   /// Appends a line break, the time of day, ">  " and the message to the system log. The log is
-  /// never trimmed.
+  /// never trimmed. What would break the line or steer a terminal, as a file's name may, is shown
+  /// as an escape.
   void LogMessage(std::string_view message);
 
   /// Plays the sound of the event word: "INIT", "ERROR", "DONE", "SLIDE", "OK" (case-sensitive);
