@@ -29,6 +29,7 @@ void tell(const std::string& text) {
 }  // namespace
 
 int Session::run(const Command& command) {
+  tryFiles(command);
   int status = attempt(command);
   shutDown(status);
   return p_.signals.isEndRequested() ? p_.signals.exitStatus() : status;
@@ -36,7 +37,6 @@ int Session::run(const Command& command) {
 
 int Session::attempt(const Command& command) {
   try {
-    tryFiles(command);
     startUp(command);
     applyOptions();
     if (command.needsBoard) checkBoard();

@@ -37,7 +37,8 @@ class Session {
   explicit Session(const Parts& parts) : p_(parts) {}
 
   /// Runs it all and returns the exit status. A step that cannot be done ends the run before its
-  /// end, but never without shutting down. Reasons are told on standard error.
+  /// end, but never without shutting down. Reasons are told on standard error. Throws FileError,
+  /// before anything is begun, for a file that cannot be written.
   int run(const Command& command);
 
   // For the commands.

@@ -6,6 +6,8 @@
 
 #include <cerrno>
 
+#include "platform/file_attributes.h"
+#include "platform/file_names.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel {
@@ -73,7 +75,11 @@ Descriptor openToWrite(const std::filesystem::path& path, const StopSwitch* stop
 }
 
 Descriptor openNew(const std::filesystem::path& path, const StopSwitch* stop) {
-  return openPolled(path, O_WRONLY | O_CREAT | O_TRUNC, stop);
+  std::error_code ignored;
+  const bool isThere = std::filesystem::exists(path, ignored);
+  Descriptor file = openPolled(path, O_WRONLY | O_CREAT | O_TRUNC, stop);
+  if (!isThere && file.isOpen()) giveToOwnerOf(folderOf(path), file);
+  return file;
 }
 
 ssize_t readSome(const Descriptor& file, std::span<std::uint8_t> bytes, const StopSwitch* stop) {

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <fstream>
 #include <iterator>
 #include <sstream>
@@ -46,6 +47,7 @@ class Workplace {
  public:
   /// Becomes `kestrel-cli` with these words, quoted as in a shell.
   void become(const std::string& words) const {
+    std::signal(SIGINT, SIG_DFL);  // however the tests were started
     if (::chdir(folder_.path().c_str()) != 0) ::_exit(127);
     const std::string all =
         "exec env -i TERM=xterm HOME=$PWD XDG_CONFIG_HOME=$PWD " KESTREL_CLI " " + words;

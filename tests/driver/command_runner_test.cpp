@@ -115,6 +115,17 @@ TEST(CommandRunner, aPortThatHasGoneForGoodIsReportedOnce) {
   EXPECT_NO_THROW(d.rig.form.Form_Unload());
 }
 
+TEST(CommandRunner, tellsOnceOfAVoltageThatCouldNotBeSwitchedOff) {
+  struct : PortService {
+    bool mayVoltageBeOn() const override { return true; }
+  } service;
+  sim::Bench bench;
+  sim::SimulatedPort port(bench);
+  FormRig rig(port, port, nullptr, nullptr, &service);
+  for (int round = 0; round < 2; ++round) rig.press("Show_button"), rig.press("mnuFileClose");
+  EXPECT_EQ(std::ranges::count(rig.log(), form::kVoltageWarning), 1);
+}
+
 TEST(CommandRunner, refusesASecondCommandAndRunsWhatWaitsInOrder) {
   Disturbed d;
   std::vector<int> order;

@@ -163,6 +163,7 @@ int endOf(const std::function<int(const StopSwitch&, const ports::SignalStop&)>&
 }
 
 TEST(SignalStop, throwsTheSwitchFirstAndEndsTheProgramThen) {
+  std::signal(SIGINT, SIG_DFL);  // however the tests were started
   const auto stopped = [](const StopSwitch& stop, const ports::SignalStop& signals) {
     raise(SIGTSTP), raise(SIGTTOU), raise(SIGTTIN);  // no sleep with a voltage on
     if (signals.isEndRequested()) return 1;
@@ -175,6 +176,9 @@ TEST(SignalStop, throwsTheSwitchFirstAndEndsTheProgramThen) {
   std::signal(SIGHUP, SIG_IGN);
   EXPECT_EQ(endOf(stopped), 0) << "nohup";
   std::signal(SIGHUP, SIG_DFL);
+  std::signal(SIGINT, SIG_IGN);
+  EXPECT_EQ(endOf([](const auto&...) { return raise(SIGINT); }), 0) << "in a script's background";
+  std::signal(SIGINT, SIG_DFL);
 }
 
 }  // namespace

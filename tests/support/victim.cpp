@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <map>
 
@@ -61,6 +62,7 @@ Program& readyProgram(sim::Model model) {
   constexpr rlimit kNoCore{0, 0};
   setrlimit(RLIMIT_CORE, &kNoCore);
   setpgid(0, 0);
+  std::signal(SIGINT, SIG_DFL);  // however the tests were started
   ports::switchOffOnCrash();
   const ports::SignalStop signals(program.stop);
   TapedLines lines(tape, program.port);

@@ -219,8 +219,9 @@ TEST(Place, ofAMaximisedWindowIsItsNormalOne) {
 TEST(Files, aReadDoesNotGoOverTheOpenFileUnasked) {
   StartedRig rig("2764");
   rig.openFile("mine.bin", {1, 2, 3});
-  rig.board().loadChip(std::vector<std::uint8_t>(8192, 0x5A));
+  rig.board().loadChip(std::vector<std::uint8_t>(8192, 0x00));
   rig.click("Read_button");
+  EXPECT_TRUE(rig.find<QLabel>("outcome").text().contains("but every byte read is 00h"));
   EXPECT_EQ(rig.window.windowTitle(), "read from chip[*] - Kestrel");
   EXPECT_TRUE(rig.window.isWindowModified());
   {
@@ -246,7 +247,8 @@ TEST(Files, aReadDoesNotGoOverTheOpenFileUnasked) {
   EXPECT_TRUE(window::RecentFiles(rig.settings).all().first().endsWith("mine.bin"));
   const WithDialog overwrite = pressing("Overwrite");
   rig.trigger("tbToolBar(2)");
-  EXPECT_EQ(readWholeTextFile(rig.folder / "mine.bin"), "ZZZ") << "as long as the file was";
+  EXPECT_EQ(readWholeTextFile(rig.folder / "mine.bin"), std::string(3, '\0'))
+      << "as long as the file was";
   EXPECT_EQ(rig.window.windowTitle(), "mine.bin - Kestrel");
   EXPECT_TRUE(rig.window.close());
 }

@@ -97,7 +97,9 @@ void frmMain::Units::connectValues() {
 
 // Beside the choice, which stays the person's: only a real port can be missing.
 void frmMain::Units::reportPortNotHeld() {
-  if (!machine.portService.holdsPort(state.PortBase)) logDiagnosis();
+  if (machine.portService.holdsPort(state.PortBase)) return;
+  reporting.noteRemark(whyNoBoard());
+  logDiagnosis();
 }
 
 void frmMain::Units::testHardware() {

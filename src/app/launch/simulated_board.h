@@ -33,6 +33,9 @@ class SimulatedBoard {
   /// True once the board is not the one of the options any more.
   [[nodiscard]] bool wasExchanged() const { return exchanged_; }
 
+  /// What ends the wait at a pipe; nullptr if none.
+  [[nodiscard]] const StopSwitch* stop() const { return stop_; }
+
   /// The file that the chip's contents are written back to; empty if none.
   [[nodiscard]] const std::filesystem::path& chipFile() const { return chipFile_; }
 

@@ -1,9 +1,12 @@
 #include "app/window/arguments.h"
 
 #include <QCommandLineParser>
+#include <array>
 
 #include "app/launch/machine_options.h"
+#include "app/launch/separate_files.h"
 #include "app/window/file_of.h"
+#include "platform/file_names.h"
 
 namespace kestrel::window {
 namespace {
@@ -49,7 +52,13 @@ Arguments readArguments(const QStringList& arguments) {
   const QStringList files = parser.positionalArguments();
   if (files.size() > 1) throw launch::UsageError("one code file can be opened, not several");
   Arguments read{.launch = launchOptions(parser), .codeFile = {}};
-  if (!files.isEmpty()) read.codeFile = std::filesystem::absolute(fileOf(files.first()));
+  if (!files.isEmpty()) read.codeFile = fullName(fileOf(files.first()));
+  const auto& chip = read.launch.chip;
+  launch::checkSeparate(std::array<launch::FileOption, 3>{{
+      {"The file to open", read.codeFile},
+      {"--trace", read.launch.trace},
+      {"--chip", chip ? chip->file : std::filesystem::path()},
+  }});
   return read;
 }
 

@@ -25,6 +25,11 @@ void Binder::press(Button& control) const {
   if (pressed_) pressed_(control, result);
 }
 
+void Binder::use(const Control& control, const std::function<void()>& event) const {
+  const CommandResult result = runner_.run(event);
+  if (pressed_) pressed_(control, result);
+}
+
 void Binder::common(const Control& control, QWidget& widget) const {
   widget.setObjectName(toQString(control.name()));
   mirror_.bind(control, widget, [&control, &widget] {
@@ -67,7 +72,7 @@ void Binder::check(CheckBox& control, QCheckBox& widget) const {
                                               : Qt::Unchecked);
   });
   QObject::connect(&widget, &QCheckBox::clicked, &widget, [this, &control] {
-    (void)runner_.run([&control] { control.press(); });
+    use(control, [&control] { control.press(); });
     mirror_.touch(control);
   });
 }
@@ -79,7 +84,7 @@ void Binder::option(OptionButton& control, QRadioButton& widget) const {
     setChecked(widget, control.value());
   });
   QObject::connect(&widget, &QRadioButton::clicked, &widget, [this, &control] {
-    (void)runner_.run([&control] { control.press(); });
+    use(control, [&control] { control.press(); });
     mirror_.touch(control);
   });
 }

@@ -40,6 +40,9 @@ class Binder {
   /// Presses the control as its button does.
   void press(Button& control) const;
 
+  /// Does another thing to a control, as a person does.
+  void use(const Control& control, const std::function<void()>& event) const;
+
   /// Name, enabled and visible: what every control has.
   void common(const Control& control, QWidget& widget) const;
 

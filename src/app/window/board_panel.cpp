@@ -190,6 +190,8 @@ void SimulatedBoardPanel::act(const std::function<void()>& handler) {
   if (runner_.isRunning()) return;
   try {
     handler();
+  } catch (const OperationStopped&) {
+    // At a pipe, by the signal that ends the program.
   } catch (const std::exception& error) {
     QMessageBox::critical(this, "Kestrel", QString::fromUtf8(error.what()));
   }
@@ -238,7 +240,7 @@ void SimulatedBoardPanel::insertFromFile() {
   const QString name = QFileDialog::getOpenFileName(this, "Contents of the chip");
   if (name.isEmpty()) return;
   auto chip = sim::makeChip(type_->currentText().toStdString());
-  const auto contents = readWholeFile(fileOf(name), kLargestFile);
+  const auto contents = readWholeFile(fileOf(name), kLargestFile, simulated_.stop());
   if (contents.size() != chip->contents().size()) {
     QMessageBox::warning(this, "Kestrel",
                          QString("The file holds %1 bytes, a %2 has %3.")
@@ -267,7 +269,7 @@ void SimulatedBoardPanel::saveContents() { (void)saveContentsAs(); }
 bool SimulatedBoardPanel::saveContentsAs() {
   const QString name = QFileDialog::getSaveFileName(this, "Save the contents of the chip");
   if (name.isEmpty()) return false;
-  writeFileAtomically(fileOf(name), board().chip()->contents());
+  writeFileAtomically(fileOf(name), board().chip()->contents(), simulated_.stop());
   return true;
 }
 

@@ -185,6 +185,10 @@ void DeviceBox::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_PageDown:
       showPopup();
       return;
+    case Qt::Key_Space:
+      // No name begins with one: the second of two presses that were meant for a button.
+      if (isTyping_) QComboBox::keyPressEvent(event);
+      return;
     case Qt::Key_Return:
     case Qt::Key_Enter:
       if (isSearching && matches->currentIndex().isValid()) {

@@ -3,6 +3,7 @@
 #include <QTimer>
 #include <csignal>
 #include <iostream>
+#include <optional>
 
 #include "app/launch/program.h"
 #include "app/launch/version.h"
@@ -17,6 +18,8 @@
 #include "app/window/readable_style.h"
 #include "app/window/signal_end.h"
 #include "hardware/ports/signal_stop.h"
+#include "platform/file_names.h"
+#include "platform/runtime_error.h"
 
 namespace kestrel::window {
 namespace {
@@ -44,10 +47,19 @@ int runProgram(const Arguments& arguments) {
   QtDialogs dialogs(mirror, settings);
   QtSoundPlayer sounds;
   QtHelpViewer help(screen);
-  launch::LaunchedProgram program(
-      arguments.launch, kDefaultChip,
-      {.sounds = sounds, .settings = settings, .help = help, .dialogs = dialogs, .screen = screen},
-      stop);
+  std::optional<launch::LaunchedProgram> launched;
+  try {
+    launched.emplace(arguments.launch, kDefaultChip,
+                     launch::FrontEnd{.sounds = sounds,
+                                      .settings = settings,
+                                      .help = help,
+                                      .dialogs = dialogs,
+                                      .screen = screen},
+                     stop);
+  } catch (const OperationStopped&) {
+    return signalStop.exitStatus();  // at a pipe that was to be a file of the options
+  }
+  launch::LaunchedProgram& program = *launched;
   MainWindow window({.form = program.form(),
                      .mirror = mirror,
                      .input = input,
@@ -74,6 +86,10 @@ int runProgram(const Arguments& arguments) {
   }
   const int result = QApplication::exec();
   if (program.waves() != nullptr) program.waves()->end();
+  if (signalStop.isEndRequested() && program.form().mayVoltageBeOn()) {
+    std::cerr << "kestrel: " << form::kVoltageWarning << '\n';
+  }
+  program.trace().finish();
   if (simulated != nullptr) putAway(*simulated, program.folders());
   return signalStop.isEndRequested() ? signalStop.exitStatus() : result;
 }
@@ -115,10 +131,10 @@ int main(int argc, char** argv) {
   try {
     return kestrel::window::runProgram(kestrel::window::readArguments(QApplication::arguments()));
   } catch (const kestrel::launch::UsageError& error) {
-    std::cerr << "kestrel: " << error.what() << "\nTry kestrel --help.\n";
+    std::cerr << "kestrel: " << kestrel::shownName(error.what()) << "\nTry kestrel --help.\n";
     return 2;
   } catch (const std::exception& error) {
-    std::cerr << "kestrel: " << error.what() << '\n';
+    std::cerr << "kestrel: " << kestrel::shownName(error.what()) << '\n';
     return 2;
   }
 }

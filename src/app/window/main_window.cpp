@@ -197,7 +197,18 @@ void MainWindow::commandEnded() {
   ErrorLamp& alert = strip_->errorLamp();
   look_->end(alert.isAlert() ? &alert : nullptr, *display_->focusProxy());
   if (stopQuestion_) stopQuestion_->close();
+  QTimer::singleShot(0, this, [this] { warnOfVoltage(); });
   if (closeWanted_) QTimer::singleShot(0, this, [this] { closeAfterCommand(); });
+}
+
+void MainWindow::warnOfVoltage() {
+  const bool mayBeOn = parts_.form.mayVoltageBeOn();
+  const bool wasToldOf = std::exchange(isVoltageToldOf_, mayBeOn);
+  if (!mayBeOn || wasToldOf || parts_.stop.isEnding()) return;
+  QMessageBox box(QMessageBox::Critical, "Kestrel", toQString(std::string(form::kVoltageWarning)),
+                  QMessageBox::Ok, this);
+  box.setObjectName("voltageWarning");
+  box.exec();
 }
 
 // What failed is to be read before the window goes.
@@ -393,6 +404,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
     reportPlace();
     saveLook();
     (void)parts_.form.runner().run([this] { parts_.form.Form_Unload(); });
+    warnOfVoltage();
   }
   event->accept();
 }

@@ -92,6 +92,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   void commandStarted();
   void commandEnded();
   void closeAfterCommand();
+  void warnOfVoltage();
   void pressed(const Control& control, const CommandResult& result);
   void showCommandsOff();
 
@@ -134,6 +135,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   bool looksRunning_ = false;
   bool isTypingDevice_ = false;
   bool closeWanted_ = false;
+  bool isVoltageToldOf_ = false;
   bool unloaded_ = false;
 };
 

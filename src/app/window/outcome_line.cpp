@@ -78,9 +78,14 @@ void OutcomeLine::end(const Control& control, const CommandResult& result, qint6
   timer_.stop();
   lasted_ = clock_.isValid() ? clock_.elapsed() - asked : 0;
   const QString command = nameOf(control);
-  if (command.isEmpty()) return;
+  const QString remark = QString::fromStdString(result.remark).toHtmlEscaped();
+  if (command.isEmpty()) {
+    if (!remark.isEmpty()) showText(remark, Colour::Red);
+    return;
+  }
   switch (result.ending) {
     case Ending::Done:
+      if (!remark.isEmpty()) return showText(doneText(command) + ", but " + remark, Colour::Red);
       return showText(doneText(command), Colour::Green);
     case Ending::Cancelled:
     case Ending::Stopped:

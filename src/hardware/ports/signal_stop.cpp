@@ -71,7 +71,7 @@ SignalStop::SignalStop(StopSwitch& stop) : descriptor_(eventfd(0, EFD_CLOEXEC | 
   wakeUp = descriptor_;
   // No SA_RESTART: a wait for the terminal must end too.
   for (const int number : kStopSignals) {
-    if (number != SIGHUP || !isIgnored(number)) install(number, stopOrDie, 0);
+    if (number == SIGTERM || !isIgnored(number)) install(number, stopOrDie, 0);
   }
   for (const int number : kSleepSignals) install(number, SIG_IGN, 0);
 }

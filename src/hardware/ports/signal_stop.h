@@ -8,9 +8,10 @@ namespace kestrel::ports {
 ///
 /// The first of them throws the stop switch, so that the command ends at its next port access and
 /// the board goes to its idle state; the program then sees signal() and shuts down. A second one
-/// ends the program at once, with the guard left to switch off. A hang-up that was ignored when
-/// the program started (nohup) stays so. SIGTSTP, SIGTTOU and SIGTTIN are ignored meanwhile: a
-/// program that the terminal stops would leave a programming voltage on for as long as it sleeps.
+/// ends the program at once, with the guard left to switch off. A hang-up or SIGINT that was
+/// ignored when the program started (nohup, a script's background) stays so. SIGTSTP, SIGTTOU and
+/// SIGTTIN are ignored meanwhile: a program that the terminal stops would leave a programming
+/// voltage on for as long as it sleeps.
 ///
 /// One at a time in a process, since a signal handler has no argument.
 class SignalStop {
