@@ -115,6 +115,8 @@ NO_MESSAGES = (
   "link/",  # the line to an adapter, which no option offers yet: docs/link.md
   "display/exports.cpp",  # the heads of two files: formats.html
   "hardware/hardware_config.cpp",  # the text of a file: formats.html
+  "app/form/series_report.cpp",  # what is wrong with a file: told with its remedy
+  "setups/project_file.cpp",  # the same, with the line
   "hardware/ports/lpt_filter.cpp",  # a fault of the program itself
   "hardware/ports/port_choice.cpp",  # the option --port
 )

@@ -80,7 +80,8 @@ bool isHarmless(std::string_view text) {
 /// "no end-of-file record" are a file that was damaged or cut off, which must not become a chip.
 class Complaints final : public srecord::quit {
  public:
-  explicit Complaints(std::string fileName) : fileName_(std::move(fileName)) {}
+  Complaints(std::string fileName, bool mayLackEnd)
+      : fileName_(std::move(fileName)), mayLackEnd_(mayLackEnd) {}
 
  protected:
   // The text is "NAME: LINE: REASON".
@@ -94,6 +95,7 @@ class Complaints final : public srecord::quit {
  private:
   void refuse(std::string text) const {
     if (isHarmless(text) || std::uncaught_exceptions() > 0) return;
+    if (mayLackEnd_ && text.find("no execution start address record") != std::string::npos) return;
     if (text.starts_with(fileName_)) text.erase(0, fileName_.size() + 2);
     const std::size_t colon = text.find(": ");
     const bool hasLine = colon != std::string::npos && colon > 0 &&
@@ -107,6 +109,7 @@ class Complaints final : public srecord::quit {
   }
 
   std::string fileName_;
+  bool mayLackEnd_;
 };
 
 /// One record with data, in the order of the file.
@@ -122,6 +125,16 @@ std::string lineOf(const srecord::input& input) {
   const std::string text = input.filename_and_line();
   const std::size_t colon = text.rfind(": ");
   return colon == std::string::npos ? std::string("a record") : "line " + text.substr(colon + 2);
+}
+
+/// Tektronix files come without a last record as often as with one. S-records may end with their
+/// own number (S5, S6) in its place, which the library compares with what it read.
+bool mayLackEnd(std::span<const std::uint8_t> file, FormatId format) {
+  if (format == FormatId::Tektronix || format == FormatId::TektronixExtended) return true;
+  const std::string_view text(reinterpret_cast<const char*>(file.data()), file.size());
+  const std::size_t begin = text.rfind('S');
+  const std::string_view line = begin == std::string_view::npos ? "" : text.substr(begin, 2);
+  return line == "S5" || line == "S6";
 }
 
 std::vector<Piece> readPieces(srecord::input& input, Records& found) {
@@ -200,7 +213,9 @@ Records readRecords(std::span<const std::uint8_t> file, const Format& format) {
     return found;
   }
   const MemoryFile copy(file);
-  Complaints complaints(copy.name());  // outlives the reader, which speaks to it to its end
+  Complaints complaints(
+      copy.name(),
+      mayLackEnd(file, format.id));  // outlives the reader, which speaks to it to its end
   const Input input = inputFor(format.id, copy.name());
   input->set_quit(complaints);
   std::vector<Piece> pieces = readPieces(*input, found);
