@@ -54,7 +54,22 @@ class Board {
     registers.SetReg2();
   }
 
+  /// The socket while a chip is changed: no voltage, every pin that a latch drives low, the supply
+  /// of 24- and 28-pin chips included, and nobody on the data bus. Pin 32 has its 5 V always.
+  void releaseSocket() {
+    latches_.RegShadow0 = 0;
+    registers.SetReg0();
+    latches_.RegShadow3 = kLatch3BusReleased;
+    registers.SetReg3();
+    latches_.RegShadow1 = 0;
+    registers.SetReg1();
+    latches_.RegShadow2 = 0;
+    registers.SetReg2();
+  }
+
  private:
+  static constexpr std::int16_t kLatch3BusReleased = 0x40;  // bit 6: latch 4 off the data bus
+
   LatchState& latches_;
   PortService& service_;
 };

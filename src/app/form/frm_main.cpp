@@ -28,6 +28,10 @@ std::string frmMain::whyNoBoard() const { return units_->whyNoBoard(); }
 
 bool frmMain::mayVoltageBeOn() const { return units_->machine.portService.mayVoltageBeOn(); }
 
+CommandResult frmMain::releaseSocket() {
+  return runner().run([&] { units_->board.releaseSocket(); });
+}
+
 CommandRunner& frmMain::runner() { return units_->runner; }
 
 }  // namespace kestrel::form

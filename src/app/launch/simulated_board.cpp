@@ -92,6 +92,25 @@ void SimulatedBoard::putChipBack() {
   if (beside_) bench_.board(base_)->insert(std::move(beside_));
 }
 
+void SimulatedBoard::changeChip(std::size_t number) {
+  const auto old = board().takeOut();
+  if (old == nullptr) return;
+  auto chip = sim::makeChip(old->typeName());
+  if (seriesFile_.empty()) seriesFile_ = chipFile_;
+  if (!seriesFile_.empty()) {
+    if (isSeries_) {
+      const auto contents = old->contents();
+      if (!std::ranges::equal(contents, fileContents_)) writeFileAtomically(chipFile_, contents);
+    }
+    chipFile_ = seriesFile_.string() + "." + std::to_string(number);
+    fileContents_.clear();
+    if (isThere(chipFile_)) fileContents_ = readWholeFile(chipFile_, chip->contents().size());
+    if (fileContents_.size() == chip->contents().size()) chip->load(fileContents_);
+  }
+  isSeries_ = true;
+  board().insert(std::move(chip));
+}
+
 // A chip that sits beside latches at 0 while the board is switched on is no fault of the program.
 void SimulatedBoard::startUpDone() {
   bench_.findings().clear();

@@ -45,6 +45,11 @@ class SimulatedBoard {
   void takeChipOut();
   void putChipBack();
 
+  /// The next chip of a series: the one in the socket goes away, its file written, and a new one of
+  /// the same type comes in. With --chip TYPE=FILE chip N is kept in FILE.N, loaded when it is
+  /// there and of the right size. Throws FileError.
+  void changeChip(std::size_t number);
+
   /// Start-up is over: from here findings are kept and the accesses to an unplugging count.
   void startUpDone();
 
@@ -74,6 +79,8 @@ class SimulatedBoard {
   bool exchanged_ = false;
   std::unique_ptr<sim::Chip> beside_;
   std::filesystem::path chipFile_;
+  std::filesystem::path seriesFile_;  ///< that the names of a series come from
+  bool isSeries_ = false;
   std::vector<std::uint8_t> fileContents_;  ///< as last read or written; empty: no file yet
   std::vector<std::uint64_t> unplugAfter_;
 };

@@ -1,0 +1,128 @@
+#include "app/form/chip_series.h"
+
+#include <algorithm>
+#include <span>
+
+#include "app/state/text_format.h"
+#include "buffers/checksum.h"
+#include "devices/families.h"
+
+namespace kestrel::form {
+namespace {
+
+/// Puts the buffer back as it was.
+class KeptBuffer {
+ public:
+  explicit KeptBuffer(BufferState& buffers) : buffers_(buffers), kept_(buffers) {}
+  ~KeptBuffer() { std::swap(buffers_, kept_); }
+  KeptBuffer(const KeptBuffer&) = delete;
+  KeptBuffer& operator=(const KeptBuffer&) = delete;
+
+ private:
+  BufferState& buffers_;
+  BufferState kept_;
+};
+
+void setTicked(CheckBox& box, bool ticked) {
+  if (box.isTicked() != ticked) box.press();
+}
+
+}  // namespace
+
+CommandResult ChipSeries::run(std::size_t firstNumber) {
+  form_.runner().run([this] {
+    setTicked(form_.controls().VerifyAfterProgramming, true);
+    setTicked(form_.controls().CheckBlankPriorProgramming,
+              false);  // done before the number is given
+  });
+  for (std::size_t number = firstNumber;; ++number) {
+    const CommandResult released = form_.releaseSocket();
+    if (released.ending != Ending::Done) return released;
+    if (!bench_.isNextChipIn(number)) return {};
+    const SeriesChip chip = doChip(number);
+    bench_.chipDone(chip);
+    const bool isOver = chip.result.ending == Ending::Stopped ||
+                        chip.result.ending == Ending::RunTimeError ||
+                        chip.result.ending == Ending::Cancelled;
+    if (isOver) {
+      (void)form_.releaseSocket();
+      return chip.result;
+    }
+  }
+}
+
+SeriesChip ChipSeries::doChip(std::size_t number) {
+  using Clock = std::chrono::steady_clock;
+  const auto begin = Clock::now();
+  SeriesChip chip{.number = number};
+  chip.result = checkSocket();
+  if (chip.isGood()) {
+    if (counter_ != nullptr) chip.serial = giveNumber();
+    chip.result = program();
+    if (counter_ != nullptr) settleNumber(chip);
+  }
+  if (chip.isGood()) chip.sum = sumOfImage();
+  dismissAlert();
+  chip.seconds = std::chrono::duration<double>(Clock::now() - begin).count();
+  return chip;
+}
+
+void ChipSeries::settleNumber(SeriesChip& chip) {
+  if (chip.isGood()) {
+    counter_->confirm();
+  } else {
+    counter_->giveBack();
+    chip.serial.clear();
+  }
+}
+
+std::string ChipSeries::giveNumber() {
+  const std::string number = counter_->take();
+  const images::Bytes bytes = images::serialBytes(counter_->plan(), number);
+  std::ranges::copy(bytes, form_.state().CodeBuffer.begin() + counter_->plan().at);
+  return number;
+}
+
+// An EPROM must be blank, which a chip without contact is too: it is found when it does not verify.
+// An EEPROM may hold anything, but not 00h everywhere by chance: the pins are open there.
+CommandResult ChipSeries::checkSocket() {
+  const devices::Family& family = devices::familyOf(form_.state().FamilyCode);
+  if (family.bus == devices::BusKind::Serial) return {};  // asks for an acknowledge by itself
+  if (family.offersErase || !family.hasBlankCheck) return checkContact();
+  CommandResult result = form_.runner().press(form_.controls().Blank_button);
+  if (result.ending == Ending::Differs && form_.state().ReadByte == 0) {
+    result.reason = result.reason + " (it reads 00h there: look at the contact)";
+  }
+  return result;
+}
+
+CommandResult ChipSeries::checkContact() {
+  const KeptBuffer kept(form_.state());
+  CommandResult result = form_.runner().press(form_.controls().Read_button);
+  const auto bytes =
+      std::span(form_.state().CodeBuffer).first(static_cast<std::size_t>(form_.state().CodeLength));
+  const bool isZero = std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte == 0; });
+  if (result.ending == Ending::Done && isZero) {
+    return {.ending = Ending::Failed, .reason = "every byte reads 00h: the chip has no contact"};
+  }
+  return result;
+}
+
+CommandResult ChipSeries::program() {
+  return form_.runner().press(form_.controls().Program_button);
+}
+
+std::string ChipSeries::sumOfImage() {
+  std::int32_t sum = 0;
+  const auto size = static_cast<std::size_t>(form_.state().DeviceSizeBytes);
+  for (const std::uint8_t byte : std::span(form_.state().CodeBuffer).first(size)) {
+    sum = buffers::addToChecksum(sum, byte);
+  }
+  return buffers::checksumText(sum);
+}
+
+void ChipSeries::dismissAlert() {
+  form_.runner().run([this] { form_.controls().Error_label.press(); });
+}
+
+}  // namespace kestrel::form
