@@ -9,6 +9,7 @@ function(kestrel_install_common)
     DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   install(FILES ${PROJECT_SOURCE_DIR}/data/completion/kestrel-cli.bash
     DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME kestrel-cli)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/schema DESTINATION ${kestrel_data_dir})
   install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/sample
     DESTINATION ${kestrel_data_dir} FILES_MATCHING PATTERN "*.bin")
   # One by one and optional: a source archive may come without some of them.

@@ -5,8 +5,8 @@ _kestrel_cli() {
   local program=${COMP_WORDS[0]}
   local current=${COMP_WORDS[COMP_CWORD]}
   local previous=${COMP_WORDS[COMP_CWORD - 1]}
-  local commands="devices detect read blank verify program erase display flash-id erase-buffer setups save-setup safe"
-  local options="-d -i -o --simulate --model --lpt --chip --board-vpp --fault --port --setup --speed
+  local commands="devices detect read blank verify program erase display flash-id erase-buffer compare image save-project setups save-setup safe"
+  local options="-d -i -o --format --save-format --at --range --project --backup --several --serial --report --json --simulate --model --lpt --chip --board-vpp --fault --port --setup --speed
     --vpp --lane --pad-ff --blank-check --verify --page --show --names --trace --waves --home --count-ns -y --yes
     -q --quiet --select-port --force-model --version -h --help"
   COMPREPLY=()
@@ -19,11 +19,19 @@ _kestrel_cli() {
     -d | --chip)
       mapfile -t COMPREPLY < <(compgen -W "$("$program" devices --names 2>/dev/null)" -- "${current^^}")
       return ;;
-    -i | -o | --trace | --waves | =)
+    --format | --save-format)
+      mapfile -t COMPREPLY < <(compgen -W "auto binary ihex srec tek tekx ti-txt ti-tagged ascii-hex mos emon52 fpc
+        vmem" -- "$current")
+      return ;;
+    image)
+      mapfile -t COMPREPLY < <(compgen -W "info fill copy swap reverse split join halve double checksum insert
+        convert" -- "$current")
+      return ;;
+    -i | -o | --trace | --waves | --project | --report | save-project | info | =)
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -f -- "$current")
       return ;;
-    --home)
+    --home | --backup)
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return ;;
@@ -43,7 +51,7 @@ _kestrel_cli() {
       compopt -o nospace
       mapfile -t COMPREPLY < <(compgen -W "weak: stuck: unplug: empty" -- "$current")
       return ;;
-    --page | --count-ns) return ;;
+    --page | --count-ns | --at | --range | --serial) return ;;
   esac
 
   if [[ $current == -* ]]; then

@@ -285,7 +285,7 @@ bool BufferFiles::writeData(const std::string& path) {
 
 void BufferFiles::exportImage(const std::string& name, std::span<const std::uint8_t> contents) {
   (void)tried("Can't Save Code File", [&] {
-    writeFileAtomically(name, contents);
+    writeFileAtomically(name, contents, &stop_);
     reporting_.LogMessage("File Sucessfully Saved as " + name);
   });
 }

@@ -15,7 +15,10 @@
 #include "app/launch/separate_files.h"
 #include "app/launch/version.h"
 #include "cli/commands.h"
+#include "cli/project_options.h"
+#include "platform/file_names.h"
 #include "platform/polled_io.h"
+#include "setups/project_file.h"
 
 namespace kestrel::cli {
 namespace {
@@ -85,6 +88,16 @@ const std::string& setupName(const std::string& text) {
   return text;
 }
 
+images::SerialPlan serialPlan(const std::string& text) {
+  try {
+    return images::parseSerialPlan(text);
+  } catch (const images::ImageError& error) {
+    throw launch::UsageError(std::string("--serial: ") + error.what());
+  }
+}
+
+void readProject(Arguments& a, const std::string& file);
+
 constexpr std::int32_t kMostPages = std::numeric_limits<std::int32_t>::max();
 
 /// An option of the work itself. Each command names those that it uses.
@@ -96,7 +109,7 @@ struct WorkOption {
 };
 
 // clang-format off
-constexpr std::array<WorkOption, 15> kWorkOptions{{
+constexpr std::array<WorkOption, 25> kWorkOptions{{
     {"-d", "NAME", "device: its name, a word of it, or a fitting part",
      [](auto& a, const auto& text) { a.device = named("-d", text); }},
     {"-i", "FILE", "code file to load; -: standard input",
@@ -107,6 +120,16 @@ constexpr std::array<WorkOption, 15> kWorkOptions{{
      [](auto& a, const auto& text) { a.port = portButton(text); }},
     {"--force-model", "4|5|6", "use the board as this model without asking it",
      [](auto& a, const auto& text) { a.model = modelEntry(text); }},
+    {"--format", "F", "of -i and -o: auto, binary, ihex, srec, ...",
+     [](auto& a, const auto& text) { setFormat(a.image, text); }},
+    {"--save-format", "F", "of -o, where it is another",
+     [](auto& a, const auto& text) { setSaveFormat(a.image, text); }},
+    {"--at", "ADDR", "where the file begins in the chip, hexadecimal",
+     [](auto& a, const auto& text) { setAt(a.image, text); }},
+    {"--range", "FROM-TO", "take only these addresses, hexadecimal",
+     [](auto& a, const auto& text) { setRange(a.image, text); }},
+    {"--project", "FILE", "take options from a project",
+     [](auto& a, const auto& text) { readProject(a, named("--project", text)); }},
     {"--setup", "N", "load setup slot N (1 to 4)",
      [](auto& a, const auto& text) { a.setup = slot("--setup", text); }},
     {"--speed", "1..20", "program speed",
@@ -125,6 +148,16 @@ constexpr std::array<WorkOption, 15> kWorkOptions{{
      [](auto& a, const auto& text) { a.page = number("--page", text, 0, kMostPages, "is no page; use 0 or more"); }},
     {"--show", "", "with read: print the first page of the buffer",
      [](auto& a, const auto&) { a.show = true; }},
+    {"--backup", "DIR", "keep what a chip held before it is written",
+     [](auto& a, const auto& text) { a.backup = named("--backup", text); }},
+    {"--several", "", "with program: one chip after another",
+     [](auto& a, const auto&) { a.several = true; }},
+    {"--serial", "PLAN", "a number for each chip: at=ADDR,bytes=N,start=S",
+     [](auto& a, const auto& text) { a.serial = serialPlan(text); }},
+    {"--report", "FILE", "table of the chips of --several (CSV)",
+     [](auto& a, const auto& text) { a.report = named("--report", text); }},
+    {"--json", "", "one JSON object a line; the log on standard error",
+     [](auto& a, const auto&) { a.json = true; }},
     {"--names", "", "with devices: one short name a line, no more",
      [](auto& a, const auto&) { a.names = true; }},
 }};
@@ -143,15 +176,17 @@ CLI::Option& addOption(CLI::App& app, const char* name, const char* value, const
               ->allow_extra_args(false);
 }
 
+constexpr const char* kYes = "yes";  // the value of a flag
+
 void addWork(CLI::App& app, Arguments& a) {
   for (const WorkOption& option : kWorkOptions) {
     if (*option.value == '\0') {
-      addFlag(app, option.name, option.help, [&] { option.set(a, {}); });
+      addFlag(app, option.name, option.help, [&] { a.given.emplace_back(option.name, kYes); });
       continue;
     }
     addOption(app, option.name, option.value, option.help, [&](const auto& texts) {
       launch::refuseSecond(option.name, texts);
-      option.set(a, texts.front());
+      a.given.emplace_back(option.name, texts.front());
     });
   }
   app.add_flag("-y,--yes", a.yes, "answer questions with OK");
@@ -167,6 +202,47 @@ void addMachine(CLI::App& app, launch::LaunchOptions& launch) {
             : addOption(app, option.name, option.value, option.help, use);
     const bool isSimulation = option.group == launch::MachineOption::Group::SimulatedBoard;
     added.group(isSimulation ? "Simulated board" : "Machine");
+  }
+}
+
+/// Sets what was given. A project comes first: the command line goes before it.
+void setWork(Arguments& a) {
+  const auto setGiven = [&](const WorkOption& option) {
+    if (const std::string* const text = a.textOf(option.name)) option.set(a, *text);
+  };
+  for (const WorkOption& option : kWorkOptions) {
+    if (std::string_view(option.name) == "--project") setGiven(option);
+  }
+  for (const WorkOption& option : kWorkOptions) {
+    if (std::string_view(option.name) != "--project") setGiven(option);
+  }
+}
+
+/// The option that a key of a project stands for; nullptr for a key that is unknown.
+const WorkOption* optionOf(const std::string& key) {
+  const auto found = std::ranges::find_if(
+      kWorkOptions, [&](const WorkOption& option) { return projectKey(option.name) == key; });
+  return found == kWorkOptions.end() ? nullptr : &*found;
+}
+
+void setFromProject(Arguments& a, const WorkOption& option, const std::string& file,
+                    const std::string& value) {
+  if (*option.value != '\0') return option.set(a, inProject(file, option.name, value));
+  if (value == kYes) return option.set(a, {});
+  if (value == "no") return;
+  throw launch::UsageError(file + ": " + projectKey(option.name) + " is \"" + value +
+                           "\"; use yes or no");
+}
+
+void readProject(Arguments& a, const std::string& file) {
+  for (const auto& [key, value] : setups::ProjectFile::read(file).items()) {
+    const WorkOption* const option = optionOf(key);
+    if (option == nullptr) {
+      std::cerr << "kestrel-cli: " << shownName(file) << ": the key " << shownName(key)
+                << " is unknown and was passed over\n";
+    } else if (a.textOf(option->name) == nullptr) {
+      setFromProject(a, *option, file, value);
+    }
   }
 }
 
@@ -190,7 +266,8 @@ void addCommands(CLI::App& app, Arguments& a) {
   for (const Command& command : commands()) {
     CLI::App* const sub = app.add_subcommand(command.name, command.help);
     sub->group("Commands")->fallthrough()->allow_extras()->set_help_flag();
-    sub->callback([&a, name = command.name] { a.command = name; });
+    sub->callback([&a, name = command.name] { a.commands.emplace_back(name); });
+    if (*command.words != '\0') sub->add_option(command.words, a.words)->required();
     if (sub->get_name() != "save-setup") continue;
     sub->add_option_function<std::string>(
            "N", [&a](const auto& text) { a.saveSlot = slot("save-setup", text); }, "slot, 1 to 4")
@@ -215,11 +292,11 @@ void refuseExtras(const CLI::App& app, const Arguments& a) {
     const std::string& first = extras.front();
     if (first.starts_with('-'))
       throw launch::UsageError(first + " is no option; see kestrel-cli --help");
-    if (!a.command.empty())
+    if (!a.commands.empty())
       throw launch::UsageError("\"" + first + "\" is one word too many; see kestrel-cli --help");
     throw launch::UsageError("\"" + first + "\" is no command; use one of " + commandList());
   }
-  if (a.command.empty()) throw launch::UsageError("no command; use one of " + commandList());
+  if (a.commands.empty()) throw launch::UsageError("no command; use one of " + commandList());
 }
 
 bool uses(const Command& command, std::string_view option) {
@@ -240,10 +317,22 @@ std::string usersOf(std::string_view option) {
   return (names.size() == 1 ? "the command " : "the commands ") + list;
 }
 
+/// Several commands in one run are steps at one form.
+void refuseMixed(const Arguments& a) {
+  if (a.commands.size() < 2) return;
+  for (const std::string& name : a.commands) {
+    if (commandNamed(name).press != nullptr) continue;
+    throw launch::UsageError(name + " stands alone; run kestrel-cli once more for it");
+  }
+}
+
 void refuseUnused(const CLI::App& app, const Arguments& a) {
-  const Command& command = commandNamed(a.command);
+  const auto isUsed = [&](const char* option) {
+    return std::ranges::any_of(a.commands,
+                               [&](const auto& name) { return uses(commandNamed(name), option); });
+  };
   for (const WorkOption& option : kWorkOptions) {
-    if (app.count(option.name) == 0 || uses(command, option.name)) continue;
+    if (app.count(option.name) == 0 || isUsed(option.name)) continue;
     throw launch::UsageError(std::string(option.name) + " is for " + usersOf(option.name) +
                              "; leave it out");
   }
@@ -254,18 +343,31 @@ void checkFiles(const Arguments& a) {
     const bool isStream = file == kStandardInput || file == kStandardOutput;
     return std::filesystem::path(isStream ? "" : file.value_or(""));
   };
-  launch::checkSeparate(std::array<launch::FileOption, 4>{{
+  launch::checkSeparate(std::array<launch::FileOption, 5>{{
       {"-i", named(a.codeFile)},
       {"-o", named(a.saveFile)},
+      {"--report", a.report.value_or("")},
       {"--trace", a.launch.trace},
       {"--chip", a.launch.chip ? a.launch.chip->file : std::filesystem::path()},
   }});
+  if (a.json && a.saveFile == kStandardOutput) {
+    throw launch::UsageError("--json and -o - both want standard output; give -o a file");
+  }
   if (a.padFF && a.codeFile == kStandardInput) {
     throw launch::UsageError("--pad-ff reads the file of -i twice; give it a file, not -");
   }
 }
 
 }  // namespace
+
+const std::string* Arguments::textOf(std::string_view option) const {
+  const auto found = std::ranges::find(given, option, [](const auto& pair) { return pair.first; });
+  return found == given.end() ? nullptr : &found->second;
+}
+
+bool Arguments::runs(std::string_view command) const {
+  return std::ranges::find(commands, command) != commands.end();
+}
 
 std::optional<Arguments> readArguments(int argc, const char* const* argv) {
   Arguments a;
@@ -274,7 +376,7 @@ std::optional<Arguments> readArguments(int argc, const char* const* argv) {
   app.set_help_flag("-h,--help", "print this help");
   app.set_version_flag("--version", std::string("kestrel-cli ") + launch::kVersion,
                        "print the version");
-  app.allow_extras()->require_subcommand(0, 1);
+  app.allow_extras();
   addWork(app, a);
   addMachine(app, a.launch);
   addCommands(app, a);
@@ -297,7 +399,9 @@ std::optional<Arguments> readArguments(int argc, const char* const* argv) {
     throw launch::UsageError(error.what());
   }
   refuseExtras(app, a);
+  refuseMixed(a);
   refuseUnused(app, a);
+  setWork(a);
   launch::checkTogether(a.launch);
   checkFiles(a);
   return a;

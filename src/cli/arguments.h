@@ -4,8 +4,13 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "app/launch/option_values.h"
+#include "cli/image_options.h"
+#include "images/serial_numbers.h"
 
 namespace kestrel::cli {
 
@@ -13,7 +18,8 @@ namespace kestrel::cli {
 struct Arguments {
   launch::LaunchOptions launch;
 
-  std::string command;
+  std::vector<std::string> commands;  ///< in the order in which they are to run
+  std::vector<std::string> words;     ///< behind the command image or save-project
   std::optional<std::string> device;
   std::optional<std::string> codeFile;  ///< -i
   std::optional<std::string> saveFile;  ///< -o
@@ -24,6 +30,12 @@ struct Arguments {
   std::optional<std::size_t> voltage;   ///< index of the voltage button
   std::optional<std::size_t> lane;      ///< index of the lane button
   std::optional<std::int32_t> page;     ///< of display
+  ImageOptions image;
+  std::optional<std::string> backup;         ///< folder of --backup
+  std::optional<images::SerialPlan> serial;  ///< of program --several
+  std::optional<std::string> report;         ///< its table
+  bool several = false;
+  bool json = false;
   bool blankCheck = false;
   bool verify = false;
   bool padFF = false;
@@ -32,8 +44,16 @@ struct Arguments {
   bool yes = false;
   bool quiet = false;
 
+  /// Option and text as they were given, in the order of the manual.
+  std::vector<std::pair<std::string, std::string>> given;
+
   std::size_t saveSlot = 0;  ///< save-setup N NAME
   std::string setupName;
+
+  /// nullptr for an option that was not given.
+  [[nodiscard]] const std::string* textOf(std::string_view option) const;
+
+  [[nodiscard]] bool runs(std::string_view command) const;
 };
 
 /// Reads the command line. Nothing when it only asked for help or the version, which is printed.

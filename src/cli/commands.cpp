@@ -4,10 +4,15 @@
 #include <array>
 #include <iostream>
 #include <optional>
+#include <vector>
 
 #include "app/launch/program.h"
+#include "cli/compare_command.h"
 #include "cli/exit_status.h"
+#include "cli/image_commands.h"
 #include "cli/machine_commands.h"
+#include "cli/program_several.h"
+#include "cli/project_options.h"
 #include "cli/session.h"
 #include "cli/silent_parts.h"
 #include "devices/remarks.h"
@@ -38,6 +43,7 @@ void verify(Session& s) {
 }
 
 void program(Session& s) {
+  if (s.arguments().several) return programSeveral(s);
   s.press(s.controls().Program_button,
           s.unless("program", "there is nothing to program; add -i FILE"));
 }
@@ -94,32 +100,39 @@ void saveSetup(Session& s) {
 // What stands on the form can be set for every command there, also where only a setup would keep
 // it.
 // clang-format off
-constexpr const char* kAtForm = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --select-port --force-model";
-constexpr const char* kSaved = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --select-port";
-constexpr const char* kBeforeTest = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify";
+constexpr const char* kAtForm = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --format --save-format --at --range --project --json --select-port --force-model";
+constexpr const char* kSaved = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --format --save-format --at --range --project --json --select-port";
+constexpr const char* kBeforeTest = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --format --save-format --at --range --project --json";
 
-constexpr std::array<Command, 13> kCommands{{
-    {.name = "devices", .help = "list the devices, or tell about the one of -d", .options = "-d --names", .alone = listDevices},
+constexpr std::array<Command, 16> kCommands{{
+    {.name = "devices", .help = "list the devices, or tell about the one of -d", .options = "-d --names --json", .alone = listDevices},
     {.name = "detect", .help = "run the hardware test", .options = kBeforeTest, .press = detect, .needsBoard = false, .testsHardware = true},
     {.name = "read", .help = "read the device into the buffer; -o saves it", .options = kAtForm, .ownOption = "--show", .press = read, .worksOnMemory = true},
     {.name = "blank", .help = "check that the device is erased", .options = kAtForm, .press = blank, .worksOnMemory = true},
     {.name = "verify", .help = "compare the device with -i FILE", .options = kAtForm, .press = verify, .worksOnMemory = true},
-    {.name = "program", .help = "program -i FILE into the device", .options = kAtForm, .press = program, .worksOnMemory = true, .writesChip = true},
-    {.name = "erase", .help = "erase the chip (EEPROMs)", .options = kAtForm, .press = erase, .writesChip = true},
+    {.name = "program", .help = "program -i FILE into the device", .options = kAtForm, .ownOption = "--backup --several --serial --report", .press = program, .worksOnMemory = true, .writesChip = true},
+    {.name = "erase", .help = "erase the chip (EEPROMs)", .options = kAtForm, .ownOption = "--backup", .press = erase, .writesChip = true},
     {.name = "display", .help = "print a page of the chip", .options = kAtForm, .ownOption = "--page", .press = display, .worksOnMemory = true},
     {.name = "flash-id", .help = "ask a flash chip for its maker and device code", .options = kAtForm, .press = flashId},
     {.name = "erase-buffer", .help = "fill the buffer with FFh; -o saves it", .options = kSaved, .press = eraseBuffer, .needsBoard = false},
-    {.name = "setups", .help = "list the four setups of this folder", .options = "", .alone = listSetups},
+    {.name = "compare", .help = "tell all differences of the chip from -i FILE", .options = kAtForm, .press = compareChip},
+    {.name = "image", .help = "tell about a file or change it; no board needed", .options = "-i -o --format --save-format --at --range --json", .alone = changeImage, .words = "OPERATION"},
+    {.name = "save-project", .help = "write the options given into a project FILE", .options = kAtForm, .ownOption = "--backup --several --serial --report", .alone = saveProject, .words = "FILE"},
+    {.name = "setups", .help = "list the four setups of this folder", .options = "--json", .alone = listSetups},
     {.name = "save-setup", .help = "save the options as setup N (1 to 4)", .options = kSaved, .press = saveSetup, .needsBoard = false},
     {.name = "safe", .help = "switch the board's voltages off", .options = "", .alone = switchOff},
 }};
 // clang-format on
 
-int runAtForm(const Arguments& a, const Command& command, StopSwitch& stop) {
+int runAtForm(const Arguments& a, const std::vector<const Command*>& commands, StopSwitch& stop) {
   const DeviceCatalogue catalogue;
   const DeviceCatalogue::Device* const device = a.device ? &catalogue.find(*a.device) : nullptr;
   const ports::SignalStop signals(stop);
-  ConsoleView view(a.quiet, a.saveFile == kStandardOutput ? std::cerr : std::cout);
+  std::optional<JsonReport> json;
+  if (a.json) json.emplace(std::cout);
+  JsonReport* const report = json ? &*json : nullptr;
+  std::ostream& out = a.json || a.saveFile == kStandardOutput ? std::cerr : std::cout;
+  ConsoleView view(a.quiet, out, report);
   ConsoleDialogs dialogs(view, a.yes, signals.descriptor());
   NoSound sounds;
   NoSettings settings;
@@ -149,8 +162,10 @@ int runAtForm(const Arguments& a, const Command& command, StopSwitch& stop) {
                    .waves = program.waves(),
                    .trace = program.trace(),
                    .device = device,
-                   .arguments = a});
-  return session.run(command);
+                   .arguments = a,
+                   .out = out,
+                   .json = report});
+  return session.run(commands);
 }
 
 }  // namespace
@@ -162,8 +177,11 @@ const Command& commandNamed(std::string_view name) {
 }
 
 int runCommand(const Arguments& arguments, StopSwitch& stop) {
-  const Command& command = commandNamed(arguments.command);
-  return command.alone != nullptr ? command.alone(arguments) : runAtForm(arguments, command, stop);
+  const Command& first = commandNamed(arguments.commands.front());
+  if (first.alone != nullptr) return first.alone(arguments);
+  std::vector<const Command*> commands;
+  for (const std::string& name : arguments.commands) commands.push_back(&commandNamed(name));
+  return runAtForm(arguments, commands, stop);
 }
 
 }  // namespace kestrel::cli

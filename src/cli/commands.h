@@ -16,12 +16,13 @@ struct Command {
   const char* name;
   const char* help;
   const char* options;                       ///< of those for the work: the ones that it uses
-  const char* ownOption = "";                ///< one that is for this command alone
+  const char* ownOption = "";                ///< those that are for this command
   void (*press)(Session&) = nullptr;         ///< what a person presses at the form; or:
   int (*alone)(const Arguments&) = nullptr;  ///< done without the form, returns the exit status
   bool needsBoard = true;                    ///< ends before its first step when no board is ready
   bool testsHardware = false;                ///< wants the socket empty
   bool worksOnMemory = false;                ///< on what CheckCode and CheckData tick
+  const char* words = "";                    ///< what it wants behind its name
   bool writesChip = false;
 };
 

@@ -34,13 +34,26 @@ Answer ConsoleDialogs::ask(const MessageBox& box) {
     std::cerr << (fact.isWarning ? "! " : "  ") << fact.text << '\n';
   }
   std::cerr << box.title << ": " << box.text << " [ok/Cancel] " << std::flush;
-  std::string line;
-  if (!isLineComing() || !std::getline(std::cin, line)) {
+  const std::optional<std::string> line = readLine();
+  if (!line) {
     std::cerr << std::endl;
     return Answer::Cancel;
   }
-  const std::string word = upperCase(trimmed(line));
+  const std::string word = upperCase(trimmed(*line));
   return word == "OK" || word == "O" || word == "YES" || word == "Y" ? Answer::Ok : Answer::Cancel;
+}
+
+// Byte by byte, past the streams: what they hold back could not be waited for.
+std::optional<std::string> ConsoleDialogs::readLine() const {
+  std::string line;
+  for (char c = 0; isLineComing();) {
+    const ssize_t count = ::read(STDIN_FILENO, &c, 1);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return line.empty() ? std::nullopt : std::optional(line);
+    if (c == '\n') return line;
+    line += c;
+  }
+  return std::nullopt;
 }
 
 // A signal that arrives just before the read would leave it waiting for ever; so both are waited

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -19,6 +20,13 @@ class ConsoleDialogs final : public Dialogs {
 
   /// What the next file dialog or input box is answered with.
   void answerWith(std::string text) { prepared_ = std::move(text); }
+
+  /// Answers what is still to be asked with OK: it has been asked once for all.
+  void answerYes() { yes_ = true; }
+
+  /// A line from standard input, whatever that is; nothing at its end or when a signal asks for the
+  /// end of the program.
+  [[nodiscard]] std::optional<std::string> readLine() const;
 
   Answer messageBox(const MessageBox& box) override;
   [[nodiscard]] std::string inputBox(const std::string& prompt, const std::string& title) override;

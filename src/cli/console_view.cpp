@@ -29,7 +29,8 @@ std::size_t columns() {
 
 }  // namespace
 
-ConsoleView::ConsoleView(bool quiet, std::ostream& out) : out_(out), quiet_(quiet) {
+ConsoleView::ConsoleView(bool quiet, std::ostream& out, JsonReport* json)
+    : out_(out), json_(json), quiet_(quiet) {
   if (canDrawOver()) terminal_.emplace();
 }
 
@@ -41,8 +42,10 @@ void ConsoleView::mirror(Controls& controls) {
 }
 
 void ConsoleView::controlChanged(const Control& control) {
-  if (!terminal_ || &control != &controls_->ProgressBar1) return;
+  if (&control != &controls_->ProgressBar1) return;
   const ProgressBar& bar = controls_->ProgressBar1;
+  if (json_ != nullptr) json_->progress(bar.value(), bar.maximum());
+  if (!terminal_) return;
   progress_.set(bar.value(), bar.maximum(), Clock::now());
   isDue_ = progress_.isMoving();
   if (!isDue_) clearProgress();
@@ -50,9 +53,11 @@ void ConsoleView::controlChanged(const Control& control) {
 
 // An entry of the log begins with its line break; a terminal wants it at the end.
 void ConsoleView::textAppended(const TextBox& box, std::string_view piece) {
-  if (&box != &controls_->SystemLog || quiet_) return;
-  clearProgress();
+  if (&box != &controls_->SystemLog) return;
   if (piece.starts_with("\r\n")) piece.remove_prefix(2);
+  if (json_ != nullptr) json_->log(piece);
+  if (quiet_) return;
+  clearProgress();
   out_ << piece << std::endl;
 }
 

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "app/state/controls.h"
+#include "cli/json_report.h"
 #include "cli/progress_line.h"
 #include "cli/terminal.h"
 #include "platform/screen.h"
@@ -16,8 +17,9 @@ namespace kestrel::cli {
 /// the progress bar on standard error while that is a terminal, as far as it is taken at once.
 class ConsoleView final : public ControlListener, public Screen {
  public:
-  /// `out` is standard output, or standard error where the other is for a file. It outlives this.
-  ConsoleView(bool quiet, std::ostream& out);
+  /// `out` is standard output, or standard error where the other is for a file or for JSON. Both
+  /// outlive this.
+  ConsoleView(bool quiet, std::ostream& out, JsonReport* json);
   ~ConsoleView() override;
   ConsoleView(const ConsoleView&) = delete;
   ConsoleView& operator=(const ConsoleView&) = delete;
@@ -44,6 +46,7 @@ class ConsoleView final : public ControlListener, public Screen {
 
  private:
   std::ostream& out_;
+  JsonReport* json_;  // nullptr: none is asked for
   Controls* controls_ = nullptr;
   ProgressLine progress_;
   std::optional<Terminal> terminal_;  // where a bar can be drawn

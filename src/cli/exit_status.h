@@ -35,6 +35,23 @@ inline constexpr int kCancelled = 5;  ///< by the answer to a question
   return kFailed;
 }
 
+/// The ending that a status stands for, where only that is known.
+[[nodiscard]] constexpr Ending endingOf(int status) {
+  switch (status) {
+    case kDone:
+      return Ending::Done;
+    case kBadUsage:
+    case kNoBoard:
+      return Ending::Refused;
+    case kDiffers:
+      return Ending::Differs;
+    case kCancelled:
+      return Ending::Cancelled;
+    default:
+      return status > 128 ? Ending::Stopped : Ending::Failed;
+  }
+}
+
 /// Ends the run before its last step. The text is for the person at the terminal; it is empty when
 /// the reason has been told already.
 class EarlyEnd : public std::runtime_error {

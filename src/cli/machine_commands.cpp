@@ -9,6 +9,7 @@
 #include "app/launch/program.h"
 #include "cli/device_catalogue.h"
 #include "cli/exit_status.h"
+#include "cli/json_lines.h"
 #include "hardware/ports/real_port.h"
 #include "hardware/ports/real_ports.h"
 #include "hardware/ports/safe_off.h"
@@ -58,13 +59,34 @@ int switchOffReal(const Arguments& arguments) {
   return kNoBoard;
 }
 
+void printDeviceJson(const DeviceCatalogue::Device& device) {
+  Json line = jsonEvent("device");
+  line["name"] = device.name;
+  line["shortName"] = device.shortName;
+  line["family"] = device.family;
+  line["offered"] = device.isOffered;
+  line["bytes"] = device.sizeKB * 1024;
+  line["voltages"] = device.voltages;
+  printJson(std::cout, line);
+}
+
 /// Name, device and file of a setup; a position that is no device has none.
-void printSetup(const setups::SetupSummary& setup, const DeviceCatalogue& catalogue) {
+void printSetup(std::size_t slot, const setups::SetupSummary& setup,
+                const DeviceCatalogue& catalogue, bool json) {
   const auto isMeant = [&](const auto& d) { return d.position == setup.devicePosition; };
   const auto device = std::ranges::find_if(catalogue.devices(), isMeant);
   const bool isKnown = device != catalogue.devices().end();
-  std::cout << std::left << std::setw(24) << shownName(setup.name) << "  " << std::setw(28)
-            << (isKnown ? device->name : "no device") << "  "
+  if (json) {
+    Json line = jsonEvent("setup");
+    line["slot"] = slot;
+    line["name"] = setup.name;
+    line["device"] = isKnown ? device->name : "";
+    line["file"] = setup.codeFile;
+    printJson(std::cout, line);
+    return;
+  }
+  std::cout << slot << "  " << std::left << std::setw(24) << shownName(setup.name) << "  "
+            << std::setw(28) << (isKnown ? device->name : "no device") << "  "
             << (setup.codeFile.empty() ? "no file" : shownName(setup.codeFile)) << '\n';
 }
 
@@ -72,7 +94,13 @@ void printSetup(const setups::SetupSummary& setup, const DeviceCatalogue& catalo
 
 int listDevices(const Arguments& arguments) {
   const DeviceCatalogue catalogue;
-  if (arguments.device) {
+  if (arguments.json) {
+    if (arguments.device) {
+      printDeviceJson(catalogue.find(*arguments.device));
+    } else {
+      for (const DeviceCatalogue::Device& device : catalogue.devices()) printDeviceJson(device);
+    }
+  } else if (arguments.device) {
     DeviceCatalogue::print(catalogue.find(*arguments.device), std::cout);
   } else if (arguments.names) {
     catalogue.printNames(std::cout);
@@ -82,20 +110,19 @@ int listDevices(const Arguments& arguments) {
   return kDone;
 }
 
-int listSetups(const Arguments& /*arguments*/) {
+int listSetups(const Arguments& arguments) {
   const DeviceCatalogue catalogue;
   int status = kDone;
   for (std::size_t slot = 1; slot <= setups::kSlots; ++slot) {
-    std::cout << slot << "  ";
     try {
       const setups::SetupSummary setup = setups::summaryOf(".", slot);
       if (setup.isThere) {
-        printSetup(setup, catalogue);
-      } else {
-        std::cout << "empty\n";
+        printSetup(slot, setup, catalogue, arguments.json);
+      } else if (!arguments.json) {
+        std::cout << slot << "  empty\n";
       }
     } catch (const FileError& error) {
-      std::cout << "cannot be read\n" << std::flush;
+      if (!arguments.json) std::cout << slot << "  cannot be read\n" << std::flush;
       std::cerr << "kestrel-cli: " << error.what() << '\n';
       status = kBadUsage;
     }

@@ -1,11 +1,12 @@
 #include "cli/session.h"
 
+#include <algorithm>
 #include <array>
 #include <iostream>
 
+#include "app/state/text_format.h"
 #include "cli/exit_status.h"
 #include "platform/file_names.h"
-#include "platform/file_target.h"
 #include "platform/runtime_error.h"
 #include "setups/setup_files.h"
 
@@ -19,65 +20,89 @@ constexpr const char* kNoBoardText =
 constexpr const char* kTestText =
     ". Run kestrel-cli detect: the hardware test finds the board and writes that file anew";
 
-/// The code file's full path, as a file dialog gives it.
-std::string fullPath(const std::string& name) { return fullName(name).string(); }
+}  // namespace
 
 void tell(const std::string& text) {
   if (!text.empty()) std::cerr << "kestrel-cli: " << shownName(text) << std::endl;
 }
 
-}  // namespace
-
-int Session::run(const Command& command) {
-  tryFiles(command);
-  int status = attempt(command);
+int Session::run(const std::vector<const Command*>& commands) {
+  tryFiles(commands);
+  int status = attempt(commands);
   shutDown(status);
   return p_.signals.isEndRequested() ? p_.signals.exitStatus() : status;
 }
 
-int Session::attempt(const Command& command) {
+int Session::attempt(const std::vector<const Command*>& commands) {
   try {
-    startUp(command);
+    if (p_.json != nullptr) {
+      p_.json->start(p_.arguments.commands, p_.device != nullptr ? p_.device->name : "",
+                     p_.simulated != nullptr);
+    }
+    startUp(commands);
     applyOptions();
-    if (command.needsBoard) checkBoard();
-    if (command.worksOnMemory) checkMemory();
-    command.press(*this);
+    for (const Command* const command : commands) runOne(*command);
     if (p_.arguments.saveFile) saveBuffer(*p_.arguments.saveFile);
     return kDone;
   } catch (const EarlyEnd& end) {
-    p_.view.clearProgress();
-    tell(end.what());
-    return end.status();
+    return ended(*commands.front(), end.status(), end.what());
   } catch (const FileError& error) {
-    p_.view.clearProgress();
-    tell(error.what());
-    return kBadUsage;
+    return ended(*commands.front(), kBadUsage, error.what());
   } catch (const std::exception& error) {
-    p_.view.clearProgress();
-    tell(error.what());
-    return kFailed;
+    return ended(*commands.front(), kFailed, error.what());
   }
 }
 
-// What cannot be written is met before the work that would be lost with it. A chip that is only
-// read leaves its file as it is.
-void Session::tryFiles(const Command& command) const {
-  if (p_.arguments.saveFile) const FileTarget tried(fullPath(*p_.arguments.saveFile));
-  if (p_.simulated != nullptr) p_.simulated->tryChipFile(command.writesChip);
+/// What ended a run before its first command is told as that command's end.
+int Session::ended(const Command& first, int status, const std::string& reason) {
+  p_.view.clearProgress();
+  tell(reason);
+  if (!isReported_) {
+    if (last_.reason.empty()) last_.reason = reason;
+    reportResult(first, status, std::chrono::steady_clock::now());
+  }
+  return status;
+}
+
+void Session::runOne(const Command& command) {
+  const auto begin = std::chrono::steady_clock::now();
+  last_ = {};
+  try {
+    if (command.needsBoard) checkBoard();
+    if (command.worksOnMemory) checkMemory(command);
+    if (command.writesChip && p_.arguments.backup) keepChip();
+    command.press(*this);
+  } catch (const EarlyEnd& end) {
+    if (last_.reason.empty()) last_.reason = end.what();
+    reportResult(command, end.status(), begin);
+    throw;
+  }
+  reportResult(command, kDone, begin);
+}
+
+void Session::reportResult(const Command& command, int status,
+                           std::chrono::steady_clock::time_point begin) {
+  isReported_ = true;
+  if (p_.json == nullptr) return;
+  if (status != kDone && last_.ending == Ending::Done) last_.ending = endingOf(status);
+  const std::chrono::duration<double> time = std::chrono::steady_clock::now() - begin;
+  p_.json->result(command.name, last_, status, state(), time.count());
 }
 
 // The hardware test wants the socket empty: it reads the bus while chip and outputs are enabled.
 // The chip goes in when it is over, as at the bench.
-void Session::startUp(const Command& command) {
+void Session::startUp(const std::vector<const Command*>& commands) {
+  const bool testsHardware = std::ranges::any_of(commands, &Command::testsHardware);
+  const bool needsBoard = std::ranges::any_of(commands, &Command::needsBoard);
   if (p_.simulated != nullptr) p_.simulated->takeChipOut();
   p_.form.Form_Load();
   if (p_.simulated != nullptr) {
-    if (!command.testsHardware) p_.simulated->putChipBack();
+    if (!testsHardware) p_.simulated->putChipBack();
     p_.simulated->startUpDone();
   }
   endUnlessDone({});
   const bool isChosen = p_.arguments.port || p_.arguments.model;
-  if (command.needsBoard && !isChosen) checkBoard();
+  if (needsBoard && !isChosen) checkBoard();
 }
 
 void Session::checkBoard() const {
@@ -87,12 +112,12 @@ void Session::checkBoard() const {
 }
 
 // A setup may tick neither; the command would do nothing, and well.
-void Session::checkMemory() const {
+void Session::checkMemory(const Command& command) const {
   const Controls& c = p_.form.controls();
   if (p_.device == nullptr && p_.form.state().FamilyCode.empty()) return;  // told by the command
   if (c.CheckCode.isTicked() || c.CheckData.isTicked()) return;
   throw EarlyEnd(kBadUsage, "neither the code nor the data memory is ticked: there is nothing to " +
-                                std::string(p_.arguments.command) + "; -d NAME ticks the code");
+                                std::string(command.name) + "; -d NAME ticks the code");
 }
 
 bool Session::isReady() const { return p_.form.controls().Ready_label.caption() == "Ready"; }
@@ -152,45 +177,6 @@ void Session::tick(CheckBox& box, const char* option) {
   if (!box.isTicked()) use([&box] { box.press(); });
 }
 
-void Session::openCodeFile(const std::string& name) {
-  const auto open = [&] {
-    answerWith(fullPath(name));
-    press(controls().mnuFileOpenCode, {});
-  };
-  open();
-  if (p_.arguments.padFF) {
-    // The buffer is erased behind the name of the file, which is then read into it once more.
-    press(controls().Erase_button, "--pad-ff: there is no buffer to fill");
-    open();
-  }
-  tellLengths(name);
-}
-
-// A file of another length than the chip's is no error: the rest keeps what the buffer held.
-void Session::tellLengths(const std::string& name) const {
-  const auto bytes = static_cast<std::int64_t>(p_.form.state().CodeLength);
-  const auto size = static_cast<std::int64_t>(p_.form.state().DeviceSizeBytes);
-  if (bytes == 0 && p_.arguments.command == "program") {
-    throw EarlyEnd(kBadUsage, shownName(name) + " is empty: there is nothing to program");
-  }
-  if (size == 0 || bytes == size) return;
-  const std::string lengths = shownName(name) + " holds " + std::to_string(bytes) +
-                              " bytes, the device " + std::to_string(size) + ": ";
-  if (bytes > size) {
-    tell(lengths + "the last " + std::to_string(bytes - size) + " are left out");
-  } else {
-    tell(
-        lengths + "the last " + std::to_string(size - bytes) +
-        (p_.arguments.padFF ? " get FFh" : " get what the buffer held before; --pad-ff gives FFh"));
-  }
-}
-
-void Session::saveBuffer(const std::string& name) {
-  answerWith(fullPath(name));
-  press(controls().mnuFileSaveCodeAs,
-        "-o: the buffer holds nothing to save; use it with read, or give -i FILE");
-}
-
 void Session::press(Button& button, const std::string& whyDisabled) {
   endUnlessDone(tryToPress(button, whyDisabled));
 }
@@ -207,14 +193,16 @@ void Session::confirm(const std::string& question) {
 
 CommandResult Session::tryToPress(Button& button, const std::string& whyDisabled) {
   if (!button.enabled()) throw EarlyEnd(kBadUsage, whyDisabled);
-  return p_.form.runner().press(button);
+  last_ = p_.form.runner().press(button);
+  return last_;
 }
 
 void Session::use(const std::function<void()>& event) {
   endUnlessDone(p_.form.runner().run(event));
 }
 
-void Session::endUnlessDone(const CommandResult& result) const {
+void Session::endUnlessDone(const CommandResult& result) {
+  last_ = result;
   if (p_.signals.isEndRequested()) throw EarlyEnd(p_.signals.exitStatus());
   tell(result.remark);
   // What a box or a question has told already is not told again.
@@ -228,7 +216,7 @@ std::string Session::remark(std::string_view (*find)(const devices::Family&)) {
   return std::string(find(devices::familyOf(state().FamilyCode)));
 }
 
-std::string Session::unless(const std::string& what, const std::string& reason) {
+std::string Session::unless(const std::string& what, const std::string& reason) const {
   const bool isSelected = !state().FamilyCode.empty();
   return what + ": " + (isSelected ? reason : "no device is selected; add -d NAME");
 }
@@ -242,6 +230,17 @@ void Session::finish(int& status, const char* option, const std::function<void()
   } catch (const OperationStopped&) {
     // By the signal that the status tells.
   }
+}
+
+std::string Session::deviceName() const { return std::string(trimmed(state().DeviceName)); }
+
+std::optional<std::string> Session::lineFromPerson() {
+  p_.view.clearProgress();
+  return p_.dialogs.readLine();
+}
+
+void Session::changeSimulatedChip(std::size_t number) {
+  if (p_.simulated != nullptr) p_.simulated->changeChip(number);
 }
 
 // The contents of the simulated chip are kept whatever happened before.

@@ -157,9 +157,10 @@ std::string completions(const std::string& words) {
 }
 
 TEST(Completion, offersWhatFitsBehindTheWordBefore) {
-  EXPECT_EQ(completions("sa"), "save-setup safe");
+  EXPECT_EQ(completions("sa"), "save-project save-setup safe");
   EXPECT_EQ(completions("read ''"), "") << "the command is there";
-  EXPECT_EQ(completions("read --s"), "--simulate --setup --speed --show --select-port");
+  EXPECT_EQ(completions("read --s"),
+            "--save-format --several --serial --simulate --setup --speed --show --select-port");
   EXPECT_EQ(completions("read --vpp 2"), "21 25");
   EXPECT_EQ(completions("read -d 27c259"), "27C259") << "in either case";
   EXPECT_EQ(completions("read --chip 24c08"), "24C08");

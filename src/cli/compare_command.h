@@ -1,0 +1,11 @@
+#pragma once
+
+namespace kestrel::cli {
+
+class Session;
+
+/// `compare`: reads the chip and tells every difference from -i FILE and what they mean. Throws
+/// EarlyEnd with kDiffers when there is one.
+void compareChip(Session& session);
+
+}  // namespace kestrel::cli

@@ -1,0 +1,11 @@
+#pragma once
+
+#include "cli/arguments.h"
+
+namespace kestrel::cli {
+
+/// `image OPERATION WORD...`: tells about a file or changes it, without a form and without a board.
+/// Throws UsageError, FileError.
+[[nodiscard]] int changeImage(const Arguments& arguments);
+
+}  // namespace kestrel::cli

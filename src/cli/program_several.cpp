@@ -1,0 +1,104 @@
+#include "cli/program_several.h"
+
+#include <iostream>
+
+#include "cli/backup_name.h"
+#include "cli/exit_status.h"
+#include "cli/session.h"
+#include "platform/file_names.h"
+#include "platform/runtime_error.h"
+
+namespace kestrel::cli {
+namespace {
+
+/// The bench as a terminal has it: a line for each chip.
+class TerminalBench final : public form::SeriesBench {
+ public:
+  TerminalBench(Session& session, form::SeriesReport* report)
+      : session_(session), report_(report) {}
+
+  [[nodiscard]] const form::SeriesCount& count() const { return count_; }
+
+  bool isNextChipIn(std::size_t number) override {
+    std::cerr << "Chip " << number << ": put it in, then Enter (q ends; " << count_.text()
+              << "): " << std::flush;
+    const std::optional<std::string> line = session_.lineFromPerson();
+    if (!line || line->starts_with('q') || line->starts_with('Q')) return false;
+    session_.changeSimulatedChip(number);
+    return true;
+  }
+
+  void chipDone(const form::SeriesChip& chip) override {
+    count_.add(chip);
+    if (report_ != nullptr) report_->add(chip, session_.deviceName(), dateAndTime());
+    if (session_.json() != nullptr) {
+      session_.json()->chip(chip, session_.deviceName());
+    } else {
+      print(chip);
+    }
+  }
+
+ private:
+  void print(const form::SeriesChip& chip) const {
+    std::ostream& out = session_.out();
+    out << "Chip " << chip.number << ": " << (chip.isGood() ? "good" : "BAD");
+    if (!chip.serial.empty()) out << ", serial number " << shownName(chip.serial);
+    if (chip.isGood()) out << ", sum " << chip.sum;
+    if (!chip.isGood()) out << ", " << chip.result.reason;
+    out << std::endl;
+  }
+
+  Session& session_;
+  form::SeriesReport* report_;
+  form::SeriesCount count_;
+};
+
+void checkNumberFits(const Session& s, const images::SerialPlan& plan) {
+  const auto size = static_cast<std::size_t>(s.state().DeviceSizeBytes);
+  if (std::size_t{plan.at} + plan.bytes > size) {
+    throw EarlyEnd(kBadUsage, "--serial: " + images::addressText(plan.at) + " and its " +
+                                  std::to_string(plan.bytes) + " bytes are not in the chip");
+  }
+}
+
+std::optional<images::SerialCounter> counterOf(const Session& s) {
+  if (!s.arguments().serial) return std::nullopt;
+  checkNumberFits(s, *s.arguments().serial);
+  std::optional<images::SerialCounter> counter(std::in_place, *s.arguments().serial);
+  if (!counter->doubtful().empty()) {
+    std::cerr << "kestrel-cli: the serial number " << shownName(counter->doubtful())
+              << " was with a chip when an earlier run ended; it is given to no other\n";
+  }
+  return counter;
+}
+
+void runSeries(Session& s) {
+  if (!s.controls().Program_button.enabled()) {
+    throw EarlyEnd(kBadUsage, s.unless("program", "there is nothing to program; add -i FILE"));
+  }
+  s.confirm("Program one Device after another?");
+  s.answerYes();
+  std::optional<images::SerialCounter> counter = counterOf(s);
+  std::optional<form::SeriesReport> report;
+  if (s.arguments().report) report.emplace(*s.arguments().report);
+  TerminalBench bench(s, report ? &*report : nullptr);
+  form::ChipSeries series(s.form(), bench, counter ? &*counter : nullptr);
+  const CommandResult result = series.run(report ? report->nextNumber() : 1);
+  s.out() << bench.count().text() << std::endl;
+  s.endUnlessDone(result);
+  if (bench.count().bad != 0) throw EarlyEnd(kFailed, bench.count().text());
+}
+
+}  // namespace
+
+void programSeveral(Session& session) {
+  try {
+    runSeries(session);
+  } catch (const images::ImageError& error) {
+    throw EarlyEnd(kBadUsage, std::string("--serial: ") + error.what());
+  } catch (const FileError& error) {
+    throw EarlyEnd(kBadUsage, error.what());
+  }
+}
+
+}  // namespace kestrel::cli

@@ -1,0 +1,135 @@
+// The files of a session: -i, -o, --backup.
+
+#include <algorithm>
+#include <span>
+
+#include "app/state/text_format.h"
+#include "cli/backup_name.h"
+#include "cli/exit_status.h"
+#include "cli/session.h"
+#include "images/image_file.h"
+#include "platform/file_names.h"
+#include "platform/file_target.h"
+#include "platform/runtime_error.h"
+
+namespace kestrel::cli {
+namespace {
+
+/// The code file's full path, as a file dialog gives it.
+std::string fullPath(const std::string& name) { return fullName(name).string(); }
+
+}  // namespace
+
+// What cannot be written is met before the work that would be lost with it. A chip that is only
+// read leaves its file as it is.
+void Session::tryFiles(const std::vector<const Command*>& commands) const {
+  if (p_.arguments.saveFile) const FileTarget tried(fullPath(*p_.arguments.saveFile));
+  if (p_.simulated != nullptr)
+    p_.simulated->tryChipFile(std::ranges::any_of(commands, &Command::writesChip));
+}
+
+/// What is in the chip goes into a file of its own before it is written over. The buffer is put
+/// back as it was.
+void Session::keepChip() {
+  BufferState& buffers = p_.form.state();
+  const BufferState kept = buffers;
+  press(controls().Read_button, unless("--backup", "not offered for this device"));
+  const std::span<const std::uint8_t> bytes =
+      std::span(buffers.CodeBuffer).first(static_cast<std::size_t>(buffers.CodeLength));
+  const bool isBlank = std::ranges::all_of(bytes, [](std::uint8_t b) { return b == kErased; });
+  if (isBlank) {
+    if (!p_.arguments.quiet) p_.out << "The chip is blank: there is nothing to keep" << std::endl;
+  } else {
+    const std::string name = backupName(*p_.arguments.backup, deviceName(), images::sum16(bytes));
+    endUnlessDone(p_.form.exportImage(name, bytes));
+  }
+  buffers = kept;
+  last_ = {};
+}
+
+void Session::openCodeFile(const std::string& name) {
+  if (p_.arguments.image.isImport()) {
+    importCodeFile(name);
+    tellLengths(name);
+    return;
+  }
+  const auto open = [&] {
+    answerWith(fullPath(name));
+    press(controls().mnuFileOpenCode, {});
+  };
+  open();
+  if (p_.arguments.padFF) {
+    // The buffer is erased behind the name of the file, which is then read into it once more.
+    press(controls().Erase_button, "--pad-ff: there is no buffer to fill");
+    open();
+  }
+  tellLengths(name);
+  hintForRaw(name);
+}
+
+// Holes are FFh, as far as the chip goes.
+void Session::importCodeFile(const std::string& name) {
+  const ImageOptions& image = p_.arguments.image;
+  try {
+    const images::Records records = images::readImageFile(name, image.formatToRead());
+    const auto size = static_cast<std::size_t>(state().DeviceSizeBytes);
+    endUnlessDone(p_.form.loadImage(fullPath(name), place(records, image.placement, size),
+                                    images::describe(records)));
+  } catch (const images::ImageError& error) {
+    throw EarlyEnd(kBadUsage, shownName(name) + ": " + error.what());
+  } catch (const FileError& error) {
+    throw EarlyEnd(kBadUsage, error.what());
+  }
+}
+
+void Session::hintForRaw(const std::string& name) const {
+  const auto bytes =
+      std::span(state().CodeBuffer).first(static_cast<std::size_t>(state().CodeLength));
+  const std::string hint = images::hintForRaw(bytes);
+  if (!hint.empty()) tell(shownName(name) + ": " + hint);
+}
+
+// A file of another length than the chip's is no error: the rest keeps what the buffer held.
+void Session::tellLengths(const std::string& name) const {
+  const auto bytes = static_cast<std::int64_t>(p_.form.state().CodeLength);
+  const auto size = static_cast<std::int64_t>(p_.form.state().DeviceSizeBytes);
+  if (bytes == 0 && p_.arguments.runs("program")) {
+    throw EarlyEnd(kBadUsage, shownName(name) + " is empty: there is nothing to program");
+  }
+  if (size == 0 || bytes == size) return;
+  const std::string lengths = shownName(name) + " holds " + std::to_string(bytes) +
+                              " bytes, the device " + std::to_string(size) + ": ";
+  if (bytes > size) {
+    tell(lengths + "the last " + std::to_string(bytes - size) + " are left out");
+  } else {
+    tell(
+        lengths + "the last " + std::to_string(size - bytes) +
+        (p_.arguments.padFF ? " get FFh" : " get what the buffer held before; --pad-ff gives FFh"));
+  }
+}
+
+void Session::exportBuffer(const std::string& name) {
+  const ImageOptions& image = p_.arguments.image;
+  const bool isForInput = p_.arguments.codeFile.has_value();
+  const auto bytes =
+      std::span(state().CodeBuffer).first(static_cast<std::size_t>(state().CodeLength));
+  try {
+    const images::Bytes file = images::exported(
+        bytes, isForInput ? images::Placement{} : image.placement, image.formatToWrite(name));
+    endUnlessDone(p_.form.exportImage(fullPath(name), file));
+  } catch (const images::ImageError& error) {
+    throw EarlyEnd(kBadUsage, std::string("-o: ") + error.what());
+  }
+}
+
+void Session::saveBuffer(const std::string& name) {
+  if (p_.arguments.image.isExport(p_.arguments.codeFile.has_value())) {
+    exportBuffer(name);
+    return;
+  }
+  answerWith(fullPath(name));
+  press(controls().mnuFileSaveCodeAs,
+        "-o: the buffer holds nothing to save; use it with read, or give -i FILE");
+}
+
+}  // namespace kestrel::cli
