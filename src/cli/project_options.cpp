@@ -48,7 +48,9 @@ std::string inProject(const std::string& projectFile, std::string_view option,
                       const std::string& value) {
   const fs::path folder = folderOf(projectFile);
   return withFolder(option, value, [&](const std::string& name) {
-    return fs::path(name).is_absolute() ? name : (folder / name).lexically_normal().string();
+    return name == "-" || fs::path(name).is_absolute()
+               ? name
+               : (folder / name).lexically_normal().string();
   });
 }
 
@@ -63,7 +65,7 @@ int saveProject(const Arguments& arguments) {
     const std::string key = projectKey(option);
     if (key.empty()) continue;
     project.set(key, withFolder(option, text, [&](const std::string& name) {
-                  return fullName(name).lexically_proximate(folder).string();
+                  return name == "-" ? name : fullName(name).lexically_proximate(folder).string();
                 }));
   }
   writeFileAtomically(file, project.text());
