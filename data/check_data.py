@@ -121,7 +121,7 @@ NO_MESSAGES = (
   "hardware/ports/port_choice.cpp",  # the option --port
 )
 # The reason of an ending is a sentence that needs no other.
-REASON = r"noteEnding\([^;]*;|\.reason = [^,}]*"
+REASON = r"noteEnding\([^;]*;|Outcome::(?:refused|failed)\([^;]*;|\.reason = [^,}]*"
 LITERAL = r'"(?:[^"\\\n]|\\.)*"'
 
 

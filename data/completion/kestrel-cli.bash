@@ -7,7 +7,7 @@ _kestrel_cli() {
   local previous=${COMP_WORDS[COMP_CWORD - 1]}
   local commands="devices detect read blank verify program erase display flash-id erase-buffer compare image save-project setups save-setup safe"
   local options="-d -i -o --format --save-format --at --range --project --backup --several --serial --report --json --simulate --model --lpt --chip --board-vpp --fault --port --setup --speed
-    --vpp --lane --pad-ff --blank-check --verify --page --show --names --trace --waves --home --count-ns -y --yes
+    --vpp --lane --pad-ff --blank-check --verify --page --show --names --trace --waves --home --count-ns --algorithms -y --yes
     -q --quiet --select-port --force-model --version -h --help"
   COMPREPLY=()
 
@@ -35,6 +35,10 @@ _kestrel_cli() {
       compopt -o filenames
       mapfile -t COMPREPLY < <(compgen -d -- "$current")
       return ;;
+    --algorithms)
+      mapfile -t COMPREPLY < <(compgen -W "classic datasheet" -- "$current")
+      return
+      ;;
     --model | --force-model) mapfile -t COMPREPLY < <(compgen -W "4 5 6" -- "$current"); return ;;
     --lpt | --select-port) mapfile -t COMPREPLY < <(compgen -W "378 278 3BC" -- "$current"); return ;;
     --port)

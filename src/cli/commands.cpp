@@ -126,7 +126,9 @@ constexpr std::array<Command, 16> kCommands{{
 
 int runAtForm(const Arguments& a, const std::vector<const Command*>& commands, StopSwitch& stop) {
   const DeviceCatalogue catalogue;
-  const DeviceCatalogue::Device* const device = a.device ? &catalogue.find(*a.device) : nullptr;
+  const Algorithms algorithms = a.launch.algorithms.value_or(Algorithms::Classic);
+  const DeviceCatalogue::Device* const device =
+      a.device ? &catalogue.find(*a.device, algorithms) : nullptr;
   const ports::SignalStop signals(stop);
   std::optional<JsonReport> json;
   if (a.json) json.emplace(std::cout);

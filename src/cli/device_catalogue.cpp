@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <iomanip>
 #include <memory>
 #include <ostream>
@@ -65,10 +66,10 @@ bool isNear(const std::string& name, const std::string& text) {
 }
 
 std::vector<const Device*> fitting(const std::vector<Device>& devices, std::string_view text,
-                                   Fits fits, bool offered) {
+                                   Fits fits, const std::function<bool(const Device&)>& isWanted) {
   std::vector<const Device*> found;
   for (const Device& device : devices) {
-    if (device.isOffered == offered && fits(upperCase(device.name), upperCase(text))) {
+    if (isWanted(device) && fits(upperCase(device.name), upperCase(text))) {
       found.push_back(&device);
     }
   }
@@ -113,7 +114,9 @@ Device deviceOf(std::int32_t position, const DeviceRow& row) {
           .name = name,
           .shortName = numberOf(name),
           .family = row[devices::kLetterColumn] + row[devices::kSubCodeColumn],
-          .isOffered = row[devices::kListedColumn] == "Y",
+          .isOffered = devices::isOffered(name, row[devices::kListedColumn], Algorithms::Classic),
+          .isOfferedByDataSheet =
+              devices::isOffered(name, row[devices::kListedColumn], Algorithms::DataSheet),
           .sizeKB = std::stoi(row[devices::kSizeKBColumn]),
           .voltages = voltagesOf(row[devices::kVppClassColumn])};
 }
@@ -129,9 +132,10 @@ DeviceCatalogue::DeviceCatalogue() {
   }
 }
 
-const Device& DeviceCatalogue::find(std::string_view text) const {
+const Device& DeviceCatalogue::find(std::string_view text, Algorithms algorithms) const {
+  const auto isOffered = [=](const Device& device) { return device.isOfferedWith(algorithms); };
   for (const Fits fits : kWaysToFit) {
-    const auto found = fitting(devices_, text, fits, true);
+    const auto found = fitting(devices_, text, fits, isOffered);
     if (found.size() == 1) return *found.front();
     if (found.size() > 1) {
       throw launch::UsageError("-d: \"" + std::string(text) + "\" fits " +
@@ -139,18 +143,22 @@ const Device& DeviceCatalogue::find(std::string_view text) const {
                                "; give more of the name");
     }
   }
-  refuse(text);
+  refuse(text, algorithms);
 }
 
-void DeviceCatalogue::refuse(std::string_view text) const {
+void DeviceCatalogue::refuse(std::string_view text, Algorithms algorithms) const {
+  const auto isOffered = [=](const Device& device) { return device.isOfferedWith(algorithms); };
+  const auto isNotOffered = [=](const Device& device) { return !isOffered(device); };
   const std::string quoted = "-d: \"" + std::string(text) + "\"";
   for (const Fits fits : kWaysToFit) {
-    const auto found = fitting(devices_, text, fits, false);
+    const auto found = fitting(devices_, text, fits, isNotOffered);
     if (found.empty()) continue;
+    const bool isOfferedOtherwise = std::ranges::any_of(found, &Device::isOfferedByDataSheet);
     throw launch::UsageError(quoted + " is in the list but not available (N/A): " + namesOf(found) +
-                             "; kestrel-cli devices lists those that are");
+                             (isOfferedOtherwise ? "; --algorithms datasheet has it"
+                                                 : "; kestrel-cli devices lists those that are"));
   }
-  const auto near = fitting(devices_, text, isNear, true);
+  const auto near = fitting(devices_, text, isNear, isOffered);
   throw launch::UsageError(quoted + " fits no device" +
                            (near.empty() ? "" : "; perhaps you mean " + namesOf(near)) +
                            "; kestrel-cli devices lists them all");

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "app/state/programmer_state.h"
+
 namespace kestrel::cli {
 
 /// The device list as the form shows it, without a form and without a board: row by row.
@@ -17,6 +19,11 @@ class DeviceCatalogue {
     std::string shortName;      ///< the word of it that is the chip's number, such as 27C256
     std::string family;         ///< its code
     bool isOffered = false;
+    bool isOfferedByDataSheet = false;
+
+    [[nodiscard]] bool isOfferedWith(Algorithms algorithms) const {
+      return algorithms == Algorithms::Classic ? isOffered : isOfferedByDataSheet;
+    }
     int sizeKB = 0;
     std::string voltages;  ///< that it may be programmed with
   };
@@ -26,9 +33,10 @@ class DeviceCatalogue {
   [[nodiscard]] const std::vector<Device>& devices() const { return devices_; }
 
   /// The device meant by a text: the full name, else a whole word of a name, else a part of a
-  /// name, case ignored; it must fit one offered device. Throws UsageError that names the devices
-  /// which it fits, or the nearest.
-  [[nodiscard]] const Device& find(std::string_view text) const;
+  /// name, case ignored; it must fit one device offered with the algorithms. Throws UsageError that
+  /// names the devices which it fits, or the nearest.
+  [[nodiscard]] const Device& find(std::string_view text,
+                                   Algorithms algorithms = Algorithms::Classic) const;
 
   /// One device a line.
   void print(std::ostream& out) const;
@@ -40,7 +48,7 @@ class DeviceCatalogue {
   static void print(const Device& device, std::ostream& out);
 
  private:
-  [[noreturn]] void refuse(std::string_view text) const;
+  [[noreturn]] void refuse(std::string_view text, Algorithms algorithms) const;
 
   std::vector<Device> devices_;
 };

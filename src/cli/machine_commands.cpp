@@ -94,14 +94,15 @@ void printSetup(std::size_t slot, const setups::SetupSummary& setup,
 
 int listDevices(const Arguments& arguments) {
   const DeviceCatalogue catalogue;
+  const Algorithms algorithms = arguments.launch.algorithms.value_or(Algorithms::Classic);
   if (arguments.json) {
     if (arguments.device) {
-      printDeviceJson(catalogue.find(*arguments.device));
+      printDeviceJson(catalogue.find(*arguments.device, algorithms));
     } else {
       for (const DeviceCatalogue::Device& device : catalogue.devices()) printDeviceJson(device);
     }
   } else if (arguments.device) {
-    DeviceCatalogue::print(catalogue.find(*arguments.device), std::cout);
+    DeviceCatalogue::print(catalogue.find(*arguments.device, algorithms), std::cout);
   } else if (arguments.names) {
     catalogue.printNames(std::cout);
   } else {

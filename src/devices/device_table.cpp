@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "app/state/text_format.h"
+#include "devices/data_sheets.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::devices {
@@ -91,14 +93,19 @@ void BuildDeviceTable(CatalogueState& catalogue, ShellState& shell) {
   }
 }
 
-void FillDeviceList(const CatalogueState& catalogue, DropDownList& list) {
+bool isOffered(std::string_view name, std::string_view listed, Algorithms algorithms) {
+  if (algorithms == Algorithms::Classic) return listed == "Y";
+  return isOffered(dataSheetOf(trimmed(name)));
+}
+
+void FillDeviceList(const CatalogueState& catalogue, Algorithms algorithms, DropDownList& list) {
   while (!list.items().empty()) list.removeFirst();
   const auto hasName = [](const auto& row) { return !row[kNameColumn].empty(); };
   const auto last =
       std::find_if(catalogue.DeviceTable.rbegin(), catalogue.DeviceTable.rend(), hasName).base();
   for (auto row = catalogue.DeviceTable.begin(); row != last; ++row) {
-    const bool isListed = (*row)[kListedColumn] == "Y";
-    list.addItem(isListed ? (*row)[kNameColumn] : kNotAvailable + (*row)[kNameColumn]);
+    const std::string& name = (*row)[kNameColumn];
+    list.addItem(isOffered(name, (*row)[kListedColumn], algorithms) ? name : kNotAvailable + name);
   }
 }
 

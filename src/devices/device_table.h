@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 
@@ -22,7 +24,10 @@ inline constexpr const char* kNotAvailable = "N/A - ";
 void BuildDeviceTable(CatalogueState& catalogue, ShellState& shell);
 
 /// One list entry for every row from 0 to the last one with a name, so that the position in the
-/// list is the row.
-void FillDeviceList(const CatalogueState& catalogue, DropDownList& list);
+/// list is the row. More rows are offered with the algorithms of the data sheets.
+void FillDeviceList(const CatalogueState& catalogue, Algorithms algorithms, DropDownList& list);
+
+/// Whether a device is offered with these algorithms; `listed` is its cell in kListedColumn.
+[[nodiscard]] bool isOffered(std::string_view name, std::string_view listed, Algorithms algorithms);
 
 }  // namespace kestrel::devices

@@ -22,7 +22,7 @@ void DeviceDisplay::Display_button_Click() {
   reporting_.LogMessage("Fetching Device Binary Contents to Screen");
   controls_.Frame3.setCaption("Device Memory Hex/Ascii Display");
   const devices::Family& family = devices::familyOf(device_.FamilyCode);
-  if (family.hasDisplay) {
+  if (family.hasDisplay || drivers_.areChosen()) {
     DisplayEprom();
   } else {
     reporting_.noteEnding(Ending::NoRoutine, std::string(devices::whyNoDisplay(family)));
@@ -78,6 +78,7 @@ void DeviceDisplay::drawPage(const Page& page) {
 void DeviceDisplay::DisplayEprom() {
   const DeviceOperation operation = board_.operation();
   board_.lamps.DataFlowLampOn();
+  if (drivers_.areChosen()) return displayByDataSheet();
   const devices::DisplayAddress address = devices::familyOf(device_.FamilyCode).display;
   board_.bus.Reset();
   latchAddress(address);
@@ -88,6 +89,21 @@ void DeviceDisplay::DisplayEprom() {
   board_.bus.spin(kPauseCounts);
   drawPage(readPage(address));
   board_.lamps.DataFlowLampOff();
+}
+
+void DeviceDisplay::displayByDataSheet() {
+  const std::unique_ptr<data_sheet::ChipDriver> driver = drivers_.forDevice();
+  Page page{};
+  driver->begin();
+  const data_sheet::Outcome outcome =
+      driver->read(static_cast<std::uint32_t>(controls_.VScroll1.value() * kPageBytes),
+                   std::span(page).first(static_cast<std::size_t>(kPageBytes)));
+  driver->end();
+  board_.lamps.DataFlowLampOff();
+  if (outcome.isDone()) return drawPage(page);
+  const bool isSilent = outcome.kind == data_sheet::Outcome::Kind::NoAcknowledge;
+  reporting_.noteEnding(Ending::Failed,
+                        isSilent ? "the device does not acknowledge" : outcome.reason);
 }
 
 }  // namespace kestrel::display

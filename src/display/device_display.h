@@ -6,6 +6,7 @@
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 #include "app/state/reporting.h"
+#include "data_sheet/drivers.h"
 #include "devices/families.h"
 #include "hardware/board.h"
 #include "platform/dialogs.h"
@@ -17,7 +18,7 @@ class DeviceDisplay {
  public:
   DeviceDisplay(const SelectionState& device, LatchState& latches, OperationState& operation,
                 BufferState& buffers, Controls& controls, Reporting& reporting,
-                hardware::Board& board, Dialogs& dialogs)
+                hardware::Board& board, const data_sheet::Drivers& drivers, Dialogs& dialogs)
       : device_(device),
         latches_(latches),
         operation_(operation),
@@ -25,6 +26,7 @@ class DeviceDisplay {
         controls_(controls),
         reporting_(reporting),
         board_(board),
+        drivers_(drivers),
         dialogs_(dialogs) {}
 
   void Display_button_Click();
@@ -38,6 +40,7 @@ class DeviceDisplay {
 
   void latchAddress(devices::DisplayAddress address);
   [[nodiscard]] Page readPage(devices::DisplayAddress address);
+  void displayByDataSheet();
   void drawPage(const Page& page);
 
   const SelectionState& device_;
@@ -47,6 +50,7 @@ class DeviceDisplay {
   Controls& controls_;
   Reporting& reporting_;
   hardware::Board& board_;
+  const data_sheet::Drivers& drivers_;
   Dialogs& dialogs_;
 };
 

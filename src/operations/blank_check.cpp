@@ -16,7 +16,7 @@ void BlankCheck::Blank_button_Click() {
 }
 
 void BlankCheck::BlankCode() {
-  if (devices::familyOf(device_.FamilyCode).hasBlankCheck) {
+  if (devices::familyOf(device_.FamilyCode).hasBlankCheck || walk_.isByDataSheet()) {
     BlankCheckParallel();
   } else {
     reporting_.noteEnding(
@@ -49,7 +49,11 @@ void BlankCheck::BlankCheckParallel() {
     return false;
   });
   if (!isBlank) {
-    reports_.NotBlankReport();
+    if (walk_.outcome().isDone()) {
+      reports_.NotBlankReport();
+    } else {
+      reports_.ChipUnreadableReport(walk_.outcome());
+    }
     return;
   }
   board_.lamps.DataFlowLampOff();

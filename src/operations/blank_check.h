@@ -45,7 +45,7 @@ class BlankCheck {
   Reporting& reporting_;
   hardware::Board& board_;
   FailureReports& reports_;
-  DeviceWalk walk_;
+  DeviceWalk& walk_;
   Dialogs& dialogs_;
 };
 

@@ -4,6 +4,7 @@ namespace kestrel::operations {
 
 void EraseChip::EraseFlash_button_Click() {
   const DeviceOperation operation = board_.operation();
+  if (dataSheet_.isChosen()) return dataSheet_.erase();
   operation_.EraseMode = 1;
   const devices::Family& family = devices::familyOf(device_.FamilyCode);
   for (const devices::EraseRoutine routine : family.erase) routines_.run(routine);

@@ -4,6 +4,7 @@
 #include "app/state/programmer_state.h"
 #include "app/state/reporting.h"
 #include "hardware/board.h"
+#include "operations/data_sheet_way.h"
 #include "operations/failure_reports.h"
 #include "operations/routines.h"
 
@@ -14,7 +15,7 @@ class EraseChip {
  public:
   EraseChip(const SelectionState& device, LatchState& latches, OperationState& operation,
             Controls& controls, Reporting& reporting, hardware::Board& board, Routines& routines,
-            FailureReports& reports)
+            FailureReports& reports, DataSheetWay& dataSheet)
       : device_(device),
         latches_(latches),
         operation_(operation),
@@ -22,7 +23,8 @@ class EraseChip {
         reporting_(reporting),
         board_(board),
         routines_(routines),
-        reports_(reports) {}
+        reports_(reports),
+        dataSheet_(dataSheet) {}
 
   void EraseFlash_button_Click();
 
@@ -37,6 +39,7 @@ class EraseChip {
   hardware::Board& board_;
   Routines& routines_;
   FailureReports& reports_;
+  DataSheetWay& dataSheet_;
 };
 
 }  // namespace kestrel::operations

@@ -77,4 +77,22 @@ void FailureReports::ProgramFailureReport() {
   reporting_.PlaySoundEvent("ERROR");
 }
 
+void FailureReports::ChipFailureReport(std::string_view what, Ending ending,
+                                       const std::string& reason) {
+  const std::string action(what);
+  reporting_.noteEnding(ending, reason);
+  reporting_.LogMessage("*** " + action + " Failure ***");
+  reporting_.LogMessage("*** " + reason);
+  reporting_.LogMessage("*** Aborting " + action + " - Click on [ERROR] Indicator to Reset");
+  alert_.RaiseErrorAlert();
+  reporting_.PlaySoundEvent("ERROR");
+}
+
+void FailureReports::ChipUnreadableReport(const data_sheet::Outcome& outcome) {
+  if (outcome.kind == data_sheet::Outcome::Kind::NoAcknowledge) return AckErrorReport();
+  ChipFailureReport("Reading", Ending::Failed, outcome.reason);
+  board_.lamps.DataFlowLampOff();
+  board_.bus.Reset();
+}
+
 }  // namespace kestrel::operations

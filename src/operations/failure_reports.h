@@ -1,8 +1,12 @@
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 #include "app/state/reporting.h"
+#include "data_sheet/chip_driver.h"
 #include "hardware/board.h"
 #include "hardware/error_alert.h"
 
@@ -34,6 +38,12 @@ class FailureReports {
   /// A byte that does not program: LinearAddress, ByteToWrite and ReadByte. Takes the programming
   /// voltage off first.
   void ProgramFailureReport();
+
+  /// Anything else that ended "Programming", "Erasing" or "Reading", in words.
+  void ChipFailureReport(std::string_view what, Ending ending, const std::string& reason);
+
+  /// A chip that could not be read: it does not answer.
+  void ChipUnreadableReport(const data_sheet::Outcome& outcome);
 
  private:
   LatchState& latches_;

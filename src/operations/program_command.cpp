@@ -44,7 +44,8 @@ void ProgramCommand::ProgramCode() {
     reporting_.noteEnding(Ending::Refused, "an error alert is up: dismiss it first");
   } else {
     const bool isSerial = family.bus == devices::BusKind::Serial;
-    if (controls_.CheckBlankPriorProgramming.isTicked() && !isSerial) blank_.BlankCode();
+    const bool canBeChecked = !isSerial || dataSheet_.isChosen();
+    if (controls_.CheckBlankPriorProgramming.isTicked() && canBeChecked) blank_.BlankCode();
     if (!alert_.isRaised()) programDevice(family);
   }
   leaveIdle(family);
@@ -53,7 +54,7 @@ void ProgramCommand::ProgramCode() {
 void ProgramCommand::programDevice(const devices::Family& family) {
   const DeviceOperation operation = board_.operation();
   image_.PrepareProgramBuffer();
-  board_.startOperation();
+  if (!dataSheet_.isChosen()) board_.startOperation();
   shell_.ProgressStep = narrowed<std::int16_t>(operation_.ProgramLength / 99);
   shell_.ProgressCount = 0;
   controls_.ProgressBar1.setValue(0);
@@ -77,6 +78,10 @@ void ProgramCommand::programDevice(const devices::Family& family) {
 
 // The status says that a routine was called also when that ends by an error.
 void ProgramCommand::dispatch(const devices::Family& family) {
+  if (dataSheet_.isChosen()) {
+    operation_.ProgramStatus = kRoutineCalled;
+    return dataSheet_.program();
+  }
   if (family.program == devices::ProgramRoutine::None) return;
   operation_.ProgramStatus = kRoutineCalled;
   routines_.run(family.program);

@@ -7,6 +7,7 @@
 #include "hardware/board.h"
 #include "hardware/error_alert.h"
 #include "operations/blank_check.h"
+#include "operations/data_sheet_way.h"
 #include "operations/failure_reports.h"
 #include "operations/program_image.h"
 #include "operations/routines.h"
@@ -23,7 +24,7 @@ class ProgramCommand {
                  OperationState& operation, ShellState& shell, Controls& controls,
                  Reporting& reporting, hardware::Board& board, hardware::ErrorAlert& alert,
                  ProgramImage& image, FailureReports& reports, BlankCheck& blank, Verify& verify,
-                 Routines& routines, Dialogs& dialogs)
+                 Routines& routines, DataSheetWay& dataSheet, Dialogs& dialogs)
       : device_(device),
         buffers_(buffers),
         latches_(latches),
@@ -38,6 +39,7 @@ class ProgramCommand {
         blank_(blank),
         verify_(verify),
         routines_(routines),
+        dataSheet_(dataSheet),
         dialogs_(dialogs) {}
 
   void Program_button_Click();
@@ -65,6 +67,7 @@ class ProgramCommand {
   BlankCheck& blank_;
   Verify& verify_;
   Routines& routines_;
+  DataSheetWay& dataSheet_;
   Dialogs& dialogs_;
 };
 

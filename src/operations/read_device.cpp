@@ -18,6 +18,7 @@ void ReadDevice::Read_button_Click() {
 }
 
 void ReadDevice::ReadCode() {
+  if (walk_.isByDataSheet()) return ReadParallel();
   switch (devices::familyOf(device_.FamilyCode).read) {
     case devices::BusKind::Parallel:
       return ReadParallel();
@@ -39,13 +40,14 @@ void ReadDevice::ReadParallel() {
   controls_.ProgressBar1.setValue(0);
   controls_.ProgressBar1.setMaximum(buffers_.CodeLength / 256);
   std::vector<std::uint8_t> read = buffers_.CodeBuffer;
-  walk_.readAll([this, &read](std::int32_t) {
+  const bool isRead = walk_.readAll([this, &read](std::int32_t) {
     // The bytes are stored one after the other, whatever address they were read from.
     at(read, latches_.LinearAddress) = latches_.ReadByte;
     buffers_.DeviceChecksum = buffers::addToChecksum(buffers_.DeviceChecksum, latches_.ReadByte);
     ++latches_.LinearAddress;
     return true;
   });
+  if (!isRead) return reports_.ChipUnreadableReport(walk_.outcome());
   buffers_.CodeBuffer.swap(read);
   noteUniform();
   buffers_.DeviceChecksumText = buffers::checksumText(buffers_.DeviceChecksum);

@@ -62,7 +62,7 @@ class ReadDevice {
   hardware::ErrorAlert& alert_;
   display::MemoryDisplay& display_;
   SerialEeprom& serial_;
-  DeviceWalk walk_;
+  DeviceWalk& walk_;
   FailureReports& reports_;
   Dialogs& dialogs_;
 };

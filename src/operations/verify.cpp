@@ -23,7 +23,8 @@ void Verify::VerifyCode() {
   controls_.Verify_button.setColour(Colour::Highlight);
   board_.lamps.DataFlowLampOn();
   reporting_.LogMessage("Verify Function Started... Wait");
-  if (devices::familyOf(device_.FamilyCode).verify == devices::BusKind::Serial) {
+  const bool isSerial = devices::familyOf(device_.FamilyCode).verify == devices::BusKind::Serial;
+  if (isSerial && !walk_.isByDataSheet()) {
     serial_.Verify24CXX();
     if (operation_.I2CError != 0) {
       reports_.AckErrorReport();
@@ -31,7 +32,7 @@ void Verify::VerifyCode() {
       return;
     }
   } else if (!verifyParallel()) {
-    reports_.VerifyMismatchReport();
+    reportDifference();
     return;
   }
   if (operation_.VerifyFailed == 0) reportMatch();
@@ -53,6 +54,13 @@ bool Verify::verifyParallel() {
     ++latches_.LinearAddress;
     return true;
   });
+}
+
+void Verify::reportDifference() {
+  if (walk_.outcome().isDone()) return reports_.VerifyMismatchReport();
+  operation_.VerifyFailed = 1;
+  reports_.ChipUnreadableReport(walk_.outcome());
+  controls_.Verify_button.setColour(Colour::ButtonFace);
 }
 
 void Verify::reportMatch() {

@@ -41,6 +41,7 @@ class Verify {
 
  private:
   bool verifyParallel();
+  void reportDifference();
   void reportMatch();
 
   const SelectionState& device_;
@@ -53,7 +54,7 @@ class Verify {
   hardware::Board& board_;
   ProgramImage& image_;
   SerialEeprom& serial_;
-  DeviceWalk walk_;
+  DeviceWalk& walk_;
   FailureReports& reports_;
   Dialogs& dialogs_;
 };

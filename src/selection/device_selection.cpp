@@ -106,7 +106,7 @@ void DeviceSelection::enableCommands(const devices::Family& family) {
                                &c.menuDisplayCode, &c.Blank_button, &c.menuBlankCheck}) {
     alert_.enable(*button);
   }
-  if (family.bus == devices::BusKind::Serial) {
+  if (family.bus == devices::BusKind::Serial && !drivers_.areChosen()) {
     c.Blank_button.setEnabled(false);
     c.menuBlankCheck.setEnabled(false);
   }
@@ -118,7 +118,7 @@ void DeviceSelection::enableCommands(const devices::Family& family) {
   c.PleaseSelect.setVisible(false);
   c.Frame3.setVisible(true);
   c.BufferDisplay.setVisible(true);
-  if (family.isProbedWhenSelected) flash_.ProbeFlashID();
+  if (family.isProbedWhenSelected && !drivers_.areChosen()) flash_.ProbeFlashID();
 }
 
 void DeviceSelection::chooseMemories(const devices::Family& family) {
@@ -209,6 +209,40 @@ void DeviceSelection::Voltage_button_Click(std::size_t index) {
                                   ? "Most Common Programming Voltage Selected: "
                                   : "BE CAREFULL!!! You just Selected Programming Voltage as ";
   reporting_.LogMessage(warning + chosen.text);
+}
+
+void DeviceSelection::AlgorithmSelection_Click(std::size_t index) {
+  struct Choice {
+    Algorithms algorithms;
+    const char* name;
+  };
+  static constexpr std::array<Choice, 2> kChoices{
+      {{Algorithms::Classic, "Classic"}, {Algorithms::DataSheet, "Data Sheet"}}};
+  const Choice& choice = at(kChoices, index);
+  const Algorithms before = std::exchange(chosen_.algorithms, choice.algorithms);
+  fillList();
+  const bool isOffered = controls_.Device.position() == -1 ||
+                         !controls_.Device.text().starts_with(devices::kNotAvailable);
+  if (!isOffered) {
+    chosen_.algorithms = before;
+    fillList();
+    controls_.AlgorithmSelection[index].putBack(false);
+    controls_.AlgorithmSelection[1 - index].putBack(true);
+    reporting_.noteEnding(Ending::Refused, device_.DeviceName +
+                                               " is not offered with these algorithms: choose "
+                                               "another device first");
+    return;
+  }
+  reporting_.LogMessage(std::string("Algorithms Selected: ") + choice.name);
+  if (controls_.Device.position() != -1) enableCommands(devices::familyOf(device_.FamilyCode));
+}
+
+// The selection stays at its place.
+void DeviceSelection::fillList() {
+  DropDownList& list = controls_.Device;
+  const std::int32_t position = list.position();
+  devices::FillDeviceList(catalogue_, chosen_.algorithms, list);
+  if (position != -1) list.putBack(position, at(list.items(), position));
 }
 
 void DeviceSelection::Slider1_Change() {

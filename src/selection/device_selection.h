@@ -5,6 +5,7 @@
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 #include "app/state/reporting.h"
+#include "data_sheet/drivers.h"
 #include "devices/families.h"
 #include "display/memory_display.h"
 #include "hardware/board.h"
@@ -19,7 +20,8 @@ class DeviceSelection {
   DeviceSelection(const CatalogueState& catalogue, SelectionState& device, TimingState& timing,
                   BufferState& buffers, ShellState& shell, Controls& controls, Reporting& reporting,
                   hardware::Board& board, hardware::ErrorAlert& alert,
-                  display::MemoryDisplay& display, operations::FlashIdentification& flash)
+                  display::MemoryDisplay& display, operations::FlashIdentification& flash,
+                  AlgorithmState& chosen, const data_sheet::Drivers& drivers)
       : catalogue_(catalogue),
         device_(device),
         timing_(timing),
@@ -30,7 +32,9 @@ class DeviceSelection {
         board_(board),
         alert_(alert),
         display_(display),
-        flash_(flash) {}
+        flash_(flash),
+        chosen_(chosen),
+        drivers_(drivers) {}
 
   /// Takes over the row that the list's position names. An entry that is not available is
   /// deselected and changes nothing.
@@ -41,6 +45,10 @@ class DeviceSelection {
 
   void Slider1_Change();
 
+  /// Index 0 = classic, 1 = those of the data sheets. Refused while the device in force is not
+  /// offered with them.
+  void AlgorithmSelection_Click(std::size_t index);
+
   /// Recomputes the three delay counts from the slider; a higher value is faster.
   void ApplyProgramSpeed();
 
@@ -50,6 +58,7 @@ class DeviceSelection {
   void setTimingFactors(const devices::TimingFactors& factors);
   void prepareBoard(const devices::Family& family);
   void showOptions();
+  void fillList();
   void enableCommands(const devices::Family& family);
   void chooseMemories(const devices::Family& family);
   void offerDataMemory();
@@ -68,6 +77,8 @@ class DeviceSelection {
   hardware::ErrorAlert& alert_;
   display::MemoryDisplay& display_;
   operations::FlashIdentification& flash_;
+  AlgorithmState& chosen_;
+  const data_sheet::Drivers& drivers_;
 };
 
 }  // namespace kestrel::selection

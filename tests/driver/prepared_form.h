@@ -20,7 +20,7 @@ struct PreparedForm : SimulatedForm {
     for (auto& row : rig.state.DeviceTable) {
       if (row[devices::kLetterColumn] == "F") row[devices::kListedColumn] = "Y";
     }
-    devices::FillDeviceList(rig.state, rig.controls.Device);
+    devices::FillDeviceList(rig.state, rig.state.algorithms, rig.controls.Device);
     rig.select(device);
     if (!image.empty()) rig.openImage(image);
     rig.clearLog();

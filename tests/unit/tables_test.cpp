@@ -79,7 +79,7 @@ TEST(Catalogue, keepsTheDevicesInTheirPlaces) {
   Controls c;
   devices::BuildDeviceTable(s, s);
   c.Device.addItem("of an earlier filling");
-  devices::FillDeviceList(s, c.Device);
+  devices::FillDeviceList(s, Algorithms::Classic, c.Device);
   const auto& items = c.Device.items();
   EXPECT_EQ(items.at(0), "N/A - ");
   EXPECT_EQ(items.at(2), "Eprom 2732A                   ");

@@ -87,6 +87,9 @@ void frmMain::Units::connectValues() {
   for (std::size_t i = 0; i < c.Voltage_button.size(); ++i) {
     c.Voltage_button[i].onClick([this, i] { devices.Voltage_button_Click(i); });
   }
+  for (std::size_t i = 0; i < c.AlgorithmSelection.size(); ++i) {
+    c.AlgorithmSelection[i].onClick([this, i] { devices.AlgorithmSelection_Click(i); });
+  }
   for (OptionButton& button : c.LPTSelection) {
     button.onClick([this] {
       detection.LPTSelection_Click();

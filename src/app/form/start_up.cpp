@@ -35,7 +35,7 @@ void frmMain::Form_Load() {
   u.reportPortInForce();
   u.controls.VScroll1.setValue(0);
   devices::BuildDeviceTable(s, s);
-  devices::FillDeviceList(s, u.controls.Device);
+  devices::FillDeviceList(s, s.algorithms, u.controls.Device);
   u.runner.runStep([&u] { u.board.bus.Reset(); });
   u.reporting.PlaySoundEvent("INIT");
 }

@@ -5,13 +5,16 @@
 #include "app/form/help_commands.h"
 #include "app/state/error_report.h"
 #include "buffers/buffer_files.h"
+#include "data_sheet/drivers.h"
 #include "display/device_display.h"
 #include "display/exports.h"
 #include "display/memory_display.h"
 #include "hardware/board.h"
 #include "hardware/board_detection.h"
+#include "hardware/chip_bus.h"
 #include "hardware/error_alert.h"
 #include "operations/blank_check.h"
+#include "operations/data_sheet_way.h"
 #include "operations/eprom_programmer.h"
 #include "operations/erase_chip.h"
 #include "operations/failure_reports.h"
@@ -45,20 +48,24 @@ struct frmMain::Units {
 
   hardware::Board board{
       state, controls, reporting, machine.port, machine.waits, machine.portService, machine.screen};
+  hardware::ChipBus chipBus{state, state, state, machine.port, machine.waits};
+  data_sheet::Drivers drivers{state, state, chipBus};
   hardware::ErrorAlert alert{state, controls, reporting, board.lamps, board.bus};
   hardware::BoardDetection detection{state, state, controls,     reporting,    errors,
                                      board, alert, machine.port, machine.time, machine.folders};
 
   display::MemoryDisplay memoryDisplay{state, state, state, controls};
-  display::DeviceDisplay deviceDisplay{state,    state,     state, state,
-                                       controls, reporting, board, machine.dialogs};
+  display::DeviceDisplay deviceDisplay{state,     state, state,   state,          controls,
+                                       reporting, board, drivers, machine.dialogs};
   display::Exports exports{state, controls, reporting, machine.time, machine.folders};
   buffers::BufferFiles files{state, state,         controls,        reporting,   board.lamps,
                              alert, memoryDisplay, machine.dialogs, machine.stop};
 
   operations::FailureReports reports{state, state, state, controls, reporting, board, alert};
   operations::ProgramImage image{state, state, state, controls};
-  operations::DeviceWalk walk{state, state, state, reporting, board};
+  operations::DeviceWalk walk{state, state, state, reporting, board, drivers};
+  operations::DataSheetWay dataSheet{state, state,   state,   controls, reporting,
+                                     board, chipBus, drivers, reports};
   operations::SerialEeprom serial{state, state, state, state, controls, reporting, board, reports};
   operations::ProtectionSequences protection{state, state, state, controls, board};
   operations::FlashIdentification flashIdentification{state,     state, state,
@@ -78,10 +85,11 @@ struct frmMain::Units {
                                reporting, board, reports, walk,  machine.dialogs};
   operations::Verify verify{state, state, state,  state, state,   controls,       reporting,
                             board, image, serial, walk,  reports, machine.dialogs};
-  operations::EraseChip erase{state, state, state, controls, reporting, board, routines, reports};
-  operations::ProgramCommand program{state,    state,     state,  state,    state,
-                                     controls, reporting, board,  alert,    image,
-                                     reports,  blank,     verify, routines, machine.dialogs};
+  operations::EraseChip erase{state, state,    state,   controls, reporting,
+                              board, routines, reports, dataSheet};
+  operations::ProgramCommand program{
+      state, state, state,   state, state,  controls, reporting, board,
+      alert, image, reports, blank, verify, routines, dataSheet, machine.dialogs};
   selection::DeviceSelection devices{state,
                                      state,
                                      state,
@@ -92,7 +100,9 @@ struct frmMain::Units {
                                      board,
                                      alert,
                                      memoryDisplay,
-                                     flashIdentification};
+                                     flashIdentification,
+                                     state,
+                                     drivers};
   selection::SelectionKeeper selectionKeeper{state, state, state, controls, alert};
   setups::NamedSetups setups{state,           controls,        reporting,   files,
                              machine.dialogs, machine.folders, machine.stop};

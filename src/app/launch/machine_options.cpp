@@ -24,6 +24,8 @@ constexpr std::array<MachineOption, 11> kMachineOptions{{
      .set = [](auto& o, const auto& text) { o.waves = named("--waves", text); }},
     {.name = "--count-ns", .value = "N", .help = "length of a delay-loop count in nanoseconds (25)",
      .set = [](auto& o, const auto& text) { o.countNs = parseCountNs(text); }},
+    {.name = "--algorithms", .value = "classic|datasheet", .help = "how chips are programmed (classic)",
+     .set = [](auto& o, const auto& text) { o.algorithms = parseAlgorithms(text); }},
     {.name = "--simulate", .value = "", .help = "work on a simulated board", .group = Group::SimulatedBoard,
      .set = [](auto& o, const auto&) { o.simulate = true; }},
     {.name = "--model", .value = "4|5|6", .help = "model of the simulated board (5)", .group = Group::SimulatedBoard,

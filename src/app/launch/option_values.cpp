@@ -104,4 +104,10 @@ std::int64_t parseCountNs(std::string_view text) {
   refuse("--count-ns", text, "is no count length; use 1 to 1000000 nanoseconds (default 25)");
 }
 
+Algorithms parseAlgorithms(std::string_view text) {
+  if (text == "classic") return Algorithms::Classic;
+  if (text == "datasheet") return Algorithms::DataSheet;
+  refuse("--algorithms", text, "is no way to work on a chip; use classic or datasheet");
+}
+
 }  // namespace kestrel::launch

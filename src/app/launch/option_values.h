@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "app/state/programmer_state.h"
 #include "hardware/ports/port_choice.h"
 #include "platform/waits.h"
 #include "simulator/model.h"
@@ -48,6 +49,7 @@ struct LaunchOptions {
   std::filesystem::path waves;  ///< empty: no wave file from the start
   bool mayRecord = false;       ///< a wave file may be begun later
   std::int64_t countNs = kDefaultCountNs;
+  std::optional<Algorithms> algorithms;  ///< classic if not given
 };
 
 // One function an option. Each throws UsageError for a text that is no value of its option.
@@ -59,5 +61,6 @@ struct LaunchOptions {
 [[nodiscard]] Fault parseFault(std::string_view text);
 [[nodiscard]] ports::PortChoice parsePort(std::string_view text);
 [[nodiscard]] std::int64_t parseCountNs(std::string_view text);
+[[nodiscard]] Algorithms parseAlgorithms(std::string_view text);
 
 }  // namespace kestrel::launch

@@ -30,6 +30,7 @@ SimulatedBoard::SimulatedBoard(const LaunchOptions& options, std::string_view de
                                const StopSwitch* stop)
     : base_(options.lpt.value_or(0x378)), stop_(stop) {
   sim::Board& board = bench_.plug(options.model.value_or(sim::Model::kestrel5), base_);
+  bench_.judgePulses(options.algorithms == Algorithms::DataSheet);
   board.setVppByHand(options.boardVppMillivolts);
   if (!isSet(options, Fault::Kind::EmptySocket)) insertChip(options, defaultChip);
   for (const Fault& fault : options.faults) fitFault(fault);

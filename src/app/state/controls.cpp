@@ -21,6 +21,7 @@ Controls::Controls() {
   disableWhatAProcedureEnables();
   hideWhatAProcedureShows();
   HiLow_button[0].setValue(true);
+  AlgorithmSelection[0].setValue(true);
 }
 
 // An ampersand stands before the letter that works as the keyboard mnemonic.
@@ -37,6 +38,8 @@ void Controls::setCaptions() {
   HiLow_button[0].setCaption("All");
   HiLow_button[1].setCaption("Odd");
   HiLow_button[2].setCaption("Even");
+  AlgorithmSelection[0].setCaption("Classic");
+  AlgorithmSelection[1].setCaption("Data sheet");
   CheckBlankPriorProgramming.setCaption("Blank check before programming");
   VerifyAfterProgramming.setCaption("Verify after programming");
   CheckCode.setCaption("Code memory");

@@ -40,6 +40,7 @@ class Controls {
   OptionGroup voltages_{OptionGroup::WhenAllOff::Allowed};
   OptionGroup lanes_{OptionGroup::WhenAllOff::KeepLast};
   OptionGroup ports_{OptionGroup::WhenAllOff::Allowed};
+  OptionGroup algorithms_{OptionGroup::WhenAllOff::KeepLast};
 
  public:
   Controls();
@@ -72,6 +73,9 @@ class Controls {
   CheckBox VerifyAfterProgramming{registry_, "VerifyAfterProgramming"};
   CheckBox CheckCode{registry_, "CheckCode"};
   CheckBox CheckData{registry_, "CheckData"};
+  std::array<OptionButton, 2> AlgorithmSelection{
+      {{registry_, "AlgorithmSelection(0)", algorithms_},
+       {registry_, "AlgorithmSelection(1)", algorithms_}}};
   RangeControl Slider1{registry_, "Slider1", 1, 20, 18};
 
   // Commands.

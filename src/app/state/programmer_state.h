@@ -66,6 +66,14 @@ struct LatchState {
   std::array<std::uint8_t, 256> StatusDecodeHigh{};
 };
 
+/// How chips are worked on: the classic procedures, or by their data sheets.
+enum class Algorithms { Classic, DataSheet };
+
+/// What the person has chosen for the algorithms of the data sheets: data_sheet/.
+struct AlgorithmState {
+  Algorithms algorithms = Algorithms::Classic;
+};
+
 /// Waits, in loop counts: selection/.
 struct TimingState {
   std::int32_t SettleFactor = 0;
@@ -164,6 +172,7 @@ struct ShellState {
 /// The one record that the procedures read and write. It lives as long as the process.
 struct ProgrammerState : PortState,
                          LatchState,
+                         AlgorithmState,
                          TimingState,
                          CatalogueState,
                          SelectionState,

@@ -1,0 +1,48 @@
+#include "data_sheet/drivers.h"
+
+#include "data_sheet/eprom.h"
+#include "devices/families.h"
+
+namespace kestrel::data_sheet {
+namespace {
+
+using devices::EpromSheet;
+using Made = std::unique_ptr<ChipDriver>;
+
+/// Makes the driver of a sheet; one overload for each kind of chip that has one.
+struct Maker {
+  const ChipChoice& chip;
+  hardware::ChipBus& bus;
+
+  Made operator()(const EpromSheet& sheet) const {
+    return std::make_unique<Eprom>(chip, sheet, bus);
+  }
+  template <typename Other>
+  Made operator()(const Other& /*sheet*/) const {
+    return nullptr;
+  }
+};
+
+}  // namespace
+
+bool Drivers::areChosen() const {
+  return chosen_.algorithms == Algorithms::DataSheet &&
+         devices::isOffered(devices::dataSheetOf(device_.DeviceName));
+}
+
+// 21 and 25 V reach only the chips that the catalogue gives them to.
+int Drivers::vppVolts() const {
+  const bool takesMore =
+      devices::familyOf(device_.FamilyCode).takes21And25V && device_.VppClass == 3;
+  return takesMore ? device_.VppVolts : 12;
+}
+
+std::unique_ptr<ChipDriver> Drivers::forDevice() const {
+  const devices::DataSheet& sheet = *devices::dataSheetOf(device_.DeviceName);
+  const ChipChoice chip{.sheet = sheet,
+                        .sizeBytes = static_cast<std::uint32_t>(device_.DeviceSizeBytes),
+                        .vppVolts = vppVolts()};
+  return std::visit(Maker{chip, bus_}, sheet.part);
+}
+
+}  // namespace kestrel::data_sheet

@@ -1,0 +1,96 @@
+#include "devices/data_sheets.h"
+
+#include <algorithm>
+#include <array>
+
+namespace kestrel::devices {
+namespace {
+
+// Supplies and levels at rest. Bits of latch 1: pin 28 (supply of 24 pins), 29 and 3; of latch 3:
+// pin 30 (supply of 28 pins), 31 and 1. A VPP pin of its own is held at 5 V.
+constexpr std::uint8_t kPin28 = 0x20;
+constexpr std::uint8_t kPin29 = 0x40;
+constexpr std::uint8_t kPin3 = 0x80;
+constexpr std::uint8_t kPin30 = 0x02;
+constexpr std::uint8_t kPin31 = 0x04;
+constexpr std::uint8_t kPin1 = 0x08;
+
+// clang-format off
+constexpr Pinout k2732   {.vpp = VppPin::Pin24, .latch1High = kPin28};
+constexpr Pinout k2764   {.strobe = Strobe::Pin29, .vpp = VppPin::Pin3, .latch1High = kPin3 | kPin29, .latch3High = kPin30};
+constexpr Pinout k27256  {.vpp = VppPin::Pin3, .latch1High = kPin3, .latch3High = kPin30};
+constexpr Pinout k27512  {.vpp = VppPin::Pin24, .latch3High = kPin30};
+constexpr Pinout k27010  {.strobe = Strobe::Pin31, .vpp = VppPin::Pin1, .latch3High = kPin1 | kPin31};
+constexpr Pinout k27040  {.vpp = VppPin::Pin1, .latch3High = kPin1};
+constexpr Pinout k27080  {.vpp = VppPin::Pin24};
+constexpr Pinout k28C256 {.lines = AddressLines::A14OnPin3, .strobe = Strobe::Pin29, .latch1High = kPin29, .latch3High = kPin30};
+constexpr Pinout k29C256 {.strobe = Strobe::Pin3, .latch1High = kPin3, .latch3High = kPin30};
+constexpr Pinout k29F    {.lines = AddressLines::A18OnPin1, .strobe = Strobe::Pin31, .latch3High = kPin31};
+constexpr Pinout k28F    {.strobe = Strobe::Pin31, .vpp = VppPin::Pin1, .latch3High = kPin1 | kPin31};
+constexpr Pinout k24C    {};
+
+// One pulse a byte. The sheets of the old NMOS parts give no limit but this.
+constexpr EpromSheet k50ms25V{.pulseUs = 50'000, .mostPulses = 1, .usualVppMillivolts = 25'000};
+constexpr EpromSheet k50ms21V{.pulseUs = 50'000, .mostPulses = 1, .usualVppMillivolts = 21'000};
+// Pulses of 1 ms until the byte is right, then one that is so many times as long as they were.
+constexpr EpromSheet k1msOver4{.pulseUs = 1'000, .mostPulses = 15, .overprogramPerPulseUs = 4'000, .longestOverprogramUs = 63'000, .usualVppMillivolts = 21'000};
+constexpr EpromSheet k1msOver3{.pulseUs = 1'000, .mostPulses = 25, .overprogramPerPulseUs = 3'000, .longestOverprogramUs = 78'750};
+// CMOS: short pulses, no overprogramming.
+constexpr EpromSheet k100us{.pulseUs = 100, .mostPulses = 25};
+constexpr EpromSheet k100usOnOe{.pulseUs = 100, .mostPulses = 25, .order = VerifyOrder::WholeChip};
+constexpr EpromSheet k50usOnOe{.pulseUs = 50, .mostPulses = 25, .order = VerifyOrder::WholeChip};
+
+constexpr std::array kDataSheets{
+    DataSheet{"Eprom 2716", {}, NotOffered{"pin 21 of a 2716 takes the programming voltage, and the board has no switch there"}},
+    DataSheet{"Eprom 2732A",                   k2732,   k50ms21V},
+    DataSheet{"Eprom 2732B",                   k2732,   k1msOver3},
+    DataSheet{"Eprom 2732",                    k2732,   k50ms25V},
+    DataSheet{"Eprom 27C32",                   k2732,   k50ms25V},
+    DataSheet{"Eprom 2764",                    k2764,   k1msOver4},
+    DataSheet{"Eprom 27C64",                   k2764,   k100us},
+    DataSheet{"Eprom 27128",                   k2764,   k1msOver4},
+    DataSheet{"Eprom 27C128",                  k2764,   k100us},
+    DataSheet{"Eprom 27256",                   k27256,  k1msOver3},
+    DataSheet{"Eprom 27C256",                  k27256,  k100us},
+    DataSheet{"Eprom 27C259",                  k27256,  k100us},
+    DataSheet{"Eprom 27C512",                  k27512,  k100usOnOe},
+    DataSheet{"Eprom 27C1001",                 k27010,  k100us},
+    DataSheet{"Eprom 27C010",                  k27010,  k100us},
+    DataSheet{"Eprom 27C2001",                 k27010,  k100us},
+    DataSheet{"Eprom 27C020",                  k27010,  k100us},
+    DataSheet{"Eprom 27C4001",                 k27040,  k100us},
+    DataSheet{"Eprom 27C040",                  k27040,  k100us},
+    DataSheet{"Eprom 27C801",                  k27080,  k50usOnOe},
+    DataSheet{"Eprom 27C080",                  k27080,  k50usOnOe},
+    DataSheet{"Eprom 27C080 OTP",              k27080,  k50usOnOe},
+    DataSheet{"Flash Atmel AT29C256",          k29C256, NotOffered{"not yet written"}},
+    DataSheet{"Flash AMIC A29040",             k29F,    NotOffered{"not yet written"}},
+    DataSheet{"Flash AMD AM29F010",            k29F,    NotOffered{"not yet written"}},
+    DataSheet{"Flash AMD AM29F020",            k29F,    NotOffered{"not yet written"}},
+    DataSheet{"Flash AMD AM29F040",            k29F,    NotOffered{"not yet written"}},
+    DataSheet{"Flash EON EN29F040",            k29F,    NotOffered{"not yet written"}},
+    DataSheet{"Flash Catalyst CAT28F010",      k28F,    NotOffered{"not yet written"}},
+    DataSheet{"Flash Catalyst CAT28F020",      k28F,    NotOffered{"not yet written"}},
+    DataSheet{"Eeprom XICOR X28C256",          k28C256, NotOffered{"not yet written"}},
+    DataSheet{"Eeprom Catalyst CAT28C256",     k28C256, NotOffered{"not yet written"}},
+    DataSheet{"Eeprom Catalyst CAT28C257",     k28C256, NotOffered{"not yet written"}},
+    DataSheet{"Eeprom 24C08 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}},
+    DataSheet{"Eeprom 24C16 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}},
+    DataSheet{"Eeprom 24C32 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}},
+    DataSheet{"Eeprom 24C256 Serial (8 pins)", k24C,    NotOffered{"not yet written"}},
+    DataSheet{"Flash Atmel AT29F040", {}, NotOffered{"its sectors are written in a way that no routine here knows"}},
+    DataSheet{"Flash Catalyst CAT28F001", {}, NotOffered{"it wants 12 V on a pin where the board has no switch"}},
+    DataSheet{"uC Atmel AT90S2313 Micro", {}, NotOffered{"it is programmed over pins that the socket does not reach"}},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const DataSheet> dataSheets() { return kDataSheets; }
+
+const DataSheet* dataSheetOf(std::string_view device) {
+  const auto* const found = std::ranges::find(kDataSheets, device, &DataSheet::device);
+  return found == kDataSheets.end() ? nullptr : found;
+}
+
+}  // namespace kestrel::devices

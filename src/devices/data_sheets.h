@@ -1,0 +1,80 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+#include <variant>
+
+#include "devices/pinout.h"
+
+namespace kestrel::devices {
+
+// What the data sheets want, a row a part. Where the makers of a part differ, the row is the
+// sheet that the others' parts are compatible with.
+
+/// When a programmed byte is read back.
+enum class VerifyOrder {
+  EachByte,  ///< after each pulse
+  WholeChip  ///< after a pass with one pulse a byte, for parts whose /OE is the VPP pin
+};
+
+/// A UV EPROM or its one-time sister.
+struct EpromSheet {
+  std::int32_t pulseUs = 0;
+  int mostPulses = 0;                      ///< a byte that is not right then has failed
+  std::int32_t overprogramPerPulseUs = 0;  ///< one pulse of so long times the pulses given; 0: none
+  std::int32_t longestOverprogramUs = 0;
+  VerifyOrder order = VerifyOrder::EachByte;
+  std::int32_t usualVppMillivolts = 12'500;
+};
+
+/// An EEPROM or flash that writes a page by itself.
+struct PageSheet {
+  std::int32_t pageBytes = 64;
+  std::int32_t longestCycleMs = 10;
+};
+
+/// A 24Cxx.
+struct SerialSheet {
+  std::int32_t pageBytes = 16;
+  int addressBytes = 1;  ///< with one, address bits 8 to 10 are in the select byte
+  std::int32_t longestCycleMs = 10;
+};
+
+/// A 5 V flash with the JEDEC command set.
+struct FlashSheet {
+  std::uint8_t makerCode = 0;
+  std::uint8_t deviceCode = 0;
+  std::int32_t longestByteUs = 200;
+  std::int32_t longestEraseMs = 0;
+};
+
+/// A flash that is programmed and erased by pulses of its command register, with 12 V.
+struct TwelveVoltFlashSheet {
+  std::uint8_t makerCode = 0;
+  std::uint8_t deviceCode = 0;
+};
+
+/// What the board or the program cannot do, in words.
+struct NotOffered {
+  std::string_view reason;
+};
+
+struct DataSheet {
+  std::string_view device;  ///< its name in the catalogue
+  Pinout pinout = {};
+  std::variant<NotOffered, EpromSheet, PageSheet, SerialSheet, FlashSheet, TwelveVoltFlashSheet>
+      part;
+};
+
+[[nodiscard]] std::span<const DataSheet> dataSheets();
+
+/// The row of a device by its name in the catalogue; nullptr if there is none.
+[[nodiscard]] const DataSheet* dataSheetOf(std::string_view device);
+
+/// Whether it can be had with the algorithms of the data sheets.
+[[nodiscard]] inline bool isOffered(const DataSheet* sheet) {
+  return sheet != nullptr && !std::holds_alternative<NotOffered>(sheet->part);
+}
+
+}  // namespace kestrel::devices

@@ -1,0 +1,99 @@
+// The algorithms of the data sheets on the simulated board, which holds every pulse against the
+// data sheet: not one finding, whatever the device, the model and the command.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "driver/prepared_form.h"
+
+namespace kestrel::test {
+namespace {
+
+struct Part {
+  const char* device;
+  const char* chip;
+  std::size_t bytes;
+  std::size_t voltage = 1;  ///< Voltage_button: 1 = 12.5 V, 2 = 21 V, 3 = 25 V
+};
+
+// clang-format off
+constexpr Part kParts[]{
+    {"Eprom 2732A", "2732A", 0x1000, 2},   {"Eprom 2732B", "2732B", 0x1000},     {"Eprom 2732", "2732", 0x1000, 3},
+    {"Eprom 27C32", "27C32", 0x1000, 3},   {"Eprom 2764", "2764", 0x2000, 2},    {"Eprom 27C64", "27C64", 0x2000},
+    {"Eprom 27128", "27128", 0x4000, 2},   {"Eprom 27C128", "27C128", 0x4000},   {"Eprom 27256", "27256", 0x8000},
+    {"Eprom 27C256", "27C256", 0x8000},    {"Eprom 27C259", "27C259", 0x8000},   {"Eprom 27C512", "27C512", 0x10000},
+    {"Eprom 27C1001", "27C1001", 0x20000}, {"Eprom 27C010", "27C010", 0x20000},  {"Eprom 27C2001", "27C2001", 0x40000},
+    {"Eprom 27C020", "27C020", 0x40000},   {"Eprom 27C040", "27C040", 0x80000},  {"Eprom 27C080 OTP", "27C080-OTP", 0x100000},
+};
+// clang-format on
+
+struct BySheet : SimulatedForm {
+  explicit BySheet(const Part& part, sim::Model model = sim::Model::kestrel5)
+      : SimulatedForm(model, Trace::Off) {
+    bench.judgePulses(true);
+    rig.controls.AlgorithmSelection[1].press();
+    rig.form.Form_Load();
+    insert(part.chip);
+    bench.findings().clear();
+    rig.select(part.device);
+    rig.controls.Voltage_button[part.voltage].press();
+  }
+
+  void expectNoFinding() {
+    for (const sim::Finding& finding : bench.findings().all()) {
+      ADD_FAILURE() << finding.text << ", " << finding.count << " times";
+    }
+  }
+};
+
+/// Some 256 bytes of a large chip, at both ends of it and of its 64 KB banks; a small one whole.
+Bytes imageFor(const Part& part) {
+  const Bytes random = randomBytes(part.bytes, 9);
+  if (part.bytes <= 0x2000) return random;
+  Bytes image(part.bytes, 0xFF);
+  const std::size_t step = part.bytes / 256 + 1;
+  for (std::size_t i = 0; i < part.bytes; i += step) image[i] = random[i];
+  for (std::size_t i = 0xFFFF; i < part.bytes; i += 0x10000) image[i] = random[i];
+  image.back() = 0x5A;
+  return image;
+}
+
+class EveryDevice : public testing::TestWithParam<std::tuple<sim::Model, Part>> {};
+
+// Large chips on model 5 alone, and checked and read at their beginning: the measurement goes
+// through all of them, whole.
+TEST_P(EveryDevice, isCheckedProgrammedVerifiedReadAndShownWithoutAFinding) {
+  const auto& [model, part] = GetParam();
+  const bool isLarge = part.bytes > 0x10000;
+  if (isLarge && model != sim::Model::kestrel5) return;
+  BySheet s(part, model);
+  const Bytes image = imageFor(part);
+  s.rig.openImage(image);
+  s.rig.controls.VerifyAfterProgramming.press();
+  if (isLarge) s.rig.state.CodeLength = 4096;
+  s.rig.press("Blank_button");
+  EXPECT_TRUE(s.rig.logged("Device IS BLANK (ERASED)"));
+  ASSERT_TRUE(s.rig.program());
+  EXPECT_TRUE(s.rig.logged("Programming Device Successfull"));
+  EXPECT_TRUE(s.rig.logged("Device Contents MATCHES with Buffer Contents"));
+  EXPECT_TRUE(s.chipContents() == image);
+  EXPECT_EQ(s.board->latch(0), 0x40);
+  std::ranges::fill(s.rig.state.CodeBuffer, std::uint8_t{0});
+  s.rig.press("Read_button");
+  EXPECT_TRUE(std::equal(image.begin(), image.begin() + s.rig.state.CodeLength,
+                         s.rig.state.CodeBuffer.begin()));
+  s.rig.press("Display_button");
+  s.expectNoFinding();
+}
+
+INSTANTIATE_TEST_SUITE_P(Sheets, EveryDevice,
+                         testing::Combine(testing::ValuesIn(kModels), testing::ValuesIn(kParts)),
+                         [](const auto& test) {
+                           std::string name = std::get<1>(test.param).chip;
+                           std::erase(name, '-');
+                           return name + "OnModel" +
+                                  std::to_string(static_cast<int>(std::get<0>(test.param)));
+                         });
+
+}  // namespace
+}  // namespace kestrel::test
