@@ -46,7 +46,7 @@ const Ending kAtOnce[] = {
 
 const Ending kAfterStartUp[] = {
     {"detect --model 6 --lpt 3BC", 0, "KESTREL-6 Device was FOUND at Port: 3BC"},
-    {"save-setup 1 x -d 2732 --vpp 25", 0, "Programming Voltage as 25 Volts!!!"},
+    {"save-setup 4 x -d 2732 --vpp 25", 0, "Programming Voltage as 25 Volts!!!"},
     {"read -d 'eprom 27c256' --home /proc", 0, "kestrel6.ini"},
     {"read -d xicor", 0, "Device Eeprom XICOR X28C256 was Selected"},
     {"read -d 2732", 0, "Device Eprom 2732 was Selected"},

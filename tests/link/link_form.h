@@ -2,7 +2,6 @@
 
 #include "hardware/ports/monotonic_clock.h"
 #include "link/emulated_adapter.h"
-#include "link/emulated_line.h"
 #include "support/real_form.h"
 
 namespace kestrel::test {

@@ -13,7 +13,7 @@ std::string named(const char* option, const std::string& text) {
 }
 
 // clang-format off
-constexpr std::array<MachineOption, 11> kMachineOptions{{
+constexpr auto kMachineOptions = std::to_array<MachineOption>({
     {.name = "--port", .value = "BASE=DEVICE", .help = "parallel port for 378, 278 or 3BC; repeatable", .isRepeatable = true,
      .set = [](auto& o, const auto& text) { o.ports.push_back(parsePort(text)); }},
     {.name = "--home", .value = "DIR", .help = "folder of kestrel6.ini",
@@ -43,7 +43,7 @@ constexpr std::array<MachineOption, 11> kMachineOptions{{
     {.name = "--fault", .value = "FAULT", .help = "weak:ADDR, stuck:BIT, unplug:N, empty; repeatable", .group = Group::SimulatedBoard, .isRepeatable = true,
      .set = [](auto& o, const auto& text) { o.faults.push_back(parseFault(text)); },
      .isGiven = [](const auto& o) { return !o.faults.empty(); }},
-}};
+});
 // clang-format on
 
 }  // namespace
