@@ -10,6 +10,7 @@
 #include "cli/compare_command.h"
 #include "cli/exit_status.h"
 #include "cli/image_commands.h"
+#include "cli/link_command.h"
 #include "cli/machine_commands.h"
 #include "cli/program_several.h"
 #include "cli/project_options.h"
@@ -104,7 +105,7 @@ constexpr const char* kAtForm = "-d -i --pad-ff -o --setup --speed --vpp --lane 
 constexpr const char* kSaved = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --format --save-format --at --range --project --json --select-port";
 constexpr const char* kBeforeTest = "-d -i --pad-ff -o --setup --speed --vpp --lane --blank-check --verify --format --save-format --at --range --project --json";
 
-constexpr std::array<Command, 16> kCommands{{
+constexpr std::array<Command, 17> kCommands{{
     {.name = "devices", .help = "list the devices, or tell about the one of -d", .options = "-d --names --json", .alone = listDevices},
     {.name = "detect", .help = "run the hardware test", .options = kBeforeTest, .press = detect, .needsBoard = false, .testsHardware = true},
     {.name = "read", .help = "read the device into the buffer; -o saves it", .options = kAtForm, .ownOption = "--show", .press = read, .worksOnMemory = true},
@@ -120,6 +121,7 @@ constexpr std::array<Command, 16> kCommands{{
     {.name = "save-project", .help = "write the options given into a project FILE", .options = kAtForm, .ownOption = "--backup --several --serial --report", .alone = saveProject, .words = "FILE"},
     {.name = "setups", .help = "list the four setups of this folder", .options = "--json", .alone = listSetups},
     {.name = "save-setup", .help = "save the options as setup N (1 to 4)", .options = kSaved, .press = saveSetup, .needsBoard = false},
+    {.name = "link-test", .help = "check the adapter of --port BASE=link:DEVICE", .options = "", .alone = testLink},
     {.name = "safe", .help = "switch the board's voltages off", .options = "", .alone = switchOff},
 }};
 // clang-format on

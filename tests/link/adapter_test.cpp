@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "link/adapter_rig.h"
+#include "link/loop_back.h"
 
 // The adapter's program in an emulated processor, the simulated board behind its pins.
 namespace kestrel::test {
@@ -186,6 +187,23 @@ TEST_F(AdapterOfModel5, waitsLongWithTheVoltageOn) {
   rig.connection.finish();
   EXPECT_TRUE(rig.isAnyVoltageOn());
   EXPECT_NEAR(microseconds(rig.adapter.now() - before), 1'500'000, 15'000);
+}
+
+// By the plug of docs/link.md; each wire of the adapter's table cut once.
+TEST(LoopBack, findsTheLineThatIsCut) {
+  constexpr std::array<std::size_t, 12> kOutputs{2, 3, 4, 5, 6, 7, 8, 9, 1, 14, 16, 17};
+  AdapterRig rig(sim::Model::kestrel5);
+  rig.connect();
+  EXPECT_FALSE(link::testLines(rig.connection).hasPlug) << "a board is no plug";
+  EXPECT_TRUE(rig.isOff());
+  for (std::size_t cut = 0; cut <= kOutputs.size(); ++cut) {
+    rig.adapter.fitPlug(cut < kOutputs.size() ? kOutputs.at(cut) : 0);
+    const auto lines = link::testLines(rig.connection).lines;
+    ASSERT_EQ(lines.size(), kOutputs.size());
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+      EXPECT_EQ(lines[i].fault.empty(), i != cut) << lines[i].output << ": " << lines[i].fault;
+    }
+  }
 }
 
 TEST(AdapterSpeed, readsAByteInOneRoundTrip) {

@@ -71,6 +71,7 @@ constexpr std::uint16_t kJumpToItself = 0xCFFF;
 constexpr std::uint32_t ioportRequest(char port) {
   return AVR_IOCTL_DEF('i', 'o', 'g', static_cast<std::uint32_t>(port));
 }
+constexpr std::uint32_t kExternalRequest = AVR_IOCTL_DEF('i', 'o', 'p', 'C');
 constexpr std::uint32_t kUartRequest = AVR_IOCTL_DEF('u', 'a', 'r', '0');
 constexpr std::uint32_t kUartFlagsRequest = AVR_IOCTL_DEF('u', 'a', 's', '0');
 
@@ -147,7 +148,7 @@ std::uint64_t EmulatedAdapter::refresh(avr_t* /*processor*/, std::uint64_t when,
   auto& adapter = *static_cast<EmulatedAdapter*>(self);
   adapter.uart_->cycles_per_byte = kCyclesPerByte;
   adapter.letTimePass();
-  if (adapter.board_.readStatus() != adapter.shownStatus_) adapter.driveStatus();
+  if (static_cast<int>(adapter.statusOfConnector()) != adapter.shownStatus_) adapter.driveStatus();
   return when + kRefreshCycles;
 }
 
@@ -161,7 +162,11 @@ void EmulatedAdapter::runUntil(Cycles moment) {
   // A sleeping processor is woken by the next timer.
   avr_cycle_timer_register(processor_, moment - now(), wakeUp, this);
   while (now() < moment) {
-    if (avr_run(processor_) == cpu_Crashed) throw std::runtime_error("the adapter has crashed");
+    isRunning_ = true;
+    const int state = avr_run(processor_);
+    isRunning_ = false;
+    if (state == cpu_Crashed) throw std::runtime_error("the adapter has crashed");
+    if (std::exchange(isResetAsked_, false)) reset();
     if (isHung_ && processor_->pc == 0) endHang();
   }
   avr_cycle_timer_cancel(processor_, wakeUp, this);
@@ -214,15 +219,42 @@ void EmulatedAdapter::driveBoard() {
   if (isChange && changed_) changed_();
 }
 
-// Always: the processor's own pull-ups raise its inputs at each write to the port.
+// What drives the inputs is told apart from their levels: else each write to the port would let the
+// processor's own pull-ups raise them.
 void EmulatedAdapter::driveStatus() {
   letTimePass();
-  const unsigned status = board_.readStatus();
+  const unsigned status = statusOfConnector();
   shownStatus_ = static_cast<int>(status);
+  avr_ioport_external_t driven{.name = 'C', .mask = 0, .value = 0};
   for (const StatusWire& wire : kStatusWires) {
     const bool isSet = (status >> wire.statusBit & 1U) != 0;
-    avr_raise_irq(portCPins_.at(wire.portCBit), isSet != wire.isInverted ? 1 : 0);
+    const unsigned level = isSet != wire.isInverted ? 1 : 0;
+    driven.mask = static_cast<std::uint8_t>(driven.mask | 1U << wire.portCBit);
+    driven.value = static_cast<std::uint8_t>(driven.value | level << wire.portCBit);
+    avr_raise_irq(portCPins_.at(wire.portCBit), level);
   }
+  avr_ioctl(processor_, kExternalRequest, &driven);
+}
+
+unsigned EmulatedAdapter::statusOfConnector() const {
+  return isPlugFitted_ ? statusOfPlug() : board_.readStatus();
+}
+
+// An input is low while any output at its diodes is; BUSY (bit 7) arrives inverted.
+unsigned EmulatedAdapter::statusOfPlug() const {
+  struct Diodes {
+    unsigned statusBit;
+    std::array<std::size_t, 3> outputs;
+  };
+  constexpr std::array<Diodes, 5> kPlug{
+      {{3, {2, 7, 1}}, {4, {3, 8, 14}}, {5, {4, 9, 16}}, {6, {5, 17, 17}}, {7, {6, 6, 6}}}};
+  unsigned status = 0x80;
+  for (const Diodes& input : kPlug) {
+    const bool isHigh = std::ranges::all_of(
+        input.outputs, [this](std::size_t output) { return output == cutPin_ || pin(output); });
+    if (isHigh) status ^= 1U << input.statusBit;
+  }
+  return status;
 }
 
 std::uint8_t EmulatedAdapter::dataRegister() const {
@@ -239,6 +271,10 @@ std::uint8_t EmulatedAdapter::controlRegister() const {
 }
 
 void EmulatedAdapter::reset() {
+  if (isRunning_) {
+    isResetAsked_ = true;
+    return;
+  }
   avr_reset(processor_);
   incoming_.clear();
   avr_cycle_timer_register(processor_, kRefreshCycles, refresh, this);

@@ -54,8 +54,15 @@ class EmulatedAdapter {
   /// Called after each change of a line of the connector.
   void onChange(std::function<void()> callback) { changed_ = std::move(callback); }
 
-  /// The reset button.
+  /// The reset button; pressed in onChange it works after the instruction.
   void reset();
+
+  /// A loop-back plug of twelve diodes instead of the board; one of its outputs (a pin of the
+  /// connector) may have lost its wire.
+  void fitPlug(std::size_t cutPin = 0) {
+    isPlugFitted_ = true;
+    cutPin_ = cutPin;
+  }
 
   /// The line is cut in both directions.
   void pullLine();
@@ -77,6 +84,8 @@ class EmulatedAdapter {
   void letTimePass();
   void driveBoard();
   void driveStatus();
+  [[nodiscard]] unsigned statusOfConnector() const;
+  [[nodiscard]] unsigned statusOfPlug() const;
   void endHang();
   [[nodiscard]] std::uint16_t patchProgram(std::uint32_t place, std::uint16_t instruction);
   [[nodiscard]] bool pin(std::size_t db25) const { return connector_.at(db25); }
@@ -95,7 +104,11 @@ class EmulatedAdapter {
   std::deque<Incoming> incoming_;
   Cycles lineFreeAt_ = 0;
   Cycles answerFreeAt_ = 0;
+  bool isRunning_ = false;
+  bool isResetAsked_ = false;
   bool isLinePulled_ = false;
+  bool isPlugFitted_ = false;
+  std::size_t cutPin_ = 0;
   std::uint32_t hungAt_ = 0;
   std::uint16_t hungInstruction_ = 0;
   bool isHung_ = false;

@@ -1,9 +1,10 @@
-// emulated-link [--model 4|5|6] [--chip TYPE[=FILE]]
+// emulated-link [--model 4|5|6] [--chip TYPE[=FILE]] [--plug PIN]
 //
 // Serves the emulated adapter with a simulated board behind it on a pseudo terminal, in step with
 // this machine's clock. The name of the serial line is the first line of the output. Ends at SIGINT
 // and SIGTERM. FILE holds the chip's contents: read at the start if it is there, and written when
-// they have changed.
+// they have changed. --plug puts a loop-back plug in the board's place, with the wire of a pin cut
+// (0: none).
 #include <fcntl.h>
 #include <poll.h>
 #include <signal.h>
@@ -18,6 +19,7 @@
 #include <cstdio>
 #include <deque>
 #include <iostream>
+#include <optional>
 #include <span>
 #include <string>
 #include <system_error>
@@ -35,8 +37,14 @@ using SteadyClock = std::chrono::steady_clock;
 
 std::atomic<bool> isEnded{false};
 
-launch::LaunchOptions readOptions(std::span<char*> arguments) {
-  launch::LaunchOptions options;
+struct Options {
+  launch::LaunchOptions board;
+  std::optional<std::size_t> plugCutAt;
+};
+
+Options readOptions(std::span<char*> arguments) {
+  Options read;
+  launch::LaunchOptions& options = read.board;
   options.simulate = true;
   for (std::size_t i = 1; i < arguments.size(); i += 2) {
     const std::string name = arguments[i];
@@ -45,13 +53,16 @@ launch::LaunchOptions readOptions(std::span<char*> arguments) {
       options.model = launch::parseModel(value);
     } else if (name == "--chip") {
       options.chip = launch::parseChip(value);
+    } else if (name == "--plug") {
+      read.plugCutAt = std::stoul(value);
     } else {
-      throw launch::UsageError("usage: emulated-link [--model 4|5|6] [--chip TYPE[=FILE]]");
+      throw launch::UsageError(
+          "usage: emulated-link [--model 4|5|6] [--chip TYPE[=FILE]] [--plug PIN]");
     }
   }
   if (!options.chip)
     options.faults.push_back({.kind = launch::Fault::Kind::EmptySocket, .value = 0});
-  return options;
+  return read;
 }
 
 /// The adapter's end of a pseudo terminal.
@@ -152,9 +163,10 @@ void endAtSignals() {
   ::sigaction(SIGTERM, &action, nullptr);
 }
 
-void serve(const launch::LaunchOptions& options) {
-  launch::SimulatedBoard simulated(options, "");
+void serve(const Options& options) {
+  launch::SimulatedBoard simulated(options.board, "");
   EmulatedAdapter adapter(KESTREL_LINK_PROGRAM, simulated.bench());
+  if (options.plugCutAt) adapter.fitPlug(*options.plugCutAt);
   const Terminal terminal;
   Server server(adapter, terminal);
   endAtSignals();

@@ -92,6 +92,16 @@ TEST(Guard, switchesOffAtAStop) {
   expectOffAfter([](AdapterRig& rig) { rig.connection.stop(); }, 0.2);
 }
 
+TEST(Guard, switchesOffAtAWrongCheckValue) {
+  expectOffAfter(
+      [](AdapterRig& rig) {
+        auto block = frameBlock(BlockKind::Operations, 3, Bytes{0x05});
+        block.back() ^= 0x01;
+        rig.line.write(block);
+      },
+      600);
+}
+
 TEST(Guard, switchesOffWhenItsProgramHangs) {
   expectOffAfter([](AdapterRig& rig) { rig.adapter.hang(); }, 300);
 }

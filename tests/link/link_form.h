@@ -6,11 +6,20 @@
 
 namespace kestrel::test {
 
+using Bytes = std::vector<std::uint8_t>;
+
 /// The form over the code of a port at the end of a line, in the layers of the programs; the line,
 /// the adapter with its own program, the board and the time are emulated.
 struct LinkForm : BoardOnBench {
-  explicit LinkForm(sim::Model model = sim::Model::kestrel5, std::uint64_t latencyCycles = 0)
-      : BoardOnBench(model), adapter(KESTREL_LINK_PROGRAM, bench), latency(latencyCycles) {
+  enum class Trace { On, Off };
+
+  /// `latencyCycles`: what a round trip takes beside the bytes themselves.
+  explicit LinkForm(sim::Model model = sim::Model::kestrel5, std::uint64_t latencyCycles = 0,
+                    Trace tracing = Trace::On)
+      : BoardOnBench(model),
+        adapter(KESTREL_LINK_PROGRAM, bench),
+        latency(latencyCycles),
+        rig(ports->port(), waits, tracing == Trace::On ? &trace : nullptr, &stop, &service) {
     ports->takeMissing();
   }
 
@@ -39,7 +48,7 @@ struct LinkForm : BoardOnBench {
   ports::MonotonicClock clock;
   ports::PortWaits waits{*ports, clock};
   ServiceOf service{*ports};
-  FormRig rig{ports->port(), waits, &trace, &stop, &service};
+  FormRig rig;
 };
 
 }  // namespace kestrel::test

@@ -53,6 +53,7 @@ inline constexpr Family kFamilies[]{
 struct FamilyTrace {
   std::string programming;
   std::string reading;
+  std::vector<std::string> findings;  // what the bench has seen that no real socket forgives
 
   bool operator==(const FamilyTrace&) const = default;
 };
@@ -63,6 +64,7 @@ FamilyTrace traceOf(const Family& family) {
   Form f(family.model);
   Bytes image = randomBytes(static_cast<std::size_t>(family.bytes), 41);
   image[0] = 0xC3;  // a 24Cxx whose first bit is 0 holds SDA, and the next command, after a verify
+  if (family.model == k4 && family.voltage == 2) f.board->setVppByHand(21'000);
   f.start();
   f.insert(family.chip);
   if (!family.isProgrammed) f.insert(family.chip, padded(image, f.chipContents().size()));
@@ -77,7 +79,7 @@ FamilyTrace traceOf(const Family& family) {
     f.rig.program();
     EXPECT_TRUE(f.rig.logged("Programming Device Successfull"));
   }
-  FamilyTrace trace{.programming = f.trace.str(), .reading = {}};
+  FamilyTrace trace{.programming = f.trace.str(), .reading = {}, .findings = {}};
   f.trace.str("");
   f.rig.press("Verify_button");
   EXPECT_TRUE(f.rig.logged("Device Contents MATCHES with Buffer Contents"));
@@ -86,6 +88,7 @@ FamilyTrace traceOf(const Family& family) {
   EXPECT_TRUE(std::equal(image.begin(), image.end(), f.rig.state.CodeBuffer.begin()));
   EXPECT_EQ(f.board->vppPins(), 0U);
   trace.reading = f.trace.str();
+  for (const auto& finding : f.bench.findings().all()) trace.findings.push_back(finding.text);
   return trace;
 }
 

@@ -30,7 +30,7 @@ struct Tape {
   std::atomic<std::size_t> written;
   std::atomic<int> guardFailures;  // so many writes of the guard fail
   std::atomic<bool> isRunning;
-  std::array<std::uint16_t, 1 << 20> entries;
+  std::array<std::uint16_t, 1 << 22> entries;
 
   // The entry first: what is on the tape has reached the board.
   void write(int registerNumber, std::uint8_t value) {

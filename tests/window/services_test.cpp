@@ -3,6 +3,7 @@
 #include <QFileDialog>
 #include <QListWidget>
 #include <QPainter>
+#include <QPushButton>
 #include <QStyleFactory>
 #include <QStyleOptionButton>
 #include <QTextBrowser>
@@ -11,6 +12,7 @@
 #include "app/window/arguments.h"
 #include "app/window/board_panel.h"
 #include "app/window/help_window.h"
+#include "app/window/link_dialog.h"
 #include "app/window/qt_settings_store.h"
 #include "app/window/readable_style.h"
 #include "window/window_rig.h"
@@ -146,6 +148,34 @@ struct BoardPanelRig : StartedRig {
 
   window::SimulatedBoardPanel panel;
 };
+
+TEST(Link, isAskedForTestedAndKeptFromStartToStart) {
+  WindowRig rig;
+  rig.start();
+  rig.window.addLinkEntry(
+      [&] { return window::askForLink(rig.program, rig.settings, rig.window); });
+  const auto keptAfter = [&](const std::function<void(QDialog&)>& act) {
+    rig.controls().SystemLog.setText("");
+    const WithDialog dialog(act);
+    rig.find<QAction>("mnuLink").trigger();
+    return rig.settings.value("Link", "Port").value_or("none");
+  };
+  const auto press = [](QDialog& dialog, const char* button) {
+    dialog.findChild<QPushButton*>(button)->click();
+  };
+  EXPECT_EQ(keptAfter([&](QDialog& dialog) {
+              dialog.findChild<QComboBox*>("linkLine")->setEditText("/dev/ttyX9");
+              dialog.findChild<QComboBox*>("linkBase")->setCurrentIndex(1);
+              press(dialog, "linkUse");
+            }),
+            "278=link:/dev/ttyX9");
+  EXPECT_NE(rig.controls().SystemLog.text().find("FOUND at Port"), std::string::npos);
+  EXPECT_TRUE(window::withKeptLink({}, rig.settings).ports.at(0).isLink);
+  EXPECT_TRUE(window::withKeptLink(simulatedOptions("27C256"), rig.settings).ports.empty());
+  EXPECT_EQ(keptAfter([&](QDialog& dialog) { press(dialog, "linkUse"); }), "278=link:/dev/ttyX9");
+  EXPECT_EQ(keptAfter([&](QDialog& dialog) { press(dialog, "linkNone"); }), "");
+  EXPECT_TRUE(window::withKeptLink({}, rig.settings).ports.empty());
+}
 
 TEST(SimulatedBoardPanel, chipsGoInAreErasedAndComeOut) {
   BoardPanelRig rig;

@@ -51,6 +51,10 @@ std::int64_t MachinePorts::nowNs() {
   return std::chrono::duration_cast<std::chrono::nanoseconds>(now).count();
 }
 
+void MachinePorts::chooseLink(const std::optional<ports::PortChoice>& choice) {
+  if (realPorts_) realPorts_->chooseLink(choice);
+}
+
 void MachinePorts::beginOperation() {
   if (operations_++ > 0 || !realPorts_) return;
   realTime_.emplace();

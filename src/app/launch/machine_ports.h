@@ -35,6 +35,9 @@ class MachinePorts final : public PortService {
   /// The simulated machine; nullptr with real ports.
   [[nodiscard]] SimulatedBoard* simulated() { return simulated_.get(); }
 
+  /// Another adapter, or none, from the next hardware test on; without effect on a simulated board.
+  void chooseLink(const std::optional<ports::PortChoice>& choice);
+
   // The service of real ports; with the simulated board there is nothing to do.
   void beginOperation() override;
   void endOperation() override;

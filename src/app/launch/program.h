@@ -111,6 +111,9 @@ class LaunchedProgram {
   /// The wave file; nullptr where none was asked for and none may be.
   [[nodiscard]] WaveFile* waves() { return waves_ ? &*waves_ : nullptr; }
 
+  /// Another adapter, or none, from the next hardware test on.
+  void chooseLink(const std::optional<ports::PortChoice>& choice) { ports_.chooseLink(choice); }
+
  private:
   const TimeOfDay time_;
   MachinePorts ports_;

@@ -11,6 +11,7 @@
 #include "app/window/board_panel.h"
 #include "app/window/device_card.h"
 #include "app/window/instance_number.h"
+#include "app/window/link_dialog.h"
 #include "app/window/main_window.h"
 #include "app/window/qt_help_viewer.h"
 #include "app/window/qt_settings_store.h"
@@ -49,7 +50,7 @@ int runProgram(const Arguments& arguments) {
   QtHelpViewer help(screen);
   std::optional<launch::LaunchedProgram> launched;
   try {
-    launched.emplace(arguments.launch, kDefaultChip,
+    launched.emplace(withKeptLink(arguments.launch, settings), kDefaultChip,
                      launch::FrontEnd{.sounds = sounds,
                                       .settings = settings,
                                       .help = help,
@@ -76,6 +77,8 @@ int runProgram(const Arguments& arguments) {
     window.addSidePanel(*panel, "Simulated board");
     watchSocket(*simulated, window.deviceCard());
     window.onLeaving([panel] { return panel->keepChip(); });
+  } else {
+    window.addLinkEntry([&] { return askForLink(program, settings, window); });
   }
   if (program.waves() != nullptr) window.offerWaves(*program.waves());
   const InstanceNumber instance;

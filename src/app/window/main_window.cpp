@@ -386,6 +386,16 @@ void MainWindow::recordWaves(launch::WaveFile& waves, QAction& entry) {
   entry.setChecked(waves.isOpen());
 }
 
+void MainWindow::addLinkEntry(std::function<bool()> choose) {
+  QMenu& ports = *menus_->hardwareMenu().addMenu("&Port");
+  ports.setObjectName("mnuPort");
+  QAction& entry = *ports.addAction("&Link...");
+  entry.setObjectName("mnuLink");
+  connect(&entry, &QAction::triggered, this, [this, choose = std::move(choose)] {
+    if (choose()) binder.press(controls_.menuTestHardware);
+  });
+}
+
 void MainWindow::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (parts_.form.runner().isRunning()) {

@@ -72,6 +72,10 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   /// Offers to record the pins of the socket into a wave file.
   void offerWaves(launch::WaveFile& waves);
 
+  /// The entry Link... in the Hardware menu. `choose` asks for an adapter; when it returns true the
+  /// hardware is tested.
+  void addLinkEntry(std::function<bool()> choose);
+
   /// Asked when the window is about to close for good; false keeps it.
   void onLeaving(std::function<bool()> mayLeave) { mayLeave_ = std::move(mayLeave); }
 

@@ -36,6 +36,8 @@ bool RealPorts::isChosen(const std::string& device) const {
 // the user has given that to another base.
 void RealPorts::find(Slot& slot, const std::vector<ListedPort>& listed) const {
   slot.device.clear();
+  slot.isDirect = false;
+  slot.isLink = false;
   for (const ListedPort& each : listed) {
     if (each.base == slot.base && !isChosen(each.device())) slot.device = each.device();
   }
@@ -119,6 +121,14 @@ void RealPorts::takeMissing() {
     giveBack(each);
     find(each, listed);
     if (!each.device.empty()) take(each, listed);
+  }
+}
+
+void RealPorts::chooseLink(const std::optional<PortChoice>& choice) {
+  std::erase_if(options_.choices, [](const PortChoice& each) { return each.isLink; });
+  if (choice) options_.choices.push_back(*choice);
+  for (Slot& each : slots_) {
+    if (each.isLink || (choice && each.base == choice->base)) giveBack(each);
   }
 }
 

@@ -63,6 +63,10 @@ class RealPorts {
   /// test, so that a port that was plugged in or freed meanwhile is found.
   void takeMissing();
 
+  /// Another adapter, or none, from now on; whatever stood at its base is given back. To be taken
+  /// by takeMissing.
+  void chooseLink(const std::optional<PortChoice>& choice);
+
   /// Switches every port off by hand; true if there was one and it worked on all.
   bool switchOff() noexcept;
 
