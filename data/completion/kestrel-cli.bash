@@ -20,7 +20,7 @@ _kestrel_cli() {
       mapfile -t COMPREPLY < <(compgen -W "$("$program" devices --names 2>/dev/null)" -- "${current^^}")
       return ;;
     --format | --save-format)
-      mapfile -t COMPREPLY < <(compgen -W "auto binary ihex srec tek tekx ti-txt ti-tagged ascii-hex mos emon52 fpc
+      mapfile -t COMPREPLY < <(compgen -W "auto binary ihex srec tek tekx ti-txt ti-tagged ascii-hex mos emon52
         vmem" -- "$current")
       return ;;
     image)

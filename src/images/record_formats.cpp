@@ -10,21 +10,21 @@ namespace kestrel::images {
 namespace {
 
 constexpr std::uint32_t k16Bits = 0xFFFF;
+constexpr std::uint32_t k20Bits = 0xF'FFFF;  // of the processor that TI text is for
 constexpr std::uint32_t k32Bits = 0xFFFFFFFF;
 
 // clang-format off
-constexpr std::array<Format, 12> kFormats{{
+constexpr std::array<Format, 11> kFormats{{
     {FormatId::Binary,            "binary",    "binary",                  " bin rom img ",       false, k32Bits, true},
     {FormatId::IntelHex,          "ihex",      "Intel HEX",               " hex ihex ihx ",      true,  k32Bits, true},
     {FormatId::MotorolaS,         "srec",      "Motorola S-records",      " s19 s28 s37 srec mot s ", true, k32Bits, true},
     {FormatId::Tektronix,         "tek",       "Tektronix hexadecimal",   " tek ",               true,  k16Bits, true},
     {FormatId::TektronixExtended, "tekx",      "extended Tektronix",      " tekx tekhex ",       true,  k32Bits, true},
-    {FormatId::TiText,            "ti-txt",    "TI text",                 " ",                   false, k32Bits, true},
+    {FormatId::TiText,            "ti-txt",    "TI text",                 " ",                   false, k20Bits, true},
     {FormatId::TiTagged,          "ti-tagged", "TI tagged",               " ",                   true,  k16Bits, true},
     {FormatId::AsciiHex,          "ascii-hex", "ASCII space hexadecimal", " ",                   true,  k32Bits, true},
     {FormatId::MosTechnology,     "mos",       "MOS Technology",          " ",                   true,  k16Bits, true},
     {FormatId::Emon52,            "emon52",    "Elektor EMON52",          " ",                   true,  k16Bits, true},
-    {FormatId::FourPacked,        "fpc",       "four packed code",        " fpc ",               true,  k32Bits, true},
     {FormatId::VerilogMem,        "vmem",      "Verilog memory",          " vmem ",              false, k32Bits, false},
 }};
 // clang-format on

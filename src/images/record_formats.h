@@ -21,7 +21,6 @@ enum class FormatId : std::uint8_t {
   AsciiHex,
   MosTechnology,
   Emon52,
-  FourPacked,
   VerilogMem,
 };
 

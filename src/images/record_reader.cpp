@@ -2,7 +2,6 @@
 
 #include <srecord/input/file/ascii_hex.h>
 #include <srecord/input/file/emon52.h>
-#include <srecord/input/file/four_packed_code.h>
 #include <srecord/input/file/intel.h>
 #include <srecord/input/file/mos_tech.h>
 #include <srecord/input/file/tektronix.h>
@@ -55,8 +54,6 @@ Input inputFor(FormatId format, const std::string& name) {
       return srecord::input_file_mos_tech::create(name);
     case FormatId::Emon52:
       return srecord::input_file_emon52::create(name);
-    case FormatId::FourPacked:
-      return srecord::input_file_four_packed_code::create(name);
     case FormatId::VerilogMem:
       return srecord::input_file_vmem::create(name);
     case FormatId::Binary:

@@ -2,7 +2,6 @@
 
 #include <srecord/output/file/ascii_hex.h>
 #include <srecord/output/file/emon52.h>
-#include <srecord/output/file/four_packed_code.h>
 #include <srecord/output/file/intel.h>
 #include <srecord/output/file/mos_tech.h>
 #include <srecord/output/file/tektronix.h>
@@ -50,8 +49,6 @@ Output outputFor(FormatId format, const std::string& name) {
       return srecord::output_file_mos_tech::create(name);
     case FormatId::Emon52:
       return srecord::output_file_emon52::create(name);
-    case FormatId::FourPacked:
-      return srecord::output_file_four_packed_code::create(name);
     case FormatId::Binary:
     case FormatId::VerilogMem:
       break;

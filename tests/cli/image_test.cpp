@@ -38,7 +38,6 @@ TEST(Import, readsWhatOtherToolsWriteAndExportsWhatTheyRead) {
                                      {blocks + "-texas-instruments-tagged", "ti-tagged"},
                                      {blocks + "-ascii-hex", "ascii-hex"},
                                      {blocks + "-mos-technologies", "mos"},
-                                     {blocks + "-four-packed-code", "fpc"},
                                      {"objcopy -I binary -O ihex whole.bin a.x", "ihex"},
                                      {"objcopy -I binary -O srec whole.bin a.x", "srec"},
                                      {"objcopy -I binary -O verilog whole.bin a.x", "vmem"}}) {

@@ -55,7 +55,8 @@ SeriesChip ChipSeries::doChip(std::size_t number) {
   using Clock = std::chrono::steady_clock;
   const auto begin = Clock::now();
   SeriesChip chip{.number = number};
-  chip.result = checkSocket();
+  chip.result = form_.supplySocket();
+  if (chip.isGood()) chip.result = checkSocket();
   if (chip.isGood()) {
     if (counter_ != nullptr) chip.serial = giveNumber();
     chip.result = program();

@@ -24,6 +24,10 @@ CommandResult frmMain::exportImage(const std::string& name,
   return runner().run([&] { units_->files.exportImage(name, contents); });
 }
 
+CommandResult frmMain::supplySocket() {
+  return runner().run([&] { units_->board.startOperation(); });
+}
+
 std::string frmMain::whyNoBoard() const { return units_->whyNoBoard(); }
 
 bool frmMain::mayVoltageBeOn() const { return units_->machine.portService.mayVoltageBeOn(); }

@@ -48,9 +48,10 @@ class frmMain {
   /// True when a programming voltage could not be switched off.
   [[nodiscard]] bool mayVoltageBeOn() const;
 
-  /// Takes voltages and supply off the socket while a chip is changed; the next command puts the
-  /// board to its idle state by itself.
+  /// Takes voltages and supply off the socket while a chip is changed; and gives it its supply
+  /// again, with the time that it needs to come up.
   CommandResult releaseSocket();
+  CommandResult supplySocket();
 
   /// Every press of a control goes through it.
   [[nodiscard]] CommandRunner& runner();

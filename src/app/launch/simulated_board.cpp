@@ -93,22 +93,17 @@ void SimulatedBoard::putChipBack() {
   if (beside_) bench_.board(base_)->insert(std::move(beside_));
 }
 
+// The file of --chip itself names the series alone.
 void SimulatedBoard::changeChip(std::size_t number) {
-  const auto old = board().takeOut();
-  if (old == nullptr) return;
-  auto chip = sim::makeChip(old->typeName());
+  if (board().chip() == nullptr) return;
+  if (!seriesFile_.empty()) saveChip();
+  auto chip = sim::makeChip(board().takeOut()->typeName());
   if (seriesFile_.empty()) seriesFile_ = chipFile_;
   if (!seriesFile_.empty()) {
-    if (isSeries_) {
-      const auto contents = old->contents();
-      if (!std::ranges::equal(contents, fileContents_)) writeFileAtomically(chipFile_, contents);
-    }
     chipFile_ = seriesFile_.string() + "." + std::to_string(number);
     fileContents_.clear();
-    if (isThere(chipFile_)) fileContents_ = readWholeFile(chipFile_, chip->contents().size());
-    if (fileContents_.size() == chip->contents().size()) chip->load(fileContents_);
+    if (isThere(chipFile_)) readChipFile(*chip);
   }
-  isSeries_ = true;
   board().insert(std::move(chip));
 }
 

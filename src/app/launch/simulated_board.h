@@ -79,8 +79,7 @@ class SimulatedBoard {
   bool exchanged_ = false;
   std::unique_ptr<sim::Chip> beside_;
   std::filesystem::path chipFile_;
-  std::filesystem::path seriesFile_;  ///< that the names of a series come from
-  bool isSeries_ = false;
+  std::filesystem::path seriesFile_;        ///< with it the names of a series begin
   std::vector<std::uint8_t> fileContents_;  ///< as last read or written; empty: no file yet
   std::vector<std::uint64_t> unplugAfter_;
 };
