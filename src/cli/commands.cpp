@@ -116,7 +116,7 @@ constexpr std::array<Command, 17> kCommands{{
     {.name = "display", .help = "print a page of the chip", .options = kAtForm, .ownOption = "--page", .press = display, .worksOnMemory = true},
     {.name = "flash-id", .help = "ask a flash chip for its maker and device code", .options = kAtForm, .press = flashId},
     {.name = "erase-buffer", .help = "fill the buffer with FFh; -o saves it", .options = kSaved, .press = eraseBuffer, .needsBoard = false},
-    {.name = "compare", .help = "tell all differences of the chip from -i FILE", .options = kAtForm, .press = compareChip},
+    {.name = "compare", .help = "tell all differences of the chip from -i FILE", .options = kAtForm, .press = compareChip, .worksOnMemory = true},
     {.name = "image", .help = "tell about a file or change it; no board needed", .options = "-i -o --format --save-format --at --range --json", .alone = changeImage, .words = "OPERATION"},
     {.name = "save-project", .help = "write the options given into a project FILE", .options = kAtForm, .ownOption = "--backup --several --serial --report", .alone = saveProject, .words = "FILE"},
     {.name = "setups", .help = "list the four setups of this folder", .options = "--json", .alone = listSetups},

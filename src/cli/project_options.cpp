@@ -68,6 +68,9 @@ int saveProject(const Arguments& arguments) {
                   return name == "-" ? name : fullName(name).lexically_proximate(folder).string();
                 }));
   }
+  if (const auto algorithms = arguments.launch.algorithms) {
+    project.set(kAlgorithmsKey, *algorithms == Algorithms::Classic ? "classic" : "datasheet");
+  }
   writeFileAtomically(file, project.text());
   if (!arguments.quiet) std::cout << "Project saved as " << shownName(file.string()) << '\n';
   return kDone;

@@ -7,6 +7,8 @@
 
 namespace kestrel::cli {
 
+inline constexpr const char* kAlgorithmsKey = "algorithms";  ///< of --algorithms
+
 /// The key by which a project names an option: "device" for -d, "file" for -i, "save" for -o, else
 /// its name without hyphens. Empty for one that no project has.
 [[nodiscard]] std::string projectKey(std::string_view option);

@@ -153,10 +153,17 @@ void setFromProject(Arguments& a, const WorkOption& option, const std::string& f
                            "\"; use yes or no");
 }
 
+// The one option of the machine that belongs to a piece of work: the way to work on a chip.
+void setAlgorithms(Arguments& a, const std::string& value) {
+  if (!a.launch.algorithms) a.launch.algorithms = launch::parseAlgorithms(value);
+}
+
 void readProject(Arguments& a, const std::string& file) {
   for (const auto& [key, value] : setups::ProjectFile::read(file).items()) {
     const WorkOption* const option = optionOf(key);
-    if (option == nullptr) {
+    if (key == kAlgorithmsKey) {
+      setAlgorithms(a, value);
+    } else if (option == nullptr) {
       std::cerr << "kestrel-cli: " << shownName(file) << ": the key " << shownName(key)
                 << " is unknown and was passed over\n";
     } else if (a.textOf(option->name) == nullptr) {

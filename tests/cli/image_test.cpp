@@ -178,8 +178,9 @@ TEST(Project, givesTheOptionsThatTheCommandLineDoesNotAndKeepsWhatItDoesNotKnow)
   EXPECT_EQ(work.text("lot/a.project"),
             "kestrel-project = 1\ndevice = 27C64\nfile = ../rom.bin\nvpp = 12.5\nverify = yes\n");
   work.put("lot/a.project", "# our lot\n" + work.text("lot/a.project") + "colour = red\n");
-  EXPECT_EQ(work.run("save-project lot/a.project --speed 17").status, 0);
-  EXPECT_TRUE(work.text("lot/a.project").ends_with("verify = yes\ncolour = red\nspeed = 17\n"));
+  EXPECT_EQ(work.run("save-project lot/a.project --speed 17 --algorithms datasheet").status, 0);
+  EXPECT_TRUE(work.text("lot/a.project")
+                  .ends_with("verify = yes\ncolour = red\nspeed = 17\nalgorithms = datasheet\n"));
   const Outcome run = work.simulate("program --yes --project lot/a.project --chip 27C64=chip.bin");
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_TRUE(run.logged("Device Contents MATCHES with Buffer Contents"));
