@@ -93,6 +93,19 @@ void alert(const QString& file) {
   scene.keep(file);
 }
 
+void compared(const QString& file) {
+  Scene scene;
+  scene.openSample();
+  scene.select("27C256");
+  const auto& buffer = scene.form.state().CodeBuffer;
+  std::vector<std::uint8_t> chip(buffer.begin(), buffer.begin() + 32'768);
+  for (std::size_t i = 0; i < chip.size(); i += 5'000) chip[i] ^= 0x0F;
+  std::fill_n(chip.begin() + 0x40, 24, 0xFF);
+  scene.board().loadChip(chip);
+  scene.trigger("compareChip");
+  scene.keep(file);
+}
+
 void running(const QString& file) {
   Scene scene(simulatedOptions("27C020"));
   scene.select("27C020");
@@ -137,9 +150,9 @@ void help(const QString& file) {
 int main(int argc, char** argv) {
   using namespace kestrel::test;
   const std::map<QString, Picture> pictures{
-      {"start", atStart},         {"smallest", smallest}, {"largest", largest},
-      {"programmed", programmed}, {"alert", alert},       {"running", running},
-      {"voltage", highVoltage},   {"long", longTexts},    {"help", help}};
+      {"start", atStart},  {"smallest", smallest}, {"largest", largest}, {"programmed", programmed},
+      {"alert", alert},    {"compared", compared}, {"running", running}, {"voltage", highVoltage},
+      {"long", longTexts}, {"help", help}};
   const QApplication application(argc, argv);
   QApplication::setStyle(new kestrel::window::ReadableStyle(QStyleFactory::create("Fusion")));
   QApplication::setQuitOnLastWindowClosed(false);

@@ -97,6 +97,28 @@ TEST(Display, goesToWhatIsLookedForAndToAPlaceOnTheMap) {
   EXPECT_NEAR(rig.controls().VScroll1.value(), 64, 2);
 }
 
+TEST(Compare, showsEveryDifferenceOfTheChipAndKeepsTheBuffer) {
+  StartedRig rig("27C256");
+  const auto image = countingBytes(32'768);
+  rig.openFile("image.bin", image);
+  std::vector<std::uint8_t> chip = image;
+  chip[0x10] = 0x00;
+  chip[0x4321] ^= 0x01;
+  rig.board().loadChip(chip);
+  rig.click("Verify_button");
+  emit rig.find<QLabel>("outcome").linkActivated("compare");
+  rig.turn();
+  EXPECT_THAT(textOf(rig, "differenceSummary"),
+              HasSubstr("2 of 32768 bytes differ; difference 1 of 2"));
+  EXPECT_THAT(textOf(rig, "differenceMeaning"), HasSubstr("1"));
+  QTest::keyClick(&rig.window, Qt::Key_F3);
+  EXPECT_TRUE(rig.displayed("004320|"));
+  EXPECT_THAT(textOf(rig, "differenceSides"), HasSubstr("4321"));
+  const auto& buffer = rig.form.state().CodeBuffer;
+  EXPECT_TRUE(std::equal(image.begin(), image.end(), buffer.begin()));
+  EXPECT_TRUE(rig.controls().Program_button.enabled());
+}
+
 TEST(SafetyQuestion, tellsWhatWillBeDoneAndWhatDoesNotFit) {
   StartedRig rig("27C256");
   rig.openFile("image.bin", countingBytes(32'000));

@@ -1,5 +1,7 @@
 #include "app/form/frm_main.h"
 
+#include <utility>
+
 #include "app/form/units.h"
 
 namespace kestrel::form {
@@ -26,6 +28,24 @@ CommandResult frmMain::exportImage(const std::string& name,
 
 CommandResult frmMain::supplySocket() {
   return runner().run([&] { units_->board.startOperation(); });
+}
+
+CommandResult frmMain::readAside(std::vector<std::uint8_t>& chip) {
+  Units& u = *units_;
+  const BufferState before = u.state;
+  RangeControl& scroll = u.controls.VScroll1;
+  const auto kept = std::pair(scroll.maximum(), scroll.value());
+  const CommandResult result = u.runner.press(u.controls.Read_button);
+  const auto size = static_cast<std::ptrdiff_t>(u.state.DeviceSizeBytes);
+  chip.assign(u.state.CodeBuffer.begin(), u.state.CodeBuffer.begin() + size);
+  static_cast<BufferState&>(u.state) = before;
+  u.state.DisplayMode = "Read";
+  (void)u.runner.run([&] {
+    scroll.setMaximum(kept.first);
+    scroll.setValue(kept.second);
+    u.memoryDisplay.DisplayPageMemory();
+  });
+  return result;
 }
 
 std::string frmMain::whyNoBoard() const { return units_->whyNoBoard(); }

@@ -53,6 +53,9 @@ class frmMain {
   CommandResult releaseSocket();
   CommandResult supplySocket();
 
+  /// Reads the chip as Read does and gives what it holds; the code buffer stays as it was.
+  CommandResult readAside(std::vector<std::uint8_t>& chip);
+
   /// Every press of a control goes through it.
   [[nodiscard]] CommandRunner& runner();
 

@@ -17,6 +17,7 @@
 #include <QWheelEvent>
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 #include "app/window/elided_label.h"
 #include "app/window/memory_map_strip.h"
@@ -71,6 +72,14 @@ DisplayPanel::DisplayPanel(Controls& controls, const ProgrammerState& state, con
   find_->onFound([this](std::int32_t address, std::int32_t count) { showAddress(address, count); });
   find_->onClosed([this] { page_->setFocus(); });
   column->addWidget(find_);
+  differences_ = new DifferenceBar(this);
+  differences_->onShow(
+      [this](std::int32_t first, std::int32_t count) { showAddress(first, count); });
+  differences_->onClosed([this] {
+    map_->setDifferences({});
+    showAddress(marked_.begin, 0);
+  });
+  column->addWidget(differences_);
   setFocusProxy(page_);
   binder.common(controls.Frame3, *this);
 }
@@ -152,6 +161,23 @@ void DisplayPanel::showPage() {
   const std::int32_t begin = controls_.VScroll1.value() * kPageBytes;
   map_->setShown({.begin = begin, .end = begin + kPageBytes});
   showMarks();
+}
+
+// The find line goes before, while it is open.
+void DisplayPanel::goOn() {
+  const bool isComparing = differences_->isVisible() && differences_->hasDifferences();
+  isComparing && !find_->isVisible() ? differences_->next() : find_->findNext();
+}
+
+void DisplayPanel::showComparison(images::Comparison comparison, images::Bytes image,
+                                  images::Bytes other, const QString& otherName) {
+  std::vector<display::AddressRange> ranges;
+  for (const images::Range& range : comparison.ranges) {
+    ranges.push_back({.begin = static_cast<std::int32_t>(range.first),
+                      .end = static_cast<std::int32_t>(range.last) + 1});
+  }
+  map_->setDifferences(std::move(ranges));
+  differences_->setComparison(std::move(comparison), std::move(image), std::move(other), otherName);
 }
 
 void DisplayPanel::showMap() {

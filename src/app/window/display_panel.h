@@ -8,6 +8,7 @@
 #include "app/state/programmer_state.h"
 #include "app/window/binder.h"
 #include "app/window/buffer_find.h"
+#include "app/window/difference_bar.h"
 #include "display/memory_map.h"
 
 class QBoxLayout;
@@ -31,9 +32,15 @@ class DisplayPanel final : public QWidget {
   /// Asks for an address and goes there.
   void askForAddress();
 
-  /// Bytes or a text in the code buffer; the next place of what was looked for.
+  /// Bytes or a text in the code buffer.
   void openFind() { find_->open(); }
-  void findNext() { find_->findNext(); }
+  /// The next place of what was looked for, or the next difference.
+  void goOn();
+  void goBack() { differences_->previous(); }
+
+  /// Shows where the buffer's image differs from another one.
+  void showComparison(images::Comparison comparison, images::Bytes image, images::Bytes other,
+                      const QString& otherName);
 
   /// The buffer may hold something else.
   void showMap();
@@ -69,6 +76,7 @@ class DisplayPanel final : public QWidget {
   QPlainTextEdit* page_ = nullptr;
   RangeReporter* scroll_ = nullptr;
   BufferFind* find_ = nullptr;
+  DifferenceBar* differences_ = nullptr;
   MemoryMapStrip* map_ = nullptr;
   display::AddressRange marked_;
 };

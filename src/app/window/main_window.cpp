@@ -36,6 +36,10 @@
 #include "app/window/status_strip.h"
 #include "app/window/twips.h"
 #include "app/window/vpp_sign.h"
+#include "images/changes.h"
+#include "images/compare.h"
+#include "images/image_file.h"
+#include "platform/atomic_file.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::window {
@@ -137,7 +141,12 @@ void MainWindow::buildSearch() {
       [this] { display_->askForAddress(); });
   add("&Find...", QKeySequence("Ctrl+F"), "bufferFind",
       [this] { log_->hasKeyboard() ? log_->openFind() : display_->openFind(); });
-  add("Find &Next", QKeySequence("F3"), "bufferFindNext", [this] { display_->findNext(); });
+  add("Find &Next", QKeySequence("F3"), "bufferFindNext", [this] { display_->goOn(); });
+  menu.addSeparator();
+  add("&Compare with Chip", QKeySequence("Ctrl+D"), "compareChip", [this] { compareWithChip(); });
+  add("Compare with &File...", QKeySequence(), "compareFile", [this] { compareWithFile(); });
+  add("&Previous Difference", QKeySequence("Shift+F3"), "previousDifference",
+      [this] { display_->goBack(); });
 }
 
 void MainWindow::connectCommands() {
@@ -152,6 +161,7 @@ void MainWindow::connectCommands() {
   runner.whenStarted([this] { commandStarted(); });
   runner.whenEnded([this] { commandEnded(); });
   binder.onPress([this](const Control& control) { outcome_->begin(control); });
+  outcome_->onCompare([this] { compareWithChip(); });
   outcome_->onAddress([this](std::int32_t address) { display_->showAddress(address); });
   binder.onPressed(
       [this](const Control& control, const CommandResult& result) { pressed(control, result); });
@@ -367,6 +377,49 @@ void MainWindow::offerWaves(launch::WaveFile& waves) {
   entry->setCheckable(true);
   entry->setChecked(waves.isOpen());
   connect(entry, &QAction::triggered, this, [this, &waves, entry] { recordWaves(waves, *entry); });
+}
+
+// The bytes of the buffer that belong into the chip.
+images::Bytes MainWindow::imageForChip() const {
+  const ProgrammerState& state = parts_.form.state();
+  const auto end = state.CodeBuffer.begin() + state.DeviceSizeBytes;
+  images::Bytes image(state.CodeBuffer.begin(), end);
+  if (controls_.HiLow_button[1].value()) return images::splitLane(image, images::Lane::Odd);
+  if (controls_.HiLow_button[2].value()) return images::splitLane(image, images::Lane::Even);
+  return image;
+}
+
+void MainWindow::compareWithChip() {
+  if (strip_->errorLamp().isAlert()) binder.press(controls_.Error_label);
+  if (!controls_.Read_button.enabled()) {
+    outcome_->tell("Compare: choose a device first.");
+    return;
+  }
+  images::Bytes chip;
+  const CommandResult result = parts_.form.readAside(chip);
+  if (result.ending != Ending::Done) {
+    outcome_->tell("Compare: " + QString::fromStdString(result.reason));
+    return;
+  }
+  images::Bytes image = imageForChip();
+  images::Comparison comparison = images::compare(chip, image);
+  display_->showComparison(std::move(comparison), std::move(image), std::move(chip), "chip");
+}
+
+void MainWindow::compareWithFile() {
+  const std::string file = parts_.dialogs.openFile("Compare with File", "All Files (*.*)|*.*");
+  if (file.empty()) return;
+  try {
+    images::Bytes other = readWholeFile(file, images::kMostImageBytes);
+    const ProgrammerState& state = parts_.form.state();
+    const int length = std::max(state.CodeLength, state.DeviceSizeBytes);
+    images::Bytes image(state.CodeBuffer.begin(), state.CodeBuffer.begin() + length);
+    images::Comparison comparison = images::compare(other, image);
+    const QString name = onOneLine(QFileInfo(toQString(file)).fileName());
+    display_->showComparison(std::move(comparison), std::move(image), std::move(other), name);
+  } catch (const FileError& error) {
+    QMessageBox::warning(this, "Kestrel", onOneLine(error.what()));
+  }
 }
 
 // The second press ends what the first began.

@@ -14,6 +14,7 @@
 #include "app/window/qt_screen.h"
 #include "app/window/recent_files.h"
 #include "app/window/theme.h"
+#include "images/ranges.h"
 
 class QDockWidget;
 class QMessageBox;
@@ -108,6 +109,9 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   [[nodiscard]] bool mayLoseRead();
   bool saveCodeAs();
 
+  void compareWithChip();
+  void compareWithFile();
+  [[nodiscard]] images::Bytes imageForChip() const;
   void recordWaves(launch::WaveFile& waves, QAction& entry);
   void askToStop();
 

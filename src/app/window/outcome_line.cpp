@@ -12,6 +12,7 @@ namespace {
 
 constexpr int kLookMs = 100;
 constexpr double kMsPerSecond = 1000.0;
+constexpr const char* kCompare = "compare";
 
 QString hexAddress(std::int32_t address) {
   constexpr int kDigits = 5;
@@ -30,7 +31,11 @@ OutcomeLine::OutcomeLine(const Controls& controls, const ProgrammerState& state,
   setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
   setText("&nbsp;");  // the line keeps its height
   connect(this, &QLabel::linkActivated, this, [this](const QString& address) {
-    if (go_) go_(address.toInt());
+    if (address == kCompare) {
+      if (compare_) compare_();
+    } else if (go_) {
+      go_(address.toInt());
+    }
   });
   timer_.setInterval(kLookMs);
   connect(&timer_, &QTimer::timeout, this, [this] { showRunning(); });
@@ -110,6 +115,8 @@ QString OutcomeLine::failedText(const QString& command, const CommandResult& res
                   .arg(*result.address)
                   .arg(hexAddress(*result.address));
   }
+  const bool isMismatch = command == "Verify" && result.ending == Ending::Differs;
+  if (isMismatch) reason += QString(", <a href=\"%1\">compare all</a>").arg(kCompare);
   return command + ": " + reason;
 }
 

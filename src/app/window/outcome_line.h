@@ -20,6 +20,9 @@ class OutcomeLine final : public QLabel {
   /// A click on the address of what failed.
   void onAddress(std::function<void(std::int32_t address)> go) { go_ = std::move(go); }
 
+  /// A click that wants all differences of the chip from the buffer.
+  void onCompare(std::function<void()> compare) { compare_ = std::move(compare); }
+
   /// A control was pressed; the line follows the commands on the chip and leaves the others.
   void begin(const Control& control);
   /// `asked`: milliseconds that questions took.
@@ -41,6 +44,7 @@ class OutcomeLine final : public QLabel {
   const Controls& controls_;
   const ProgrammerState& state_;
   std::function<void(std::int32_t)> go_;
+  std::function<void()> compare_;
   QString running_;
   QTimer timer_;
   QElapsedTimer clock_;
