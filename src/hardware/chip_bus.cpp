@@ -166,12 +166,17 @@ bool ChipBus::showsHalf(std::int16_t select) const {
   return control_ && ((*control_ ^ select) & kHalfSelect) == 0;
 }
 
-std::uint8_t ChipBus::readHalf(std::int16_t select) {
+// Both halves are asked for before one is fetched: one round trip through an adapter.
+PendingRead ChipBus::askHalf(std::int16_t select) {
   if (!showsHalf(select)) {
     port_.PortOut(portState_.ControlPort, narrowed<std::uint8_t>(select));
     control_ = select;
   }
-  return port_.PortIn(portState_.StatusPort);
+  return port_.askPortIn(portState_.StatusPort);
+}
+
+std::uint8_t ChipBus::fetchHalf(PendingRead pending) {
+  return port_.fetchPortIn(portState_.StatusPort, pending);
 }
 
 std::uint8_t ChipBus::decoded(unsigned low, unsigned high) const {
@@ -184,16 +189,20 @@ std::uint8_t ChipBus::decoded(unsigned low, unsigned high) const {
 std::uint8_t ChipBus::read() {
   if (!hasModel()) return 0;
   if (showsHalf(portState_.NibbleSelB)) {
-    const std::uint8_t high = readHalf(portState_.NibbleSelB);
-    return decoded(readHalf(portState_.NibbleSelA), high);
+    const PendingRead upper = askHalf(portState_.NibbleSelB);
+    const PendingRead lower = askHalf(portState_.NibbleSelA);
+    const std::uint8_t high = fetchHalf(upper);
+    return decoded(fetchHalf(lower), high);
   }
-  const std::uint8_t low = readHalf(portState_.NibbleSelA);
-  return decoded(low, readHalf(portState_.NibbleSelB));
+  const PendingRead lower = askHalf(portState_.NibbleSelA);
+  const PendingRead upper = askHalf(portState_.NibbleSelB);
+  const std::uint8_t low = fetchHalf(lower);
+  return decoded(low, fetchHalf(upper));
 }
 
 std::uint8_t ChipBus::readUpperHalf() {
   if (!hasModel()) return 0;
-  return decoded(0, readHalf(portState_.NibbleSelB)) & kUpperBits;
+  return decoded(0, fetchHalf(askHalf(portState_.NibbleSelB))) & kUpperBits;
 }
 
 void ChipBus::pulse(std::int64_t widthUs) {

@@ -78,7 +78,8 @@ class ChipBus {
   void addressLatch(std::size_t latch);
   [[nodiscard]] bool hasModel() const;
   [[nodiscard]] bool showsHalf(std::int16_t select) const;
-  [[nodiscard]] std::uint8_t readHalf(std::int16_t select);
+  [[nodiscard]] PendingRead askHalf(std::int16_t select);
+  [[nodiscard]] std::uint8_t fetchHalf(PendingRead pending);
   [[nodiscard]] std::uint8_t decoded(unsigned low, unsigned high) const;
 
   const PortState& portState_;

@@ -40,6 +40,13 @@ class RecordingPort final : public PortAccess, public Waits {
 
   void PortOut(std::int16_t port, std::uint8_t value) override;
   [[nodiscard]] std::uint8_t PortIn(std::int16_t port) override;
+  // While it records it wants each byte at its time, though that takes longer through an adapter.
+  [[nodiscard]] PendingRead askPortIn(std::int16_t port) override {
+    return record_ ? PortAccess::askPortIn(port) : port_.askPortIn(port);
+  }
+  [[nodiscard]] std::uint8_t fetchPortIn(std::int16_t port, PendingRead pending) override {
+    return port_.fetchPortIn(port, pending);
+  }
   void Sleep(std::int32_t milliseconds) override { waits_.Sleep(milliseconds); }
   void Spin(std::int64_t counts) override { waits_.Spin(counts); }
 

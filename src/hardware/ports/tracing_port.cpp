@@ -4,6 +4,7 @@
 #include <charconv>
 #include <ostream>
 #include <string_view>
+#include <utility>
 
 namespace kestrel::ports {
 namespace {
@@ -79,17 +80,19 @@ PendingRead TracingPort::askPortIn(std::int16_t port) {
   return pending;
 }
 
+// Reads are fetched in the order of their asking: one that is unanswered before this one was given
+// up.
 std::uint8_t TracingPort::fetchPortIn(std::int16_t port, PendingRead pending) {
   const std::uint8_t value = port_.fetchPortIn(port, pending);
   if (pending.isHere) return value;
-  for (HeldBack& each : heldBack_) {
-    if (!each.isUnanswered || each.read != pending.number) continue;
-    each = {.text = std::string(Line("in ").access(port, value).ended())};
-    break;
-  }
-  while (!heldBack_.empty() && !heldBack_.front().isUnanswered) {
-    trace_ << heldBack_.front().text;
+  bool isWritten = false;
+  while (!heldBack_.empty() && !(isWritten && heldBack_.front().isUnanswered)) {
+    const HeldBack first = std::move(heldBack_.front());
     heldBack_.pop_front();
+    trace_ << first.text;
+    if (!first.isUnanswered || first.read != pending.number) continue;
+    trace_ << Line("in ").access(port, value).ended();
+    isWritten = true;
   }
   return value;
 }
@@ -102,7 +105,7 @@ void TracingPort::write(std::string_view line) {
   }
 }
 
-// Reads are fetched in the order of their asking: what is unanswered now will never be.
+// What is unanswered now will never be answered.
 void TracingPort::writeHeldBack() {
   for (const HeldBack& each : heldBack_) trace_ << each.text;
   heldBack_.clear();
