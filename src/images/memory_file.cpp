@@ -25,13 +25,12 @@ MemoryFile::MemoryFile(std::span<const std::uint8_t> bytes)
   checkItOpens();
 }
 
-// The room is taken and given back: then neither the memory nor the limit of a file's size
-// (ulimit -f) ends the writing.
+// The room is taken, and given back when the library opens the file to write: then neither the
+// memory nor the limit of a file's size (ulimit -f) ends the writing.
 MemoryFile::MemoryFile(std::size_t room) : file_(::memfd_create("kestrel-image", MFD_CLOEXEC)) {
   if (!file_.isOpen()) fail(errno);
   if (const int error = ::posix_fallocate(file_.number(), 0, static_cast<off_t>(room)); error != 0)
     fail(error);
-  if (::ftruncate(file_.number(), 0) != 0) fail(errno);
   checkItOpens();
 }
 

@@ -80,6 +80,8 @@ TEST(Series, givesEachChipItsOwnNumberWhateverEndsTheProgram) {
   const std::multiset<int> numbers = numbersInGoodChips(work);
   EXPECT_EQ(std::set<int>(numbers.begin(), numbers.end()).size(), numbers.size()) << "given twice";
   for (const int number : numbers) EXPECT_EQ((number - 500) % 3, 0) << number;
+  // The killed run's last number may be in doubt; no other is lost.
+  EXPECT_LE(*numbers.rbegin(), 500 + 3 * static_cast<int>(numbers.size()));
   EXPECT_GE(rowsWith(work, ",bad,"), 2);
   EXPECT_TRUE(
       work.text("report.csv").starts_with("chip,device,serial,result,sum,seconds,time,reason\n1,"));

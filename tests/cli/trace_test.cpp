@@ -125,5 +125,23 @@ TEST(Safe, loadsTheIdleValueIntoLatch0OfEitherFamily) {
   EXPECT_EQ(work.text("t.txt"), accesses(0x278, "d40 c05 c04 c05 c0A c0B c0A"));
 }
 
+// A 24-pin chip has its supply from latch 1 bit 5: off while a hand is in the socket, on and given
+// time before the chip is asked for anything.
+TEST(Trace, ofASeriesHasNoSupplyAtTheSocketWhileAChipIsChanged) {
+  const Workplace work;
+  work.put("rom.bin", std::string(4096, '\0'));
+  work.put("go", "\n");
+  const Outcome run =
+      work.finish(work.start("--simulate --yes program --several -d 2732A --vpp 21 -i rom.bin "
+                             "--trace trace.txt <go >out.txt 2>err.txt #"));
+  EXPECT_EQ(run.status, 0) << run.err;
+  const std::string trace = work.text("trace.txt");
+  const std::string off = loads("0=00 3=40 1=00 2=00", " p102");
+  const std::size_t before = trace.find(off + loads("0=40 1=20 2=00 3=C4", " p102"));
+  ASSERT_NE(before, std::string::npos);
+  EXPECT_LT(trace.find("sleep 500", before), before + 1000);
+  EXPECT_NE(trace.find(off, before + off.size()), std::string::npos) << "nor after the last chip";
+}
+
 }  // namespace
 }  // namespace kestrel::test

@@ -187,9 +187,9 @@ TEST(EditHistory, goesBackAndForthAndKnowsWhatIsSaved) {
   (void)history.undo(image);
   (void)history.undo(image);
   change("other", {1, 2, 3});
+  EXPECT_TRUE(history.isChanged()) << "the saved image cannot be reached any more";
   EXPECT_EQ(history.redo(image), std::nullopt);
   EXPECT_EQ(history.undo(image), "other");
-  EXPECT_TRUE(history.isChanged()) << "the saved image cannot be reached any more";
 }
 
 TEST(SerialCounter, givesNoNumberTwiceAfterACrashAndThatOfABadChipAgain) {
