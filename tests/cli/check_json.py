@@ -20,6 +20,7 @@ RUNS = (  # words, exit status, events that must be there
   ("compare --simulate --json -d 27C64 -i rom.bin --chip 27C64", 4, {"differences", "result"}),
   ("program --several --report r.csv --serial at=10 --simulate --json --yes -d 27C64 -i rom.bin", 0, {"chip"}),
   ("read --simulate --json -d 24C16 --fault empty", 1, {"result"}),
+  ("read --simulate --json", 2, {"result"}),
 )
 
 
@@ -37,6 +38,9 @@ def main():
                            env={"HOME": folder, "XDG_CONFIG_HOME": folder})
       lines = [json.loads(line) for line in run.stdout.decode("utf-8").splitlines()]
       faults += [f"{words}: {error.message}" for line in lines for error in validator.iter_errors(line)]
+      for line in lines:
+        if line["event"] == "result" and (line["ending"] == "done") != (line["status"] == 0):
+          faults.append(f"{words}: {line['ending']} with status {line['status']}")
       if run.returncode != status or not events <= {line["event"] for line in lines}:
         faults.append(f"{words}: status {run.returncode}, {run.stderr.decode(errors='replace')}")
   print("\n".join(faults))

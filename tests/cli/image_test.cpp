@@ -59,6 +59,17 @@ TEST(Import, readsWhatOtherToolsWriteAndExportsWhatTheyRead) {
   }
 }
 
+TEST(Export, writesTheRangeUnderTheAddressThatItIsGiven) {
+  const Workplace work;
+  work.put("chip.bin", mostlyErased(8192, 0x10, "abcd"));
+  const std::string read =
+      "read -q -d 27C64 --chip 27C64=chip.bin -o part.s28 --range 10-13 --at F0000 ";
+  EXPECT_EQ(work.simulate(read + "--save-format auto").status, 0);
+  // 8 + 0F + 61 + 62 + 63 + 64 = 1A1h, whose complement ends in 5E.
+  EXPECT_TRUE(work.text("part.s28").starts_with("S2080F0000616263645E\n")) << work.text("part.s28");
+  EXPECT_TRUE(work.simulate(read + "--save-format tek").told("has no addresses above FFFF"));
+}
+
 TEST(Import, refusesWhatIsDamagedOrDoesNotFitAndChangesNothing) {
   const Workplace work;
   const std::string good = ":0400300001020304C2\n:00000001FF\n";
@@ -141,6 +152,11 @@ TEST(Compare, tellsAllDifferencesAndWhatTheyMean) {
       work.simulate(compare + "=same.bin --fault stuck:5").told("data line D5 is always 0"));
   EXPECT_TRUE(work.simulate(compare + " --fault empty").told("there is no chip or no supply"));
   EXPECT_EQ(work.simulate("compare -d 27C64 -i rom.bin --chip 27C64=same.bin").status, 0);
+  std::string pair(16384, 'e');
+  for (std::size_t i = 0; i < rom.size(); ++i) pair[2 * i + 1] = rom[i];
+  work.put("pair.bin", pair);
+  EXPECT_EQ(work.simulate("compare -d 27C64 -i pair.bin --lane odd --chip 27C64=same.bin").status,
+            0);
 }
 
 TEST(Backup, keepsWhatAChipHeldAndNothingOfABlankOne) {
@@ -177,10 +193,11 @@ TEST(Project, givesTheOptionsThatTheCommandLineDoesNotAndKeepsWhatItDoesNotKnow)
             0);
   EXPECT_EQ(work.text("lot/a.project"),
             "kestrel-project = 1\ndevice = 27C64\nfile = ../rom.bin\nvpp = 12.5\nverify = yes\n");
-  work.put("lot/a.project", "# our lot\n" + work.text("lot/a.project") + "colour = red\n");
+  work.put("lot/a.project",
+           "# our lot\n" + work.text("lot/a.project") + "colour = red\nspeed=17\n");
   EXPECT_EQ(work.run("save-project lot/a.project --speed 17 --algorithms datasheet").status, 0);
   EXPECT_TRUE(work.text("lot/a.project")
-                  .ends_with("verify = yes\ncolour = red\nspeed = 17\nalgorithms = datasheet\n"));
+                  .ends_with("verify = yes\ncolour = red\nspeed=17\nalgorithms = datasheet\n"));
   const Outcome run = work.simulate("program --yes --project lot/a.project --chip 27C64=chip.bin");
   EXPECT_EQ(run.status, 0) << run.err;
   EXPECT_TRUE(run.logged("Device Contents MATCHES with Buffer Contents"));

@@ -55,8 +55,7 @@ SeriesChip ChipSeries::doChip(std::size_t number) {
   using Clock = std::chrono::steady_clock;
   const auto begin = Clock::now();
   SeriesChip chip{.number = number};
-  chip.result = form_.supplySocket();
-  if (chip.isGood()) chip.result = checkSocket();
+  chip.result = checkSocket();
   if (chip.isGood()) {
     if (counter_ != nullptr) chip.serial = giveNumber();
     chip.result = program();

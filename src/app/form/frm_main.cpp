@@ -26,10 +26,6 @@ CommandResult frmMain::exportImage(const std::string& name,
   return runner().run([&] { units_->files.exportImage(name, contents); });
 }
 
-CommandResult frmMain::supplySocket() {
-  return runner().run([&] { units_->board.startOperation(); });
-}
-
 CommandResult frmMain::readAside(std::vector<std::uint8_t>& chip) {
   Units& u = *units_;
   const BufferState before = u.state;

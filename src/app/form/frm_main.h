@@ -48,10 +48,9 @@ class frmMain {
   /// True when a programming voltage could not be switched off.
   [[nodiscard]] bool mayVoltageBeOn() const;
 
-  /// Takes voltages and supply off the socket while a chip is changed; and gives it its supply
-  /// again, with the time that it needs to come up.
+  /// Takes voltages and supply off the socket while a chip is changed. The next command gives them
+  /// back and waits for the supply to come up, as every operation on a chip does.
   CommandResult releaseSocket();
-  CommandResult supplySocket();
 
   /// Reads the chip as Read does and gives what it holds; the code buffer stays as it was.
   CommandResult readAside(std::vector<std::uint8_t>& chip);
