@@ -24,6 +24,7 @@
 #include "app/window/display_panel.h"
 #include "app/window/elided_label.h"
 #include "app/window/file_of.h"
+#include "app/window/fitting_area.h"
 #include "app/window/lamp.h"
 #include "app/window/log_panel.h"
 #include "app/window/menus.h"
@@ -101,18 +102,22 @@ void MainWindow::buildContent() {
   auto* const column = new QVBoxLayout(content);
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
-  auto* const middle = new QHBoxLayout;
+  auto* const area = new FittingArea(content);
+  auto* const work = new QWidget(area);
+  area->setWidget(work);
+  column->addWidget(area, 1);
+  auto* const middle = new QHBoxLayout(work);
+  middle->setContentsMargins(0, 0, 0, 0);
   middle->setSpacing(0);
-  column->addLayout(middle, 1);
-  options_ = new OptionsPanel(controls_, parts_.form.state(), binder, icons, content);
+  options_ = new OptionsPanel(controls_, parts_.form.state(), binder, icons, work);
   middle->addWidget(options_);
   auto* const right = new QVBoxLayout;
   middle->addLayout(right, 1);
-  commands_ = new CommandBar(controls_, parts_.form.state(), binder, icons, content);
+  commands_ = new CommandBar(controls_, parts_.form.state(), binder, icons, work);
   right->addWidget(commands_);
-  outcome_ = new OutcomeLine(controls_, parts_.form.state(), content);
+  outcome_ = new OutcomeLine(controls_, parts_.form.state(), work);
   right->addWidget(outcome_);
-  split_ = new QSplitter(Qt::Vertical, content);
+  split_ = new QSplitter(Qt::Vertical, work);
   split_->setChildrenCollapsible(false);
   display_ = new DisplayPanel(controls_, parts_.form.state(), binder, split_);
   log_ = new LogPanel(controls_, binder, parts_.dialogs, split_);

@@ -13,6 +13,8 @@
 namespace kestrel::window {
 namespace {
 
+constexpr int kShortestBar = 40;  // pixels
+constexpr int kLongestBar = 160;
 constexpr qint64 kFirstGuessMs = 1'000;  // earlier the time left is no more than noise
 
 }  // namespace
@@ -62,7 +64,8 @@ void StatusStrip::buildProgress(QBoxLayout& row) {
   bar_ = new QProgressBar(this);
   bar_->setTextVisible(false);
   bar_->setRange(0, 100);
-  bar_->setFixedWidth(160);
+  bar_->setMinimumWidth(kShortestBar);
+  bar_->setMaximumWidth(kLongestBar);
   bar_->setAccessibleName("Progress");
   percent_ = new QLabel(this);
   percent_->setObjectName("percent");
@@ -73,7 +76,7 @@ void StatusStrip::buildProgress(QBoxLayout& row) {
   timeLeft_->setMinimumWidth(fontMetrics().horizontalAdvance("00:00 left"));
   binder_.common(controls_.ProgressBar1, *bar_);
   binder_.mirror().bind(controls_.ProgressBar1, *bar_, [this] { showProgress(); });
-  row.addWidget(bar_);
+  row.addWidget(bar_, 1);  // as long as there is room
   row.addWidget(percent_);
   row.addWidget(timeLeft_);
 }
