@@ -26,6 +26,7 @@ const Ending kAtOnce[] = {
     {"", 2, "no command"},
     {"raed", 2, "\"raed\" is no command"},
     {"read --speed 21", 2, "1 (slow) to 20"},
+    {"read --simulate -d 2764 --vpp 13", 2, "use 12.5, 21 or 25"},
     {"save-setup 5 x", 2, "use 1 to 4"},
     {"save-setup 1 'a\nsFILE = b'", 2, "one line"},
     {"read --model 6", 2, "add --simulate"},

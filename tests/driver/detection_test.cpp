@@ -102,6 +102,8 @@ TEST(Signatures, tellTheModelsAndAForcedModelsCodesAreApplied) {
   EXPECT_TRUE(f.port.taken().starts_with("278=40 27A=0A 27A=0B 27A=0A 278=00 27A=02 "));
   EXPECT_EQ(f.c.KestrelHardwareFound.caption(), "Operator Forced Model 4");
   EXPECT_EQ(f.rig.log().back(), "KESTREL-4 Device was FORCED by Operator");
+  ASSERT_TRUE(f.rig.press("ForceKestrel6"));
+  EXPECT_EQ(f.s.KestrelModel, 6);
 }
 
 }  // namespace

@@ -57,7 +57,7 @@ TEST(DeviceDisplay, drawsTheBytesThatAReadGives) {
     PreparedForm s(chip, device, {}, randomBytes(bytes, 71));
     const Bytes contents = s.chipContents();
     s.rig.press("Display_button");
-    for (const std::size_t page : {bytes / 256 - 1, bytes / 512 + 3}) {
+    for (const std::size_t page : {0U, bytes / 256 - 1, bytes / 512 + 3}) {
       s.rig.controls.VScroll1.setValue(static_cast<std::int32_t>(page));
       const std::string hex = digitsOf(s.rig.controls.BufferDisplay.text());
       ASSERT_EQ(hex.size(), 512U);

@@ -64,7 +64,11 @@ TEST_P(EveryPart, isProgrammedVerifiedAndReadBack) {
   s.rig.controls.VerifyAfterProgramming.press();
   const std::int32_t whole = s.rig.state.CodeLength;
   if (!isWhole) s.rig.state.CodeLength = 4096;  // for blank check and verify
+  bool lampLit = false;
+  s.rig.screen.onTurn = [&] { lampLit |= s.rig.controls.DataFlow_label.colour() == Colour::Green; };
   ASSERT_TRUE(s.rig.program());
+  EXPECT_TRUE(lampLit);
+  EXPECT_EQ(s.rig.controls.Verify_button.colour(), Colour::ButtonFace);
   EXPECT_TRUE(s.rig.logged("Device IS BLANK (ERASED)"));
   EXPECT_TRUE(s.rig.logged("Programming Device Successfull"));
   EXPECT_EQ(s.rig.controls.Program_label.colour(), Colour::ButtonFace);
@@ -164,6 +168,7 @@ TEST(NotProgrammed, isAChipThatIsNotBlankAndAFamilyWithoutARoutine) {
   s.rig.clearLog();
   s.rig.program("menuProgramCode");  // the question, and nothing more
   EXPECT_THAT(s.rig.log(), testing::ElementsAre("Programming Button Pressed"));
+  EXPECT_EQ(s.rig.result.ending, Ending::Refused);
   s.rig.controls.ProgressBar1.setValue(7);
   EXPECT_TRUE(s.rig.press("Error_label"));
   EXPECT_EQ(s.rig.controls.ProgressBar1.value(), 0);
@@ -171,6 +176,7 @@ TEST(NotProgrammed, isAChipThatIsNotBlankAndAFamilyWithoutARoutine) {
   s.rig.state.FamilyCode = "PM";
   s.rig.program();
   EXPECT_EQ(s.rig.log().back(), "Device Not Supported - Status 9 - Please Report");
+  EXPECT_EQ(s.rig.result.ending, Ending::NoRoutine);
   EXPECT_TRUE(s.chipContents() == contents);
 }
 

@@ -23,11 +23,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto isIn = [](std::int32_t value, std::int32_t lowest, std::int32_t highest) {
     return value >= lowest && value <= highest;
   };
-  const bool isSound = isIn(c.Slider1.value(), 1, 20) && isIn(c.Device.position(), -1, 40) &&
-                       isIn(c.CheckCode.value(), 0, 2) && isIn(c.CheckData.value(), 0, 2) &&
-                       isIn(c.VerifyAfterProgramming.value(), 0, 2) &&
-                       c.CheckBlankPriorProgramming.value() == 0 &&
-                       !form->rig.form.runner().isRunning();
+  const auto devices = static_cast<std::int32_t>(c.Device.items().size());
+  const bool isSound =
+      isIn(c.Slider1.value(), 1, 20) && isIn(c.Device.position(), -1, devices - 1) &&
+      isIn(c.CheckCode.value(), 0, 2) && isIn(c.CheckData.value(), 0, 2) &&
+      isIn(c.VerifyAfterProgramming.value(), 0, 2) && c.CheckBlankPriorProgramming.value() == 0 &&
+      !form->rig.form.runner().isRunning();
   if (!isSound) std::abort();
   return 0;
 }

@@ -138,6 +138,7 @@ launch::LaunchOptions with2764(const std::vector<std::string>& faults = {}) {
 }
 
 TEST(SimulatedBoard, faultsAreFitted) {
+  EXPECT_EQ(launch::chipTypeForDevice("Eprom M27C256"), "27C256");
   EXPECT_THROW(launch::SimulatedBoard(with2764({"weak:2000"}), ""), launch::UsageError)
       << "one past the end";
   EXPECT_EQ(launch::SimulatedBoard(with2764({"empty"}), "").board().chip(), nullptr);

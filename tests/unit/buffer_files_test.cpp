@@ -23,6 +23,7 @@ TEST(OpenCode, readsAndShowsTheFileAndEnablesWhatNeedsOne) {
   f.s.CodeBuffer[19] = 0x77;
   f.open("mnuFileOpenCode", path);
   EXPECT_EQ(f.rig.dialogs.asked.back(), "Open Code File|All Files (*.*)|*.*");
+  EXPECT_EQ(f.rig.sounds.played, std::vector<std::string>{"done.wav"});
   EXPECT_EQ(f.rig.log(),
             (std::vector<std::string>{"File " + path + " - was read into Buffer. 19 bytes long.",
                                       "Read File CRC = $05AE",

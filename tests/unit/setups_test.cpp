@@ -101,7 +101,7 @@ TEST(RestoreSetup, readsValuesAsFarAsTheyGoAndSkipsWhatIsNoLineOfItsOwn) {
   EXPECT_EQ(f.s.DeviceName, "Eprom 27C64");
   EXPECT_EQ(f.c.Slider1.value(), 20);
   EXPECT_EQ(f.c.VerifyAfterProgramming.value(), 2);
-  f.restore("Device.Index = 41\nSlider1.Value = none\nVerifyAfterProgramming.Value = -1\n");
+  f.restore("Device.Index = 81\nSlider1.Value = none\nVerifyAfterProgramming.Value = -1\n");
   EXPECT_EQ(f.c.Device.position(), 7);
   EXPECT_EQ(f.c.Slider1.value(), 1);
   f.restore("Device.Index = -99999999999999999999\nCheckData.Value = 1\n");
