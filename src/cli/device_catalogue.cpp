@@ -12,9 +12,9 @@
 #include "app/launch/option_values.h"
 #include "app/state/programmer_state.h"
 #include "app/state/text_format.h"
+#include "devices/chip_pins.h"
 #include "devices/device_table.h"
 #include "devices/families.h"
-#include "devices/pinouts.h"
 #include "devices/remarks.h"
 
 namespace kestrel::cli {
@@ -104,7 +104,7 @@ const char* kindOf(const devices::Family& family) {
   return family.offersErase ? "EEPROM" : "UV EPROM";
 }
 
-std::string packageOf(const devices::Pinout& pinout) {
+std::string packageOf(const devices::ChipPins& pinout) {
   return pinout.count() == 0 ? "not known" : std::to_string(pinout.count()) + " pins";
 }
 
@@ -181,7 +181,7 @@ void DeviceCatalogue::printNames(std::ostream& out) const {
 void DeviceCatalogue::print(const Device& device, std::ostream& out) {
   constexpr int kBytesPerKB = 1024;
   const devices::Family& family = devices::familyOf(device.family);
-  const devices::Pinout pinout = devices::pinoutOf(device.family);
+  const devices::ChipPins pinout = devices::chipPinsOf(device.family);
   out << device.name << '\n'
       << "Family:    " << kindOf(family) << " (" << device.family << ")\n"
       << "Size:      " << device.sizeKB * kBytesPerKB << " bytes\n"

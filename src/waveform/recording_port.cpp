@@ -16,12 +16,13 @@ RecordingPort::RecordingPort(PortAccess& port, Waits& waits, Nanoseconds now)
 
 RecordingPort::~RecordingPort() { (void)stop(); }
 
-RecordingPort::Record::Record(std::ostream& out, const devices::Pinout& pinout,
+RecordingPort::Record::Record(std::ostream& out, const devices::ChipPins& pinout,
                               const PortState& portState, const LatchState& latchState)
     : writer(out), socket(writer, pinout), port(portState), decode(latchState) {}
 
-void RecordingPort::start(std::ostream& out, const devices::Pinout& pinout, std::string_view device,
-                          const PortState& port, const LatchState& latches) {
+void RecordingPort::start(std::ostream& out, const devices::ChipPins& pinout,
+                          std::string_view device, const PortState& port,
+                          const LatchState& latches) {
   (void)stop();
   Record& record = record_.emplace(out, pinout, port, latches);
   const auto byte = [](std::int16_t shadow) { return static_cast<std::uint8_t>(shadow); };

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "app/state/programmer_state.h"
-#include "devices/pinouts.h"
+#include "devices/chip_pins.h"
 #include "platform/port_access.h"
 #include "platform/waits.h"
 #include "waveform/socket_signals.h"
@@ -32,7 +32,7 @@ class RecordingPort final : public PortAccess, public Waits {
 
   /// Records from now on. The latches are as the shadows say; the port and the codes of the model
   /// are those of the state, also when they change.
-  void start(std::ostream& out, const devices::Pinout& pinout, std::string_view device,
+  void start(std::ostream& out, const devices::ChipPins& pinout, std::string_view device,
              const PortState& port, const LatchState& latches);
   /// Ends the record; the bytes written. The stream tells whether all could be.
   std::uint64_t stop();
@@ -52,7 +52,7 @@ class RecordingPort final : public PortAccess, public Waits {
 
  private:
   struct Record {
-    Record(std::ostream& out, const devices::Pinout& pinout, const PortState& portState,
+    Record(std::ostream& out, const devices::ChipPins& pinout, const PortState& portState,
            const LatchState& latchState);
 
     VcdWriter writer;

@@ -58,7 +58,7 @@ std::optional<int> addressBitOf(const std::string& name) {
 
 }  // namespace
 
-SocketSignals::SocketSignals(VcdWriter& writer, const devices::Pinout& pinout) : writer_(writer) {
+SocketSignals::SocketSignals(VcdWriter& writer, const devices::ChipPins& pinout) : writer_(writer) {
   constexpr int kSerialPins = 8;
   isSerial_ = pinout.count() == kSerialPins;
   declarePins(pinout);
@@ -74,7 +74,7 @@ SocketSignals::SocketSignals(VcdWriter& writer, const devices::Pinout& pinout) :
   }
 }
 
-void SocketSignals::declarePins(const devices::Pinout& pinout) {
+void SocketSignals::declarePins(const devices::ChipPins& pinout) {
   for (int pin = 1; pin <= pinout.count(); ++pin) {
     const std::string name = pinout.name(pin);
     const int socketPin = pinout.socketPin(pin);

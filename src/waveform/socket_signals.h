@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "devices/pinouts.h"
+#include "devices/chip_pins.h"
 #include "waveform/vcd_writer.h"
 
 namespace kestrel::waveform {
@@ -20,7 +20,7 @@ using Latches = std::array<std::uint8_t, 5>;
 class SocketSignals {
  public:
   /// Declares the signals of the chip. The writer outlives them.
-  SocketSignals(VcdWriter& writer, const devices::Pinout& pinout);
+  SocketSignals(VcdWriter& writer, const devices::ChipPins& pinout);
 
   /// What the latches put on the pins; `model` decides about the voltage.
   void show(const Latches& latches, int model);
@@ -43,7 +43,7 @@ class SocketSignals {
     VcdWriter::Signal signal = 0;
   };
 
-  void declarePins(const devices::Pinout& pinout);
+  void declarePins(const devices::ChipPins& pinout);
   void showPins(std::uint32_t levels);
   void showData(const Latches& latches, std::uint32_t levels);
   void setData(std::string_view digits);

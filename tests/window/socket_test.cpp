@@ -4,7 +4,7 @@
 
 #include "app/window/board_panel.h"
 #include "app/window/device_card.h"
-#include "devices/pinouts.h"
+#include "devices/chip_pins.h"
 #include "simulator/chip_factory.h"
 #include "simulator/package.h"
 #include "window/window_rig.h"
@@ -25,7 +25,7 @@ TEST(Socket, eachChipIsDrawnWhereItsPinsMeetTheBoard) {
   for (const auto& row : rig.form.state().DeviceTable) {
     const std::string type = launch::chipTypeForDevice(row[0]);
     if (type.empty()) continue;
-    const devices::Pinout pinout = devices::pinoutOf(row[1] + row[2]);
+    const devices::ChipPins pinout = devices::chipPinsOf(row[1] + row[2]);
     const sim::Package package = sim::makeChip(type)->package();
     ASSERT_GT(pinout.count(), 0) << row[0];
     for (int pin = 1; pin <= pinout.count(); ++pin) {

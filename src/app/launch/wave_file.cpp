@@ -3,7 +3,7 @@
 #include <cerrno>
 
 #include "app/state/text_format.h"
-#include "devices/pinouts.h"
+#include "devices/chip_pins.h"
 #include "platform/file_names.h"
 #include "platform/runtime_error.h"
 
@@ -31,7 +31,7 @@ void WaveFile::commandStarts() {
     }
   }
   if (!isOpen() || port_.isRecording()) return;
-  const devices::Pinout pinout = devices::pinoutOf(state.FamilyCode);
+  const devices::ChipPins pinout = devices::chipPinsOf(state.FamilyCode);
   if (pinout.count() == 0) return;
   device_ = state.DeviceName;
   port_.start(file_, pinout, trimmed(device_), state, state);

@@ -7,8 +7,8 @@
 
 #include "app/state/text_format.h"
 #include "app/window/theme.h"
+#include "devices/chip_pins.h"
 #include "devices/families.h"
-#include "devices/pinouts.h"
 #include "devices/remarks.h"
 #include "hardware/vpp_output.h"
 
@@ -75,7 +75,7 @@ void DeviceCard::setRunning(bool running) {
 }
 
 void DeviceCard::showDevice() {
-  socket_->setChip(devices::pinoutOf(state_.FamilyCode),
+  socket_->setChip(devices::chipPinsOf(state_.FamilyCode),
                    QString::fromStdString(std::string(trimmed(state_.DeviceName))));
   showFacts();
 }
@@ -103,7 +103,7 @@ void DeviceCard::showFacts() {
 QString DeviceCard::factsText() const {
   if (state_.DeviceName.empty()) return "Choose the device: its chip appears here in its place.";
   const devices::Family& family = devices::familyOf(state_.FamilyCode);
-  const devices::Pinout pinout = devices::pinoutOf(state_.FamilyCode);
+  const devices::ChipPins pinout = devices::chipPinsOf(state_.FamilyCode);
   QStringList lines;
   const int bytes = state_.DeviceSizeBytes;
   lines << QString("%1 KB, %2 pins").arg(bytes / kBytesPerKB).arg(pinout.count());

@@ -64,7 +64,7 @@ QSize SocketView::sizeHint() const {
           static_cast<int>((kLeverRows + kRows + 2 * kMarginRows) * row) + 2};
 }
 
-void SocketView::setChip(const devices::Pinout& pinout, const QString& name) {
+void SocketView::setChip(const devices::ChipPins& pinout, const QString& name) {
   pinout_ = pinout;
   name_ = name;
   const bool isKnown = pinout.count() > 0;

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <optional>
 
-#include "devices/pinouts.h"
+#include "devices/chip_pins.h"
 
 namespace kestrel::window {
 
@@ -22,7 +22,7 @@ class SocketView final : public QWidget {
   explicit SocketView(QWidget* parent);
 
   /// The chip to draw; one without pins leaves the socket empty.
-  void setChip(const devices::Pinout& pinout, const QString& name);
+  void setChip(const devices::ChipPins& pinout, const QString& name);
 
   /// The levels to show on the pins; none: only what the pins are.
   void setLevels(const std::optional<SocketLevels>& levels);
@@ -42,7 +42,7 @@ class SocketView final : public QWidget {
   void paintPin(QPainter& painter, const Layout& place, int pin) const;
   [[nodiscard]] QColor pinColour(int pin) const;
 
-  devices::Pinout pinout_;
+  devices::ChipPins pinout_;
   QString name_;
   std::optional<SocketLevels> levels_;
 };

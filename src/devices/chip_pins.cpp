@@ -1,4 +1,4 @@
-#include "devices/pinouts.h"
+#include "devices/chip_pins.h"
 
 #include <algorithm>
 #include <array>
@@ -65,14 +65,14 @@ constexpr auto k24256 = serial("A0", "A1", "NC");
 
 struct Row {
   std::string_view family;
-  Pinout pinout;
+  ChipPins pinout;
 };
 
 constexpr int kOe24 = 20;  // /OE of 24, 28 and 32 pins
 constexpr int kOe28 = 22;
 constexpr int kOe32 = 24;
 
-constexpr std::array kPinouts{
+constexpr std::array kChipPins{
     Row{"P1", {k2732, kOe24}},  Row{"P2", {k2764, 1}},      Row{"P3", {k27128, 1}},
     Row{"P4", {k27256, 1}},     Row{"P5", {k27512, kOe28}}, Row{"P6", {k27010, 1}},
     Row{"P7", {k27020, 1}},     Row{"P8", {k27040, 1}},     Row{"P9", {k27080, kOe32}},
@@ -86,18 +86,18 @@ constexpr std::array kPinouts{
 
 /// Rows of the socket that stay free between its pin 1 and the chip's. The board wires SDA and SCL
 /// to data line 7 and /CE: that puts the 8 pins in the middle.
-int rowsAbove(const Pinout& pinout) {
+int rowsAbove(const ChipPins& pinout) {
   constexpr int kAboveSerialChip = 8;
   if (pinout.count() == kSerialPins) return kAboveSerialChip;
   return (kSocketPins - pinout.count()) / 2;
 }
 
-int rowsBelow(const Pinout& pinout) { return kRows - rowsAbove(pinout) - pinout.count() / 2; }
+int rowsBelow(const ChipPins& pinout) { return kRows - rowsAbove(pinout) - pinout.count() / 2; }
 
 std::string rows(int count) { return std::to_string(count) + (count == 1 ? " row" : " rows"); }
 
 /// One half of a line: what stands in a socket pin, the name outside, the number at the body.
-std::string half(const Pinout& pinout, int socketPin, bool isLeft) {
+std::string half(const ChipPins& pinout, int socketPin, bool isLeft) {
   constexpr int kNameWidth = 8;
   constexpr int kNumberWidth = 2;
   const int pin = pinout.pinInSocket(socketPin);
@@ -112,7 +112,7 @@ std::string half(const Pinout& pinout, int socketPin, bool isLeft) {
   return text.str();
 }
 
-std::string body(const Pinout& pinout, int row) {
+std::string body(const ChipPins& pinout, int row) {
   const int below = row - rowsAbove(pinout);
   if (below < 0 || below >= pinout.count() / 2) return "        ";
   if (below == 0) return " |--U--|";
@@ -121,30 +121,30 @@ std::string body(const Pinout& pinout, int row) {
 
 }  // namespace
 
-std::string Pinout::name(int pin) const {
+std::string ChipPins::name(int pin) const {
   const std::string name(pins[static_cast<std::size_t>(pin - 1)]);
   return pin == vppPin && name != "VPP" ? name + "/VPP" : name;
 }
 
-int Pinout::socketPin(int pin) const {
+int ChipPins::socketPin(int pin) const {
   const bool isLeft = pin <= count() / 2;
   const int above = rowsAbove(*this);
   return isLeft ? above + pin : kSocketPins - above - (count() - pin);
 }
 
-int Pinout::pinInSocket(int socketPin) const {
+int ChipPins::pinInSocket(int socketPin) const {
   for (int pin = 1; pin <= count(); ++pin) {
     if (this->socketPin(pin) == socketPin) return pin;
   }
   return 0;
 }
 
-Pinout pinoutOf(std::string_view family) {
-  const auto* const found = std::ranges::find(kPinouts, family, &Row::family);
-  return found == kPinouts.end() ? Pinout{} : found->pinout;
+ChipPins chipPinsOf(std::string_view family) {
+  const auto* const found = std::ranges::find(kChipPins, family, &Row::family);
+  return found == kChipPins.end() ? ChipPins{} : found->pinout;
 }
 
-std::string placeInSocket(const Pinout& pinout) {
+std::string placeInSocket(const ChipPins& pinout) {
   if (pinout.count() == 0) return "not known";
   std::string place = "pin 1 in socket pin " + std::to_string(pinout.socketPin(1));
   if (rowsAbove(pinout) > 0) place += ", " + rows(rowsAbove(pinout)) + " free above it";
@@ -152,7 +152,7 @@ std::string placeInSocket(const Pinout& pinout) {
   return place;
 }
 
-std::string socketDrawing(const Pinout& pinout) {
+std::string socketDrawing(const ChipPins& pinout) {
   if (pinout.count() == 0) return {};
   std::ostringstream text;
   text << "     +-------------- lever --------------+\n";

@@ -10,7 +10,7 @@ inline constexpr int kSocketPins = 32;
 
 /// The pins of a chip: their names from pin 1 on (JEDEC standard 21-C, data sheets), and how the
 /// chip stands in the socket.
-struct Pinout {
+struct ChipPins {
   std::span<const std::string_view> pins = {};  ///< empty: not known
   int vppPin = 0;                               ///< takes the programming voltage; 0: none does
 
@@ -28,12 +28,12 @@ struct Pinout {
 };
 
 /// The pinout of a family's chips; one without pins for a family that fits no socket pin for pin.
-[[nodiscard]] Pinout pinoutOf(std::string_view family);
+[[nodiscard]] ChipPins chipPinsOf(std::string_view family);
 
 /// Where the chip goes, in a sentence.
-[[nodiscard]] std::string placeInSocket(const Pinout& pinout);
+[[nodiscard]] std::string placeInSocket(const ChipPins& pinout);
 
 /// The socket with the chip in it, lever up, drawn in characters: lines that end with a line break.
-[[nodiscard]] std::string socketDrawing(const Pinout& pinout);
+[[nodiscard]] std::string socketDrawing(const ChipPins& pinout);
 
 }  // namespace kestrel::devices
