@@ -13,6 +13,7 @@
 #include "images/image_file.h"
 #include "platform/atomic_file.h"
 #include "platform/file_names.h"
+#include "platform/polled_io.h"
 
 namespace kestrel::cli {
 namespace {
@@ -214,7 +215,7 @@ int run(const Arguments& a) {
   const Words words(a.words);
   if (words.front() == "info") {
     if (words.size() != 2) throw launch::UsageError("image info wants the name of one file");
-    return tellAbout(a, words[1]);
+    return tellAbout(a, words[1] == "-" ? kStandardInput : words[1]);
   }
   const Operation& operation = operationNamed(words.front());
   checkWords(operation, a, words.size() - 1);
