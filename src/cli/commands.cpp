@@ -162,6 +162,7 @@ int runAtForm(const Arguments& a, const std::vector<const Command*>& commands, S
                    .view = view,
                    .dialogs = dialogs,
                    .signals = signals,
+                   .stop = stop,
                    .simulated = program.simulated(),
                    .waves = program.waves(),
                    .trace = program.trace(),

@@ -42,25 +42,25 @@ std::uint8_t byteOf(std::string_view text) {
   return static_cast<std::uint8_t>(value);
 }
 
-Bytes fill(Request r) {
+Bytes fill(const Request& r) {
   Bytes pattern;
   for (const std::string& word : r.words.subspan(1)) pattern.push_back(byteOf(word));
-  return images::fillRange(std::move(r.image), images::parseRange(r.words[0]), pattern);
+  return images::fillRange(r.image, images::parseRange(r.words[0]), pattern);
 }
 
-Bytes copy(Request r) {
-  return images::copyRange(std::move(r.image), images::parseRange(r.words[0]),
+Bytes copy(const Request& r) {
+  return images::copyRange(r.image, images::parseRange(r.words[0]),
                            images::parseAddress(r.words[1]));
 }
 
-Bytes swap(Request r) {
+Bytes swap(const Request& r) {
   const images::Range range = rangeOr(r, 0);
-  return images::swapWordBytes(std::move(r.image), range);
+  return images::swapWordBytes(r.image, range);
 }
 
-Bytes reverse(Request r) {
+Bytes reverse(const Request& r) {
   const images::Range range = rangeOr(r, 0);
-  return images::reverseBits(std::move(r.image), range);
+  return images::reverseBits(r.image, range);
 }
 
 /// The word is one of two; true for the first.
@@ -69,41 +69,40 @@ bool isFirst(const std::string& word, const char* first, const char* second) {
   throw images::ImageError("\"" + word + "\" is neither " + first + " nor " + second);
 }
 
-Bytes split(Request r) {
+Bytes split(const Request& r) {
   return images::splitLane(
       r.image, isFirst(r.words[0], "even", "odd") ? images::Lane::Even : images::Lane::Odd);
 }
 
-Bytes join(Request r) { return images::joinLanes(rawFile(r.words[0]), rawFile(r.words[1])); }
+Bytes join(const Request& r) { return images::joinLanes(rawFile(r.words[0]), rawFile(r.words[1])); }
 
-Bytes halve(Request r) {
+Bytes halve(const Request& r) {
   return images::halve(r.image,
                        isFirst(r.words[0], "low", "high") ? images::Half::Low : images::Half::High);
 }
 
-Bytes twice(Request r) { return images::twice(r.image); }
+Bytes twice(const Request& r) { return images::twice(r.image); }
 
-Bytes checksum(Request r) {
+Bytes checksum(const Request& r) {
   const bool isLittle = r.words.size() < 4 || isFirst(r.words[3], "le", "be");
   return images::putChecksum(
-      std::move(r.image), images::checksumNamed(r.words[0]), images::parseRange(r.words[1]),
+      r.image, images::checksumNamed(r.words[0]), images::parseRange(r.words[1]),
       images::parseAddress(r.words[2]),
       isLittle ? images::ByteOrder::LittleEndian : images::ByteOrder::BigEndian);
 }
 
-Bytes insert(Request r) {
-  return images::insertAt(std::move(r.image), rawFile(r.words[0]),
-                          images::parseAddress(r.words[1]));
+Bytes insert(const Request& r) {
+  return images::insertAt(r.image, rawFile(r.words[0]), images::parseAddress(r.words[1]));
 }
 
-Bytes convert(Request r) { return std::move(r.image); }
+Bytes convert(const Request& r) { return r.image; }
 
 struct Operation {
   const char* name;
   const char* words;  ///< what it wants behind its name
   std::size_t least;
   std::size_t most;
-  Bytes (*change)(Request);
+  Bytes (*change)(const Request&);
   bool takesInput = true;
 };
 

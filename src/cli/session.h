@@ -34,6 +34,7 @@ class Session {
     ConsoleView& view;
     ConsoleDialogs& dialogs;
     const ports::SignalStop& signals;
+    const StopSwitch& stop;             ///< that the signals throw
     launch::SimulatedBoard* simulated;  ///< nullptr with real ports
     launch::WaveFile* waves;            ///< nullptr without a wave file
     launch::TraceFile& trace;

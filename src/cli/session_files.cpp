@@ -71,14 +71,14 @@ void Session::openCodeFile(const std::string& name) {
 void Session::importCodeFile(const std::string& name) {
   const ImageOptions& image = p_.arguments.image;
   try {
-    const images::Records records = images::readImageFile(name, image.formatToRead());
+    const images::Records records = images::readImageFile(name, image.formatToRead(), &p_.stop);
     const auto size = static_cast<std::size_t>(state().DeviceSizeBytes);
     endUnlessDone(p_.form.loadImage(fullPath(name), place(records, image.placement, size),
                                     images::describe(records)));
   } catch (const images::ImageError& error) {
     throw EarlyEnd(kBadUsage, shownName(name) + ": " + error.what());
-  } catch (const FileError& error) {
-    throw EarlyEnd(kBadUsage, error.what());
+  } catch (const OperationStopped&) {
+    throw EarlyEnd(p_.signals.exitStatus());
   }
 }
 

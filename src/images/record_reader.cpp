@@ -22,7 +22,7 @@
 namespace srecord {
 
 // The library has this class; Debian's package of its headers leaves the one file out.
-class input_file_motorola {
+class input_file_motorola {  // NOLINT(readability-identifier-naming): its name
  public:
   static input_file::pointer create(const std::string& name);
 };
@@ -82,7 +82,7 @@ class Complaints final : public srecord::quit {
 
  protected:
   // The text is "NAME: LINE: REASON".
-  void message_v(const char* format, va_list values) override {
+  [[gnu::format(printf, 2, 0)]] void message_v(const char* format, va_list values) override {
     std::array<char, 400> text{};
     (void)std::vsnprintf(text.data(), text.size(), format, values);
     refuse(text.data());

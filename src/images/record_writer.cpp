@@ -17,7 +17,7 @@
 namespace srecord {
 
 // The library has this class; Debian's package of its headers leaves the one file out.
-class output_file_motorola {
+class output_file_motorola {  // NOLINT(readability-identifier-naming): its name
  public:
   static output_file::pointer create(const std::string& name);
 };
