@@ -13,6 +13,7 @@
 #include "app/state/programmer_state.h"
 #include "app/state/text_format.h"
 #include "devices/chip_pins.h"
+#include "devices/data_sheets.h"
 #include "devices/device_table.h"
 #include "devices/families.h"
 #include "devices/remarks.h"
@@ -188,6 +189,9 @@ void DeviceCatalogue::print(const Device& device, std::ostream& out) {
       << "Package:   " << packageOf(pinout) << '\n'
       << "Socket:    " << devices::placeInSocket(pinout) << '\n'
       << "Voltages:  " << device.voltages << '\n';
+  if (const auto usual = devices::usualVpp(device.name)) {
+    out << "Usual VPP: " << *usual << " V; the marking on the chip decides\n";
+  }
   if (device.voltages.find("21") != std::string::npos && !family.takes21And25V) {
     out << "Remark:    always programmed at 12.5 V on models 5 and 6\n";
   }

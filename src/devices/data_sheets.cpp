@@ -93,4 +93,12 @@ const DataSheet* dataSheetOf(std::string_view device) {
   return found == kDataSheets.end() ? nullptr : found;
 }
 
+std::optional<double> usualVpp(std::string_view device) {
+  constexpr double kMillivoltsPerVolt = 1000.0;
+  const DataSheet* const sheet = dataSheetOf(device);
+  const auto* const eprom = sheet == nullptr ? nullptr : std::get_if<EpromSheet>(&sheet->part);
+  if (eprom == nullptr) return std::nullopt;
+  return eprom->usualVppMillivolts / kMillivoltsPerVolt;
+}
+
 }  // namespace kestrel::devices

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string_view>
 #include <variant>
@@ -71,6 +72,10 @@ struct DataSheet {
 
 /// The row of a device by its name in the catalogue; nullptr if there is none.
 [[nodiscard]] const DataSheet* dataSheetOf(std::string_view device);
+
+/// The programming voltage that the sheet of an EPROM asks for, in volts; the marking on a chip
+/// decides where it differs. Nothing for other devices.
+[[nodiscard]] std::optional<double> usualVpp(std::string_view device);
 
 /// Whether it can be had with the algorithms of the data sheets.
 [[nodiscard]] inline bool isOffered(const DataSheet* sheet) {

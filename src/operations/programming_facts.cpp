@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/state/text_format.h"
+#include "devices/data_sheets.h"
 #include "devices/families.h"
 #include "platform/file_names.h"
 
@@ -66,7 +67,10 @@ Fact voltageFact(const SelectionState& device) {
   if (!volts) return {.text = "Voltage: 5 V alone"};
   std::ostringstream text;
   text << "Programming voltage: " << *volts << " V";
-  return {.text = text.str(), .isWarning = *volts > kUsualVolts};
+  const std::optional<double> usual = devices::usualVpp(trimmed(device.DeviceName));
+  const bool isUsual = usual.value_or(kUsualVolts) == *volts;
+  if (!isUsual) text << "; usual for this device: " << usual.value_or(kUsualVolts) << " V";
+  return {.text = text.str(), .isWarning = !isUsual};
 }
 
 }  // namespace

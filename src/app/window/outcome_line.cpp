@@ -1,17 +1,20 @@
 #include "app/window/outcome_line.h"
 
+#include <QApplication>
 #include <QRegularExpression>
 #include <array>
+#include <span>
 #include <utility>
 
 #include "app/window/theme.h"
-#include "devices/families.h"
+#include "images/checksums.h"
 
 namespace kestrel::window {
 namespace {
 
 constexpr int kLookMs = 100;
 constexpr double kMsPerSecond = 1000.0;
+constexpr qint64 kLongMs = 5'000;  // who waits longer may look elsewhere: the desktop tells
 constexpr const char* kCompare = "compare";
 
 QString hexAddress(std::int32_t address) {
@@ -88,6 +91,7 @@ void OutcomeLine::end(const Control& control, const CommandResult& result, qint6
     if (!remark.isEmpty()) showText(remark, Colour::Red);
     return;
   }
+  if (lasted_ >= kLongMs && !isActiveWindow()) QApplication::alert(window());
   switch (result.ending) {
     case Ending::Done:
       if (!remark.isEmpty()) return showText(doneText(command) + ", but " + remark, Colour::Red);
@@ -104,8 +108,17 @@ QString OutcomeLine::doneText(const QString& command) const {
   QString text = command + ": done";
   const QString sum = QString::fromStdString(state_.DeviceChecksumText);
   const bool isWalk = command == "Read" || command == "Verify";
-  if (isWalk && !sum.isEmpty()) text += ", sum " + sum.toHtmlEscaped();
+  if (isWalk && !sum.isEmpty()) text += ", sum " + sum.toHtmlEscaped() + ", CRC-32 " + crcText();
   return text + QString(", %1 s").arg(static_cast<double>(lasted_) / kMsPerSecond, 0, 'f', 1);
+}
+
+// The buffer holds what was read, or what the chip was found equal to.
+QString OutcomeLine::crcText() const {
+  constexpr int kDigits = 8;
+  constexpr int kHex = 16;
+  const auto length = static_cast<std::size_t>(state_.DeviceSizeBytes);
+  const std::uint32_t crc = images::crc32(std::span(state_.CodeBuffer).first(length));
+  return QString("%1").arg(crc, kDigits, kHex, QChar('0')).toUpper();
 }
 
 QString OutcomeLine::failedText(const QString& command, const CommandResult& result) const {

@@ -37,6 +37,7 @@ class OutcomeLine final : public QLabel {
  private:
   [[nodiscard]] QString nameOf(const Control& control) const;
   [[nodiscard]] QString doneText(const QString& command) const;
+  [[nodiscard]] QString crcText() const;
   [[nodiscard]] QString failedText(const QString& command, const CommandResult& result) const;
   void showRunning();
   void showText(const QString& richText, Colour colour);
