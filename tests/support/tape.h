@@ -35,8 +35,14 @@ struct Tape {
   // The entry first: what is on the tape has reached the board.
   void write(int registerNumber, std::uint8_t value) {
     const std::size_t at = written.fetch_add(1);
-    if (at < entries.size()) entries[at] = static_cast<std::uint16_t>(registerNumber << 8 | value);
+    entries[at % entries.size()] = static_cast<std::uint16_t>(registerNumber << 8 | value);
   }
+
+  /// The oldest entry that is still there: a program that nobody stopped in time fills the tape.
+  [[nodiscard]] std::size_t oldest() const {
+    return written > entries.size() ? written - entries.size() : 0;
+  }
+  [[nodiscard]] std::uint16_t entry(std::size_t at) const { return entries[at % entries.size()]; }
 
   /// How often the tape's end repeats the sequence that switches a board of any model off.
   [[nodiscard]] int switchOffsAtEnd() const;

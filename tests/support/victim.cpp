@@ -105,8 +105,14 @@ int Tape::switchOffsAtEnd() const {
   constexpr std::array<std::uint16_t, 7> kSequence{0x040, 0x205, 0x204, 0x205, 0x20A, 0x20B, 0x20A};
   std::size_t end = written;
   int found = 0;
-  while (end >= kSequence.size() && std::equal(kSequence.begin(), kSequence.end(),
-                                               entries.begin() + static_cast<long>(end) - 7)) {
+  const auto endsWithSequence = [&] {
+    if (end < oldest() + kSequence.size()) return false;
+    for (std::size_t i = 0; i < kSequence.size(); ++i) {
+      if (entry(end - kSequence.size() + i) != kSequence.at(i)) return false;
+    }
+    return true;
+  };
+  while (endsWithSequence()) {
     end -= kSequence.size();
     ++found;
   }
@@ -136,9 +142,9 @@ Death dieWhileProgramming(sim::Model model, std::chrono::microseconds runsFor,
   death.guardTook = std::chrono::duration_cast<std::chrono::microseconds>(Time::now() - killed);
   sim::Bench bench;
   const sim::Board& board = bench.plug(model, 0x378);
-  for (std::size_t i = 0; i < tape->written && i < tape->entries.size(); ++i) {
-    bench.portOut(static_cast<std::uint16_t>(0x378 + (tape->entries[i] >> 8)),
-                  static_cast<std::uint8_t>(tape->entries[i] & 0xFF));
+  for (std::size_t i = tape->oldest(); i < tape->written; ++i) {
+    bench.portOut(static_cast<std::uint16_t>(0x378 + (tape->entry(i) >> 8)),
+                  static_cast<std::uint8_t>(tape->entry(i) & 0xFF));
     if (i + 1 == moment) death.wasUnderVpp = board.vppPins() != 0;
   }
   death.latch0 = board.latch(0);
