@@ -30,6 +30,7 @@ class TerminalBench final : public form::SeriesBench {
 
   void chipDone(const form::SeriesChip& chip) override {
     count_.add(chip);
+    session_.keepSimulatedChip();
     if (report_ != nullptr) report_->add(chip, session_.deviceName(), dateAndTime());
     if (session_.json() != nullptr) {
       session_.json()->chip(chip, session_.deviceName());

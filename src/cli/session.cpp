@@ -239,6 +239,10 @@ std::optional<std::string> Session::lineFromPerson() {
   return p_.dialogs.readLine();
 }
 
+void Session::keepSimulatedChip() {
+  if (p_.simulated != nullptr) p_.simulated->saveChip();
+}
+
 void Session::changeSimulatedChip(std::size_t number) {
   if (p_.simulated != nullptr) p_.simulated->changeChip(number);
 }

@@ -73,6 +73,9 @@ class Session {
   void answerYes() { p_.dialogs.answerYes(); }
   [[nodiscard]] std::optional<std::string> lineFromPerson();
   void changeSimulatedChip(std::size_t number);
+
+  /// Writes its file now, as a chip on the table keeps what it holds whatever ends the program.
+  void keepSimulatedChip();
   [[nodiscard]] bool isReady() const;
 
   /// What the next dialog is answered with.

@@ -28,22 +28,19 @@ void Session::tryFiles(const std::vector<const Command*>& commands) const {
     p_.simulated->tryChipFile(std::ranges::any_of(commands, &Command::writesChip));
 }
 
-/// What is in the chip goes into a file of its own before it is written over. The buffer is put
-/// back as it was.
+// What is in the chip goes into a file of its own before it is written over.
 void Session::keepChip() {
-  BufferState& buffers = p_.form.state();
-  const BufferState kept = buffers;
-  press(controls().Read_button, unless("--backup", "not offered for this device"));
-  const std::span<const std::uint8_t> bytes =
-      std::span(buffers.CodeBuffer).first(static_cast<std::size_t>(buffers.CodeLength));
-  const bool isBlank = std::ranges::all_of(bytes, [](std::uint8_t b) { return b == kErased; });
-  if (isBlank) {
+  if (!controls().Read_button.enabled()) {
+    throw EarlyEnd(kBadUsage, unless("--backup", "not offered for this device"));
+  }
+  std::vector<std::uint8_t> chip;
+  endUnlessDone(p_.form.readAside(chip));
+  if (std::ranges::all_of(chip, [](std::uint8_t byte) { return byte == kErased; })) {
     if (!p_.arguments.quiet) p_.out << "The chip is blank: there is nothing to keep" << std::endl;
   } else {
-    const std::string name = backupName(*p_.arguments.backup, deviceName(), images::sum16(bytes));
-    endUnlessDone(p_.form.exportImage(name, bytes));
+    const std::string name = backupName(*p_.arguments.backup, deviceName(), images::sum16(chip));
+    endUnlessDone(p_.form.exportImage(name, chip));
   }
-  buffers = kept;
   last_ = {};
 }
 

@@ -10,19 +10,6 @@
 namespace kestrel::form {
 namespace {
 
-/// Puts the buffer back as it was.
-class KeptBuffer {
- public:
-  explicit KeptBuffer(BufferState& buffers) : buffers_(buffers), kept_(buffers) {}
-  ~KeptBuffer() { std::swap(buffers_, kept_); }
-  KeptBuffer(const KeptBuffer&) = delete;
-  KeptBuffer& operator=(const KeptBuffer&) = delete;
-
- private:
-  BufferState& buffers_;
-  BufferState kept_;
-};
-
 void setTicked(CheckBox& box, bool ticked) {
   if (box.isTicked() != ticked) box.press();
 }
@@ -97,11 +84,9 @@ CommandResult ChipSeries::checkSocket() {
 }
 
 CommandResult ChipSeries::checkContact() {
-  const KeptBuffer kept(form_.state());
-  CommandResult result = form_.runner().press(form_.controls().Read_button);
-  const auto bytes =
-      std::span(form_.state().CodeBuffer).first(static_cast<std::size_t>(form_.state().CodeLength));
-  const bool isZero = std::ranges::all_of(bytes, [](std::uint8_t byte) { return byte == 0; });
+  std::vector<std::uint8_t> chip;
+  CommandResult result = form_.readAside(chip);
+  const bool isZero = std::ranges::all_of(chip, [](std::uint8_t byte) { return byte == 0; });
   if (result.ending == Ending::Done && isZero) {
     return {.ending = Ending::Failed, .reason = "every byte reads 00h: the chip has no contact"};
   }

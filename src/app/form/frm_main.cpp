@@ -31,6 +31,7 @@ CommandResult frmMain::readAside(std::vector<std::uint8_t>& chip) {
   const BufferState before = u.state;
   RangeControl& scroll = u.controls.VScroll1;
   const auto kept = std::pair(scroll.maximum(), scroll.value());
+  u.state.CodeLength = u.state.DeviceSizeBytes;  // a short file must not shorten what is read
   const CommandResult result = u.runner.press(u.controls.Read_button);
   const auto size = static_cast<std::ptrdiff_t>(u.state.DeviceSizeBytes);
   chip.assign(u.state.CodeBuffer.begin(), u.state.CodeBuffer.begin() + size);

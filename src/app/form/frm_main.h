@@ -52,7 +52,7 @@ class frmMain {
   /// back and waits for the supply to come up, as every operation on a chip does.
   CommandResult releaseSocket();
 
-  /// Reads the chip as Read does and gives what it holds; the code buffer stays as it was.
+  /// Reads the whole chip as Read does and gives what it holds; the code buffer stays as it was.
   CommandResult readAside(std::vector<std::uint8_t>& chip);
 
   /// Every press of a control goes through it.
