@@ -5,6 +5,7 @@
 #include <string>
 #include <utility>
 
+#include "app/state/programmer_state.h"
 #include "devices/data_sheets.h"
 
 namespace kestrel::data_sheet {
@@ -54,6 +55,7 @@ struct ChipChoice {
   const devices::DataSheet& sheet;
   std::uint32_t sizeBytes = 0;
   int vppVolts = 0;  ///< 12 for 12.5
+  Protection protection = Protection::Keep;
 };
 
 /// One kind of chip by its data sheet, for the length of one command.

@@ -1,6 +1,7 @@
 #include "data_sheet/drivers.h"
 
 #include "data_sheet/eprom.h"
+#include "data_sheet/page_eeprom.h"
 #include "devices/families.h"
 
 namespace kestrel::data_sheet {
@@ -16,6 +17,9 @@ struct Maker {
 
   Made operator()(const EpromSheet& sheet) const {
     return std::make_unique<Eprom>(chip, sheet, bus);
+  }
+  Made operator()(const devices::PageSheet& sheet) const {
+    return std::make_unique<PageEeprom>(chip, sheet, bus);
   }
   template <typename Other>
   Made operator()(const Other& /*sheet*/) const {
@@ -41,7 +45,8 @@ std::unique_ptr<ChipDriver> Drivers::forDevice() const {
   const devices::DataSheet& sheet = *devices::dataSheetOf(device_.DeviceName);
   const ChipChoice chip{.sheet = sheet,
                         .sizeBytes = static_cast<std::uint32_t>(device_.DeviceSizeBytes),
-                        .vppVolts = vppVolts()};
+                        .vppVolts = vppVolts(),
+                        .protection = chosen_.protection};
   return std::visit(Maker{chip, bus_}, sheet.part);
 }
 

@@ -40,6 +40,10 @@ constexpr EpromSheet k100us{.pulseUs = 100, .mostPulses = 25};
 constexpr EpromSheet k100usOnOe{.pulseUs = 100, .mostPulses = 25, .order = VerifyOrder::WholeChip};
 constexpr EpromSheet k50usOnOe{.pulseUs = 50, .mostPulses = 25, .order = VerifyOrder::WholeChip};
 
+// Write cycles of 10 ms at most.
+constexpr PageSheet kPage64{.pageBytes = 64, .longestCycleMs = 10};
+constexpr PageSheet kPage128{.pageBytes = 128, .longestCycleMs = 10};
+
 constexpr std::array kDataSheets{
     DataSheet{"Eprom 2716", {}, NotOffered{"pin 21 of a 2716 takes the programming voltage, and the board has no switch there"}},
     DataSheet{"Eprom 2732A",                   k2732,   k50ms21V},
@@ -63,7 +67,7 @@ constexpr std::array kDataSheets{
     DataSheet{"Eprom 27C801",                  k27080,  k50usOnOe},
     DataSheet{"Eprom 27C080",                  k27080,  k50usOnOe},
     DataSheet{"Eprom 27C080 OTP",              k27080,  k50usOnOe},
-    DataSheet{"Flash Atmel AT29C256",          k29C256, NotOffered{"not yet written"}},
+    DataSheet{"Flash Atmel AT29C256",          k29C256, kPage64},
     DataSheet{"Flash AMIC A29040",             k29F,    NotOffered{"not yet written"}},
     DataSheet{"Flash AMD AM29F010",            k29F,    NotOffered{"not yet written"}},
     DataSheet{"Flash AMD AM29F020",            k29F,    NotOffered{"not yet written"}},
@@ -71,9 +75,9 @@ constexpr std::array kDataSheets{
     DataSheet{"Flash EON EN29F040",            k29F,    NotOffered{"not yet written"}},
     DataSheet{"Flash Catalyst CAT28F010",      k28F,    NotOffered{"not yet written"}},
     DataSheet{"Flash Catalyst CAT28F020",      k28F,    NotOffered{"not yet written"}},
-    DataSheet{"Eeprom XICOR X28C256",          k28C256, NotOffered{"not yet written"}},
-    DataSheet{"Eeprom Catalyst CAT28C256",     k28C256, NotOffered{"not yet written"}},
-    DataSheet{"Eeprom Catalyst CAT28C257",     k28C256, NotOffered{"not yet written"}},
+    DataSheet{"Eeprom XICOR X28C256",          k28C256, kPage64},
+    DataSheet{"Eeprom Catalyst CAT28C256",     k28C256, kPage64},
+    DataSheet{"Eeprom Catalyst CAT28C257",     k28C256, kPage128},
     DataSheet{"Eeprom 24C08 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}},
     DataSheet{"Eeprom 24C16 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}},
     DataSheet{"Eeprom 24C32 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}},

@@ -12,7 +12,8 @@ using devices::AddressLines;
 using devices::Strobe;
 using devices::VppPin;
 
-constexpr std::int32_t kSupplyUpMs = 50;
+// A latch output charges the chip's supply and its capacitor; EEPROMs ask for 5 ms before a write.
+constexpr std::int32_t kSupplyUpMs = 20;
 constexpr std::int32_t kVppSettlingMs = 1500;  // of 21 and 25 V: the converter takes a second
 constexpr std::int64_t kCountsPerUs = 1000 / kDefaultCountNs;
 
@@ -208,8 +209,21 @@ std::uint8_t ChipBus::readUpperHalf() {
 void ChipBus::pulse(std::int64_t widthUs) {
   const auto [latch, mask] = lineOf(pinout_.strobe);
   clear(latch, mask);
-  waits_.Spin((widthUs - kAccessesInPulseUs) * kCountsPerUs);
+  if (widthUs > kAccessesInPulseUs) {
+    waits_.Spin((widthUs - kAccessesInPulseUs) * kCountsPerUs);
+  }
   set(latch, mask);
+}
+
+// The latch is transparent while its strobe is active, so the line rises with the second byte. Not
+// for a pulse, in which a Stop may come: what is written next would reach this latch first.
+void ChipBus::strobe() {
+  const auto [latch, mask] = lineOf(pinout_.strobe);
+  port_.PortOut(portState_.PortBase, narrowed<std::uint8_t>(shadow(latch) & ~mask));
+  addressLatch(latch);
+  port_.PortOut(portState_.ControlPort, narrowed<std::uint8_t>(portState_.CtlStrobe[latch]));
+  port_.PortOut(portState_.PortBase, narrowed<std::uint8_t>(shadow(latch)));
+  port_.PortOut(portState_.ControlPort, narrowed<std::uint8_t>(portState_.CtlIdle[latch]));
 }
 
 void ChipBus::waitUs(std::int64_t microseconds) { waits_.Spin(microseconds * kCountsPerUs); }

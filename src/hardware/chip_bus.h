@@ -54,8 +54,11 @@ class ChipBus {
   /// The upper half alone, in place: bit 7 is the SDA of a serial chip.
   [[nodiscard]] std::uint8_t readUpperHalf();
 
-  /// The strobe low for so long; with 0 as short as the port allows.
+  /// The strobe low for so long, never shorter than three accesses.
   void pulse(std::int64_t widthUs);
+
+  /// The strobe low and high again in as few accesses as there are.
+  void strobe();
 
   /// Chooses the level, 12 (for 12.5 V), 21 or 25 V, and waits for it. It is on no pin yet. On
   /// model 4 the level is set by hand.

@@ -24,6 +24,8 @@ constexpr Part kParts[]{
     {"Eprom 27C256", "27C256", 0x8000},    {"Eprom 27C259", "27C259", 0x8000},   {"Eprom 27C512", "27C512", 0x10000},
     {"Eprom 27C1001", "27C1001", 0x20000}, {"Eprom 27C010", "27C010", 0x20000},  {"Eprom 27C2001", "27C2001", 0x40000},
     {"Eprom 27C020", "27C020", 0x40000},   {"Eprom 27C040", "27C040", 0x80000},  {"Eprom 27C080 OTP", "27C080-OTP", 0x100000},
+    {"Eeprom XICOR X28C256", "X28C256", 0x8000, 0},           {"Eeprom Catalyst CAT28C256", "CAT28C256", 0x8000, 0},
+    {"Eeprom Catalyst CAT28C257", "CAT28C257", 0x8000, 0},    {"Flash Atmel AT29C256", "AT29C256", 0x8000, 0},
 };
 // clang-format on
 
@@ -83,6 +85,10 @@ TEST_P(EveryDevice, isCheckedProgrammedVerifiedReadAndShownWithoutAFinding) {
   EXPECT_TRUE(std::equal(image.begin(), image.begin() + s.rig.state.CodeLength,
                          s.rig.state.CodeBuffer.begin()));
   s.rig.press("Display_button");
+  if (s.rig.controls.EraseFlash_button.enabled()) {
+    s.rig.press("EraseFlash_button");
+    EXPECT_TRUE(s.chipContents() == Bytes(part.bytes, 0xFF));
+  }
   s.expectNoFinding();
 }
 

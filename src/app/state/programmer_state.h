@@ -69,9 +69,13 @@ struct LatchState {
 /// How chips are worked on: the classic procedures, or by their data sheets.
 enum class Algorithms { Classic, DataSheet };
 
+/// The software protection of a page-write EEPROM once it is programmed or erased.
+enum class Protection { Keep, On, Off };
+
 /// What the person has chosen for the algorithms of the data sheets: data_sheet/.
 struct AlgorithmState {
   Algorithms algorithms = Algorithms::Classic;
+  Protection protection = Protection::Keep;  ///< Keep: as it was found
 };
 
 /// Waits, in loop counts: selection/.

@@ -1,0 +1,138 @@
+#include "data_sheet/page_eeprom.h"
+
+#include <array>
+#include <vector>
+
+#include "app/state/text_format.h"
+
+namespace kestrel::data_sheet {
+namespace {
+
+constexpr std::uint8_t kErasedByte = 0xFF;
+constexpr std::uint32_t kUnlock1 = 0x5555;
+constexpr std::uint32_t kUnlock2 = 0x2AAA;
+constexpr unsigned kDataBit = 0x80;
+
+// A load that the computer interrupts for longer than the window leaves half a page: it is sent
+// again. Two plain tries come before the chip is taken for a protected one.
+constexpr int kTries = 6;
+constexpr int kPlainTries = 2;
+
+constexpr int kTimeOutFactor = 3;
+constexpr std::int64_t kPollUs = 25;
+constexpr int kEqualReads = 4;
+
+}  // namespace
+
+Outcome PageEeprom::program(std::span<const std::uint8_t> image, Progress& progress) {
+  const hardware::ChipSession session(bus(), chip().sheet.pinout);
+  bus().useFullSpeed();
+  bus().select();
+  unlocksPages_ = chip().protection == Protection::On;
+  if (chip().protection == Protection::Off) {
+    const Outcome outcome = endProtection();
+    if (!outcome.isDone()) return outcome;
+  }
+  progress.expect(std::ssize(image));
+  const auto pageBytes = static_cast<std::size_t>(sheet_.pageBytes);
+  for (std::size_t first = 0; first < image.size(); first += pageBytes) {
+    const Page page = image.subspan(first, std::min(pageBytes, image.size() - first));
+    const Outcome outcome = programPage(static_cast<std::uint32_t>(first), page);
+    if (!outcome.isDone()) return outcome;
+    progress.advance(std::ssize(page));
+  }
+  return {};
+}
+
+Outcome PageEeprom::erase(Progress& progress) {
+  const std::vector<std::uint8_t> erased(chip().sizeBytes, kErasedByte);
+  return program(erased, progress);
+}
+
+Outcome PageEeprom::endProtection() {
+  constexpr std::array<Cycle, 6> kSequence{{{kUnlock1, 0xAA},
+                                            {kUnlock2, 0x55},
+                                            {kUnlock1, 0x80},
+                                            {kUnlock1, 0xAA},
+                                            {kUnlock2, 0x55},
+                                            {kUnlock1, 0x20}}};
+  beginWriting();
+  for (const Cycle& cycle : kSequence) write(cycle);
+  return waitForEnd(kUnlock1, kSequence.back().data);
+}
+
+Outcome PageEeprom::programPage(std::uint32_t first, Page page) {
+  // A chip that is to be protected needs one load at least.
+  const bool mustBeSent = chip().protection == Protection::On && first == 0;
+  Outcome outcome = compare(first, page);
+  if (outcome.isDone() && !mustBeSent) return outcome;
+  for (int tries = 0; tries < kTries; ++tries) {
+    if (tries == kPlainTries && chip().protection == Protection::Keep) unlocksPages_ = true;
+    outcome = writePage(first, page);
+    if (!outcome.isDone()) return outcome;
+    outcome = compare(first, page);
+    if (outcome.isDone()) return outcome;
+  }
+  return outcome;
+}
+
+Outcome PageEeprom::writePage(std::uint32_t first, Page page) {
+  constexpr std::array<Cycle, 3> kOpenLoad{{{kUnlock1, 0xAA}, {kUnlock2, 0x55}, {kUnlock1, 0xA0}}};
+  beginWriting();
+  if (unlocksPages_) {
+    for (const Cycle& cycle : kOpenLoad) write(cycle);
+  }
+  for (std::uint32_t address = first; const std::uint8_t byte : page) {
+    write({.address = address++, .data = byte});
+  }
+  return waitForEnd(first + static_cast<std::uint32_t>(page.size()) - 1, page.back());
+}
+
+void PageEeprom::beginWriting() { bus().disableOutputs(); }
+
+void PageEeprom::write(const Cycle& cycle) {
+  bus().setAddress(cycle.address);
+  bus().drive(cycle.data);
+  bus().strobe();
+}
+
+// The last byte shows up when the cycle has ended. Where it does not, a protected chip or half a
+// page, the reads are at least equal: bit 6 has come to rest.
+Outcome PageEeprom::waitForEnd(std::uint32_t address, std::uint8_t last) {
+  bus().setAddress(address);
+  std::uint8_t before = readOnce();
+  int equal = 0;
+  const std::int64_t polls = std::int64_t{1000} * kTimeOutFactor * sheet_.longestCycleMs / kPollUs;
+  for (std::int64_t poll = 0; poll < polls; ++poll) {
+    const std::uint8_t seen = readOnce();
+    equal = seen == before ? equal + 1 : 0;
+    if (equal > 0 && ((seen ^ last) & kDataBit) == 0) return {};
+    if (equal == kEqualReads) return {};
+    before = seen;
+    bus().waitUs(kPollUs);
+  }
+  return Outcome::failed(
+      "the chip is still busy " + std::to_string(kTimeOutFactor * sheet_.longestCycleMs) +
+      " ms after it was sent the page of address " + hexText(static_cast<std::int32_t>(address)) +
+      ", and reads " + hexText(before, 2) + "h");
+}
+
+/// /OE falls for it, which turns bit 6 over while the chip is busy.
+std::uint8_t PageEeprom::readOnce() {
+  bus().enableOutputs();
+  const std::uint8_t seen = bus().read();
+  bus().disableOutputs();
+  return seen;
+}
+
+Outcome PageEeprom::compare(std::uint32_t first, Page page) {
+  bus().enableOutputs();
+  for (std::uint32_t address = first; const std::uint8_t wanted : page) {
+    const std::uint8_t seen = readAt(address);
+    if (seen != wanted) return Outcome::byteFailed(address, wanted, seen);
+    ++address;
+  }
+  return {};
+}
+
+}  // namespace kestrel::data_sheet
