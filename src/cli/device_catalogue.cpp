@@ -154,7 +154,13 @@ void DeviceCatalogue::refuse(std::string_view text, Algorithms algorithms) const
   for (const Fits fits : kWaysToFit) {
     const auto found = fitting(devices_, text, fits, isNotOffered);
     if (found.empty()) continue;
-    const bool isOfferedOtherwise = std::ranges::any_of(found, &Device::isOfferedByDataSheet);
+    const bool isClassic = algorithms == Algorithms::Classic;
+    const bool isOfferedOtherwise =
+        isClassic && std::ranges::any_of(found, &Device::isOfferedByDataSheet);
+    const std::string_view reason = devices::whyNoDataSheet(found.front()->name);
+    if (!isClassic && found.size() == 1 && !reason.empty()) {
+      throw launch::UsageError(quoted + " cannot be had: " + std::string(reason));
+    }
     throw launch::UsageError(quoted + " is in the list but not available (N/A): " + namesOf(found) +
                              (isOfferedOtherwise ? "; --algorithms datasheet has it"
                                                  : "; kestrel-cli devices lists those that are"));
@@ -165,21 +171,21 @@ void DeviceCatalogue::refuse(std::string_view text, Algorithms algorithms) const
                            "; kestrel-cli devices lists them all");
 }
 
-void DeviceCatalogue::print(std::ostream& out) const {
+void DeviceCatalogue::print(Algorithms algorithms, std::ostream& out) const {
   for (const Device& device : devices_) {
     out << std::left << std::setw(38)
-        << (device.isOffered ? "" : devices::kNotAvailable) + device.name << std::right
-        << std::setw(5) << device.sizeKB << " KB   " << device.voltages << '\n';
+        << (device.isOfferedWith(algorithms) ? "" : devices::kNotAvailable) + device.name
+        << std::right << std::setw(5) << device.sizeKB << " KB   " << device.voltages << '\n';
   }
 }
 
-void DeviceCatalogue::printNames(std::ostream& out) const {
+void DeviceCatalogue::printNames(std::ostream& out, Algorithms algorithms) const {
   for (const Device& device : devices_) {
-    if (device.isOffered) out << device.shortName << '\n';
+    if (device.isOfferedWith(algorithms)) out << device.shortName << '\n';
   }
 }
 
-void DeviceCatalogue::print(const Device& device, std::ostream& out) {
+void DeviceCatalogue::print(const Device& device, Algorithms algorithms, std::ostream& out) {
   constexpr int kBytesPerKB = 1024;
   const devices::Family& family = devices::familyOf(device.family);
   const devices::ChipPins pinout = devices::chipPinsOf(device.family);
@@ -189,15 +195,19 @@ void DeviceCatalogue::print(const Device& device, std::ostream& out) {
       << "Package:   " << packageOf(pinout) << '\n'
       << "Socket:    " << devices::placeInSocket(pinout) << '\n'
       << "Voltages:  " << device.voltages << '\n';
-  if (const auto usual = devices::usualVpp(device.name)) {
-    out << "Usual VPP: " << *usual << " V; the marking on the chip decides\n";
+  const bool isClassic = algorithms == Algorithms::Classic;
+  const std::string voltage = devices::usualVoltage(device.name);
+  if (!voltage.empty()) out << "Usual VPP: " << voltage << '\n';
+  const std::string_view limit = devices::classicLimit(device.name);
+  if (isClassic && !limit.empty()) {
+    out << "Classic:   " << limit << "\n           (not so with --algorithms datasheet)\n";
   }
   if (device.voltages.find("21") != std::string::npos && !family.takes21And25V) {
     out << "Remark:    always programmed at 12.5 V on models 5 and 6\n";
   }
   for (const auto remark : {devices::whyNoBlankCheck(family), devices::whyNoErase(family),
                             devices::whyNoDisplay(family)}) {
-    if (!remark.empty()) out << "Remark:    " << remark << '\n';
+    if (isClassic && !remark.empty()) out << "Remark:    " << remark << '\n';
   }
   if (pinout.count() > 0) out << '\n' << devices::socketDrawing(pinout);
 }

@@ -39,13 +39,13 @@ class DeviceCatalogue {
                                    Algorithms algorithms = Algorithms::Classic) const;
 
   /// One device a line.
-  void print(std::ostream& out) const;
+  void print(Algorithms algorithms, std::ostream& out) const;
 
   /// The short names of those that are offered, one a line; find() takes each of them.
-  void printNames(std::ostream& out) const;
+  void printNames(std::ostream& out, Algorithms algorithms = Algorithms::Classic) const;
 
   /// All that is known of one device, an item a line.
-  static void print(const Device& device, std::ostream& out);
+  static void print(const Device& device, Algorithms algorithms, std::ostream& out);
 
  private:
   [[noreturn]] void refuse(std::string_view text, Algorithms algorithms) const;

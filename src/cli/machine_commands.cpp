@@ -102,11 +102,11 @@ int listDevices(const Arguments& arguments) {
       for (const DeviceCatalogue::Device& device : catalogue.devices()) printDeviceJson(device);
     }
   } else if (arguments.device) {
-    DeviceCatalogue::print(catalogue.find(*arguments.device, algorithms), std::cout);
+    DeviceCatalogue::print(catalogue.find(*arguments.device, algorithms), algorithms, std::cout);
   } else if (arguments.names) {
-    catalogue.printNames(std::cout);
+    catalogue.printNames(std::cout, algorithms);
   } else {
-    catalogue.print(std::cout);
+    catalogue.print(algorithms, std::cout);
   }
   return kDone;
 }

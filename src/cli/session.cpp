@@ -260,8 +260,17 @@ void Session::shutDown(int& status) {
     });
   }
   if (p_.simulated == nullptr) return;
+  tellFindings();
   p_.simulated->putChipBack();
   finish(status, "--chip", [this] { p_.simulated->saveChip(); });
+}
+
+// In the classic way the read-back lets two drivers meet on the data lines, which is known.
+void Session::tellFindings() const {
+  if (p_.arguments.launch.algorithms != Algorithms::DataSheet) return;
+  for (const auto& finding : p_.simulated->bench().findings().all()) {
+    tell("simulated board: " + finding.text + " (" + std::to_string(finding.count) + " times)");
+  }
 }
 
 void Session::tellVoltage(int& status) const {

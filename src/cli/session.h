@@ -126,6 +126,7 @@ class Session {
   void saveBuffer(const std::string& name);
   void exportBuffer(const std::string& name);
   void shutDown(int& status);
+  void tellFindings() const;
   void tellVoltage(int& status) const;
   static void finish(int& status, const char* option, const std::function<void()>& steps);
 

@@ -16,7 +16,7 @@ constexpr bool canBecome(std::uint8_t seen, std::uint8_t wanted) {
 }  // namespace
 
 Outcome Eprom::program(std::span<const std::uint8_t> image, Progress& progress) {
-  const hardware::ChipSession session(bus(), chip().sheet.pinout);
+  const hardware::ChipSession session(bus(), chip().sheet.wiring);
   bus().prepareVpp(chip().vppVolts);
   if (sheet_.order == devices::VerifyOrder::WholeChip) return programWholeChip(image, progress);
   return programEachByte(image, progress);
@@ -28,7 +28,7 @@ Outcome Eprom::erase(Progress& /*progress*/) {
 
 Outcome Eprom::programEachByte(std::span<const std::uint8_t> image, Progress& progress) {
   progress.expect(std::ssize(image));
-  const bool isPulsedByCe = chip().sheet.pinout.strobe == devices::Strobe::ChipEnable;
+  const bool isPulsedByCe = chip().sheet.wiring.strobe == devices::Strobe::ChipEnable;
   if (!isPulsedByCe) bus().select();
   if (!hasVppOnOe()) {
     bus().vppOn();
@@ -100,6 +100,6 @@ std::uint8_t Eprom::readBack() {
   return bus().read();
 }
 
-bool Eprom::hasVppOnOe() const { return chip().sheet.pinout.vpp == devices::VppPin::Pin24; }
+bool Eprom::hasVppOnOe() const { return chip().sheet.wiring.vpp == devices::VppPin::Pin24; }
 
 }  // namespace kestrel::data_sheet

@@ -1,5 +1,6 @@
 #include "data_sheet/page_eeprom.h"
 
+#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -18,6 +19,8 @@ constexpr unsigned kDataBit = 0x80;
 constexpr int kTries = 6;
 constexpr int kPlainTries = 2;
 
+constexpr std::size_t kComparedBytes = 8;
+
 constexpr int kTimeOutFactor = 3;
 constexpr std::int64_t kPollUs = 25;
 constexpr int kEqualReads = 4;
@@ -25,7 +28,7 @@ constexpr int kEqualReads = 4;
 }  // namespace
 
 Outcome PageEeprom::program(std::span<const std::uint8_t> image, Progress& progress) {
-  const hardware::ChipSession session(bus(), chip().sheet.pinout);
+  const hardware::ChipSession session(bus(), chip().sheet.wiring);
   bus().useFullSpeed();
   bus().select();
   unlocksPages_ = chip().protection == Protection::On;
@@ -125,12 +128,17 @@ std::uint8_t PageEeprom::readOnce() {
   return seen;
 }
 
+// A page that differs mostly does so at its beginning, so that few bytes are read then.
 Outcome PageEeprom::compare(std::uint32_t first, Page page) {
+  std::array<std::uint8_t, kComparedBytes> seen{};
   bus().enableOutputs();
-  for (std::uint32_t address = first; const std::uint8_t wanted : page) {
-    const std::uint8_t seen = readAt(address);
-    if (seen != wanted) return Outcome::byteFailed(address, wanted, seen);
-    ++address;
+  for (; !page.empty(); page = page.subspan(std::min(page.size(), kComparedBytes))) {
+    const Page block = page.first(std::min(page.size(), kComparedBytes));
+    readBlock(first, std::span(seen).first(block.size()));
+    const auto [wanted, other] = std::ranges::mismatch(block, seen);
+    const auto offset = static_cast<std::uint32_t>(wanted - block.begin());
+    if (wanted != block.end()) return Outcome::byteFailed(first + offset, *wanted, *other);
+    first += offset;
   }
   return {};
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "data_sheet/chip_driver.h"
 #include "hardware/chip_bus.h"
 
@@ -10,7 +12,7 @@ class ParallelChip : public ChipDriver {
  public:
   ParallelChip(const ChipChoice& chip, hardware::ChipBus& bus) : chip_(chip), bus_(bus) {}
 
-  void begin() override { bus_.begin(chip_.sheet.pinout); }
+  void begin() override { bus_.begin(chip_.sheet.wiring); }
   void end() override { bus_.end(); }
   [[nodiscard]] Outcome read(std::uint32_t first, std::span<std::uint8_t> bytes) override;
 
@@ -18,12 +20,13 @@ class ParallelChip : public ChipDriver {
   [[nodiscard]] const ChipChoice& chip() const { return chip_; }
   [[nodiscard]] hardware::ChipBus& bus() { return bus_; }
 
-  /// The byte at the address, with chip and outputs on.
-  [[nodiscard]] std::uint8_t readAt(std::uint32_t address);
+  /// The bytes from the address on, with chip and outputs on.
+  void readBlock(std::uint32_t first, std::span<std::uint8_t> bytes);
 
  private:
   ChipChoice chip_;
   hardware::ChipBus& bus_;
+  std::vector<hardware::ChipBus::Pending> pending_;
 };
 
 }  // namespace kestrel::data_sheet

@@ -16,18 +16,18 @@ constexpr std::uint8_t kPin31 = 0x04;
 constexpr std::uint8_t kPin1 = 0x08;
 
 // clang-format off
-constexpr Pinout k2732   {.vpp = VppPin::Pin24, .latch1High = kPin28};
-constexpr Pinout k2764   {.strobe = Strobe::Pin29, .vpp = VppPin::Pin3, .latch1High = kPin3 | kPin29, .latch3High = kPin30};
-constexpr Pinout k27256  {.vpp = VppPin::Pin3, .latch1High = kPin3, .latch3High = kPin30};
-constexpr Pinout k27512  {.vpp = VppPin::Pin24, .latch3High = kPin30};
-constexpr Pinout k27010  {.strobe = Strobe::Pin31, .vpp = VppPin::Pin1, .latch3High = kPin1 | kPin31};
-constexpr Pinout k27040  {.vpp = VppPin::Pin1, .latch3High = kPin1};
-constexpr Pinout k27080  {.vpp = VppPin::Pin24};
-constexpr Pinout k28C256 {.lines = AddressLines::A14OnPin3, .strobe = Strobe::Pin29, .latch1High = kPin29, .latch3High = kPin30};
-constexpr Pinout k29C256 {.strobe = Strobe::Pin3, .latch1High = kPin3, .latch3High = kPin30};
-constexpr Pinout k29F    {.lines = AddressLines::A18OnPin1, .strobe = Strobe::Pin31, .latch3High = kPin31};
-constexpr Pinout k28F    {.strobe = Strobe::Pin31, .vpp = VppPin::Pin1, .latch3High = kPin1 | kPin31};
-constexpr Pinout k24C    {};
+constexpr Wiring k2732   {.vpp = VppPin::Pin24, .latch1High = kPin28};
+constexpr Wiring k2764   {.strobe = Strobe::Pin29, .vpp = VppPin::Pin3, .latch1High = kPin3 | kPin29, .latch3High = kPin30};
+constexpr Wiring k27256  {.vpp = VppPin::Pin3, .latch1High = kPin3, .latch3High = kPin30};
+constexpr Wiring k27512  {.vpp = VppPin::Pin24, .latch3High = kPin30};
+constexpr Wiring k27010  {.strobe = Strobe::Pin31, .vpp = VppPin::Pin1, .latch3High = kPin1 | kPin31};
+constexpr Wiring k27040  {.vpp = VppPin::Pin1, .latch3High = kPin1};
+constexpr Wiring k27080  {.vpp = VppPin::Pin24};
+constexpr Wiring k28C256 {.lines = AddressLines::A14OnPin3, .strobe = Strobe::Pin29, .latch1High = kPin29, .latch3High = kPin30};
+constexpr Wiring k29C256 {.strobe = Strobe::Pin3, .latch1High = kPin3, .latch3High = kPin30};
+constexpr Wiring k29F    {.lines = AddressLines::A18OnPin1, .strobe = Strobe::Pin31, .latch3High = kPin31};
+constexpr Wiring k28F    {.strobe = Strobe::Pin31, .vpp = VppPin::Pin1, .latch3High = kPin1 | kPin31};
+constexpr Wiring k24C    {};
 
 // One pulse a byte. The sheets of the old NMOS parts give no limit but this.
 constexpr EpromSheet k50ms25V{.pulseUs = 50'000, .mostPulses = 1, .usualVppMillivolts = 25'000};
@@ -44,17 +44,26 @@ constexpr EpromSheet k50usOnOe{.pulseUs = 50, .mostPulses = 25, .order = VerifyO
 constexpr PageSheet kPage64{.pageBytes = 64, .longestCycleMs = 10};
 constexpr PageSheet kPage128{.pageBytes = 128, .longestCycleMs = 10};
 
+// What the classic procedures do to a true chip; told where they are chosen.
+constexpr std::string_view kShortPulses = "pulses of 5 ms where the data sheet has one of 50 ms";
+constexpr std::string_view kFades = "no overprogram pulse, without which the bytes may fade";
+constexpr std::string_view kHalf = "A18 does not reach the chip: its upper half shows the lower one";
+constexpr std::string_view kThreeQuarters = "A18 does not reach the chip: a quarter of it stays out of reach";
+constexpr std::string_view kSlowChip = "a chip that writes a page in 5 ms or more fails at the usual speed: slider to 12";
+constexpr std::string_view kFrom300h = "writing begins at 300h and ends with an error";
+constexpr std::string_view kWrongErase = "writing begins at 300h and ends with an error; erasing leaves most bytes";
+
 constexpr std::array kDataSheets{
     DataSheet{"Eprom 2716", {}, NotOffered{"pin 21 of a 2716 takes the programming voltage, and the board has no switch there"}},
-    DataSheet{"Eprom 2732A",                   k2732,   k50ms21V},
-    DataSheet{"Eprom 2732B",                   k2732,   k1msOver3},
-    DataSheet{"Eprom 2732",                    k2732,   k50ms25V},
-    DataSheet{"Eprom 27C32",                   k2732,   k50ms25V},
-    DataSheet{"Eprom 2764",                    k2764,   k1msOver4},
+    DataSheet{"Eprom 2732A",                   k2732,   k50ms21V, kShortPulses, "2732: 25 V, 2732B: 12.5 V"},
+    DataSheet{"Eprom 2732B",                   k2732,   k1msOver3, kFades, "2732: 25 V, 2732A: 21 V"},
+    DataSheet{"Eprom 2732",                    k2732,   k50ms25V, kShortPulses, "2732A: 21 V, 2732B: 12.5 V"},
+    DataSheet{"Eprom 27C32",                   k2732,   k50ms25V, kShortPulses, "some makers' parts: 12.5 V"},
+    DataSheet{"Eprom 2764",                    k2764,   k1msOver4, kFades, "2764A: 12.5 V"},
     DataSheet{"Eprom 27C64",                   k2764,   k100us},
-    DataSheet{"Eprom 27128",                   k2764,   k1msOver4},
+    DataSheet{"Eprom 27128",                   k2764,   k1msOver4, kFades, "27128A: 12.5 V"},
     DataSheet{"Eprom 27C128",                  k2764,   k100us},
-    DataSheet{"Eprom 27256",                   k27256,  k1msOver3},
+    DataSheet{"Eprom 27256",                   k27256,  k1msOver3, kFades},
     DataSheet{"Eprom 27C256",                  k27256,  k100us},
     DataSheet{"Eprom 27C259",                  k27256,  k100us},
     DataSheet{"Eprom 27C512",                  k27512,  k100usOnOe},
@@ -62,10 +71,10 @@ constexpr std::array kDataSheets{
     DataSheet{"Eprom 27C010",                  k27010,  k100us},
     DataSheet{"Eprom 27C2001",                 k27010,  k100us},
     DataSheet{"Eprom 27C020",                  k27010,  k100us},
-    DataSheet{"Eprom 27C4001",                 k27040,  k100us},
-    DataSheet{"Eprom 27C040",                  k27040,  k100us},
-    DataSheet{"Eprom 27C801",                  k27080,  k50usOnOe},
-    DataSheet{"Eprom 27C080",                  k27080,  k50usOnOe},
+    DataSheet{"Eprom 27C4001",                 k27040,  k100us, kHalf},
+    DataSheet{"Eprom 27C040",                  k27040,  k100us, kHalf},
+    DataSheet{"Eprom 27C801",                  k27080,  k50usOnOe, kThreeQuarters},
+    DataSheet{"Eprom 27C080",                  k27080,  k50usOnOe, kThreeQuarters},
     DataSheet{"Eprom 27C080 OTP",              k27080,  k50usOnOe},
     DataSheet{"Flash Atmel AT29C256",          k29C256, kPage64},
     DataSheet{"Flash AMIC A29040",             k29F,    NotOffered{"not yet written"}},
@@ -75,15 +84,15 @@ constexpr std::array kDataSheets{
     DataSheet{"Flash EON EN29F040",            k29F,    NotOffered{"not yet written"}},
     DataSheet{"Flash Catalyst CAT28F010",      k28F,    NotOffered{"not yet written"}},
     DataSheet{"Flash Catalyst CAT28F020",      k28F,    NotOffered{"not yet written"}},
-    DataSheet{"Eeprom XICOR X28C256",          k28C256, kPage64},
+    DataSheet{"Eeprom XICOR X28C256",          k28C256, kPage64, kSlowChip},
     DataSheet{"Eeprom Catalyst CAT28C256",     k28C256, kPage64},
     DataSheet{"Eeprom Catalyst CAT28C257",     k28C256, kPage128},
-    DataSheet{"Eeprom 24C08 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}},
-    DataSheet{"Eeprom 24C16 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}},
+    DataSheet{"Eeprom 24C08 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}, kFrom300h},
+    DataSheet{"Eeprom 24C16 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}, kWrongErase},
     DataSheet{"Eeprom 24C32 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}},
     DataSheet{"Eeprom 24C256 Serial (8 pins)", k24C,    NotOffered{"not yet written"}},
-    DataSheet{"Flash Atmel AT29F040", {}, NotOffered{"its sectors are written in a way that no routine here knows"}},
-    DataSheet{"Flash Catalyst CAT28F001", {}, NotOffered{"it wants 12 V on a pin where the board has no switch"}},
+    DataSheet{"Flash Atmel AT29F040", {}, NotOffered{"its commands are neither written nor proved here"}},
+    DataSheet{"Flash Catalyst CAT28F001", {}, NotOffered{"its commands are neither written nor proved here"}},
     DataSheet{"uC Atmel AT90S2313 Micro", {}, NotOffered{"it is programmed over pins that the socket does not reach"}},
 };
 // clang-format on

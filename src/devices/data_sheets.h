@@ -6,7 +6,7 @@
 #include <string_view>
 #include <variant>
 
-#include "devices/pinout.h"
+#include "devices/wiring.h"
 
 namespace kestrel::devices {
 
@@ -63,9 +63,11 @@ struct NotOffered {
 
 struct DataSheet {
   std::string_view device;  ///< its name in the catalogue
-  Pinout pinout = {};
+  Wiring wiring = {};
   std::variant<NotOffered, EpromSheet, PageSheet, SerialSheet, FlashSheet, TwelveVoltFlashSheet>
       part;
+  std::string_view classicLimit = {};  ///< what the classic procedures do not do right
+  std::string_view markings = {};      ///< which markings mean another programming voltage
 };
 
 [[nodiscard]] std::span<const DataSheet> dataSheets();

@@ -1,5 +1,7 @@
 #include "devices/remarks.h"
 
+#include "devices/data_sheets.h"
+
 namespace kestrel::devices {
 
 std::string_view whyNoBlankCheck(const Family& family) {
@@ -17,6 +19,30 @@ std::string_view whyNoDisplay(const Family& family) {
   if (family.hasDisplay) return {};
   return family.bus == BusKind::Serial ? "there is no device display for a serial EEPROM"
                                        : "there is no device display for this device";
+}
+
+std::string_view classicLimit(std::string_view device) {
+  const DataSheet* const sheet = dataSheetOf(device);
+  return isOffered(sheet) ? sheet->classicLimit : std::string_view();
+}
+
+std::string_view whyNoDataSheet(std::string_view device) {
+  const DataSheet* const sheet = dataSheetOf(device);
+  if (sheet == nullptr) return "there is no data sheet of it here";
+  const auto* const notOffered = std::get_if<NotOffered>(&sheet->part);
+  return notOffered == nullptr ? std::string_view() : notOffered->reason;
+}
+
+std::string usualVoltage(std::string_view device) {
+  const DataSheet* const sheet = dataSheetOf(device);
+  const auto* const eprom = sheet == nullptr ? nullptr : std::get_if<EpromSheet>(&sheet->part);
+  if (eprom == nullptr) return {};
+  constexpr int kMillivolts = 1000;
+  const int volts = eprom->usualVppMillivolts / kMillivolts;
+  const bool isHalf = eprom->usualVppMillivolts % kMillivolts != 0;
+  std::string text = std::to_string(volts) + (isHalf ? ".5 V" : " V");
+  if (sheet->markings.empty()) return text;
+  return text + "; the marking on the chip decides (" + std::string(sheet->markings) + ")";
 }
 
 }  // namespace kestrel::devices

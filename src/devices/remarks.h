@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "devices/families.h"
@@ -13,5 +14,16 @@ namespace kestrel::devices {
 [[nodiscard]] std::string_view whyNoBlankCheck(const Family& family);
 [[nodiscard]] std::string_view whyNoErase(const Family& family);
 [[nodiscard]] std::string_view whyNoDisplay(const Family& family);
+
+/// What the classic procedures do not do right with the device, and those of the data sheets do;
+/// empty when there is nothing.
+[[nodiscard]] std::string_view classicLimit(std::string_view device);
+
+/// Why the device is not offered with the algorithms of the data sheets; empty when it is.
+[[nodiscard]] std::string_view whyNoDataSheet(std::string_view device);
+
+/// The voltage that the data sheet programs with, and what a marking may say instead; empty for a
+/// device without one.
+[[nodiscard]] std::string usualVoltage(std::string_view device);
 
 }  // namespace kestrel::devices

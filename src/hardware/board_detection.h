@@ -21,9 +21,9 @@ namespace kestrel::hardware {
 /// operator's word for port and model.
 class BoardDetection {
  public:
-  BoardDetection(PortState& portState, LatchState& latches, Controls& controls,
-                 Reporting& reporting, ErrorReport& errors, Board& board, ErrorAlert& alert,
-                 PortAccess& port, const TimeOfDay& time, const Folders& folders)
+  BoardDetection(PortState& portState, const AlgorithmState& chosen, LatchState& latches,
+                 Controls& controls, Reporting& reporting, ErrorReport& errors, Board& board,
+                 ErrorAlert& alert, PortAccess& port, const TimeOfDay& time, const Folders& folders)
       : portState_(portState),
         latches_(latches),
         controls_(controls),
@@ -34,7 +34,7 @@ class BoardDetection {
         time_(time),
         captions_(controls),
         config_(folders.configuration),
-        probe_(portState, latches, reporting, board, port) {}
+        probe_(portState, chosen, latches, reporting, board, port) {}
 
   /// The hardware test: probes all three ports, the last one that answers is taken, and reports.
   void TestHardware_button_Click();

@@ -67,8 +67,10 @@ std::uint8_t BoardProbe::readWithLatch3(std::uint8_t value) {
 }
 
 // GetNibbles decodes for the new model but selects the nibbles with the codes applied last: before
-// the first detection both are 0, and a model 6 is then taken for a model 5. That is intended.
+// the first detection both are 0, and a model 6 is then taken for a model 5. That is how the
+// classic way goes; the other one applies the codes of models 5 and 6 first.
 bool BoardProbe::answersAsModel6() {
+  if (chosen_.algorithms == Algorithms::DataSheet) board_.registers.ApplyPortAndModel();
   const std::uint8_t pulledDown = readWithLatch3(kPullDownD4);
   const std::uint8_t released = readWithLatch3(kNoPullDown);
   return pulledDown == 0xEF && released == 0xFF;

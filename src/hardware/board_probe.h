@@ -13,9 +13,10 @@ namespace kestrel::hardware {
 /// read-back do.
 class BoardProbe {
  public:
-  BoardProbe(PortState& portState, const LatchState& latches, Reporting& reporting, Board& board,
-             PortAccess& port)
+  BoardProbe(PortState& portState, const AlgorithmState& chosen, const LatchState& latches,
+             Reporting& reporting, Board& board, PortAccess& port)
       : portState_(portState),
+        chosen_(chosen),
         latches_(latches),
         reporting_(reporting),
         board_(board),
@@ -38,6 +39,7 @@ class BoardProbe {
   [[nodiscard]] std::uint8_t readWithLatch3(std::uint8_t value);
 
   PortState& portState_;
+  const AlgorithmState& chosen_;
   const LatchState& latches_;
   Reporting& reporting_;
   Board& board_;

@@ -116,31 +116,33 @@ void ChipBus::addressLatch(std::size_t latch) {
   if (!usesFullSpeed_) waits_.Spin(timing_.BusDelayCount);
 }
 
-void ChipBus::begin(const devices::Pinout& pinout) {
-  pinout_ = pinout;
+void ChipBus::begin(const devices::Wiring& wiring) {
+  wiring_ = wiring;
   usesFullSpeed_ = false;
   control_.reset();
   loadAlways(0, (latches_.RegShadow0 & kBoardLamp) | kOutputDisable);
-  loadAlways(3, kChipDisable | kDataLatchOff | pinout_.latch3High);
-  loadAlways(1, pinout_.latch1High);
+  loadAlways(3, kChipDisable | kDataLatchOff | wiring_.latch3High);
+  loadAlways(1, wiring_.latch1High);
   loadAlways(2, 0);
   loadAlways(4, kErased);
   latches_.LinearAddress = 0;
   waits_.Sleep(kSupplyUpMs);
 }
 
+// Without waits, which throw while the command is being stopped.
 void ChipBus::end() {
+  usesFullSpeed_ = true;
   load(0, (latches_.RegShadow0 & ~kAllVpp) | kOutputDisable);
-  const auto [latch, mask] = lineOf(pinout_.strobe);
+  const auto [latch, mask] = lineOf(wiring_.strobe);
   set(latch, mask);
   set(3, kChipDisable | kDataLatchOff);
 }
 
 void ChipBus::setAddress(std::uint32_t address) {
-  const std::uint32_t lines = onStraightLines(address, pinout_.lines);
+  const std::uint32_t lines = onStraightLines(address, wiring_.lines);
   load(2, static_cast<int>(lines & 0xFFU));
-  load(1, static_cast<int>(lines >> 8U & 0xFFU) | pinout_.latch1High);
-  load(3, static_cast<int>(lines >> 16U) | pinout_.latch3High | (shadow(3) & ~kLatch3Address));
+  load(1, static_cast<int>(lines >> 8U & 0xFFU) | wiring_.latch1High);
+  load(3, static_cast<int>(lines >> 16U) | wiring_.latch3High | (shadow(3) & ~kLatch3Address));
 }
 
 void ChipBus::enableOutputs() {
@@ -167,17 +169,12 @@ bool ChipBus::showsHalf(std::int16_t select) const {
   return control_ && ((*control_ ^ select) & kHalfSelect) == 0;
 }
 
-// Both halves are asked for before one is fetched: one round trip through an adapter.
 PendingRead ChipBus::askHalf(std::int16_t select) {
   if (!showsHalf(select)) {
     port_.PortOut(portState_.ControlPort, narrowed<std::uint8_t>(select));
     control_ = select;
   }
   return port_.askPortIn(portState_.StatusPort);
-}
-
-std::uint8_t ChipBus::fetchHalf(PendingRead pending) {
-  return port_.fetchPortIn(portState_.StatusPort, pending);
 }
 
 std::uint8_t ChipBus::decoded(unsigned low, unsigned high) const {
@@ -187,27 +184,32 @@ std::uint8_t ChipBus::decoded(unsigned low, unsigned high) const {
   return static_cast<std::uint8_t>(latches_.StatusDecodeHigh[high] | latches_.StatusDecodeLow[low]);
 }
 
-std::uint8_t ChipBus::read() {
+// The half that the control lines show already comes first.
+ChipBus::Pending ChipBus::ask() {
+  if (!hasModel()) return {};
+  const std::int16_t low = portState_.NibbleSelA;
+  const std::int16_t high = portState_.NibbleSelB;
+  Pending pending{.first = {}, .second = {}, .isHighFirst = showsHalf(high)};
+  pending.first = askHalf(pending.isHighFirst ? high : low);
+  pending.second = askHalf(pending.isHighFirst ? low : high);
+  return pending;
+}
+
+std::uint8_t ChipBus::fetch(const Pending& pending) {
   if (!hasModel()) return 0;
-  if (showsHalf(portState_.NibbleSelB)) {
-    const PendingRead upper = askHalf(portState_.NibbleSelB);
-    const PendingRead lower = askHalf(portState_.NibbleSelA);
-    const std::uint8_t high = fetchHalf(upper);
-    return decoded(fetchHalf(lower), high);
-  }
-  const PendingRead lower = askHalf(portState_.NibbleSelA);
-  const PendingRead upper = askHalf(portState_.NibbleSelB);
-  const std::uint8_t low = fetchHalf(lower);
-  return decoded(low, fetchHalf(upper));
+  const std::uint8_t first = port_.fetchPortIn(portState_.StatusPort, pending.first);
+  const std::uint8_t second = port_.fetchPortIn(portState_.StatusPort, pending.second);
+  return pending.isHighFirst ? decoded(second, first) : decoded(first, second);
 }
 
 std::uint8_t ChipBus::readUpperHalf() {
   if (!hasModel()) return 0;
-  return decoded(0, fetchHalf(askHalf(portState_.NibbleSelB))) & kUpperBits;
+  const PendingRead high = askHalf(portState_.NibbleSelB);
+  return decoded(0, port_.fetchPortIn(portState_.StatusPort, high)) & kUpperBits;
 }
 
 void ChipBus::pulse(std::int64_t widthUs) {
-  const auto [latch, mask] = lineOf(pinout_.strobe);
+  const auto [latch, mask] = lineOf(wiring_.strobe);
   clear(latch, mask);
   if (widthUs > kAccessesInPulseUs) {
     waits_.Spin((widthUs - kAccessesInPulseUs) * kCountsPerUs);
@@ -218,7 +220,7 @@ void ChipBus::pulse(std::int64_t widthUs) {
 // The latch is transparent while its strobe is active, so the line rises with the second byte. Not
 // for a pulse, in which a Stop may come: what is written next would reach this latch first.
 void ChipBus::strobe() {
-  const auto [latch, mask] = lineOf(pinout_.strobe);
+  const auto [latch, mask] = lineOf(wiring_.strobe);
   port_.PortOut(portState_.PortBase, narrowed<std::uint8_t>(shadow(latch) & ~mask));
   addressLatch(latch);
   port_.PortOut(portState_.ControlPort, narrowed<std::uint8_t>(portState_.CtlStrobe[latch]));
@@ -236,9 +238,9 @@ void ChipBus::prepareVpp(int volts) {
   if (volts > 12) waits_.Sleep(kVppSettlingMs);
 }
 
-void ChipBus::vppOn() { set(0, switchOf(pinout_.vpp)); }
+void ChipBus::vppOn() { set(0, switchOf(wiring_.vpp)); }
 
-void ChipBus::vppOff() { clear(0, switchOf(pinout_.vpp) & ~kOutputDisable); }
+void ChipBus::vppOff() { clear(0, switchOf(wiring_.vpp) & ~kOutputDisable); }
 
 ChipSession::~ChipSession() {
   try {

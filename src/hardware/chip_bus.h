@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "app/state/programmer_state.h"
-#include "devices/pinout.h"
+#include "devices/wiring.h"
 #include "hardware/registers.h"
 #include "platform/port_access.h"
 #include "platform/waits.h"
@@ -13,7 +13,7 @@
 namespace kestrel::hardware {
 
 /// The pins of the chip in the socket, for the algorithms of the data sheets: address, data, /CE,
-/// /OE, the write strobe, the programming voltage, each where the pinout has it.
+/// /OE, the write strobe, the programming voltage, each where the wiring has it.
 ///
 /// It knows what the latches hold (the shadows, from begin() on) and loads only what changes. Data
 /// lines have one driver at a time: the board's latch leaves them before /OE goes low, and /OE goes
@@ -27,7 +27,7 @@ class ChipBus {
 
   /// Takes the board over: voltages off, chip deselected, data lines free, address 0; then the
   /// supply comes up.
-  void begin(const devices::Pinout& pinout);
+  void begin(const devices::Wiring& wiring);
 
   /// Voltages off first, then outputs off, chip deselected, data lines free.
   void end();
@@ -49,7 +49,17 @@ class ChipBus {
   void release();
 
   /// What stands on the data lines; 0 without a known model.
-  [[nodiscard]] std::uint8_t read();
+  [[nodiscard]] std::uint8_t read() { return fetch(ask()); }
+
+  /// The same in two steps, see PortAccess: bytes are fetched in the order in which they were asked
+  /// for.
+  struct Pending {
+    PendingRead first;
+    PendingRead second;
+    bool isHighFirst = false;
+  };
+  [[nodiscard]] Pending ask();
+  [[nodiscard]] std::uint8_t fetch(const Pending& pending);
 
   /// The upper half alone, in place: bit 7 is the SDA of a serial chip.
   [[nodiscard]] std::uint8_t readUpperHalf();
@@ -82,7 +92,6 @@ class ChipBus {
   [[nodiscard]] bool hasModel() const;
   [[nodiscard]] bool showsHalf(std::int16_t select) const;
   [[nodiscard]] PendingRead askHalf(std::int16_t select);
-  [[nodiscard]] std::uint8_t fetchHalf(PendingRead pending);
   [[nodiscard]] std::uint8_t decoded(unsigned low, unsigned high) const;
 
   const PortState& portState_;
@@ -90,7 +99,7 @@ class ChipBus {
   const TimingState& timing_;
   PortAccess& port_;
   Waits& waits_;
-  devices::Pinout pinout_;
+  devices::Wiring wiring_;
   std::optional<std::int16_t> control_;  ///< what the control lines hold; empty: not known
   bool usesFullSpeed_ = false;
 };
@@ -98,7 +107,7 @@ class ChipBus {
 /// The board in the hands of an algorithm, given back with every voltage off on every way out.
 class ChipSession {
  public:
-  ChipSession(ChipBus& bus, const devices::Pinout& pinout) : bus_(bus) { bus_.begin(pinout); }
+  ChipSession(ChipBus& bus, const devices::Wiring& wiring) : bus_(bus) { bus_.begin(wiring); }
   ~ChipSession();
   ChipSession(const ChipSession&) = delete;
   ChipSession& operator=(const ChipSession&) = delete;

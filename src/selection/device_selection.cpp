@@ -228,6 +228,7 @@ void DeviceSelection::AlgorithmSelection_Click(std::size_t index) {
     fillList();
     controls_.AlgorithmSelection[index].putBack(false);
     controls_.AlgorithmSelection[1 - index].putBack(true);
+    reporting_.LogMessage("Algorithms Unchanged: the Device is Offered with these alone");
     reporting_.noteEnding(Ending::Refused, device_.DeviceName +
                                                " is not offered with these algorithms: choose "
                                                "another device first");

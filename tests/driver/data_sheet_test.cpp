@@ -69,6 +69,7 @@ TEST_P(EveryDevice, isCheckedProgrammedVerifiedReadAndShownWithoutAFinding) {
   const bool isLarge = part.bytes > 0x10000;
   if (isLarge && model != sim::Model::kestrel5) return;
   BySheet s(part, model);
+  EXPECT_EQ(s.rig.state.KestrelModel, static_cast<int>(model)) << "at the first test";
   const Bytes image = imageFor(part);
   s.rig.openImage(image);
   s.rig.controls.VerifyAfterProgramming.press();
@@ -100,6 +101,84 @@ INSTANTIATE_TEST_SUITE_P(Sheets, EveryDevice,
                            return name + "OnModel" +
                                   std::to_string(static_cast<int>(std::get<0>(test.param)));
                          });
+
+/// A chip that is not as it should be, and how programming some random bytes then ends.
+struct Trouble {
+  const char* name;
+  Part part;
+  void (*prepare)(BySheet& s);
+  const char* reason;  ///< part of it; empty: it ends well
+};
+
+constexpr Part k27C256{"Eprom 27C256", "27C256", 0x8000};
+constexpr Part k27C512{"Eprom 27C512", "27C512", 0x10000};
+constexpr Part k2764{"Eprom 2764", "2764", 0x2000, 2};
+constexpr Part k28C256{"Eeprom XICOR X28C256", "X28C256", 0x8000, 0};
+
+// clang-format off
+const Trouble kTroubles[]{
+    {"aCellThatNeedsThreePulses", k2764,   [](BySheet& s) { s.board->fitWeakCell(0x123, 3); }, ""},
+    {"aCellOfTheSecondPass",      k27C512, [](BySheet& s) { s.board->fitWeakCell(0x123, 25); }, ""},
+    {"aCellThatNeverTakes",       k27C256, [](BySheet& s) { s.board->fitWeakCell(0x123); }, "byte at address 123 does not"},
+    {"aCellThatNeverTakesOnOe",   k27C512, [](BySheet& s) { s.board->fitWeakCell(0x123); }, "byte at address 123 does not"},
+    {"aChipThatIsNotBlank",       k27C256, [](BySheet& s) { s.board->loadChip(Bytes(0x8000, 0)); }, "byte at address 0 does not"},
+    {"anEmptySocket",             k27C512, [](BySheet& s) { s.board->takeOut(); }, "byte at address 0 does not"},
+    {"aStuckLine",                k28C256, [](BySheet& s) { s.board->stickDataLine(3, false); }, "byte at address 0 does not"},
+    {"aWriteWithoutEnd",          k28C256, [](BySheet& s) { s.board->setChip({.writeNeverEnds = true}); }, "still busy 30 ms"},
+    {"aProtectedChip",            k28C256, [](BySheet& s) { s.board->setChip({.softwareProtection = true}); }, ""},
+};
+// clang-format on
+
+class Troubles : public testing::TestWithParam<Trouble> {};
+
+TEST_P(Troubles, endClearlyWithVoltageOff) {
+  const Trouble& trouble = GetParam();
+  BySheet s(trouble.part);
+  Bytes image(trouble.part.bytes, 0xFF);
+  std::ranges::copy(randomBytes(0x200, 3), image.begin());
+  s.rig.openImage(image);
+  const bool endsWell = *trouble.reason == '\0';
+  trouble.prepare(s);
+  s.rig.program();
+  EXPECT_EQ(s.rig.result.ending, endsWell ? Ending::Done : Ending::Failed);
+  EXPECT_THAT(s.rig.result.reason, testing::HasSubstr(trouble.reason));
+  EXPECT_EQ(s.chipContents() == image, endsWell);
+  EXPECT_EQ(s.board->latch(0) & ~0x08, 0x40);
+  s.expectNoFinding();
+}
+
+INSTANTIATE_TEST_SUITE_P(Sheets, Troubles, testing::ValuesIn(kTroubles),
+                         [](const auto& test) { return test.param.name; });
+
+TEST(Protection, isLeftAsItWasFoundOrSet) {
+  for (const bool before : {false, true}) {
+    for (const auto& [wanted, after] :
+         {std::pair{Protection::Keep, before}, {Protection::On, true}, {Protection::Off, false}}) {
+      BySheet s(k28C256);
+      s.board->setChip({.softwareProtection = before});
+      s.rig.state.protection = wanted;
+      s.rig.openImage(Bytes(0x8000, 0x5A));
+      s.rig.program();
+      EXPECT_TRUE(s.chipContents() == Bytes(0x8000, 0x5A));
+      EXPECT_EQ(s.board->chip()->settings().softwareProtection, after);
+      s.expectNoFinding();
+    }
+  }
+}
+
+TEST(Stop, takesTheVoltageOffInTheMiddleOfARun) {
+  BySheet s(k2764);
+  s.rig.openImage(randomBytes(0x2000, 4));
+  s.rig.screen.onTurn = [&] {
+    if (s.chipContents()[0x100] != 0xFF) s.rig.stop.stopCommand();
+  };
+  s.rig.program();
+  EXPECT_EQ(s.rig.result.ending, Ending::Stopped);
+  EXPECT_EQ(s.board->latch(0), 0x40);
+  // The byte that it fell into is left without its overprogram pulse.
+  EXPECT_EQ(s.bench.findings().all().size(),
+            s.bench.findings().count(sim::FindingKind::missingOverprogram));
+}
 
 }  // namespace
 }  // namespace kestrel::test

@@ -87,5 +87,29 @@ TEST(TypicalRun, theVoltageInUseStandsBesideTheCommands) {
   EXPECT_EQ(shown.accessibleName(), "12.5 V") << "its routine knows no other";
 }
 
+// The classic way sees the lower half of a 27C040 twice; one click, and the whole chip is there.
+TEST(TypicalRun, aLimitOfTheClassicWayIsShownWithItsCure) {
+  StartedRig rig("27C040");
+  EXPECT_TRUE(rig.find<QLabel>("classicLimit").text().contains("A18"));
+  rig.program.simulated()->bench().findings().clear();
+  rig.click("useDataSheet");
+  EXPECT_FALSE(rig.find("classicLimit").isVisible());
+  EXPECT_TRUE(rig.find<QRadioButton>("AlgorithmSelection(1)").isChecked());
+  std::vector<std::uint8_t> image(0x80000, 0xFF);
+  image.front() = 0x11;
+  image[0x40000] = 0x22;
+  rig.openFile("halves.bin", image);
+  rig.click("VerifyAfterProgramming");
+  const WithDialog question = answering(QMessageBox::Ok);
+  rig.click("Program_button");
+  EXPECT_TRUE(rig.logged("Device Contents MATCHES with Buffer Contents"));
+  EXPECT_EQ(rig.chipContents(), image);
+  EXPECT_TRUE(rig.program.simulated()->bench().findings().empty());
+  rig.select("27C080 OTP");
+  EXPECT_EQ(rig.form.state().DeviceName, "Eprom 27C080 OTP");
+  rig.click("AlgorithmSelection(0)");
+  EXPECT_TRUE(rig.controls().AlgorithmSelection[1].value()) << "the OTP is not offered there";
+}
+
 }  // namespace
 }  // namespace kestrel::test

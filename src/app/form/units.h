@@ -51,8 +51,9 @@ struct frmMain::Units {
   hardware::ChipBus chipBus{state, state, state, machine.port, machine.waits};
   data_sheet::Drivers drivers{state, state, chipBus};
   hardware::ErrorAlert alert{state, controls, reporting, board.lamps, board.bus};
-  hardware::BoardDetection detection{state, state, controls,     reporting,    errors,
-                                     board, alert, machine.port, machine.time, machine.folders};
+  hardware::BoardDetection detection{state,        state,        state,          controls,
+                                     reporting,    errors,       board,          alert,
+                                     machine.port, machine.time, machine.folders};
 
   display::MemoryDisplay memoryDisplay{state, state, state, controls};
   display::DeviceDisplay deviceDisplay{state,     state, state,   state,          controls,

@@ -10,6 +10,7 @@
 #include <QWheelEvent>
 
 #include "app/window/theme.h"
+#include "devices/data_sheets.h"
 #include "devices/part_marking.h"
 
 namespace kestrel::window {
@@ -85,7 +86,15 @@ void DeviceBox::setTyping(bool isTyping) {
 }
 
 void DeviceBox::showItems() {
-  if (count() == static_cast<int>(control_.items().size())) return;
+  const auto isShown = [this](int position, const std::string& item) {
+    return itemText(position) == toQString(item);
+  };
+  const auto size = static_cast<int>(control_.items().size());
+  bool areShown = count() == size;
+  for (int i = 0; areShown && i < size; ++i) {
+    areShown = isShown(i, control_.items()[static_cast<std::size_t>(i)]);
+  }
+  if (areShown) return;
   clear();
   for (const std::string& item : control_.items()) addItem(toQString(item));
   greyUnavailable();
@@ -107,7 +116,11 @@ void DeviceBox::choose(int position) {
   (void)binder_.runner().run([this, position] { control_.setPosition(position); });
   binder_.mirror().touch(control_);
   if (available) return;
-  tell(chosen + ": not with this program." +
+  const std::string name = chosen.mid(kNotAvailable.size() + 3).trimmed().toStdString();
+  const bool hasDataSheet = devices::isOffered(devices::dataSheetOf(name));
+  tell(chosen +
+       (hasDataSheet ? ": with the data sheet algorithms only; see Options."
+                     : ": not with this program.") +
        (state_.DeviceName.empty() ? QString()
                                   : '\n' + toQString(state_.DeviceName) + " stays selected."));
 }

@@ -2,6 +2,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -29,7 +30,7 @@ std::uint32_t maskOf(const hardware::VppOutput& vpp) {
 
 }  // namespace
 
-DeviceCard::DeviceCard(const Controls& controls, const ProgrammerState& state, const Binder& binder,
+DeviceCard::DeviceCard(Controls& controls, const ProgrammerState& state, const Binder& binder,
                        QWidget* parent)
     : QWidget(parent), state_(state) {
   setObjectName("deviceCard");
@@ -49,12 +50,39 @@ DeviceCard::DeviceCard(const Controls& controls, const ProgrammerState& state, c
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     column->addWidget(label);
   }
+  buildLimit(controls, binder, *column);
   column->addStretch(1);
   levelsTimer_.setInterval(kLookMs);
   connect(&levelsTimer_, &QTimer::timeout, this, [this] { showLevels(); });
   chipTimer_.setInterval(kChipMs);
   connect(&chipTimer_, &QTimer::timeout, this, [this] { showFacts(); });
   binder.mirror().bind(controls.Device, *this, [this] { showDevice(); });
+  binder.mirror().bind(controls.AlgorithmSelection[1], *this, [this] { showFacts(); });
+}
+
+void DeviceCard::buildLimit(Controls& controls, const Binder& binder, QBoxLayout& column) {
+  limit_ = new QLabel(this);
+  limit_->setObjectName("classicLimit");
+  limit_->setWordWrap(true);
+  limit_->setTextFormat(Qt::PlainText);
+  cure_ = new QPushButton("Use data sheet", this);
+  cure_->setObjectName("useDataSheet");
+  cure_->setToolTip("Program by the chip's data sheet instead");
+  column.addWidget(limit_);
+  column.addWidget(cure_, 0, Qt::AlignLeft);
+  connect(cure_, &QPushButton::clicked, this, [&controls, &binder] {
+    (void)binder.runner().run([&controls] { controls.AlgorithmSelection[1].press(); });
+  });
+  showLimit();
+}
+
+void DeviceCard::showLimit() {
+  const bool isClassic = state_.algorithms == Algorithms::Classic;
+  const std::string_view limit =
+      isClassic ? devices::classicLimit(state_.DeviceName) : std::string_view();
+  limit_->setText("Classic: " + QString::fromStdString(std::string(limit)));
+  limit_->setVisible(!limit.empty());
+  cure_->setVisible(!limit.empty());
 }
 
 void DeviceCard::lookAt(std::function<SocketLook()> socket,
@@ -84,6 +112,7 @@ void DeviceCard::showDevice() {
 void DeviceCard::showFacts() {
   const QString facts = factsText();
   if (facts != facts_->text()) facts_->setText(facts);
+  showLimit();
   QString warning;
   if (look_ && !state_.DeviceName.empty() && !levelsTimer_.isActive()) {
     const std::string inSocket = look_().chip;
@@ -118,6 +147,9 @@ QString DeviceCard::factsText() const {
   } else {
     lines << "5 V only";
   }
+  const std::string voltage = devices::usualVoltage(state_.DeviceName);
+  if (!voltage.empty()) lines << "Usual VPP: " + QString::fromStdString(voltage);
+  if (state_.algorithms == Algorithms::DataSheet) return lines.join('\n');
   for (const std::string_view remark :
        {devices::whyNoBlankCheck(family), devices::whyNoErase(family)}) {
     if (!remark.empty()) lines << QString::fromUtf8(remark.data(), static_cast<int>(remark.size()));

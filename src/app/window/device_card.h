@@ -11,7 +11,9 @@
 #include "app/window/binder.h"
 #include "app/window/socket_view.h"
 
+class QBoxLayout;
 class QLabel;
+class QPushButton;
 
 namespace kestrel::window {
 
@@ -22,10 +24,10 @@ struct SocketLook {
 };
 
 /// The chosen device as a person at the bench needs it: where its chip goes, what it is, and what
-/// cannot be done with it.
+/// cannot be done with it. What the classic procedures do not do right stands there with its cure.
 class DeviceCard final : public QWidget {
  public:
-  DeviceCard(const Controls& controls, const ProgrammerState& state, const Binder& binder,
+  DeviceCard(Controls& controls, const ProgrammerState& state, const Binder& binder,
              QWidget* parent);
 
   /// The socket can be looked at; `chipOfDevice` names the chip that belongs to a device.
@@ -39,6 +41,8 @@ class DeviceCard final : public QWidget {
   void showDevice();
   void showFacts();
   void showLevels();
+  void buildLimit(Controls& controls, const Binder& binder, QBoxLayout& column);
+  void showLimit();
   [[nodiscard]] QString factsText() const;
   [[nodiscard]] std::optional<SocketLevels> levels() const;
 
@@ -46,6 +50,8 @@ class DeviceCard final : public QWidget {
   SocketView* socket_ = nullptr;
   QLabel* facts_ = nullptr;
   QLabel* warning_ = nullptr;
+  QLabel* limit_ = nullptr;
+  QPushButton* cure_ = nullptr;
   std::function<SocketLook()> look_;
   std::function<std::string(const std::string&)> chipOfDevice_;
   QTimer levelsTimer_;

@@ -36,6 +36,14 @@ void putAway(launch::SimulatedBoard& simulated, const Folders& folders) {
   simulated.saveChip();
 }
 
+/// While the algorithms of the data sheets are chosen the simulated board holds every pulse against
+/// the chip's data sheet.
+void judgeByDataSheet(launch::SimulatedBoard& simulated, form::frmMain& form) {
+  form.runner().whenEnded([&simulated, &form] {
+    simulated.bench().judgePulses(form.state().algorithms == Algorithms::DataSheet);
+  });
+}
+
 /// Puts the program together in the order of its layers and runs it until the window is closed.
 /// Returns the exit status.
 int runProgram(const Arguments& arguments) {
@@ -81,6 +89,8 @@ int runProgram(const Arguments& arguments) {
     window.addLinkEntry([&] { return askForLink(program, settings, window); });
   }
   if (program.waves() != nullptr) window.offerWaves(*program.waves());
+  if (!arguments.launch.algorithms) window.restoreAlgorithms();
+  if (simulated != nullptr) judgeByDataSheet(*simulated, program.form());
   const InstanceNumber instance;
   window.start(instance.value());
   if (simulated != nullptr) simulated->startUpDone();

@@ -363,6 +363,11 @@ void MainWindow::start(int windowsBefore) {
   for (const int wait : kFrameKnownMs) QTimer::singleShot(wait, this, [this] { fitToScreen(); });
 }
 
+void MainWindow::restoreAlgorithms() {
+  if (parts_.settings.value(kSection, "Algorithms") != "DataSheet") return;
+  controls_.AlgorithmSelection[1].press();
+}
+
 DeviceCard& MainWindow::deviceCard() const { return options_->card(); }
 
 void MainWindow::addSidePanel(QWidget& panel, const QString& title) {
@@ -570,6 +575,8 @@ void MainWindow::restoreLook() {
 
 void MainWindow::saveLook() {
   parts_.settings.setValue(kSection, "Maximised", isMaximized() ? "1" : "0");
+  const bool isByDataSheet = controls_.AlgorithmSelection[1].value();
+  parts_.settings.setValue(kSection, "Algorithms", isByDataSheet ? "DataSheet" : "Classic");
   parts_.settings.setValue(kSection, "Splitter", toText(split_->saveState()));
   if (side_ != nullptr) parts_.settings.setValue(kSection, "Panels", toText(saveState()));
 }

@@ -61,6 +61,9 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   /// open already.
   void start(int windowsBefore = 0);
 
+  /// The algorithms of the last time, before the start.
+  void restoreAlgorithms();
+
   /// Opens a code file as the Open command does with this answer.
   void openCodeFile(const std::filesystem::path& file);
 

@@ -60,6 +60,7 @@ OptionsPanel::OptionsPanel(Controls& controls, const ProgrammerState& state, con
   buildVoltage(*column);
   buildLane(*column);
   options->setBuddy(content->findChild<QRadioButton*>("HiLow_button(0)"));
+  buildAlgorithms(*column);
   buildChecks(*column);
   buildSpeed(*column);
   column->addStretch(1);
@@ -166,6 +167,20 @@ void OptionsPanel::buildLane(QBoxLayout& column) {
     auto* const button = new QRadioButton(frame);
     binder_.option(control, *button);
     button->setAccessibleName(button->text() + " bytes");
+    buttons->addWidget(button);
+  }
+  column.addWidget(frame);
+}
+
+void OptionsPanel::buildAlgorithms(QBoxLayout& column) {
+  auto* const frame = new QGroupBox("Algorithms", widget());
+  frame->setToolTip(
+      "How chips are read, programmed and erased; data sheet: as the chip's wants it");
+  auto* const buttons = new QHBoxLayout(frame);
+  for (OptionButton& control : controls_.AlgorithmSelection) {
+    auto* const button = new QRadioButton(frame);
+    binder_.option(control, *button);
+    button->setAccessibleName(button->text() + " algorithms");
     buttons->addWidget(button);
   }
   column.addWidget(frame);

@@ -38,6 +38,7 @@ class OptionsPanel final : public QScrollArea {
   void buildVoltage(QBoxLayout& column);
   void buildLane(QBoxLayout& column);
   void buildChecks(QBoxLayout& column);
+  void buildAlgorithms(QBoxLayout& column);
   void buildSpeed(QBoxLayout& column);
   void buildHardware(QBoxLayout& column);
   void buildPorts(QBoxLayout& column);

@@ -8,9 +8,9 @@ namespace kestrel::devices {
 
 // How a chip meets the latches that feed the 32-pin socket. A0 to A7 are latch 2, A8 to A15 latch 1
 // bits 0 to 7 (socket pins 27, 26, 23, 25, 4, 28, 29, 3), A16 to A19 latch 3 bits 0 to 3 (pins 2,
-// 30, 31, 1); what a pinout has elsewhere it says.
+// 30, 31, 1); what a wiring has elsewhere it says.
 
-/// Where the address lines stand that a pinout moves.
+/// Where the address lines stand that a wiring moves.
 enum class AddressLines {
   Straight,
   A14OnPin3,  ///< 28C256: chip pin 1; pin 29 is its /WE
@@ -25,7 +25,7 @@ enum class Strobe {
   Pin31,  ///< /PGM or /WE of 32-pin chips, latch 3 bit 2
 };
 
-struct Pinout {
+struct Wiring {
   AddressLines lines = AddressLines::Straight;
   Strobe strobe = Strobe::ChipEnable;
   VppPin vpp = VppPin::None;
