@@ -211,8 +211,15 @@ void EmulatedAdapter::driveBoard() {
   const int control = controlRegister();
   const bool isChange = data != shownData_ || control != shownControl_;
   if (isChange) letTimePass();
+  const auto writeControl = [&] {
+    if (control != shownControl_) board_.writeControl(static_cast<std::uint8_t>(control));
+  };
+  // At a reset the resistors take the strobe away in 0.2 us; the data lines, left to the input
+  // currents of the board (0.4 mA into about 100 pF), rise later.
+  const bool floats = processor_->data[kPortD - 1] == 0;
+  if (floats) writeControl();
   if (data != shownData_) board_.writeData(static_cast<std::uint8_t>(data));
-  if (control != shownControl_) board_.writeControl(static_cast<std::uint8_t>(control));
+  if (!floats) writeControl();
   shownData_ = data;
   shownControl_ = control;
   driveStatus();
