@@ -124,6 +124,7 @@ struct BoardOnBench {
     }
   }
   [[nodiscard]] std::vector<std::uint8_t> chipContents() {
+    if (board->chip() == nullptr) return {};
     const auto cells = board->chip()->contents();
     return {cells.begin(), cells.end()};
   }

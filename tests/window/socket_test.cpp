@@ -37,9 +37,9 @@ TEST(Socket, eachChipIsDrawnWhereItsPinsMeetTheBoard) {
 }
 
 TEST(Socket, theSignStandsAsLongAsTheVoltageIsOn) {
-  StartedRig rig("2764");
+  StartedRig rig("27128");
   QTest::mouseClick(&rig.find("Voltage_button(2)"), Qt::LeftButton);
-  rig.openFile("image.bin", countingBytes(8'192));
+  rig.openFile("image.bin", countingBytes(16'384));
   auto& sign = rig.find<QLabel>("vppSign");
   std::string during;
   QTimer look;

@@ -149,6 +149,7 @@ int DeviceBox::bestMatch(const QString& typed) const {
   if (typed.isEmpty()) return -1;
   int match = firstThat([&](const QString& name) {
     return name.trimmed().compare(typed, Qt::CaseInsensitive) == 0 ||
+           name.trimmed().endsWith(' ' + typed, Qt::CaseInsensitive) ||
            name.split(' ').contains(typed, Qt::CaseInsensitive);
   });
   for (const std::string& part : devices::partNames(typed.toStdString())) {

@@ -8,7 +8,7 @@
 namespace kestrel::window {
 namespace {
 
-constexpr int kLookMs = 50;
+constexpr int kLookMs = 25;
 constexpr int kStayMs = 300;  // pulses of the voltage are closer to each other
 
 QString textOf(const hardware::VppOutput& vpp) {
