@@ -9,7 +9,6 @@
 #include "app/state/text_format.h"
 #include "app/window/theme.h"
 #include "devices/chip_pins.h"
-#include "devices/data_sheets.h"
 #include "devices/families.h"
 #include "devices/remarks.h"
 #include "hardware/vpp_output.h"
@@ -142,8 +141,6 @@ QString DeviceCard::factsText() const {
     lines << QString("VPP on pin %1 (socket %2)")
                  .arg(pinout.vppPin)
                  .arg(pinout.socketPin(pinout.vppPin));
-    const auto usual = devices::usualVpp(trimmed(state_.DeviceName));
-    if (usual) lines << QString("Usual VPP %1 V; the marking on the chip decides").arg(*usual);
   } else {
     lines << "5 V only";
   }

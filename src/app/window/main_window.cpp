@@ -10,7 +10,6 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
-#include <QScreen>
 #include <QSplitter>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -32,23 +31,15 @@
 #include "app/window/options_panel.h"
 #include "app/window/outcome_line.h"
 #include "app/window/running_look.h"
-#include "app/window/screen_place.h"
 #include "app/window/second_display.h"
 #include "app/window/status_strip.h"
-#include "app/window/twips.h"
 #include "app/window/vpp_sign.h"
-#include "images/changes.h"
-#include "images/compare.h"
-#include "images/image_file.h"
-#include "platform/atomic_file.h"
-#include "platform/runtime_error.h"
 
 namespace kestrel::window {
 namespace {
 
 constexpr int kPlaceRestsMs = 200;
 constexpr int kBesideOthers = 32;                     // pixels from one window to the next
-constexpr QMargins kUsualFrame(4, 32, 4, 4);          // until the desktop has drawn the real one
 constexpr std::array<int, 2> kFrameKnownMs{50, 400};  // looked at twice: some desktops are slow
 constexpr const char* kSection = "Window";
 
@@ -60,12 +51,6 @@ bool isPageKey(const QEvent& event) {
 }
 
 bool isScroll(const QEvent& event) { return event.type() == QEvent::Wheel || isPageKey(event); }
-
-std::string toText(const QByteArray& bytes) { return bytes.toBase64().toStdString(); }
-
-QByteArray fromText(const std::optional<std::string>& text) {
-  return QByteArray::fromBase64(QByteArray::fromStdString(text.value_or("")));
-}
 
 }  // namespace
 
@@ -381,74 +366,6 @@ void MainWindow::addSidePanel(QWidget& panel, const QString& title) {
   menus_->hardwareMenu().addAction(side_->toggleViewAction());
 }
 
-void MainWindow::offerWaves(launch::WaveFile& waves) {
-  QAction* const entry = menus_->hardwareMenu().addAction("Record &Waveform...");
-  entry->setObjectName("recordWaves");
-  entry->setCheckable(true);
-  entry->setChecked(waves.isOpen());
-  connect(entry, &QAction::triggered, this, [this, &waves, entry] { recordWaves(waves, *entry); });
-}
-
-// The bytes of the buffer that belong into the chip.
-images::Bytes MainWindow::imageForChip() const {
-  const ProgrammerState& state = parts_.form.state();
-  const auto end = state.CodeBuffer.begin() + state.DeviceSizeBytes;
-  images::Bytes image(state.CodeBuffer.begin(), end);
-  if (controls_.HiLow_button[1].value()) return images::splitLane(image, images::Lane::Odd);
-  if (controls_.HiLow_button[2].value()) return images::splitLane(image, images::Lane::Even);
-  return image;
-}
-
-void MainWindow::compareWithChip() {
-  if (strip_->errorLamp().isAlert()) binder.press(controls_.Error_label);
-  if (!controls_.Read_button.enabled()) {
-    outcome_->tell("Compare: choose a device first.");
-    return;
-  }
-  images::Bytes chip;
-  const CommandResult result = parts_.form.readAside(chip);
-  if (result.ending != Ending::Done) {
-    outcome_->tell("Compare: " + QString::fromStdString(result.reason));
-    return;
-  }
-  images::Bytes image = imageForChip();
-  images::Comparison comparison = images::compare(chip, image);
-  display_->showComparison(std::move(comparison), std::move(image), std::move(chip), "chip");
-}
-
-void MainWindow::compareWithFile() {
-  const std::string file = parts_.dialogs.openFile("Compare with File", "All Files (*.*)|*.*");
-  if (file.empty()) return;
-  try {
-    images::Bytes other = readWholeFile(file, images::kMostImageBytes);
-    const ProgrammerState& state = parts_.form.state();
-    const int length = std::max(state.CodeLength, state.DeviceSizeBytes);
-    images::Bytes image(state.CodeBuffer.begin(), state.CodeBuffer.begin() + length);
-    images::Comparison comparison = images::compare(other, image);
-    const QString name = onOneLine(QFileInfo(toQString(file)).fileName());
-    display_->showComparison(std::move(comparison), std::move(image), std::move(other), name);
-  } catch (const FileError& error) {
-    QMessageBox::warning(this, "Kestrel", onOneLine(error.what()));
-  }
-}
-
-// The second press ends what the first began.
-void MainWindow::recordWaves(launch::WaveFile& waves, QAction& entry) {
-  try {
-    if (waves.isOpen()) {
-      waves.end();
-      outcome_->tell("Waveform: " + QString::fromStdString(waves.summary()));
-    } else {
-      const std::string file =
-          parts_.dialogs.saveFile("Record Waveform", "Wave files (*.vcd)|*.vcd");
-      if (!file.empty()) waves.begin(file);
-    }
-  } catch (const FileError& error) {
-    QMessageBox::warning(this, "Kestrel", onOneLine(error.what()));
-  }
-  entry.setChecked(waves.isOpen());
-}
-
 void MainWindow::addLinkEntry(std::function<bool()> choose) {
   QMenu& ports = *menus_->hardwareMenu().addMenu("&Port");
   ports.setObjectName("mnuPort");
@@ -506,89 +423,6 @@ void MainWindow::askToStop() {
   });
   parts_.input.letThrough(*stopQuestion_);
   stopQuestion_->show();
-}
-
-// --- the place on the screen ---
-
-// The place of the form and that of the window are one; the side that moved last leads. The window
-// follows only a place that differs from its own by more than rounding.
-void MainWindow::showPlace() {
-  const Pane& place = controls_.frmMain;
-  if (place.width() <= 0 || place.height() <= 0) return;
-  const QPoint corner(pixelsFromTwips(place.left(), logicalDpiX()),
-                      pixelsFromTwips(place.top(), logicalDpiY()));
-  const QSize size(pixelsFromTwips(place.width(), logicalDpiX()),
-                   pixelsFromTwips(place.height(), logicalDpiY()));
-  if (isMinimized() || isMaximized() || isFullScreen()) return;
-  if (pos() != corner) move(corner);
-  if (this->size() != size) resize(size);
-}
-
-void MainWindow::reportPlace() {
-  if (!placed_) return;
-  Pane& place = controls_.frmMain;
-  place.setMinimised(isMinimized());
-  if (isMinimized() || isMaximized() || isFullScreen()) return;
-  const auto keep = [](std::int32_t twips, int pixels, int dpi) {
-    return pixelsFromTwips(twips, dpi) == pixels ? twips : twipsFromPixels(pixels, dpi);
-  };
-  place.setLeft(keep(place.left(), x(), logicalDpiX()));
-  place.setTop(keep(place.top(), y(), logicalDpiY()));
-  place.setWidth(keep(place.width(), width(), logicalDpiX()));
-  place.setHeight(keep(place.height(), height(), logicalDpiY()));
-}
-
-// A stored place may be off every screen of today, or have no size: then what the window would
-// like.
-void MainWindow::fitToScreen() {
-  if (isMinimized() || isMaximized() || isFullScreen()) return;
-  const QRect inside = geometry();
-  const QRect outside = frameGeometry();
-  QMargins frame(inside.left() - outside.left(), inside.top() - outside.top(),
-                 outside.right() - inside.right(), outside.bottom() - inside.bottom());
-  if (!isVisible()) frame = kUsualFrame;
-  QSize wanted = size();
-  const QSize least = minimumSizeHint();
-  if (wanted.width() < least.width() || wanted.height() < least.height()) {
-    wanted = wanted.expandedTo(sizeHint());
-  }
-  QList<QRect> usable;
-  for (const QScreen* const screen : QApplication::screens()) {
-    usable.append(screen->availableGeometry());
-  }
-  const QRect asked(pos(), wanted.grownBy(frame));
-  const QRect place = placeOnScreen(asked, usable);
-  if (place.size() != size().grownBy(frame)) resize(place.size().shrunkBy(frame));
-  if (place.topLeft() != pos()) move(place.topLeft());
-}
-
-void MainWindow::restoreLook() {
-  const auto stored = [this](const char* key) {
-    return fromText(parts_.settings.value(kSection, key));
-  };
-  split_->restoreState(stored("Splitter"));
-  const bool isKnown = side_ != nullptr && restoreState(stored("Panels"));
-  if (side_ == nullptr || isKnown) return;
-  const int room = screen()->availableGeometry().width();
-  side_->setVisible(sizeHint().width() <= room);
-}
-
-void MainWindow::saveLook() {
-  parts_.settings.setValue(kSection, "Maximised", isMaximized() ? "1" : "0");
-  const bool isByDataSheet = controls_.AlgorithmSelection[1].value();
-  parts_.settings.setValue(kSection, "Algorithms", isByDataSheet ? "DataSheet" : "Classic");
-  parts_.settings.setValue(kSection, "Splitter", toText(split_->saveState()));
-  if (side_ != nullptr) parts_.settings.setValue(kSection, "Panels", toText(saveState()));
-}
-
-void MainWindow::moveEvent(QMoveEvent* event) {
-  QMainWindow::moveEvent(event);
-  placeRests_.start();
-}
-
-void MainWindow::resizeEvent(QResizeEvent* event) {
-  QMainWindow::resizeEvent(event);
-  placeRests_.start();
 }
 
 void MainWindow::changeEvent(QEvent* event) {
