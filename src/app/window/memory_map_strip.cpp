@@ -117,7 +117,7 @@ void MemoryMapStrip::paintEvent(QPaintEvent*) {
 std::size_t MemoryMapStrip::pieceAt(const QPoint& place) const {
   const int column = std::clamp((place.x() - kFrame) / kPiece, 0, kColumns - 1);
   const int row = std::clamp((place.y() - kFrame) / kPiece, 0, rows() - 1);
-  return static_cast<std::size_t>(row * kColumns + column);
+  return static_cast<std::size_t>(row) * kColumns + static_cast<std::size_t>(column);
 }
 
 void MemoryMapStrip::mousePressEvent(QMouseEvent* event) {
