@@ -90,10 +90,10 @@ TEST(TypicalRun, theVoltageInUseStandsBesideTheCommands) {
 // The classic way sees the lower half of a 27C040 twice; one click, and the whole chip is there.
 TEST(TypicalRun, aLimitOfTheClassicWayIsShownWithItsCure) {
   StartedRig rig("27C040");
-  EXPECT_TRUE(rig.find<QLabel>("classicLimit").text().contains("A18"));
+  EXPECT_TRUE(rig.find("notice-limit").accessibleName().contains("A18"));
   rig.program.simulated()->bench().findings().clear();
   rig.click("useDataSheet");
-  EXPECT_FALSE(rig.find("classicLimit").isVisible());
+  EXPECT_EQ(rig.shown("notice-limit"), nullptr);
   EXPECT_TRUE(rig.find<QRadioButton>("AlgorithmSelection(1)").isChecked());
   std::vector<std::uint8_t> image(0x80000, 0xFF);
   image.front() = 0x11;

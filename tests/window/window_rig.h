@@ -12,6 +12,7 @@
 #include <QPlainTextEdit>
 #include <QTest>
 #include <QTimer>
+#include <algorithm>
 #include <functional>
 #include <stdexcept>
 #include <string>
@@ -80,6 +81,12 @@ struct WindowRig {
     T* const found = window.findChild<T*>(name);
     if (found == nullptr) throw std::invalid_argument(name);
     return *found;
+  }
+  /// The widget of that name that can be seen; nullptr if none can.
+  QWidget* shown(const char* name) {
+    const auto all = window.findChildren<QWidget*>(name);
+    const auto found = std::ranges::find_if(all, &QWidget::isVisible);
+    return found == all.end() ? nullptr : *found;
   }
   void click(const char* name) {
     QTest::mouseClick(&find(name), Qt::LeftButton);

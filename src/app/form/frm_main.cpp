@@ -47,6 +47,10 @@ CommandResult frmMain::readAside(std::vector<std::uint8_t>& chip) {
 
 std::string frmMain::whyNoBoard() const { return units_->whyNoBoard(); }
 
+std::vector<std::string> frmMain::diagnosis() const {
+  return units_->machine.portService.diagnosis();
+}
+
 bool frmMain::mayVoltageBeOn() const { return units_->machine.portService.mayVoltageBeOn(); }
 
 CommandResult frmMain::releaseSocket() {

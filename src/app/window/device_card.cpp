@@ -2,7 +2,6 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -49,7 +48,6 @@ DeviceCard::DeviceCard(Controls& controls, const ProgrammerState& state, const B
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     column->addWidget(label);
   }
-  buildLimit(controls, binder, *column);
   column->addStretch(1);
   levelsTimer_.setInterval(kLookMs);
   connect(&levelsTimer_, &QTimer::timeout, this, [this] { showLevels(); });
@@ -57,31 +55,6 @@ DeviceCard::DeviceCard(Controls& controls, const ProgrammerState& state, const B
   connect(&chipTimer_, &QTimer::timeout, this, [this] { showFacts(); });
   binder.mirror().bind(controls.Device, *this, [this] { showDevice(); });
   binder.mirror().bind(controls.AlgorithmSelection[1], *this, [this] { showFacts(); });
-}
-
-void DeviceCard::buildLimit(Controls& controls, const Binder& binder, QBoxLayout& column) {
-  limit_ = new QLabel(this);
-  limit_->setObjectName("classicLimit");
-  limit_->setWordWrap(true);
-  limit_->setTextFormat(Qt::PlainText);
-  cure_ = new QPushButton("Use data sheet", this);
-  cure_->setObjectName("useDataSheet");
-  cure_->setToolTip("Program by the chip's data sheet instead");
-  column.addWidget(limit_);
-  column.addWidget(cure_, 0, Qt::AlignLeft);
-  connect(cure_, &QPushButton::clicked, this, [&controls, &binder] {
-    (void)binder.runner().run([&controls] { controls.AlgorithmSelection[1].press(); });
-  });
-  showLimit();
-}
-
-void DeviceCard::showLimit() {
-  const bool isClassic = state_.algorithms == Algorithms::Classic;
-  const std::string_view limit =
-      isClassic ? devices::classicLimit(state_.DeviceName) : std::string_view();
-  limit_->setText("Classic: " + QString::fromStdString(std::string(limit)));
-  limit_->setVisible(!limit.empty());
-  cure_->setVisible(!limit.empty());
 }
 
 void DeviceCard::lookAt(std::function<SocketLook()> socket,
@@ -111,7 +84,6 @@ void DeviceCard::showDevice() {
 void DeviceCard::showFacts() {
   const QString facts = factsText();
   if (facts != facts_->text()) facts_->setText(facts);
-  showLimit();
   QString warning;
   if (look_ && !state_.DeviceName.empty() && !levelsTimer_.isActive()) {
     const std::string inSocket = look_().chip;

@@ -11,9 +11,7 @@
 #include "app/window/binder.h"
 #include "app/window/socket_view.h"
 
-class QBoxLayout;
 class QLabel;
-class QPushButton;
 
 namespace kestrel::window {
 
@@ -24,7 +22,7 @@ struct SocketLook {
 };
 
 /// The chosen device as a person at the bench needs it: where its chip goes, what it is, and what
-/// cannot be done with it. What the classic procedures do not do right stands there with its cure.
+/// cannot be done with it.
 class DeviceCard final : public QWidget {
  public:
   DeviceCard(Controls& controls, const ProgrammerState& state, const Binder& binder,
@@ -41,8 +39,6 @@ class DeviceCard final : public QWidget {
   void showDevice();
   void showFacts();
   void showLevels();
-  void buildLimit(Controls& controls, const Binder& binder, QBoxLayout& column);
-  void showLimit();
   [[nodiscard]] QString factsText() const;
   [[nodiscard]] std::optional<SocketLevels> levels() const;
 
@@ -50,8 +46,6 @@ class DeviceCard final : public QWidget {
   SocketView* socket_ = nullptr;
   QLabel* facts_ = nullptr;
   QLabel* warning_ = nullptr;
-  QLabel* limit_ = nullptr;
-  QPushButton* cure_ = nullptr;
   std::function<SocketLook()> look_;
   std::function<std::string(const std::string&)> chipOfDevice_;
   QTimer levelsTimer_;

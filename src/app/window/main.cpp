@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QIcon>
+#include <QProcess>
 #include <QTimer>
 #include <csignal>
 #include <iostream>
@@ -42,6 +43,18 @@ void judgeByDataSheet(launch::SimulatedBoard& simulated, form::frmMain& form) {
   form.runner().whenEnded([&simulated, &form] {
     simulated.bench().judgePulses(form.state().algorithms == Algorithms::DataSheet);
   });
+}
+
+/// The program anew on a simulated board in place of this one, with the chip of the chosen device
+/// and the opened file.
+void changeToSimulation(form::frmMain& form, MainWindow& window) {
+  const ProgrammerState& state = form.state();
+  const bool isByDataSheet = state.algorithms == Algorithms::DataSheet;
+  QStringList arguments{"--simulate", "--algorithms", isByDataSheet ? "datasheet" : "classic"};
+  const std::string chip = launch::chipTypeForDevice(state.DeviceName);
+  if (!chip.empty()) arguments << "--chip" << QString::fromStdString(chip);
+  if (state.CodeFrom == CodeSource::File) arguments << QString::fromStdString(state.CodeFileName);
+  if (QProcess::startDetached(QCoreApplication::applicationFilePath(), arguments)) window.close();
 }
 
 /// Puts the program together in the order of its layers and runs it until the window is closed.
@@ -87,6 +100,7 @@ int runProgram(const Arguments& arguments) {
     window.onLeaving([panel] { return panel->keepChip(); });
   } else {
     window.addLinkEntry([&] { return askForLink(program, settings, window); });
+    window.offerSimulation([&] { changeToSimulation(program.form(), window); });
   }
   if (program.waves() != nullptr) window.offerWaves(*program.waves());
   if (!arguments.launch.algorithms) window.restoreAlgorithms();

@@ -27,6 +27,8 @@
 #include "app/window/lamp.h"
 #include "app/window/log_panel.h"
 #include "app/window/menus.h"
+#include "app/window/notice_bar.h"
+#include "app/window/notices.h"
 #include "app/window/off_tips.h"
 #include "app/window/options_panel.h"
 #include "app/window/outcome_line.h"
@@ -107,6 +109,9 @@ void MainWindow::buildContent() {
   display_ = new DisplayPanel(controls_, parts_.form.state(), binder, split_);
   log_ = new LogPanel(controls_, binder, parts_.dialogs, split_);
   split_->addWidget(display_);
+  noticeBar_ = new NoticeBar(*display_->focusProxy(), work);
+  notices_ = std::make_unique<Notices>(parts_.form, binder, *noticeBar_);
+  right->addWidget(noticeBar_);
   vppSign_ = new VppSign(parts_.form.state(), &display_->header());
   split_->addWidget(log_);
   split_->setStretchFactor(0, 3);
@@ -194,6 +199,7 @@ void MainWindow::commandEnded() {
   display_->showMap();
   commands_->showVoltage();
   showTitle();
+  notices_->look();
   ErrorLamp& alert = strip_->errorLamp();
   look_->end(alert.isAlert() ? &alert : nullptr, *display_->focusProxy());
   if (stopQuestion_) stopQuestion_->close();
@@ -221,6 +227,7 @@ void MainWindow::closeAfterCommand() {
 void MainWindow::pressed(const Control& control, const CommandResult& result) {
   ending_ = result.ending;
   outcome_->end(control, result, parts_.dialogs.asked());
+  notices_->commandEnded(result);
   if (result.ending != Ending::Done) return;
   const auto isOneOf = [&](std::initializer_list<const Control*> some) {
     return std::ranges::find(some, &control) != some.end();
@@ -241,6 +248,7 @@ void MainWindow::showCommandsOff() {
   commands_->setEnabled(!looksRunning_ && !isTypingDevice_);
   display_->setCommandsOff(looksRunning_);
   log_->setCommandsOff(looksRunning_);
+  noticeBar_->setEnabled(!looksRunning_);
   menus_->setCommandsOff(looksRunning_, isTypingDevice_);
 }
 
@@ -351,6 +359,10 @@ void MainWindow::start(int windowsBefore) {
 void MainWindow::restoreAlgorithms() {
   if (parts_.settings.value(kSection, "Algorithms") != "DataSheet") return;
   controls_.AlgorithmSelection[1].press();
+}
+
+void MainWindow::offerSimulation(std::function<void()> simulate) {
+  notices_->offerSimulation(std::move(simulate));
 }
 
 DeviceCard& MainWindow::deviceCard() const { return options_->card(); }

@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <filesystem>
 #include <functional>
+#include <memory>
 
 #include "app/form/frm_main.h"
 #include "app/launch/wave_file.h"
@@ -27,6 +28,8 @@ class DeviceCard;
 class DisplayPanel;
 class LogPanel;
 class Menus;
+class NoticeBar;
+class Notices;
 class OptionsPanel;
 class OutcomeLine;
 class RunningLook;
@@ -80,6 +83,9 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   /// hardware is tested.
   void addLinkEntry(std::function<bool()> choose);
 
+  /// A notice of a missing board offers to go over to a simulated one.
+  void offerSimulation(std::function<void()> simulate);
+
   /// Asked when the window is about to close for good; false keeps it.
   void onLeaving(std::function<bool()> mayLeave) { mayLeave_ = std::move(mayLeave); }
 
@@ -131,6 +137,8 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   Menus* menus_ = nullptr;
   OptionsPanel* options_ = nullptr;
   OutcomeLine* outcome_ = nullptr;
+  NoticeBar* noticeBar_ = nullptr;
+  std::unique_ptr<Notices> notices_;
   VppSign* vppSign_ = nullptr;
   CommandBar* commands_ = nullptr;
   DisplayPanel* display_ = nullptr;

@@ -43,6 +43,14 @@ QColor amber(const QPalette& palette) {
   return isDark(palette) ? QColor(0xB0, 0x6A, 0x00) : QColor(0xA8, 0x5A, 0x06);
 }
 
+QPalette noticePalette(QPalette palette) {
+  const bool dark = isDark(palette);
+  palette.setColor(QPalette::Window, dark ? QColor(0x4A, 0x3A, 0x12) : QColor(0xFD, 0xF0, 0xCC));
+  palette.setColor(QPalette::WindowText,
+                   dark ? QColor(0xF6, 0xEA, 0xCB) : QColor(0x30, 0x22, 0x00));
+  return palette;
+}
+
 void setButtonColour(QAbstractButton& button, Colour colour) {
   if (colour == Colour::ButtonFace) {
     button.setPalette({});

@@ -25,6 +25,9 @@ namespace kestrel::window {
 /// The amber that warns of a programming voltage.
 [[nodiscard]] QColor amber(const QPalette& palette);
 
+/// Of a notice in the window: text on a quiet amber.
+[[nodiscard]] QPalette noticePalette(QPalette palette);
+
 void setButtonColour(QAbstractButton& button, Colour colour);
 
 [[nodiscard]] QFont fixedFont();
