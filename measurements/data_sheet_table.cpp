@@ -55,6 +55,10 @@ constexpr Part kParts[]{
     {"Eeprom Catalyst CAT28C256", "CAT28C256", 0x8000, 0, kPageUs / 64,  1.3, 5'000, false},
     {"Eeprom Catalyst CAT28C257", "CAT28C257", 0x8000, 0, kPageUs / 128, 0,   5'000, false},
     {"Flash Atmel AT29C256",      "AT29C256",  0x8000, 0, kPageUs / 64,  0,   5'000, false},
+    {"Eeprom 24C08 Serial (8 pins)",  "24C08",  0x400,  0, kPageUs / 16},
+    {"Eeprom 24C16 Serial (8 pins)",  "24C16",  0x800,  0, kPageUs / 16},
+    {"Eeprom 24C32 Serial (8 pins)",  "24C32",  0x1000, 0, kPageUs / 32},
+    {"Eeprom 24C256 Serial (8 pins)", "24C256", 0x8000, 0, kPageUs / 64, 0, 0, false},
 };
 // clang-format on
 

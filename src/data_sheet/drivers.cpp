@@ -2,6 +2,7 @@
 
 #include "data_sheet/eprom.h"
 #include "data_sheet/page_eeprom.h"
+#include "data_sheet/two_wire_eeprom.h"
 #include "devices/families.h"
 
 namespace kestrel::data_sheet {
@@ -20,6 +21,9 @@ struct Maker {
   }
   Made operator()(const devices::PageSheet& sheet) const {
     return std::make_unique<PageEeprom>(chip, sheet, bus);
+  }
+  Made operator()(const devices::SerialSheet& sheet) const {
+    return std::make_unique<TwoWireEeprom>(chip, sheet, bus);
   }
   template <typename Other>
   Made operator()(const Other& /*sheet*/) const {

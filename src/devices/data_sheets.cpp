@@ -27,7 +27,7 @@ constexpr Wiring k28C256 {.lines = AddressLines::A14OnPin3, .strobe = Strobe::Pi
 constexpr Wiring k29C256 {.strobe = Strobe::Pin3, .latch1High = kPin3, .latch3High = kPin30};
 constexpr Wiring k29F    {.lines = AddressLines::A18OnPin1, .strobe = Strobe::Pin31, .latch3High = kPin31};
 constexpr Wiring k28F    {.strobe = Strobe::Pin31, .vpp = VppPin::Pin1, .latch3High = kPin1 | kPin31};
-constexpr Wiring k24C    {};
+constexpr Wiring k24C    {.isSerial = true};
 
 // One pulse a byte. The sheets of the old NMOS parts give no limit but this.
 constexpr EpromSheet k50ms25V{.pulseUs = 50'000, .mostPulses = 1, .usualVppMillivolts = 25'000};
@@ -43,6 +43,9 @@ constexpr EpromSheet k50usOnOe{.pulseUs = 50, .mostPulses = 25, .order = VerifyO
 // Write cycles of 10 ms at most.
 constexpr PageSheet kPage64{.pageBytes = 64, .longestCycleMs = 10};
 constexpr PageSheet kPage128{.pageBytes = 128, .longestCycleMs = 10};
+constexpr SerialSheet k24C08and16{.pageBytes = 16, .addressBytes = 1, .longestCycleMs = 10};
+constexpr SerialSheet k24C32{.pageBytes = 32, .addressBytes = 2, .longestCycleMs = 10};
+constexpr SerialSheet k24C256{.pageBytes = 64, .addressBytes = 2, .longestCycleMs = 10};
 
 // What the classic procedures do to a true chip; told where they are chosen.
 constexpr std::string_view kShortPulses = "pulses of 5 ms where the data sheet has one of 50 ms";
@@ -87,10 +90,10 @@ constexpr std::array kDataSheets{
     DataSheet{"Eeprom XICOR X28C256",          k28C256, kPage64, kSlowChip},
     DataSheet{"Eeprom Catalyst CAT28C256",     k28C256, kPage64},
     DataSheet{"Eeprom Catalyst CAT28C257",     k28C256, kPage128},
-    DataSheet{"Eeprom 24C08 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}, kFrom300h},
-    DataSheet{"Eeprom 24C16 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}, kWrongErase},
-    DataSheet{"Eeprom 24C32 Serial (8 pins)",  k24C,    NotOffered{"not yet written"}},
-    DataSheet{"Eeprom 24C256 Serial (8 pins)", k24C,    NotOffered{"not yet written"}},
+    DataSheet{"Eeprom 24C08 Serial (8 pins)",  k24C,    k24C08and16, kFrom300h},
+    DataSheet{"Eeprom 24C16 Serial (8 pins)",  k24C,    k24C08and16, kWrongErase},
+    DataSheet{"Eeprom 24C32 Serial (8 pins)",  k24C,    k24C32},
+    DataSheet{"Eeprom 24C256 Serial (8 pins)", k24C,    k24C256},
     DataSheet{"Flash Atmel AT29F040", {}, NotOffered{"its commands are neither written nor proved here"}},
     DataSheet{"Flash Catalyst CAT28F001", {}, NotOffered{"its commands are neither written nor proved here"}},
     DataSheet{"uC Atmel AT90S2313 Micro", {}, NotOffered{"it is programmed over pins that the socket does not reach"}},

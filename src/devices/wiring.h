@@ -31,6 +31,7 @@ struct Wiring {
   VppPin vpp = VppPin::None;
   std::uint8_t latch1High = 0;  ///< supply and levels at rest, beside the address
   std::uint8_t latch3High = 0;
+  bool isSerial = false;  ///< 8 pins: SCL is /CE, SDA is D7, the supply is socket pin 24, /OE
 };
 
 }  // namespace kestrel::devices

@@ -120,23 +120,35 @@ void ChipBus::begin(const devices::Wiring& wiring) {
   wiring_ = wiring;
   usesFullSpeed_ = false;
   control_.reset();
-  loadAlways(0, (latches_.RegShadow0 & kBoardLamp) | kOutputDisable);
-  loadAlways(3, kChipDisable | kDataLatchOff | wiring_.latch3High);
+  loadAlways(0, (latches_.RegShadow0 & kBoardLamp) | idleOfPin24());
+  loadAlways(3, (wiring_.isSerial ? 0 : kChipDisable) | kDataLatchOff | wiring_.latch3High);
   loadAlways(1, wiring_.latch1High);
   loadAlways(2, 0);
-  loadAlways(4, kErased);
+  loadAlways(4, wiring_.isSerial ? 0 : kErased);
   latches_.LinearAddress = 0;
+  set(0, kOutputDisable);
   waits_.Sleep(kSupplyUpMs);
 }
 
 // Without waits, which throw while the command is being stopped.
 void ChipBus::end() {
   usesFullSpeed_ = true;
+  if (wiring_.isSerial) return endSerial();
   load(0, (latches_.RegShadow0 & ~kAllVpp) | kOutputDisable);
   const auto [latch, mask] = lineOf(wiring_.strobe);
   set(latch, mask);
   set(3, kChipDisable | kDataLatchOff);
 }
+
+// SCL first: what SDA does then is no START and no STOP.
+void ChipBus::endSerial() {
+  clear(3, kChipDisable);
+  release();
+  load(0, latches_.RegShadow0 & ~(kAllVpp | kOutputDisable));
+}
+
+// The supply of a serial chip: it comes when its lines are low.
+int ChipBus::idleOfPin24() const { return wiring_.isSerial ? 0 : kOutputDisable; }
 
 void ChipBus::setAddress(std::uint32_t address) {
   const std::uint32_t lines = onStraightLines(address, wiring_.lines);
@@ -202,10 +214,13 @@ std::uint8_t ChipBus::fetch(const Pending& pending) {
   return pending.isHighFirst ? decoded(second, first) : decoded(first, second);
 }
 
-std::uint8_t ChipBus::readUpperHalf() {
+PendingRead ChipBus::askUpperHalf() {
+  return hasModel() ? askHalf(portState_.NibbleSelB) : PendingRead();
+}
+
+std::uint8_t ChipBus::fetchUpperHalf(const PendingRead& pending) {
   if (!hasModel()) return 0;
-  const PendingRead high = askHalf(portState_.NibbleSelB);
-  return decoded(0, port_.fetchPortIn(portState_.StatusPort, high)) & kUpperBits;
+  return decoded(0, port_.fetchPortIn(portState_.StatusPort, pending)) & kUpperBits;
 }
 
 void ChipBus::pulse(std::int64_t widthUs) {

@@ -29,7 +29,8 @@ class ChipBus {
   /// supply comes up.
   void begin(const devices::Wiring& wiring);
 
-  /// Voltages off first, then outputs off, chip deselected, data lines free.
+  /// Voltages off first, then outputs off, chip deselected, data lines free; of a serial chip every
+  /// line low and its supply off.
   void end();
 
   /// Somebody else has used the port meanwhile; the shadows are still right.
@@ -62,7 +63,8 @@ class ChipBus {
   [[nodiscard]] std::uint8_t fetch(const Pending& pending);
 
   /// The upper half alone, in place: bit 7 is the SDA of a serial chip.
-  [[nodiscard]] std::uint8_t readUpperHalf();
+  [[nodiscard]] PendingRead askUpperHalf();
+  [[nodiscard]] std::uint8_t fetchUpperHalf(const PendingRead& pending);
 
   /// The strobe low for so long, never shorter than three accesses.
   void pulse(std::int64_t widthUs);
@@ -89,6 +91,8 @@ class ChipBus {
   void set(std::size_t latch, int mask) { load(latch, shadow(latch) | mask); }
   void clear(std::size_t latch, int mask) { load(latch, shadow(latch) & ~mask); }
   void addressLatch(std::size_t latch);
+  void endSerial();
+  [[nodiscard]] int idleOfPin24() const;
   [[nodiscard]] bool hasModel() const;
   [[nodiscard]] bool showsHalf(std::int16_t select) const;
   [[nodiscard]] PendingRead askHalf(std::int16_t select);

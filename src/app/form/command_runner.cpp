@@ -67,6 +67,7 @@ CommandResult CommandRunner::runOne(const Event& event) {
   CommandResult result;
   try {
     event();
+    if (rest_) rest_();
     service_.settle();
     result = reporting_.takeResult();
   } catch (...) {
@@ -148,6 +149,7 @@ void CommandRunner::tryToResetBoard() {
 void CommandRunner::resetBoard() {
   const StopSwitch::Shield shield(stop_);
   board_.bus.Reset();
+  if (rest_) rest_();
 }
 
 }  // namespace kestrel::form

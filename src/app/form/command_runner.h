@@ -54,6 +54,9 @@ class CommandRunner {
   /// end no further step runs.
   bool runStep(const Event& step);
 
+  /// What a selected chip's rest is beyond the board's idle state, at the end of every event.
+  void setRest(Event rest) { rest_ = std::move(rest); }
+
   /// The board's idle state, whatever is pressed meanwhile. Throws RuntimeError when the port has
   /// gone.
   void resetBoard();
@@ -85,6 +88,7 @@ class CommandRunner {
   PortService& service_;
   bool running_ = false;
   bool isVoltageReported_ = false;
+  Event rest_;
   std::deque<Event> waiting_;
   std::vector<Event> started_;
   std::vector<Event> ended_;

@@ -1,4 +1,5 @@
 #include "app/form/units.h"
+#include "devices/families.h"
 
 namespace kestrel::form {
 
@@ -8,6 +9,15 @@ void frmMain::Units::connectAll() {
   connectHardwareMenu();
   connectValues();
   connectToolbar();
+  runner.setRest([this] { takeSupplyFromSerialChip(); });
+}
+
+// By its data sheet a serial chip has its supply, which is the /OE line, while a command runs
+// alone.
+void frmMain::Units::takeSupplyFromSerialChip() {
+  const bool isSerial = devices::familyOf(state.FamilyCode).bus == devices::BusKind::Serial;
+  const bool hasSupply = (state.RegShadow0 & hardware::kOutputDisable) != 0;
+  if (isSerial && hasSupply && drivers.areChosen()) board.leaveSerialChip();
 }
 
 void frmMain::Units::connectButtons() {

@@ -126,6 +126,7 @@ struct frmMain::Units {
   void connectHardwareMenu();
   void connectValues();
   void connectToolbar();
+  void takeSupplyFromSerialChip();
 
  private:
   void testHardware();
