@@ -11,8 +11,8 @@ constexpr std::uint8_t kSdaBit = 0x80;
 
 }  // namespace
 
-RecordingPort::RecordingPort(PortAccess& port, Waits& waits, Nanoseconds now)
-    : port_(port), waits_(waits), now_(std::move(now)) {}
+RecordingPort::RecordingPort(PortAccess& port, Nanoseconds now)
+    : port_(port), now_(std::move(now)) {}
 
 RecordingPort::~RecordingPort() { (void)stop(); }
 

@@ -9,7 +9,6 @@
 #include "app/state/programmer_state.h"
 #include "devices/chip_pins.h"
 #include "platform/port_access.h"
-#include "platform/waits.h"
 #include "waveform/socket_signals.h"
 #include "waveform/vcd_writer.h"
 
@@ -20,12 +19,12 @@ namespace kestrel::waveform {
 /// It knows the latches from what is written and the data lines from what is read; a line that a
 /// chip drives and nobody reads is unknown. SDA of a serial chip that was read while the clock was
 /// high is shown so from before the rise of the clock, as it was for the chip.
-class RecordingPort final : public PortAccess, public Waits {
+class RecordingPort final : public PortAccess {
  public:
   using Nanoseconds = std::function<std::int64_t()>;
 
   /// `now` is the time of the port: the board's own on a simulated one. All outlive the recording.
-  RecordingPort(PortAccess& port, Waits& waits, Nanoseconds now);
+  RecordingPort(PortAccess& port, Nanoseconds now);
   ~RecordingPort() override;
   RecordingPort(const RecordingPort&) = delete;
   RecordingPort& operator=(const RecordingPort&) = delete;
@@ -47,8 +46,6 @@ class RecordingPort final : public PortAccess, public Waits {
   [[nodiscard]] std::uint8_t fetchPortIn(std::int16_t port, PendingRead pending) override {
     return port_.fetchPortIn(port, pending);
   }
-  void Sleep(std::int32_t milliseconds) override { waits_.Sleep(milliseconds); }
-  void Spin(std::int64_t counts) override { waits_.Spin(counts); }
 
  private:
   struct Record {
@@ -77,7 +74,6 @@ class RecordingPort final : public PortAccess, public Waits {
   [[nodiscard]] std::int64_t tick() const;
 
   PortAccess& port_;
-  Waits& waits_;
   Nanoseconds now_;
   std::optional<Record> record_;
 };

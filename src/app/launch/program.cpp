@@ -13,9 +13,9 @@ Program::Program(const Ground& ground, const FrontEnd& frontEnd, StopSwitch& sto
       trace_(trace == nullptr ? std::nullopt
                               : std::optional<ports::TracingPort>(std::in_place, interruptible_,
                                                                   interruptible_, *trace)),
-      recorder_(ground.now ? std::optional<waveform::RecordingPort>(std::in_place, portBelow(),
-                                                                    waitsBelow(), ground.now)
-                           : std::nullopt),
+      recorder_(ground.now
+                    ? std::optional<waveform::RecordingPort>(std::in_place, portBelow(), ground.now)
+                    : std::nullopt),
       form_({.port = port(),
              .waits = waits(),
              .portService = ground.service,
@@ -33,19 +33,14 @@ PortAccess& Program::portBelow() {
   return interruptible_;
 }
 
-Waits& Program::waitsBelow() {
-  if (trace_) return *trace_;
-  return interruptible_;
-}
-
 PortAccess& Program::port() {
   if (recorder_) return *recorder_;
   return portBelow();
 }
 
 Waits& Program::waits() {
-  if (recorder_) return *recorder_;
-  return waitsBelow();
+  if (trace_) return *trace_;
+  return interruptible_;
 }
 
 TraceFile::TraceFile(const LaunchOptions& options, const StopSwitch& stop) : stream_(nullptr) {

@@ -66,7 +66,6 @@ class Program {
  private:
   [[nodiscard]] Waits& waits();
   [[nodiscard]] PortAccess& portBelow();
-  [[nodiscard]] Waits& waitsBelow();
 
   ports::InterruptiblePort interruptible_;
   std::optional<ports::TracingPort> trace_;

@@ -14,7 +14,7 @@ namespace kestrel::ports {
 /// and the port and clock that do the work.
 ///
 /// - Every call looks at the stop switch first and throws OperationStopped while it is thrown.
-///   Whoever catches that resets the switch before it addresses the board again.
+///   Whoever puts the board to rest then does so under a StopSwitch::Shield.
 /// - Waits of kLongSleepMs and more pass in slices of kSliceMs that add up to the time asked for,
 ///   with a turn of the screen between two of them. Shorter waits may be pulses and stay whole.
 /// - A read gives the screen a turn when kTurnNs have passed since the last one, as counted from
