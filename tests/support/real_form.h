@@ -19,8 +19,8 @@ struct ServiceOf final : PortService {
 };
 
 /// The form over the whole code of the real ports, in the layers of the programs: trace,
-/// attendance, filter, ppdev. The kernel is stood in for; behind it are a simulated board and its
-/// time.
+/// interruptible port, filter, ppdev. The kernel is stood in for; behind it are a simulated board
+/// and its time.
 struct RealForm : BoardOnBench {
   explicit RealForm(sim::Model model = sim::Model::kestrel5) : BoardOnBench(model) {
     kernel.takesNotes = false;

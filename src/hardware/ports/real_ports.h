@@ -70,7 +70,7 @@ class RealPorts {
   /// Switches every port off by hand; true if there was one and it worked on all.
   bool switchOff() noexcept;
 
-  /// What was found and what helps, a line a matter, for when no board answers.
+  /// What was found and what helps, one line for each finding, for when no board answers.
   [[nodiscard]] std::vector<std::string> diagnosis() const;
 
  private:
