@@ -97,6 +97,8 @@ void BufferFiles::loadImage(const std::string& name, std::vector<std::uint8_t> i
   buffers_.FileBytes = std::move(image);
   buffers_.CodeFileName.clear();
   showCode(name);
+  buffers_.CodeFrom = CodeSource::Import;
+  buffers_.CodeMadeOf = name;
 }
 
 void BufferFiles::showCode(const std::string& name) {

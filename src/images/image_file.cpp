@@ -52,7 +52,7 @@ void checkFits(const std::vector<Block>& blocks, std::size_t size, bool isChip) 
     throw ImageError("it has data at " + rangeText(block.range()) + ", " +
                      (isChip ? "the chip" : "the largest image") + " ends at " +
                      addressText(static_cast<std::uint32_t>(size - 1)) +
-                     "; --range FROM-TO takes a part of it, --at ADDR puts it elsewhere");
+                     "; a range FROM-TO takes a part of it, an address to put it at moves it");
   }
 }
 
@@ -109,13 +109,22 @@ std::string describe(const Records& records) {
          (format.hasChecksums ? ", checksums right" : ", a format without checksums");
 }
 
-std::string hintForRaw(std::span<const std::uint8_t> file) {
+const Format& readImageLook(const std::filesystem::path& path) {
+  return formatByLook(readWholeFile(path, kMostFileBytes));
+}
+
+const Format* recordsByLook(std::span<const std::uint8_t> file) {
   const Format& look = formatByLook(file);
-  const bool isTold = look.id == FormatId::IntelHex || look.id == FormatId::MotorolaS ||
-                      look.id == FormatId::TektronixExtended;
-  if (!isTold) return {};
-  return std::string("it has the look of ") + look.title +
-         " and was taken byte by byte; --format " + look.name + " imports it";
+  const bool isClear = look.id == FormatId::IntelHex || look.id == FormatId::MotorolaS ||
+                       look.id == FormatId::TektronixExtended;
+  return isClear ? &look : nullptr;
+}
+
+std::string hintForRaw(std::span<const std::uint8_t> file) {
+  const Format* const look = recordsByLook(file);
+  if (look == nullptr) return {};
+  return std::string("it has the look of ") + look->title +
+         " and was taken byte by byte; --format " + look->name + " imports it";
 }
 
 }  // namespace kestrel::images

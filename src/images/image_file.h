@@ -38,6 +38,13 @@ inline constexpr std::size_t kMostImageBytes = 2'100'001;
 /// What was found, in one line: "Intel HEX, 2 blocks (0000-01FF, 1FF0-1FFF), hole 0200-1FEF, ...".
 [[nodiscard]] std::string describe(const Records& records);
 
+/// The format that the contents of a file have the look of, without reading its records. Throws
+/// FileError.
+[[nodiscard]] const Format& readImageLook(const std::filesystem::path& path);
+
+/// The format of records that bytes have the unmistakable look of; nullptr for none.
+[[nodiscard]] const Format* recordsByLook(std::span<const std::uint8_t> file);
+
 /// What to say of a file that is taken byte by byte but has the look of records; else empty.
 [[nodiscard]] std::string hintForRaw(std::span<const std::uint8_t> file);
 

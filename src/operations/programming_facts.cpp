@@ -26,6 +26,10 @@ Fact imageFact(const SelectionState& device, const BufferState& buffers) {
   switch (buffers.CodeFrom) {
     case CodeSource::File:
       return {.text = "Image: " + shownName(name) + ", " + bytes(buffers.CodeLength)};
+    case CodeSource::Import:
+      return {.text = "Image: imported from " +
+                      shownName(std::filesystem::path(buffers.CodeMadeOf).filename().string()) +
+                      ", " + bytes(buffers.CodeLength)};
     case CodeSource::Chip:
       return {.text = "Image: read from " + buffers.CodeReadFrom,
               .isWarning = buffers.CodeReadFrom != trimmed(device.DeviceName)};
@@ -38,7 +42,9 @@ Fact imageFact(const SelectionState& device, const BufferState& buffers) {
 }
 
 std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buffers) {
-  if (buffers.CodeFrom != CodeSource::File) return {};
+  const bool isFile =
+      buffers.CodeFrom == CodeSource::File || buffers.CodeFrom == CodeSource::Import;
+  if (!isFile) return {};
   const std::int32_t more = buffers.CodeLength - device.DeviceSizeBytes;
   if (more > 0) {
     return {{.text = "The file is longer than the chip: the last " + bytes(more) + " are left out",

@@ -160,11 +160,12 @@ struct StartedRig : WindowRig {
   }
 };
 
-/// Waits for the next modal dialog and does something with it. Remembers what the dialog said: the
-/// text of a message box, the title of any other.
+/// Waits for the next modal dialog (of a name, if one is given) and does something with it.
+/// Remembers what the dialog said: the text of a message box, the title of any other.
 class WithDialog {
  public:
-  explicit WithDialog(std::function<void(QDialog&)> act) : act_(std::move(act)) {
+  explicit WithDialog(std::function<void(QDialog&)> act, QString name = {})
+      : act_(std::move(act)), name_(std::move(name)) {
     QObject::connect(&look_, &QTimer::timeout, &look_, [this] { look(); });
     look_.start(1);
   }
@@ -173,7 +174,7 @@ class WithDialog {
  private:
   void look() {
     auto* const dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
-    if (dialog == nullptr) return;
+    if (dialog == nullptr || (!name_.isEmpty() && dialog->objectName() != name_)) return;
     look_.stop();
     auto* const box = dynamic_cast<QMessageBox*>(dialog);
     said_ = box ? box->text() : dialog->windowTitle();
@@ -181,6 +182,7 @@ class WithDialog {
   }
 
   std::function<void(QDialog&)> act_;
+  QString name_;
   QTimer look_;
   QString said_;
 };

@@ -114,7 +114,7 @@ struct SelectionState {
 };
 
 /// Where the bytes of the code buffer come from.
-enum class CodeSource { Start, File, Chip, Erased };
+enum class CodeSource { Start, File, Import, Chip, Erased };
 
 /// Buffers and files: buffers/.
 struct BufferState {
@@ -128,6 +128,7 @@ struct BufferState {
   std::string DataFileName;
   CodeSource CodeFrom = CodeSource::Start;
   std::string CodeReadFrom;             ///< the device that CodeBuffer was read from last
+  std::string CodeMadeOf;               ///< the file that it was imported from last
   std::vector<std::uint8_t> FileBytes;  ///< the whole file while it is loaded, otherwise empty
   std::int32_t FileChecksum = 0;        ///< 0..65535
   std::string FileChecksumText;

@@ -10,6 +10,11 @@ class CodeOrigin {
  public:
   /// It was opened or saved.
   void isInFile() { from_ = From::File; }
+  /// It was made of this file, which is not the one to save into.
+  void importedFrom(const QString& file) {
+    from_ = From::Import;
+    imported_ = file;
+  }
   void readFromChip() { from_ = From::Chip; }
   void erased() { from_ = From::Erased; }
 
@@ -22,12 +27,14 @@ class CodeOrigin {
   [[nodiscard]] QString title(const QString& fileName) const {
     if (from_ == From::Chip) return "read from chip";
     if (from_ == From::Erased) return "buffer erased";
+    if (from_ == From::Import) return imported_ + " (imported)";
     return fileName;
   }
 
  private:
-  enum class From { File, Chip, Erased };
+  enum class From { File, Import, Chip, Erased };
   From from_ = From::File;
+  QString imported_;
 };
 
 }  // namespace kestrel::window

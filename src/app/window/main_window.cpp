@@ -24,6 +24,7 @@
 #include "app/window/elided_label.h"
 #include "app/window/file_of.h"
 #include "app/window/fitting_area.h"
+#include "app/window/image_files.h"
 #include "app/window/lamp.h"
 #include "app/window/log_panel.h"
 #include "app/window/menus.h"
@@ -67,6 +68,7 @@ MainWindow::MainWindow(const WindowParts& parts)
   buildMenus();
   buildContent();
   buildSearch();
+  buildImages();
   icons.apply(palette());
   connectCommands();
   connectInput();
@@ -142,6 +144,16 @@ void MainWindow::buildSearch() {
   add("Compare with &File...", QKeySequence(), "compareFile", [this] { compareWithFile(); });
   add("&Previous Difference", QKeySequence("Shift+F3"), "previousDifference",
       [this] { display_->goBack(); });
+}
+
+void MainWindow::buildImages() {
+  files_ = new ImageFiles(
+      {.window = *this, .form = parts_.form, .dialogs = parts_.dialogs, .outcome = *outcome_},
+      menus_->fileMenu(), "mnuFileClose");
+  files_->onImported([this](const QString& file) {
+    origin_.importedFrom(onOneLine(QFileInfo(file).fileName()));
+    showTitle();
+  });
 }
 
 void MainWindow::connectCommands() {
@@ -240,6 +252,8 @@ void MainWindow::pressed(const Control& control, const CommandResult& result) {
                &controls_.mnuFileSaveCodeAs, &controls_.toolbarButton(2)});
   const bool isLoaded = std::ranges::any_of(controls_.LoadSetup, isSetup) && holdsLoadedFile();
   if (isFile || isLoaded) bufferIsInFile();
+  const bool isOpened = isOneOf({&controls_.mnuFileOpenCode, &controls_.toolbarButton(1)});
+  if (isOpened && !parts_.dialogs.wasFileCancelled()) files_->lookAtOpened();
   showTitle();
 }
 

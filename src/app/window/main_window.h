@@ -26,6 +26,7 @@ namespace kestrel::window {
 class CommandBar;
 class DeviceCard;
 class DisplayPanel;
+class ImageFiles;
 class LogPanel;
 class Menus;
 class NoticeBar;
@@ -101,6 +102,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   void buildContent();
   void buildMenus();
   void buildSearch();
+  void buildImages();
   void connectCommands();
   void connectInput();
   void commandStarted();
@@ -142,6 +144,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   VppSign* vppSign_ = nullptr;
   CommandBar* commands_ = nullptr;
   DisplayPanel* display_ = nullptr;
+  ImageFiles* files_ = nullptr;
   LogPanel* log_ = nullptr;
   QSplitter* split_ = nullptr;
   QDockWidget* side_ = nullptr;

@@ -59,6 +59,7 @@ void Menus::addSeparator(QMenu& menu, const QString& name) {
 
 void Menus::buildFile() {
   QMenu& menu = *addMenu("&File", "mnuFile");
+  file_ = &menu;
   add(menu, controls_.mnuFileOpenCode, "open-code")->setShortcut(QKeySequence::Open);
   add(menu, controls_.mnuFileOpenData, "open-data");
   buildRecent(menu);

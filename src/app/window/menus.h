@@ -25,6 +25,7 @@ class Menus final : public QObject {
   /// Opens a file of the list of recent ones.
   void onOpenRecent(std::function<void(const std::filesystem::path&)> open);
 
+  [[nodiscard]] QMenu& fileMenu() const { return *file_; }
   [[nodiscard]] QMenu& hardwareMenu() const { return *hardware_; }
   [[nodiscard]] QMenu& bufferMenu() const { return *buffer_; }
 
@@ -56,6 +57,7 @@ class Menus final : public QObject {
   IconSet& icons_;
   RecentFiles& recent_;
   std::function<bool()> maySave_;
+  QMenu* file_ = nullptr;
   QMenu* device_ = nullptr;
   QMenu* buffer_ = nullptr;
   QToolBar* toolbar_ = nullptr;

@@ -16,6 +16,7 @@ constexpr int kLookMs = 100;
 constexpr double kMsPerSecond = 1000.0;
 constexpr qint64 kLongMs = 5'000;  // who waits longer may look elsewhere: the desktop tells
 constexpr const char* kCompare = "compare";
+constexpr const char* kOffered = "offered";
 
 QString hexAddress(std::int32_t address) {
   constexpr int kDigits = 5;
@@ -36,6 +37,8 @@ OutcomeLine::OutcomeLine(const Controls& controls, const ProgrammerState& state,
   connect(this, &QLabel::linkActivated, this, [this](const QString& address) {
     if (address == kCompare) {
       if (compare_) compare_();
+    } else if (address == kOffered) {
+      if (offered_) offered_();
     } else if (go_) {
       go_(address.toInt());
     }
@@ -133,13 +136,23 @@ QString OutcomeLine::failedText(const QString& command, const CommandResult& res
   return command + ": " + reason;
 }
 
-void OutcomeLine::tell(const QString& text) { showText(text.toHtmlEscaped(), Colour::ButtonText); }
+void OutcomeLine::tell(const QString& text) {
+  showText(text.toHtmlEscaped(), Colour::ButtonText);
+  setToolTip(text);  // it may be longer than the line
+}
+
+void OutcomeLine::offer(const QString& text, const QString& link, std::function<void()> action) {
+  offered_ = std::move(action);
+  showText(text.toHtmlEscaped() + QString(" <a href=\"%1\">%2</a>").arg(kOffered, link),
+           Colour::ButtonText);
+}
 
 void OutcomeLine::showText(const QString& richText, Colour colour) {
   QPalette own = palette();
   own.setColor(QPalette::WindowText, inkColour(colour, own));
   setPalette(own);
   setText(richText);
+  setToolTip({});
   setAccessibleDescription(QString(richText).remove(QRegularExpression("<[^>]*>")));
 }
 

@@ -31,6 +31,9 @@ class OutcomeLine final : public QLabel {
   /// Something else that came of it.
   void tell(const QString& text);
 
+  /// The same, with a link behind it that does something about it.
+  void offer(const QString& text, const QString& link, std::function<void()> action);
+
   /// Milliseconds of the last command, questions not counted.
   [[nodiscard]] qint64 lasted() const { return lasted_; }
 
@@ -46,6 +49,7 @@ class OutcomeLine final : public QLabel {
   const ProgrammerState& state_;
   std::function<void(std::int32_t)> go_;
   std::function<void()> compare_;
+  std::function<void()> offered_;
   QString running_;
   QTimer timer_;
   QElapsedTimer clock_;
