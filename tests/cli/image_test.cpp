@@ -83,7 +83,7 @@ TEST(Import, refusesWhatIsDamagedOrDoesNotFitAndChangesNothing) {
   for (const auto& [words, told] :
        {std::pair("-i sum.hex --format auto", "Cannot import sum.hex: line 1: checksum mismatch"),
         {"-i end.hex --format auto", "no end-of-file record"},
-        {"-i far.hex --format ihex", "data at 10030-10033, the chip ends at 1FFF; --range"},
+        {"-i far.hex --format ihex", "data at 10030-10033, the chip ends at 1FFF; a range FROM-TO"},
         {"-i good.hex --format srec", "Cannot import good.hex: line "},
         {"-i good.hex --format ihex --at 1FFE", "the chip ends at 1FFF"},
         {"-i empty.hex --format auto", "empty"},
