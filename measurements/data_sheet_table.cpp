@@ -29,6 +29,11 @@ struct Part {
 constexpr double kPageUs = 5'000;  // a typical write cycle of the 28C256 and AT29C256 sheets
 
 // clang-format off
+// A byte of flash: the writes of its commands, each of 17 accesses (three latches of 4, the strobe
+// of 5), and the time of a typical chip.
+constexpr double kFlashByteUs = 4 * 17 + 7;
+constexpr double kTwelveVoltByteUs = 3 * 13 + 10 + 6;
+
 constexpr Part kParts[]{
     {"Eprom 2732",       "2732",       0x1000,   3, 50'000},
     {"Eprom 27C32",      "27C32",      0x1000,   3, 50'000},
@@ -59,6 +64,13 @@ constexpr Part kParts[]{
     {"Eeprom 24C16 Serial (8 pins)",  "24C16",  0x800,  0, kPageUs / 16},
     {"Eeprom 24C32 Serial (8 pins)",  "24C32",  0x1000, 0, kPageUs / 32},
     {"Eeprom 24C256 Serial (8 pins)", "24C256", 0x8000, 0, kPageUs / 64, 0, 0, false},
+    {"Flash AMD AM29F010",       "AM29F010",  0x20000, 0, kFlashByteUs,      1.5, 0, false},
+    {"Flash AMD AM29F020",       "AM29F020",  0x40000, 0, kFlashByteUs,      1.5, 0, false},
+    {"Flash AMD AM29F040",       "AM29F040",  0x80000, 0, kFlashByteUs,      1.5, 0, false},
+    {"Flash AMIC A29040",        "A29040",    0x80000, 0, kFlashByteUs,      1.5, 0, false},
+    {"Flash EON EN29F040",       "EN29F040",  0x80000, 0, kFlashByteUs,      1.5, 0, false},
+    {"Flash Catalyst CAT28F010", "CAT28F010", 0x20000, 0, kTwelveVoltByteUs, 0,   0, false},
+    {"Flash Catalyst CAT28F020", "CAT28F020", 0x40000, 0, kTwelveVoltByteUs, 0,   0, false},
 };
 // clang-format on
 
@@ -138,7 +150,8 @@ bool measure(const Part& part, sim::Model model) {
 }  // namespace
 }  // namespace kestrel
 
-int main() {
+// With a word: the devices that have it in their name.
+int main(int argc, char** argv) {
   using namespace kestrel;
   std::puts(
       "| device | model | programmed, s | data sheet, s | ratio | verified, s | read, s | "
@@ -146,6 +159,7 @@ int main() {
   std::puts("|---|---|---|---|---|---|---|---|---|---|");
   bool isRight = true;
   for (const Part& part : kParts) {
+    if (argc > 1 && std::string(part.device).find(argv[1]) == std::string::npos) continue;
     for (const sim::Model model :
          {sim::Model::kestrel4, sim::Model::kestrel5, sim::Model::kestrel6}) {
       isRight = measure(part, model) && isRight;

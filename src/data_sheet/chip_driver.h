@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <span>
 #include <string>
 #include <utility>
@@ -56,6 +57,7 @@ struct ChipChoice {
   std::uint32_t sizeBytes = 0;
   int vppVolts = 0;  ///< 12 for 12.5
   Protection protection = Protection::Keep;
+  bool takesAnyCode = false;  ///< a chip whose code is another one is worked on too
 };
 
 /// One kind of chip by its data sheet, for the length of one command.
@@ -80,6 +82,10 @@ class ChipDriver {
 
   /// Every byte FFh.
   [[nodiscard]] virtual Outcome erase(Progress& progress) = 0;
+
+  /// What the chip says that it is; nothing for a kind that has no code. A call of its own, without
+  /// begin() and end().
+  [[nodiscard]] virtual std::optional<devices::ChipCodes> codes() { return std::nullopt; }
 };
 
 }  // namespace kestrel::data_sheet

@@ -1,7 +1,9 @@
 #include "data_sheet/drivers.h"
 
 #include "data_sheet/eprom.h"
+#include "data_sheet/flash.h"
 #include "data_sheet/page_eeprom.h"
+#include "data_sheet/twelve_volt_flash.h"
 #include "data_sheet/two_wire_eeprom.h"
 #include "devices/families.h"
 
@@ -25,10 +27,13 @@ struct Maker {
   Made operator()(const devices::SerialSheet& sheet) const {
     return std::make_unique<TwoWireEeprom>(chip, sheet, bus);
   }
-  template <typename Other>
-  Made operator()(const Other& /*sheet*/) const {
-    return nullptr;
+  Made operator()(const devices::FlashSheet& sheet) const {
+    return std::make_unique<Flash>(chip, sheet, bus);
   }
+  Made operator()(const devices::TwelveVoltFlashSheet& sheet) const {
+    return std::make_unique<TwelveVoltFlash>(chip, sheet, bus);
+  }
+  Made operator()(const devices::NotOffered& /*sheet*/) const { return nullptr; }
 };
 
 }  // namespace
@@ -50,7 +55,8 @@ std::unique_ptr<ChipDriver> Drivers::forDevice() const {
   const ChipChoice chip{.sheet = sheet,
                         .sizeBytes = static_cast<std::uint32_t>(device_.DeviceSizeBytes),
                         .vppVolts = vppVolts(),
-                        .protection = chosen_.protection};
+                        .protection = chosen_.protection,
+                        .takesAnyCode = chosen_.takesAnyCode};
   return std::visit(Maker{chip, bus_}, sheet.part);
 }
 

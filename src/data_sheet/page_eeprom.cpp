@@ -13,16 +13,19 @@ constexpr std::uint8_t kErasedByte = 0xFF;
 constexpr std::uint32_t kUnlock1 = 0x5555;
 constexpr std::uint32_t kUnlock2 = 0x2AAA;
 constexpr unsigned kDataBit = 0x80;
+constexpr std::uint8_t kIdentify = 0x90;
+constexpr std::uint8_t kLeaveIdentify = 0xF0;
 
 // A load that the computer interrupts for longer than the window leaves half a page: it is sent
 // again. Two plain tries come before the chip is taken for a protected one.
 constexpr int kTries = 6;
 constexpr int kPlainTries = 2;
 
-constexpr std::size_t kComparedBytes = 8;
+constexpr std::size_t kFirstComparedBytes = 2;
+constexpr std::size_t kMostComparedBytes = 32;
 
 constexpr int kTimeOutFactor = 3;
-constexpr std::int64_t kPollUs = 25;
+constexpr std::int64_t kPollUs = 10;
 constexpr int kEqualReads = 4;
 
 }  // namespace
@@ -50,6 +53,26 @@ Outcome PageEeprom::program(std::span<const std::uint8_t> image, Progress& progr
 Outcome PageEeprom::erase(Progress& progress) {
   const std::vector<std::uint8_t> erased(chip().sizeBytes, kErasedByte);
   return program(erased, progress);
+}
+
+// The identify mode of a flash with pages; each command takes a write cycle.
+std::optional<devices::ChipCodes> PageEeprom::codes() {
+  if (!sheet_.codes) return std::nullopt;
+  const hardware::ChipSession session(bus(), chip().sheet.wiring);
+  bus().useFullSpeed();
+  bus().select();
+  command(kIdentify);
+  const devices::ChipCodes seen = codesAt(0);
+  command(kLeaveIdentify);
+  return seen;
+}
+
+void PageEeprom::command(std::uint8_t code) {
+  bus().disableOutputs();
+  write({kUnlock1, 0xAA});
+  write({kUnlock2, 0x55});
+  write({kUnlock1, code});
+  bus().waitMs(sheet_.longestCycleMs);
 }
 
 Outcome PageEeprom::endProtection() {
@@ -93,12 +116,6 @@ Outcome PageEeprom::writePage(std::uint32_t first, Page page) {
 
 void PageEeprom::beginWriting() { bus().disableOutputs(); }
 
-void PageEeprom::write(const Cycle& cycle) {
-  bus().setAddress(cycle.address);
-  bus().drive(cycle.data);
-  bus().strobe();
-}
-
 // The last byte shows up when the cycle has ended. Where it does not, a protected chip or half a
 // page, the reads are at least equal: bit 6 has come to rest.
 Outcome PageEeprom::waitForEnd(std::uint32_t address, std::uint8_t last) {
@@ -120,25 +137,20 @@ Outcome PageEeprom::waitForEnd(std::uint32_t address, std::uint8_t last) {
       ", and reads " + hexText(before, 2) + "h");
 }
 
-/// /OE falls for it, which turns bit 6 over while the chip is busy.
-std::uint8_t PageEeprom::readOnce() {
-  bus().enableOutputs();
-  const std::uint8_t seen = bus().read();
-  bus().disableOutputs();
-  return seen;
-}
-
 // A page that differs mostly does so at its beginning, so that few bytes are read then.
 Outcome PageEeprom::compare(std::uint32_t first, Page page) {
-  std::array<std::uint8_t, kComparedBytes> seen{};
+  std::array<std::uint8_t, kMostComparedBytes> seen{};
+  std::size_t count = kFirstComparedBytes;
   bus().enableOutputs();
-  for (; !page.empty(); page = page.subspan(std::min(page.size(), kComparedBytes))) {
-    const Page block = page.first(std::min(page.size(), kComparedBytes));
+  while (!page.empty()) {
+    const Page block = page.first(std::min(page.size(), count));
     readBlock(first, std::span(seen).first(block.size()));
     const auto [wanted, other] = std::ranges::mismatch(block, seen);
     const auto offset = static_cast<std::uint32_t>(wanted - block.begin());
     if (wanted != block.end()) return Outcome::byteFailed(first + offset, *wanted, *other);
     first += offset;
+    page = page.subspan(block.size());
+    count = kMostComparedBytes;
   }
   return {};
 }

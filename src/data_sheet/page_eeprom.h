@@ -20,22 +20,17 @@ class PageEeprom final : public ParallelChip {
 
   [[nodiscard]] Outcome program(std::span<const std::uint8_t> image, Progress& progress) override;
   [[nodiscard]] Outcome erase(Progress& progress) override;
+  [[nodiscard]] std::optional<devices::ChipCodes> codes() override;
 
  private:
   using Page = std::span<const std::uint8_t>;
 
-  struct Cycle {
-    std::uint32_t address;
-    std::uint8_t data;
-  };
-
+  void command(std::uint8_t code);
   [[nodiscard]] Outcome endProtection();
   [[nodiscard]] Outcome programPage(std::uint32_t first, Page page);
   [[nodiscard]] Outcome writePage(std::uint32_t first, Page page);
-  void write(const Cycle& cycle);
   void beginWriting();
   [[nodiscard]] Outcome waitForEnd(std::uint32_t address, std::uint8_t last);
-  [[nodiscard]] std::uint8_t readOnce();
   [[nodiscard]] Outcome compare(std::uint32_t first, Page page);
 
   const devices::PageSheet& sheet_;

@@ -12,6 +12,26 @@ void ParallelChip::readBlock(std::uint32_t first, std::span<std::uint8_t> bytes)
   for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = bus_.fetch(pending_[i]);
 }
 
+void ParallelChip::write(const Cycle& cycle) {
+  bus_.setAddress(cycle.address);
+  bus_.drive(cycle.data);
+  bus_.strobe();
+}
+
+std::uint8_t ParallelChip::readOnce() {
+  bus_.enableOutputs();
+  const std::uint8_t seen = bus_.read();
+  bus_.disableOutputs();
+  return seen;
+}
+
+devices::ChipCodes ParallelChip::codesAt(std::uint32_t address) {
+  bus_.setAddress(address);
+  const std::uint8_t maker = readOnce();
+  bus_.setAddress(address + 1);
+  return {.maker = maker, .device = readOnce()};
+}
+
 Outcome ParallelChip::read(std::uint32_t first, std::span<std::uint8_t> bytes) {
   bus_.select();
   bus_.enableOutputs();

@@ -43,6 +43,15 @@ constexpr EpromSheet k50usOnOe{.pulseUs = 50, .mostPulses = 25, .order = VerifyO
 // Write cycles of 10 ms at most.
 constexpr PageSheet kPage64{.pageBytes = 64, .longestCycleMs = 10};
 constexpr PageSheet kPage128{.pageBytes = 128, .longestCycleMs = 10};
+constexpr PageSheet kAT29C256{.pageBytes = 64, .longestCycleMs = 10, .codes = ChipCodes{0x1F, 0xDC}};
+// The times of the AM29F020 are taken between those of 1 and 4 Mbit.
+constexpr FlashSheet kAM29F010{.codes = {0x01, 0x20}, .typicalEraseMs = 1'000, .longestEraseMs = 14'000};
+constexpr FlashSheet kAM29F020{.codes = {0x01, 0xB0}, .typicalEraseMs = 2'000, .longestEraseMs = 28'000};
+constexpr FlashSheet kAM29F040{.codes = {0x01, 0xA4}, .typicalEraseMs = 8'000, .longestEraseMs = 64'000};
+constexpr FlashSheet kA29040  {.codes = {0x37, 0x86}, .typicalEraseMs = 8'000, .longestEraseMs = 64'000};
+constexpr FlashSheet kEN29F040{.codes = {0x1C, 0x04}, .typicalEraseMs = 8'000, .longestEraseMs = 64'000};
+constexpr TwelveVoltFlashSheet kCAT28F010{.codes = {0x31, 0xB4}};
+constexpr TwelveVoltFlashSheet kCAT28F020{.codes = {0x31, 0xBD}};
 constexpr SerialSheet k24C08and16{.pageBytes = 16, .addressBytes = 1, .longestCycleMs = 10};
 constexpr SerialSheet k24C32{.pageBytes = 32, .addressBytes = 2, .longestCycleMs = 10};
 constexpr SerialSheet k24C256{.pageBytes = 64, .addressBytes = 2, .longestCycleMs = 10};
@@ -79,14 +88,14 @@ constexpr std::array kDataSheets{
     DataSheet{"Eprom 27C801",                  k27080,  k50usOnOe, kThreeQuarters},
     DataSheet{"Eprom 27C080",                  k27080,  k50usOnOe, kThreeQuarters},
     DataSheet{"Eprom 27C080 OTP",              k27080,  k50usOnOe},
-    DataSheet{"Flash Atmel AT29C256",          k29C256, kPage64},
-    DataSheet{"Flash AMIC A29040",             k29F,    NotOffered{"not yet written"}},
-    DataSheet{"Flash AMD AM29F010",            k29F,    NotOffered{"not yet written"}},
-    DataSheet{"Flash AMD AM29F020",            k29F,    NotOffered{"not yet written"}},
-    DataSheet{"Flash AMD AM29F040",            k29F,    NotOffered{"not yet written"}},
-    DataSheet{"Flash EON EN29F040",            k29F,    NotOffered{"not yet written"}},
-    DataSheet{"Flash Catalyst CAT28F010",      k28F,    NotOffered{"not yet written"}},
-    DataSheet{"Flash Catalyst CAT28F020",      k28F,    NotOffered{"not yet written"}},
+    DataSheet{"Flash Atmel AT29C256",          k29C256, kAT29C256},
+    DataSheet{"Flash AMIC A29040",             k29F,    kA29040},
+    DataSheet{"Flash AMD AM29F010",            k29F,    kAM29F010},
+    DataSheet{"Flash AMD AM29F020",            k29F,    kAM29F020},
+    DataSheet{"Flash AMD AM29F040",            k29F,    kAM29F040},
+    DataSheet{"Flash EON EN29F040",            k29F,    kEN29F040},
+    DataSheet{"Flash Catalyst CAT28F010",      k28F,    kCAT28F010},
+    DataSheet{"Flash Catalyst CAT28F020",      k28F,    kCAT28F020},
     DataSheet{"Eeprom XICOR X28C256",          k28C256, kPage64, kSlowChip},
     DataSheet{"Eeprom Catalyst CAT28C256",     k28C256, kPage64},
     DataSheet{"Eeprom Catalyst CAT28C257",     k28C256, kPage128},
@@ -100,12 +109,24 @@ constexpr std::array kDataSheets{
 };
 // clang-format on
 
+std::optional<ChipCodes> codesOf(const DataSheet& sheet) {
+  if (const auto* const flash = std::get_if<FlashSheet>(&sheet.part)) return flash->codes;
+  if (const auto* const flash = std::get_if<TwelveVoltFlashSheet>(&sheet.part)) return flash->codes;
+  const auto* const page = std::get_if<PageSheet>(&sheet.part);
+  return page == nullptr ? std::nullopt : page->codes;
+}
+
 }  // namespace
 
 std::span<const DataSheet> dataSheets() { return kDataSheets; }
 
 const DataSheet* dataSheetOf(std::string_view device) {
   const auto* const found = std::ranges::find(kDataSheets, device, &DataSheet::device);
+  return found == kDataSheets.end() ? nullptr : found;
+}
+
+const DataSheet* dataSheetOf(ChipCodes codes) {
+  const auto* const found = std::ranges::find(kDataSheets, std::optional(codes), codesOf);
   return found == kDataSheets.end() ? nullptr : found;
 }
 

@@ -29,10 +29,19 @@ struct EpromSheet {
   std::int32_t usualVppMillivolts = 12'500;
 };
 
+/// What a flash says that it is (JEDEC maker and device code).
+struct ChipCodes {
+  std::uint8_t maker = 0;
+  std::uint8_t device = 0;
+
+  bool operator==(const ChipCodes&) const = default;
+};
+
 /// An EEPROM or flash that writes a page by itself.
 struct PageSheet {
   std::int32_t pageBytes = 64;
   std::int32_t longestCycleMs = 10;
+  std::optional<ChipCodes> codes = {};
 };
 
 /// A 24Cxx.
@@ -44,16 +53,15 @@ struct SerialSheet {
 
 /// A 5 V flash with the JEDEC command set.
 struct FlashSheet {
-  std::uint8_t makerCode = 0;
-  std::uint8_t deviceCode = 0;
-  std::int32_t longestByteUs = 200;
+  ChipCodes codes = {};
+  std::int32_t typicalEraseMs = 0;
   std::int32_t longestEraseMs = 0;
+  std::int32_t longestByteUs = 200;
 };
 
 /// A flash that is programmed and erased by pulses of its command register, with 12 V.
 struct TwelveVoltFlashSheet {
-  std::uint8_t makerCode = 0;
-  std::uint8_t deviceCode = 0;
+  ChipCodes codes = {};
 };
 
 /// What the board or the program cannot do, in words.
@@ -74,6 +82,9 @@ struct DataSheet {
 
 /// The row of a device by its name in the catalogue; nullptr if there is none.
 [[nodiscard]] const DataSheet* dataSheetOf(std::string_view device);
+
+/// The row of the flash that has these codes; nullptr if there is none.
+[[nodiscard]] const DataSheet* dataSheetOf(ChipCodes codes);
 
 /// The programming voltage that the sheet of an EPROM asks for, in volts; the marking on a chip
 /// decides where it differs. Nothing for other devices.

@@ -104,6 +104,7 @@ std::uint8_t FlashIdentification::readNext() {
 
 void FlashIdentification::ReadFlashID() {
   const DeviceOperation operation = board_.operation();
+  if (drivers_.areChosen()) return readByDataSheet();
   if (devices::familyOf(device_.FamilyCode).flashCommands == devices::FlashCommands::None) return;
   operation_.FlashPageSize = 0;
   operation_.FlashPageCount = 0;
@@ -133,6 +134,18 @@ void FlashIdentification::ReadFlashID() {
   board_.registers.SetReg0();
 }
 
+void FlashIdentification::readByDataSheet() {
+  const std::optional<devices::ChipCodes> codes = drivers_.forDevice()->codes();
+  if (!codes) return;
+  operation_.FlashPageSize = 0;
+  operation_.FlashPageCount = 0;
+  operation_.FlashMakerID = codes->maker;
+  operation_.FlashDeviceID = codes->device;
+  operation_.FlashCode = hexText(codes->maker, kByteDigits) + hexText(codes->device, kByteDigits);
+  operation_.FlashRawCode.clear();
+  nameChip();
+}
+
 void FlashIdentification::nameChip() {
   if (operation_.FlashCode == operation_.FlashRawCode) {
     reporting_.LogMessage("*** Not a Flash Unit, Address 00&01 = FlashCode ***");
@@ -144,7 +157,14 @@ void FlashIdentification::nameChip() {
     operation_.FlashPageSize = chip.pageSize;
     operation_.FlashPageCount = chip.pageCount;
   }
-  if (operation_.FlashPageSize == 0) reporting_.LogMessage(prefix + " Not Valid!!!");
+  if (operation_.FlashPageSize != 0) return;
+  const devices::DataSheet* const sheet = drivers_.areChosen() ? sheetOfCodes() : nullptr;
+  reporting_.LogMessage(prefix + (sheet == nullptr ? " Not Valid!!!" : std::string(sheet->device)));
+}
+
+const devices::DataSheet* FlashIdentification::sheetOfCodes() const {
+  return devices::dataSheetOf({.maker = narrowed<std::uint8_t>(operation_.FlashMakerID),
+                               .device = narrowed<std::uint8_t>(operation_.FlashDeviceID)});
 }
 
 void FlashIdentification::ProbeFlashID() {

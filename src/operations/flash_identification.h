@@ -2,6 +2,7 @@
 
 #include "app/state/programmer_state.h"
 #include "app/state/reporting.h"
+#include "data_sheet/drivers.h"
 #include "hardware/board.h"
 #include "operations/protection.h"
 
@@ -11,13 +12,15 @@ namespace kestrel::operations {
 class FlashIdentification {
  public:
   FlashIdentification(const SelectionState& device, LatchState& latches, OperationState& operation,
-                      Reporting& reporting, hardware::Board& board, ProtectionSequences& protection)
+                      Reporting& reporting, hardware::Board& board, ProtectionSequences& protection,
+                      const data_sheet::Drivers& drivers)
       : device_(device),
         latches_(latches),
         operation_(operation),
         reporting_(reporting),
         board_(board),
-        protection_(protection) {}
+        protection_(protection),
+        drivers_(drivers) {}
 
   /// Sends the three-cycle command sequence with FlashCmd as its last byte; the AT29C256 has its
   /// own form.
@@ -28,7 +31,7 @@ class FlashIdentification {
   void WEOFF_FLASH();
 
   /// Reads FlashMakerID and FlashDeviceID and logs the chip's name; records its page geometry, 0
-  /// for an unknown code. Only for family letter "F".
+  /// for an unknown code. Only for family letter "F"; by the data sheets for each chip with a code.
   void ReadFlashID();
 
   /// One identify exchange with its result thrown away.
@@ -45,7 +48,9 @@ class FlashIdentification {
   void sendCommand(std::int16_t command);
   std::uint8_t readHere();
   std::uint8_t readNext();
+  void readByDataSheet();
   void nameChip();
+  [[nodiscard]] const devices::DataSheet* sheetOfCodes() const;
 
   const SelectionState& device_;
   LatchState& latches_;
@@ -53,6 +58,7 @@ class FlashIdentification {
   Reporting& reporting_;
   hardware::Board& board_;
   ProtectionSequences& protection_;
+  const data_sheet::Drivers& drivers_;
 };
 
 }  // namespace kestrel::operations

@@ -28,6 +28,10 @@ constexpr Part kParts[]{
     {"Eeprom Catalyst CAT28C257", "CAT28C257", 0x8000, 0},    {"Flash Atmel AT29C256", "AT29C256", 0x8000, 0},
     {"Eeprom 24C08 Serial", "24C08", 0x400, 0},               {"Eeprom 24C16 Serial", "24C16", 0x800, 0},
     {"Eeprom 24C32 Serial", "24C32", 0x1000, 0},              {"Eeprom 24C256 Serial", "24C256", 0x8000, 0},
+    {"Flash AMD AM29F010", "AM29F010", 0x20000, 0},           {"Flash AMD AM29F020", "AM29F020", 0x40000, 0},
+    {"Flash AMD AM29F040", "AM29F040", 0x80000, 0},           {"Flash AMIC A29040", "A29040", 0x80000, 0},
+    {"Flash EON EN29F040", "EN29F040", 0x80000, 0},           {"Flash Catalyst CAT28F010", "CAT28F010", 0x20000, 0},
+    {"Flash Catalyst CAT28F020", "CAT28F020", 0x40000, 0},
 };
 // clang-format on
 
@@ -118,13 +122,31 @@ struct Trouble {
   Part part;
   void (*prepare)(BySheet& s);
   const char* reason;  ///< part of it; empty: it ends well
+  Ending ending = Ending::Failed;
+  const char* control = "Program_button";
 };
 
 constexpr Part k27C256{"Eprom 27C256", "27C256", 0x8000};
 constexpr Part k27C512{"Eprom 27C512", "27C512", 0x10000};
 constexpr Part k2764{"Eprom 2764", "2764", 0x2000, 2};
 constexpr Part k28C256{"Eeprom XICOR X28C256", "X28C256", 0x8000, 0};
+constexpr Part k29F010{"Flash AMD AM29F010", "AM29F010", 0x20000, 0};
+constexpr Part k29F040{"Flash AMD AM29F040", "AM29F040", 0x80000, 0};
+constexpr Part k28F010{"Flash Catalyst CAT28F010", "CAT28F010", 0x20000, 0};
 constexpr Part k24C16{"Eeprom 24C16 Serial", "24C16", 0x800, 0};
+
+void neverErased(BySheet& s) {
+  s.board->setChip({.writeNeverEnds = true});
+  s.board->loadChip(Bytes(0x20000, 0));
+}
+
+/// Bit 5 cannot tell it, once the chip is busy.
+void neverSaysSo(BySheet& s) {
+  neverErased(s);
+  s.rig.screen.onTurn = [&s, begin = s.bench.now()] {
+    if (s.bench.now() > begin + 1'000'000'000) s.board->stickDataLine(5, false);
+  };
+}
 
 // clang-format off
 const Trouble kTroubles[]{
@@ -142,6 +164,20 @@ const Trouble kTroubles[]{
     {"aSerialChipThatEndsInAByte", k24C16, [](BySheet& s) { s.board->setChip({.acknowledgeLimit = 100}); }, "does not acknowledge"},
     {"aSerialWriteWithoutEnd",    k24C16,  [](BySheet& s) { s.board->setChip({.writeNeverEnds = true}); }, "30 ms after it was sent the page of address 0"},
     {"aSerialLineHeldLow",        k24C16,  [](BySheet& s) { s.board->stickDataLine(7, false); }, "data line of the chip stays low"},
+    {"aFlashOfAnotherCode",       k29F010, [](BySheet& s) { s.insert("AM29F040"); }, "is a Flash AMD AM29F040 (codes 01h A4h instead of 01h 20h)", Ending::Refused},
+    {"noFlash",                   k29F010, [](BySheet& s) { s.board->takeOut(); }, "no flash answers", Ending::Refused},
+    {"aFlashThatIsNotBlank",      k29F010, [](BySheet& s) { s.board->loadChip(Bytes(0x20000, 0)); }, "byte at address 0 does not"},
+    {"aFlashCellThatNeverTakes",  k29F010, [](BySheet& s) { s.board->fitWeakCell(0x123); }, "given up with the byte at address 123"},
+    {"aFlashOfAnotherCodeForced", k29F040, [](BySheet& s) { s.insert("A29040"); s.rig.state.takesAnyCode = true; }, ""},
+    {"aFlashWriteWithoutEnd",     k29F010, [](BySheet& s) { s.board->setChip({.writeNeverEnds = true}); }, "given up with the byte at address 0"},
+    {"aFlashEraseGivenUp",        k29F010, neverErased, "not erased: address 0 reads 00h", Ending::Failed, "EraseFlash_button"},
+    {"aFlashEraseWithoutEnd",     k29F010, neverSaysSo, "still busy 42 s after its erase", Ending::Failed, "EraseFlash_button"},
+    {"a12VFlashErasedForEver",    k28F010, [](BySheet& s) { s.board->fitWeakCell(0x123); s.board->loadChip(Bytes(0x20000, 0)); }, "1000 pulses: address 123 reads 00h", Ending::Failed, "EraseFlash_button"},
+    {"aProtectedFlash",           k29F010, [](BySheet& s) { s.board->setChip({.writeProtected = true}); }, "write-protected at address 0", Ending::Refused},
+    {"a12VFlashOfAnotherCode",    k28F010, [](BySheet& s) { s.insert("CAT28F020"); }, "is a Flash Catalyst CAT28F020", Ending::Refused},
+    {"a12VFlashNotBlank",         k28F010, [](BySheet& s) { s.board->loadChip(Bytes(0x20000, 0)); }, "byte at address 0 does not"},
+    {"a12VFlashCellOf25Pulses",   k28F010, [](BySheet& s) { s.board->fitWeakCell(0x123, 25); }, ""},
+    {"a12VFlashCellOf26Pulses",   k28F010, [](BySheet& s) { s.board->fitWeakCell(0x123, 26); }, "byte at address 123 does not"},
 };
 // clang-format on
 
@@ -155,8 +191,8 @@ TEST_P(Troubles, endClearlyWithVoltageOff) {
   s.rig.openImage(image);
   const bool endsWell = *trouble.reason == '\0';
   trouble.prepare(s);
-  s.rig.program();
-  EXPECT_EQ(s.rig.result.ending, endsWell ? Ending::Done : Ending::Failed);
+  s.rig.program(trouble.control);
+  EXPECT_EQ(s.rig.result.ending, endsWell ? Ending::Done : trouble.ending);
   EXPECT_THAT(s.rig.result.reason, testing::HasSubstr(trouble.reason));
   const bool holdsImage = s.board->chip() != nullptr && s.chipContents() == image;
   EXPECT_EQ(holdsImage, endsWell);
@@ -195,6 +231,32 @@ TEST(Stop, takesTheVoltageOffInTheMiddleOfARun) {
   // The byte that it fell into is left without its overprogram pulse.
   EXPECT_EQ(s.bench.findings().all().size(),
             s.bench.findings().count(sim::FindingKind::missingOverprogram));
+}
+
+TEST(Stop, ofAnEraseTakesTheVoltageOffAndSaysSo) {
+  BySheet s(k28F010);
+  s.board->loadChip(Bytes(0x20000, 0));
+  s.rig.screen.onTurn = [&] { s.rig.stop.stopCommand(); };
+  s.rig.press("EraseFlash_button");
+  EXPECT_EQ(s.rig.result.ending, Ending::Stopped);
+  EXPECT_TRUE(s.rig.logged("Erasing was stopped, the chip is erased in part"));
+  s.expectRest();
+}
+
+TEST(Codes, areAskedForWithoutAFinding) {
+  const std::pair<Part, const char*> kNamed[]{
+      {k29F010, "Device ID# 0120 - AMD am29F010 Flash Memory"},
+      {k28F010, "Device ID# 31B4 - Flash Catalyst CAT28F010"},
+      {{"Flash EON EN29F040", "EN29F040", 0x80000, 0},
+       "Device ID# 1C04 - EON EN29F040 Flash Memory"},
+      {{"Flash Atmel AT29C256", "AT29C256", 0x8000, 0},
+       "Device ID# 1FDC - ATMEL 29C256 Flash Memory"}};
+  for (const auto& [part, line] : kNamed) {
+    BySheet s(part);
+    s.rig.press("menuFlashShowCodeID");
+    EXPECT_TRUE(s.rig.logged(line)) << part.device;
+    s.expectNoFinding();
+  }
 }
 
 }  // namespace

@@ -69,8 +69,8 @@ struct frmMain::Units {
                                      board, chipBus, drivers, reports};
   operations::SerialEeprom serial{state, state, state, state, controls, reporting, board, reports};
   operations::ProtectionSequences protection{state, state, state, controls, board};
-  operations::FlashIdentification flashIdentification{state,     state, state,
-                                                      reporting, board, protection};
+  operations::FlashIdentification flashIdentification{state, state,      state,  reporting,
+                                                      board, protection, drivers};
   operations::FlashProgrammer flashProgrammer{
       state,   state,         state, state, state, controls, reporting, board, flashIdentification,
       reports, machine.screen};
