@@ -6,7 +6,9 @@
 #include <string>
 #include <vector>
 
+#include "data_sheet/drivers.h"
 #include "hardware/board.h"
+#include "hardware/chip_bus.h"
 #include "hardware/decode_tables.h"
 #include "hardware/error_alert.h"
 #include "hardware/ports/tracing_port.h"
@@ -119,7 +121,10 @@ struct UnitRig {
   operations::ProtectionSequences protection{state, state, state, controls, board};
   operations::PageWriter pages{state,     state, state,      state,        controls,
                                reporting, board, protection, programImage, reports};
-  operations::FlashIdentification identification{state, state, state, reporting, board, protection};
+  hardware::ChipBus chipBus{state, state, state, traced, traced};
+  data_sheet::Drivers drivers{state, state, chipBus};
+  operations::FlashIdentification identification{state, state,      state,  reporting,
+                                                 board, protection, drivers};
   operations::FlashProgrammer flash{state,     state, state,          state,   state, controls,
                                     reporting, board, identification, reports, screen};
   operations::SerialEeprom serial{state, state, state, state, controls, reporting, board, reports};
