@@ -7,7 +7,7 @@ _kestrel_cli() {
   local previous=${COMP_WORDS[COMP_CWORD - 1]}
   local commands="devices detect read blank verify program erase display flash-id erase-buffer compare image save-project setups save-setup link-test safe"
   local options="-d -i -o --format --save-format --at --range --project --backup --several --serial --report --json --simulate --model --lpt --chip --board-vpp --fault --port --setup --speed
-    --vpp --lane --pad-ff --blank-check --verify --page --show --names --trace --waves --home --count-ns --algorithms -y --yes
+    --vpp --lane --pad-ff --check --blank-check --verify --page --show --names --trace --waves --home --count-ns --algorithms -y --yes
     -q --quiet --select-port --force-model --version -h --help"
   COMPREPLY=()
 

@@ -37,6 +37,7 @@ struct Arguments {
   bool several = false;
   bool json = false;
   bool blankCheck = false;
+  bool check = false;
   bool verify = false;
   bool padFF = false;
   bool show = false;

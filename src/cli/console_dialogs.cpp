@@ -15,7 +15,8 @@ namespace kestrel::cli {
 Answer ConsoleDialogs::messageBox(const MessageBox& box) {
   view_.clearProgress();
   if (box.buttons == MessageButtons::OkCancel) {
-    return yes_ ? Answer::Ok : ask(box);
+    if (!yes_) return ask(box);
+    return box.cannotSucceed ? Answer::Cancel : Answer::Ok;
   }
   const bool isNamed = !box.title.empty() && box.title != "Kestrel";
   std::cerr << "kestrel-cli: " << (isNamed ? box.title + ": " : std::string())

@@ -133,6 +133,8 @@ void Session::applyOptions() {
   if (a.speed) use([&] { c.Slider1.setValue(*a.speed); });
   if (a.voltage) chooseVoltage(*a.voltage);
   if (a.lane) use([&] { c.HiLow_button.at(*a.lane).press(); });
+  c.CheckChipFirst.setValue(0);  // on at first in one way of working; here it is asked for
+  if (a.check) tick(c.CheckChipFirst, "--check");
   if (a.blankCheck) tick(c.CheckBlankPriorProgramming, "--blank-check");
   if (a.verify) tick(c.VerifyAfterProgramming, "--verify");
   if (a.codeFile) openCodeFile(*a.codeFile);
@@ -172,7 +174,7 @@ void Session::chooseVoltage(std::size_t index) {
 // The boxes are not on the form before a device is selected.
 void Session::tick(CheckBox& box, const char* option) {
   if (!box.visible() || !box.enabled()) {
-    throw EarlyEnd(kBadUsage, unless(option, "not offered"));
+    throw EarlyEnd(kBadUsage, unless(option, "not offered for this device"));
   }
   if (!box.isTicked()) use([&box] { box.press(); });
 }

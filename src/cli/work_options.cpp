@@ -83,7 +83,7 @@ images::SerialPlan serialPlan(const std::string& text) {
 constexpr std::int32_t kMostPages = std::numeric_limits<std::int32_t>::max();
 
 // clang-format off
-constexpr std::array<WorkOption, 25> kWorkOptions{{
+constexpr std::array<WorkOption, 26> kWorkOptions{{
     {"-d", "NAME", "device: its name, a word of it, or a fitting part",
      [](auto& a, const auto& text) { a.device = named("-d", text); }},
     {"-i", "FILE", "code file to load; -: standard input",
@@ -112,6 +112,8 @@ constexpr std::array<WorkOption, 25> kWorkOptions{{
      [](auto& a, const auto& text) { a.voltage = voltageButton(text); }},
     {"--lane", "all|odd|even", "bytes of the buffer to program and verify",
      [](auto& a, const auto& text) { a.lane = laneButton(text); }},
+    {"--check", "", "refuse an EPROM that cannot take the image",
+     [](auto& a, const auto&) { a.check = true; }},
     {"--blank-check", "", "check that it is blank before programming",
      [](auto& a, const auto&) { a.blankCheck = true; }},
     {"--verify", "", "verify after programming",

@@ -101,6 +101,9 @@ struct Family {
   bool hasDataMemory = false;
 };
 
+/// They alone take a programming voltage from the board in the classic way.
+[[nodiscard]] constexpr bool isEprom(const Family& family) { return family.vppPin != VppPin::None; }
+
 /// All families of the catalogue.
 [[nodiscard]] std::span<const Family> families();
 

@@ -1,5 +1,7 @@
 #include "operations/program_command.h"
 
+#include <utility>
+
 #include "operations/programming_facts.h"
 #include "platform/runtime_error.h"
 
@@ -24,21 +26,33 @@ void ProgramCommand::ProgramData() {
   dialogs_.messageBox({.text = "Please Write A90S2313 Program Data Routine"});
 }
 
-bool ProgramCommand::isConfirmed() {
+bool ProgramCommand::isConfirmed(const std::optional<ImageCheck::Result>& check) {
+  std::vector<Fact> facts = programmingFacts(device_, buffers_, controls_);
+  if (check) facts.push_back(checkFact(*check));
   return dialogs_.messageBox({.text = "Program the Device?",
                               .title = "Safety Question",
                               .icon = MessageIcon::Question,
                               .buttons = MessageButtons::OkCancel,
                               .defaultAnswer = Answer::Cancel,
-                              .facts = programmingFacts(device_, buffers_, controls_)}) ==
-         Answer::Ok;
+                              .facts = std::move(facts),
+                              .cannotSucceed = check && !check->canBeProgrammed()}) == Answer::Ok;
+}
+
+void ProgramCommand::noteUnconfirmed(const std::optional<ImageCheck::Result>& check) {
+  if (check && !check->canBeProgrammed()) {
+    const auto first = narrowed<std::int32_t>(check->ranges.front().first);
+    reporting_.noteEnding(Ending::Failed, checkFact(*check).text, first);
+  } else {
+    reporting_.noteEnding(Ending::Cancelled, "programming was not confirmed");
+  }
 }
 
 void ProgramCommand::ProgramCode() {
   const devices::Family& family = devices::familyOf(device_.FamilyCode);
   reporting_.LogMessage("Programming Button Pressed");
-  if (!isConfirmed()) {
-    reporting_.noteEnding(Ending::Cancelled, "programming was not confirmed");
+  const std::optional<ImageCheck::Result> check = alert_.isRaised() ? std::nullopt : check_.run();
+  if (!isConfirmed(check)) {
+    noteUnconfirmed(check);
     reporting_.LogMessage("Programming was Canceled by Operator");
   } else if (alert_.isRaised()) {
     reporting_.noteEnding(Ending::Refused, "an error alert is up: dismiss it first");

@@ -9,6 +9,7 @@
 #include "operations/blank_check.h"
 #include "operations/data_sheet_way.h"
 #include "operations/failure_reports.h"
+#include "operations/image_check.h"
 #include "operations/program_image.h"
 #include "operations/routines.h"
 #include "operations/verify.h"
@@ -16,15 +17,15 @@
 
 namespace kestrel::operations {
 
-/// Writes the code buffer into the chip: the safety question, the blank check, the image by byte
-/// lane, the routine of the device's family, the verify.
+/// Writes the code buffer into the chip: whether it can take it, the safety question, the blank
+/// check, the image by byte lane, the routine of the device's family, the verify.
 class ProgramCommand {
  public:
   ProgramCommand(const SelectionState& device, const BufferState& buffers, LatchState& latches,
                  OperationState& operation, ShellState& shell, Controls& controls,
                  Reporting& reporting, hardware::Board& board, hardware::ErrorAlert& alert,
-                 ProgramImage& image, FailureReports& reports, BlankCheck& blank, Verify& verify,
-                 Routines& routines, DataSheetWay& dataSheet, Dialogs& dialogs)
+                 ProgramImage& image, FailureReports& reports, ImageCheck& check, BlankCheck& blank,
+                 Verify& verify, Routines& routines, DataSheetWay& dataSheet, Dialogs& dialogs)
       : device_(device),
         buffers_(buffers),
         latches_(latches),
@@ -36,6 +37,7 @@ class ProgramCommand {
         alert_(alert),
         image_(image),
         reports_(reports),
+        check_(check),
         blank_(blank),
         verify_(verify),
         routines_(routines),
@@ -47,7 +49,8 @@ class ProgramCommand {
   void ProgramData();
 
  private:
-  [[nodiscard]] bool isConfirmed();
+  [[nodiscard]] bool isConfirmed(const std::optional<ImageCheck::Result>& check);
+  void noteUnconfirmed(const std::optional<ImageCheck::Result>& check);
   void programDevice(const devices::Family& family);
   void dispatch(const devices::Family& family);
   void reportOutcome();
@@ -64,6 +67,7 @@ class ProgramCommand {
   hardware::ErrorAlert& alert_;
   ProgramImage& image_;
   FailureReports& reports_;
+  ImageCheck& check_;
   BlankCheck& blank_;
   Verify& verify_;
   Routines& routines_;

@@ -10,6 +10,7 @@
 #include "devices/data_sheets.h"
 #include "devices/families.h"
 #include "platform/file_names.h"
+#include "platform/runtime_error.h"
 
 namespace kestrel::operations {
 namespace {
@@ -101,6 +102,14 @@ std::vector<Fact> programmingFacts(const SelectionState& device, const BufferSta
   const bool isVerified = controls.VerifyAfterProgramming.isTicked();
   facts.push_back({.text = isVerified ? "Verified afterwards" : "Not verified afterwards"});
   return facts;
+}
+
+Fact checkFact(const ImageCheck::Result& check) {
+  if (check.canBeProgrammed()) return {.text = "The chip was read: it can take the image"};
+  return {.text = "The chip cannot take the image: a 0 would have to become a 1 in " +
+                  bytes(narrowed<std::int32_t>(check.bytes)) + " (" +
+                  images::rangesText(check.ranges) + "). Erase it first",
+          .isWarning = true};
 }
 
 }  // namespace kestrel::operations

@@ -5,6 +5,7 @@
 
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
+#include "operations/image_check.h"
 #include "platform/dialogs.h"
 
 namespace kestrel::operations {
@@ -18,5 +19,8 @@ namespace kestrel::operations {
 [[nodiscard]] std::vector<Fact> programmingFacts(const SelectionState& device,
                                                  const BufferState& buffers,
                                                  const Controls& controls);
+
+/// What reading the chip before the question has shown.
+[[nodiscard]] Fact checkFact(const ImageCheck::Result& check);
 
 }  // namespace kestrel::operations

@@ -22,6 +22,7 @@ struct MessageBox {
   MessageButtons buttons = MessageButtons::Ok;
   Answer defaultAnswer = Answer::Ok;
   std::vector<Fact> facts = {};  ///< what the answer depends on
+  bool cannotSucceed = false;    ///< an OK that was given beforehand does not count
 };
 
 /// The questions that a command asks the person at the screen. Each call returns when it is

@@ -39,6 +39,7 @@ void DeviceSelection::Device_Click() {
   setTimingFactors(family.timing);
   prepareBoard(family);
   showOptions();
+  controls_.CheckChipFirst.setVisible(devices::isEprom(family));
   enableCommands(family);
   chooseMemories(family);
   offerVoltages();
@@ -235,7 +236,15 @@ void DeviceSelection::AlgorithmSelection_Click(std::size_t index) {
     return;
   }
   reporting_.LogMessage(std::string("Algorithms Selected: ") + choice.name);
+  if (before != choice.algorithms) exchangeCheck();
   if (controls_.Device.position() != -1) enableCommands(devices::familyOf(device_.FamilyCode));
+}
+
+// It reads the chip, so the classic way has it only when it was asked for there.
+void DeviceSelection::exchangeCheck() {
+  CheckBox& box = controls_.CheckChipFirst;
+  const bool isTicked = box.isTicked();
+  box.setValue(std::exchange(isCheckedOtherwise_, isTicked) ? 1 : 0);
 }
 
 // The selection stays at its place.

@@ -59,6 +59,7 @@ class DeviceSelection {
   void prepareBoard(const devices::Family& family);
   void showOptions();
   void fillList();
+  void exchangeCheck();
   void enableCommands(const devices::Family& family);
   void chooseMemories(const devices::Family& family);
   void offerDataMemory();
@@ -79,6 +80,7 @@ class DeviceSelection {
   operations::FlashIdentification& flash_;
   AlgorithmState& chosen_;
   const data_sheet::Drivers& drivers_;
+  bool isCheckedOtherwise_ = true;  // the box in the way of working that is not in force
 };
 
 }  // namespace kestrel::selection

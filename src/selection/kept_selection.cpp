@@ -17,6 +17,7 @@ std::vector<Control*> SelectionKeeper::others() const {
   std::vector<Control*> list{&c.Frame5,
                              &c.CheckBlankPriorProgramming,
                              &c.VerifyAfterProgramming,
+                             &c.CheckChipFirst,
                              &c.FrameVoltageSelection,
                              &c.PleaseSelect,
                              &c.Frame3,

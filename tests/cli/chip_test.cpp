@@ -69,6 +69,25 @@ TEST(Program, leavesInTheChipsFileWhatWasWritten) {
 }
 
 // A port that reads FFh everywhere: the byte does not read back, the rest of the chip stays.
+// An EPROM makes zeros of ones, never the other way; told before the first pulse, also unattended.
+TEST(Program, refusesAnImageThatTheChipCannotTakeBeforeTheFirstPulse) {
+  const Workplace place;
+  const std::string chip = mostlyErased(8'192, 0x10, "abc");
+  place.put("possible.bin", mostlyErased(8'192, 0x10, "  @"));
+  place.put("short.bin", mostlyErased(0x12, 0x10, "gg"));
+  for (const char* const way : {"classic", "datasheet"}) {
+    const std::string program =
+        std::string("program -d 27C64 --chip 27C64=chip.bin --algorithms ") + way;
+    place.put("chip.bin", chip);
+    const Outcome refused = place.simulate(program + " -i short.bin --pad-ff --check -y");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_TRUE(refused.told("a 0 would have to become a 1 in 3 bytes (0010-0012)")) << refused.err;
+    EXPECT_EQ(place.text("chip.bin"), chip);
+    EXPECT_EQ(place.simulate(program + " -i possible.bin --check -y --verify").status, 0);
+    EXPECT_NE(place.text("chip.bin"), chip);
+  }
+}
+
 TEST(Program, failsWhenTheBoardIsUnplugged) {
   const Workplace work;
   work.put("rom.bin", std::string(8192, '\0'));

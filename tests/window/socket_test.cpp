@@ -13,6 +13,7 @@ namespace kestrel::test {
 namespace {
 
 using ::testing::HasSubstr;
+using ::testing::Not;
 
 std::string textOf(WindowRig& rig, const char* label) {
   return rig.find<QLabel>(label).text().toStdString();
@@ -132,6 +133,16 @@ TEST(SafetyQuestion, tellsWhatWillBeDoneAndWhatDoesNotFit) {
        {"Eprom 27C256, 32768 bytes", "image.bin, 32000 bytes", "the last 768 bytes", "12.5 V"}) {
     EXPECT_THAT(facts.toStdString(), HasSubstr(fact));
   }
+  EXPECT_THAT(facts.toStdString(), Not(HasSubstr("chip was read"))) << "not the classic way";
+  rig.click("AlgorithmSelection(1)");
+  rig.board().loadChip(std::vector<std::uint8_t>(32'768, 0x00));
+  const WithDialog again([&](QDialog& dialog) {
+    facts = dynamic_cast<QMessageBox&>(dialog).informativeText();
+    dialog.reject();
+  });
+  rig.click("Program_button");
+  EXPECT_THAT(facts.toStdString(), HasSubstr("in 31875 bytes (0001-0148"));
+  EXPECT_THAT(textOf(rig, "outcome"), HasSubstr("show 00001h"));
 }
 
 }  // namespace

@@ -20,6 +20,7 @@
 #include "operations/failure_reports.h"
 #include "operations/flash_identification.h"
 #include "operations/flash_programmer.h"
+#include "operations/image_check.h"
 #include "operations/page_writer.h"
 #include "operations/program_command.h"
 #include "operations/program_image.h"
@@ -86,11 +87,13 @@ struct frmMain::Units {
                                reporting, board, reports, walk,  machine.dialogs};
   operations::Verify verify{state, state, state,  state, state,   controls,       reporting,
                             board, image, serial, walk,  reports, machine.dialogs};
+  operations::ImageCheck check{state,    state,     state, state, state,
+                               controls, reporting, board, image, walk};
   operations::EraseChip erase{state, state,    state,   controls, reporting,
                               board, routines, reports, dataSheet};
   operations::ProgramCommand program{
-      state, state, state,   state, state,  controls, reporting, board,
-      alert, image, reports, blank, verify, routines, dataSheet, machine.dialogs};
+      state, state,   state, state, state,  controls, reporting, board,          alert,
+      image, reports, check, blank, verify, routines, dataSheet, machine.dialogs};
   selection::DeviceSelection devices{state,
                                      state,
                                      state,

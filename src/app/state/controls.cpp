@@ -42,6 +42,7 @@ void Controls::setCaptions() {
   AlgorithmSelection[1].setCaption("Data sheet");
   CheckBlankPriorProgramming.setCaption("Blank check before programming");
   VerifyAfterProgramming.setCaption("Verify after programming");
+  CheckChipFirst.setCaption("Check image against chip first");
   CheckCode.setCaption("Code memory");
   CheckData.setCaption("Data memory");
   Slider1.setCaption("Program Speed");
@@ -124,9 +125,9 @@ void Controls::disableWhatAProcedureEnables() {
 
 void Controls::hideWhatAProcedureShows() {
   for (Control* const control : std::initializer_list<Control*>{
-           &Frame5, &CheckBlankPriorProgramming, &VerifyAfterProgramming, &FrameVoltageSelection,
-           &FileNameDataLabel, &FileNameDataSize, &FileNameDataText, &toolbarButton(3),
-           &toolbarButton(4), &toolbarButton(5)}) {
+           &Frame5, &CheckBlankPriorProgramming, &VerifyAfterProgramming, &CheckChipFirst,
+           &FrameVoltageSelection, &FileNameDataLabel, &FileNameDataSize, &FileNameDataText,
+           &toolbarButton(3), &toolbarButton(4), &toolbarButton(5)}) {
     control->setVisible(false);
   }
 }

@@ -71,6 +71,8 @@ class Controls {
                                             {registry_, "HiLow_button(2)", lanes_}}};
   CheckBox CheckBlankPriorProgramming{registry_, "CheckBlankPriorProgramming"};
   CheckBox VerifyAfterProgramming{registry_, "VerifyAfterProgramming"};
+  CheckBox CheckChipFirst{registry_,
+                          "CheckChipFirst"};  ///< of what wants erasing, before the question
   CheckBox CheckCode{registry_, "CheckCode"};
   CheckBox CheckData{registry_, "CheckData"};
   std::array<OptionButton, 2> AlgorithmSelection{

@@ -191,8 +191,8 @@ void OptionsPanel::buildChecks(QBoxLayout& column) {
   binder_.common(controls_.Frame5, *frame);
   auto* const boxes = new QVBoxLayout(frame);
   boxes->setContentsMargins(0, 0, 0, 0);
-  for (CheckBox* const control :
-       {&controls_.CheckBlankPriorProgramming, &controls_.VerifyAfterProgramming}) {
+  for (CheckBox* const control : {&controls_.CheckChipFirst, &controls_.CheckBlankPriorProgramming,
+                                  &controls_.VerifyAfterProgramming}) {
     auto* const box = new QCheckBox(frame);
     binder_.check(*control, *box);
     keepPlace(*box);
