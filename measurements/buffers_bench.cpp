@@ -4,8 +4,6 @@
 
 #include "app/state/reporting.h"
 #include "display/memory_display.h"
-#include "hardware/bus_primitives.h"
-#include "hardware/registers.h"
 #include "platform/atomic_file.h"
 #include "support/form_rig.h"
 
@@ -49,9 +47,7 @@ void drawAPage(benchmark::State& state) {
   s.rig.controls.VScroll1.setMaximum(8202);
   s.rig.controls.VScroll1.setValue(static_cast<std::int32_t>(state.range(0)));
   ProgrammerState& record = s.rig.state;
-  hardware::Registers registers(record, s.traced, s.traced);
-  hardware::BusPrimitives bus(record, s.rig.controls, registers, s.traced, s.traced);
-  display::MemoryDisplay display(record, s.rig.controls, bus);
+  display::MemoryDisplay display(record, record, record, s.rig.controls);
   for (auto _ : state) display.DisplayCodeMemory();
 }
 BENCHMARK(drawAPage)->Arg(0)->Arg(8202);

@@ -114,6 +114,7 @@ TEST(FormAtStart, whatAProcedureEnablesIsDisabledAndWhatOneShowsIsHidden) {
             "LoadSetup4");
   EXPECT_EQ(test::namesOf(c, [](const Control& control) { return !control.visible(); }),
             "Frame5 FrameVoltageSelection CheckBlankPriorProgramming VerifyAfterProgramming "
+            "CheckChipFirst "
             "frmDisplay1 FileNameDataLabel FileNameDataSize FileNameDataText tbToolBar(3) "
             "tbToolBar(4) tbToolBar(5)");
   EXPECT_EQ(c.Slider1.value(), 18);
