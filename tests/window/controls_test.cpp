@@ -166,6 +166,11 @@ TEST(Tips, ofADisabledButtonSayWhatIsMissing) {
   EXPECT_EQ(tipOf("Read_button"), "Read the device into the buffer");
 }
 
+TEST(Layout, nothingLiesOverAnotherOrIsCutOff) {
+  StartedRig rig("27128");
+  EXPECT_EQ(misplacedIn(rig.window), "");
+}
+
 TEST(Log, followsTheNewestLineUnlessOneHasScrolledUp) {
   StartedRig rig;
   auto& bar = *rig.find<QPlainTextEdit>("SystemLog").verticalScrollBar();

@@ -42,16 +42,29 @@ TEST(Socket, theSignStandsAsLongAsTheVoltageIsOn) {
   QTest::mouseClick(&rig.find("Voltage_button(2)"), Qt::LeftButton);
   rig.openFile("image.bin", countingBytes(16'384));
   auto& sign = rig.find<QLabel>("vppSign");
+  const auto redPixels = [&] {
+    const QImage drawing = rig.find("socketView").grab().toImage();
+    int count = 0;
+    for (int x = 0; x < drawing.width(); ++x) {
+      for (int y = 0; y < drawing.height(); ++y) {
+        count += drawing.pixelColor(x, y) == QColor(0xD0, 0x10, 0x10) ? 1 : 0;
+      }
+    }
+    return count;
+  };
   std::string during;
+  bool isPinRed = false;
   QTimer look;
   QObject::connect(&look, &QTimer::timeout, &look, [&] {
     if (sign.isVisible() && rig.board().vppMillivolts() > 0) during = sign.text().toStdString();
+    isPinRed = isPinRed || redPixels() > 0;
   });
   look.start(20);
   const WithDialog question = answering(QMessageBox::Ok);
   rig.click("Program_button");
   EXPECT_THAT(during, HasSubstr("VPP ON 21 V"));
   EXPECT_FALSE(sign.isVisible());
+  EXPECT_TRUE(isPinRed && redPixels() == 0);
 }
 
 TEST(Socket, anotherChipThanTheDeviceIsSeen) {

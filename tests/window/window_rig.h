@@ -12,6 +12,7 @@
 #include <QPlainTextEdit>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <algorithm>
 #include <functional>
 #include <stdexcept>
@@ -159,6 +160,31 @@ struct StartedRig : WindowRig {
     if (selected != nullptr) select(selected);
   }
 };
+
+/// Names what lies over another widget or is cut off by its frame, and tool buttons that tell
+/// nothing.
+[[nodiscard]] inline std::string misplacedIn(const QWidget& window) {
+  const auto isPlaced = [](const QWidget* each) {
+    return each->isVisible() && !each->isWindow() &&
+           !each->testAttribute(Qt::WA_TransparentForMouseEvents);
+  };
+  std::string names;
+  const auto note = [&](const QWidget* each) {
+    names += each->objectName().toStdString() + " (" + each->metaObject()->className() + ") ";
+  };
+  for (const QWidget* const each : window.findChildren<QWidget*>()) {
+    if (!isPlaced(each)) continue;
+    const bool isScrolled = each->parentWidget()->objectName() == "qt_scrollarea_viewport";
+    if (!isScrolled && !each->parentWidget()->rect().contains(each->geometry())) note(each);
+    if (dynamic_cast<const QToolButton*>(each) != nullptr && each->toolTip().isEmpty()) note(each);
+    for (const QObject* const object : each->parent()->children()) {
+      const auto* const other = dynamic_cast<const QWidget*>(object);
+      if (other == nullptr || other == each || !isPlaced(other)) continue;
+      if (each->geometry().intersects(other->geometry())) note(each);
+    }
+  }
+  return names;
+}
 
 /// Waits for the next modal dialog (of a name, if one is given) and does something with it.
 /// Remembers what the dialog said: the text of a message box, the title of any other.
