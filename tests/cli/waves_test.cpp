@@ -76,6 +76,7 @@ TEST(Waves, ofAnEpromShowThePulseUnderItsVoltage) {
   place.put("image.bin", std::string(1, '\x5A'));
   ASSERT_EQ(
       place.simulate("program -d 2764 --vpp 21 --pad-ff -i image.bin -y --waves w.vcd").status, 0);
+  EXPECT_THAT(place.text("w.vcd"), HasSubstr("$timescale 100 ns $end\n"));
   auto signals = signalsOf(place.text("w.vcd"));
   int pulses = 0;
   for (const auto& [tick, level] : signals["/PGM"]) {

@@ -4,6 +4,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <set>
+
 #include "driver/prepared_form.h"
 
 namespace kestrel::test {
@@ -190,8 +192,11 @@ TEST_P(Troubles, endClearlyWithVoltageOff) {
   std::ranges::copy(randomBytes(0x200, 3), image.begin());
   s.rig.openImage(image);
   const bool endsWell = *trouble.reason == '\0';
+  std::set<int> shown;
+  s.rig.screen.onTurn = [&] { shown.insert(s.rig.controls.ProgressBar1.value()); };
   trouble.prepare(s);
   s.rig.program(trouble.control);
+  EXPECT_TRUE(!endsWell || shown.size() > 90) << "hundredths of the way";
   EXPECT_EQ(s.rig.result.ending, endsWell ? Ending::Done : trouble.ending);
   EXPECT_THAT(s.rig.result.reason, testing::HasSubstr(trouble.reason));
   const bool holdsImage = s.board->chip() != nullptr && s.chipContents() == image;

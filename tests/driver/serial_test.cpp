@@ -39,7 +39,9 @@ TEST_P(EverySerialPart, isProgrammedVerifiedReadAndErased) {
   EXPECT_TRUE(unopened.read(part.bytes) == s.image);
   EXPECT_TRUE(unopened.rig.controls.Program_button.enabled()) << "what was read is an image too";
   s.rig.clearLog();
+  s.rig.controls.Program_label.setColour(Colour::Green);
   s.rig.press("EraseFlash_button");
+  EXPECT_EQ(s.rig.controls.Program_label.colour(), Colour::ButtonFace);
   EXPECT_THAT(s.rig.log(), testing::ElementsAre("Erasing Device " + std::string(part.chip),
                                                 "Program Buffer will not be erased",
                                                 "Programming Device Successfull"));
@@ -61,6 +63,7 @@ TEST(Serial24C08And16, areReadWholeAndProgrammedFrom300hOn) {
     const Bytes before = randomBytes(bytes, 17);
     SerialForm s(chip, randomBytes(bytes, 18), before, model);
     s.rig.program();
+    EXPECT_EQ(s.rig.controls.ProgressBar1.value(), 0);
     auto expected = s.image;
     std::copy_n(before.begin(), 0x300, expected.begin());
     EXPECT_TRUE(s.chipContents() == expected) << chip;

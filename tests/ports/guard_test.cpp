@@ -146,6 +146,7 @@ TEST(Guard, thatIsKilledOrDoesNotWorkIsNoticed) {
     } catch (const RuntimeError& error) {
       EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
     }
+    EXPECT_NE(::waitpid(-1, nullptr, WNOHANG), 0) << "a guard was left behind";
   }
 }
 

@@ -40,6 +40,7 @@ TEST(FailureReports, tellWhatFailedAndWhatToDo) {
     UnitRig rig;
     rig.start(0, 0);
     rig.controls.Verify_button.setColour(Colour::Highlight);
+    rig.controls.ProgressBar1.setValue(50);
     rig.state.LinearAddress = 0x1A0;
     rig.state.ByteToWrite = 0x0F;
     rig.state.ReadByte = 0xAA;
@@ -51,6 +52,7 @@ TEST(FailureReports, tellWhatFailedAndWhatToDo) {
     EXPECT_EQ(rig.traffic(), c.traffic);
     EXPECT_EQ(rig.state.ProgramFailed, c.programFailed);
     EXPECT_EQ(rig.state.VerifyFailed, c.verifyFailed);
+    EXPECT_EQ(rig.controls.ProgressBar1.value(), c.programFailed == 1 ? 50 : 0) << "with a Reset";
     EXPECT_EQ(rig.controls.Program_label.colour() == Colour::Green, c.programFailed == 1);
     EXPECT_EQ(rig.controls.Verify_button.colour() == Colour::ButtonFace, c.verifyFailed == 1);
     EXPECT_THAT(rig.sounds.played, ElementsAre("error.wav"));
