@@ -166,11 +166,12 @@ void checkFiles(const Arguments& a) {
     const bool isStream = file == kStandardInput || file == kStandardOutput;
     return std::filesystem::path(isStream ? "" : file.value_or(""));
   };
-  launch::checkSeparate(std::array<launch::FileOption, 5>{{
+  launch::checkSeparate(std::array<launch::FileOption, 6>{{
       {"-i", named(a.codeFile)},
       {"-o", named(a.saveFile)},
       {"--report", a.report.value_or("")},
       {"--trace", a.launch.trace},
+      {"--waves", a.launch.waves},
       {"--chip", a.launch.chip ? a.launch.chip->file : std::filesystem::path()},
   }});
   if (a.json && a.saveFile == kStandardOutput) {

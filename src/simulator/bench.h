@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 
 #include "simulator/board.h"
 
@@ -39,8 +40,14 @@ class Bench {
   /// Pulls the cable. The board, its latches and its chip stay as they are.
   void unplug(std::uint16_t base);
 
-  /// All cables are pulled after so many further port accesses.
-  void unplugAfter(std::uint64_t accesses) { accessesLeft_ = accesses; }
+  /// All cables are pulled after so many further port accesses; never without a number.
+  void unplugAfter(std::optional<std::uint64_t> accesses) {
+    accessesLeft_ = accesses.value_or(kUnlimited);
+  }
+  /// How many are left until then.
+  [[nodiscard]] std::optional<std::uint64_t> accessesLeft() const {
+    return accessesLeft_ == kUnlimited ? std::nullopt : std::optional(accessesLeft_);
+  }
 
   [[nodiscard]] bool isPlugged(std::uint16_t base) const;
 
@@ -49,6 +56,7 @@ class Bench {
 
   /// Holds the pulses on all boards, those plugged later too, against the chips' data sheets.
   void judgePulses(bool on);
+  [[nodiscard]] bool judgesPulses() const { return judgesPulses_; }
 
   /// What went wrong on all boards.
   [[nodiscard]] Findings& findings() { return findings_; }

@@ -175,6 +175,8 @@ void Board::fitWeakCell(std::uint32_t address, std::optional<std::uint32_t> puls
   settledChip().fitWeakCell(address, pulses);
 }
 
+void Board::mendCell(std::uint32_t address) { settledChip().mendCell(address); }
+
 void Board::setChip(const ChipSettings& settings) { settledChip().apply(settings); }
 
 void Board::judgePulses(bool on) {
@@ -204,8 +206,13 @@ void Board::stickDataLine(int bit, bool high) {
 }
 
 void Board::freeDataLines() {
-  stuckHigh_ = 0;
-  stuckLow_ = 0;
+  for (int bit = 0; bit < 8; ++bit) freeDataLine(bit);
+}
+
+void Board::freeDataLine(int bit) {
+  const auto others = static_cast<std::uint8_t>(~(1U << static_cast<unsigned>(bit)));
+  stuckHigh_ &= others;
+  stuckLow_ &= others;
   catchUp();
   settle(time_.now);
 }

@@ -67,6 +67,9 @@ class Board {
   /// Chip::fitWeakCell; std::out_of_range past the end of the chip.
   void fitWeakCell(std::uint32_t address, std::optional<std::uint32_t> pulses = {});
 
+  /// Makes a weak byte a good one; std::logic_error as above.
+  void mendCell(std::uint32_t address);
+
   // Settings and faults.
 
   /// What the part in the socket has to set, see Chip::apply; std::logic_error if it is empty.
@@ -82,6 +85,14 @@ class Board {
   /// Holds a data line (0 to 7) at a level, whoever drives it.
   void stickDataLine(int bit, bool high);
   void freeDataLines();
+  void freeDataLine(int bit);
+
+  struct StuckLines {
+    std::uint8_t low = 0;
+    std::uint8_t high = 0;
+  };
+  /// The data lines that are held, a bit each.
+  [[nodiscard]] StuckLines stuckLines() const { return {.low = stuckLow_, .high = stuckHigh_}; }
 
   // Test points.
   [[nodiscard]] std::uint8_t latch(std::size_t index) const { return latches_.at(index); }

@@ -33,6 +33,7 @@ struct ByteWidePinout {
 class ByteWideMemory : public Chip {
  public:
   PinOutput evaluate(const PinInput& pins, Findings& findings) final;
+  [[nodiscard]] bool isDamaged() const final { return damage_.isDamaged(); }
 
  protected:
   /// One write strobe that the part took.

@@ -24,8 +24,18 @@ void Chip::blank() {
 
 void Chip::fitWeakCell(std::uint32_t address, std::optional<std::uint32_t> pulses) {
   if (address >= cells_.size()) throw std::out_of_range("no such address in the " + typeName_);
-  std::erase_if(weakCells_, [address](const WeakCell& cell) { return cell.address == address; });
+  mendCell(address);
   weakCells_.push_back({.address = address, .pulses = pulses});
+}
+
+void Chip::mendCell(std::uint32_t address) {
+  std::erase_if(weakCells_, [address](const WeakCell& cell) { return cell.address == address; });
+}
+
+std::vector<std::uint32_t> Chip::weakCells() const {
+  std::vector<std::uint32_t> addresses;
+  for (const WeakCell& cell : weakCells_) addresses.push_back(cell.address);
+  return addresses;
 }
 
 bool Chip::setCell(std::uint32_t address, std::uint8_t value) {

@@ -72,6 +72,14 @@ class Chip {
   /// other; without a number it never does. Throws std::out_of_range past the end.
   void fitWeakCell(std::uint32_t address, std::optional<std::uint32_t> pulses = {});
 
+  /// Makes it a good one again.
+  void mendCell(std::uint32_t address);
+  /// The addresses of the weak cells, in the order in which they were fitted.
+  [[nodiscard]] std::vector<std::uint32_t> weakCells() const;
+
+  /// A voltage has destroyed it.
+  [[nodiscard]] virtual bool isDamaged() const { return false; }
+
   /// True for windowed parts: the lamp erases them, and nothing else does.
   [[nodiscard]] virtual bool isUvErasable() const { return false; }
 

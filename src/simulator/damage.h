@@ -19,6 +19,8 @@ class Damage {
   /// True once the part is damaged; it answers no more. The finding is reported once.
   bool suffered(const PinInput& pins, std::string_view typeName, Findings& findings);
 
+  [[nodiscard]] bool isDamaged() const { return damaged_; }
+
  private:
   PinLevels tolerantPins_;
   PinLevels vppPin_;

@@ -47,6 +47,7 @@ class SerialEeprom final : public Chip {
 
   PinOutput evaluate(const PinInput& pins, Findings& findings) override;
 
+  [[nodiscard]] bool isDamaged() const override { return damage_.isDamaged(); }
   [[nodiscard]] ChipSettings settings() const override;
   void apply(const ChipSettings& settings) override;
 

@@ -72,6 +72,7 @@ class UvEprom final : public Chip {
 
   PinOutput evaluate(const PinInput& pins, Findings& findings) override;
 
+  [[nodiscard]] bool isDamaged() const override { return damaged_; }
   [[nodiscard]] bool isUvErasable() const override { return !type_.isOneTime; }
   [[nodiscard]] int wantedVppMillivolts() const override { return type_.vpp.wanted; }
 

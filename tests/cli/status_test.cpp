@@ -76,6 +76,8 @@ const Ending kAfterStartUp[] = {
     {"read -d 2764 -o folder", 2, "folder"},
     {"read -d 2764 -o rom.bin -i ./rom.bin", 2, "-i and -o name one file"},
     {"read -d 2764 -q --trace /dev/full", 2, "--trace: Cannot write /dev/full: No space left"},
+    {"read -d 2764 -q --waves /dev/full", 2, "--waves: Cannot write /dev/full: No space left"},
+    {"read -d 2764 --trace a.vcd --waves ./a.vcd", 2, "--trace and --waves name one file"},
     {"read -d 2764 --force-model 4 --home odd", 0, "KESTREL-4 Device was FORCED"},
     {"read -d 2764 --home odd", 3, "names model 7, which is none of 4, 5 and 6"},
     {"read --setup 1", 2, "there is nothing to read; -d NAME ticks the code"},

@@ -194,6 +194,57 @@ TEST(SimulatedBoardPanel, chipsGoInAreErasedAndComeOut) {
   EXPECT_EQ(rig.board().chip(), nullptr);
 }
 
+TEST(SimulatedBoardPanel, faultsAreFittedListedAndMended) {
+  BoardPanelRig rig;
+  const auto& list = rig.part<QListWidget>("faults");
+  const auto fit = [&](const char* kind, const char* value) {
+    rig.choose("faultKind", kind);
+    rig.part<QLineEdit>("faultValue").setText(value);
+    rig.press("fitFault");
+    return list.count() == 0 ? "" : list.item(list.count() - 1)->text().toStdString();
+  };
+  const auto mendLast = [&] {
+    rig.part<QListWidget>("faults").setCurrentRow(list.count() - 1);
+    rig.press("mendFault");
+  };
+  EXPECT_EQ(fit("Weak cell", "1f0"), "Weak cell at 1F0h");
+  EXPECT_EQ(fit("Line low", "3"), "D3 is stuck low");
+  EXPECT_EQ(rig.board().dataBus() & 0x08, 0);
+  EXPECT_EQ(fit("Unplug after", "5000"), "Unplug after 5000 accesses");
+  mendLast();
+  mendLast();
+  EXPECT_NE(rig.board().dataBus() & 0x08, 0);
+  EXPECT_EQ(list.count(), 1);
+  {
+    const WithDialog told = answering(QMessageBox::Ok);
+    EXPECT_EQ(fit("No ACK after", "9"), "Weak cell at 1F0h") << "an EPROM acknowledges nothing";
+  }
+  mendLast();
+  EXPECT_TRUE(rig.board().chip()->weakCells().empty());
+  rig.choose("chipType", "24C32");
+  rig.press("insertBlank");
+  EXPECT_EQ(fit("No ACK after", "9"), "No ACK after 9 bytes");
+}
+
+TEST(SimulatedBoardPanel, aDamagedChipIsSeenAndKnownContentionStandsApart) {
+  BoardPanelRig rig;
+  rig.select("27C256");
+  rig.openFile("image.bin", {0});
+  const auto program = [&] {
+    const WithDialog question = answering(QMessageBox::Ok);
+    rig.click("Program_button");
+  };
+  program();
+  const auto& findings = rig.part<QListWidget>("findings");
+  ASSERT_EQ(findings.count(), 1);
+  EXPECT_TRUE(findings.item(0)->text().startsWith("Known of the classic procedures: "));
+  rig.choose("chipType", "28C256");
+  rig.press("insertBlank");
+  program();
+  EXPECT_TRUE(rig.part<QLabel>("chipInSocket").text().contains("damaged"));
+  EXPECT_TRUE(findings.item(0)->text().contains("damaged")) << "before what is known";
+}
+
 TEST(SimulatedBoardPanel, aChipThatCannotBeKeptIsOfferedAnotherPlace) {
   const TemporaryFolder folder;
   launch::LaunchOptions options = simulatedOptions("2764");

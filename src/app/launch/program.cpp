@@ -68,7 +68,7 @@ LaunchedProgram::LaunchedProgram(const LaunchOptions& options, std::string_view 
   // Before the start-up, whose search for a board goes by it.
   if (options.algorithms == Algorithms::DataSheet) form().controls().AlgorithmSelection[1].press();
   if (program_.recorder() == nullptr) return;
-  waves_.emplace(*program_.recorder(), program_.form());
+  waves_.emplace(*program_.recorder(), program_.form(), stop);
   if (!options.waves.empty()) waves_->begin(options.waves);
 }
 

@@ -1,7 +1,5 @@
 #include "app/launch/wave_file.h"
 
-#include <cerrno>
-
 #include "app/state/text_format.h"
 #include "devices/chip_pins.h"
 #include "platform/file_names.h"
@@ -9,14 +7,18 @@
 
 namespace kestrel::launch {
 
-WaveFile::WaveFile(waveform::RecordingPort& port, form::frmMain& form) : port_(port), form_(form) {
+WaveFile::WaveFile(waveform::RecordingPort& port, form::frmMain& form, const StopSwitch& stop)
+    : port_(port), form_(form), stop_(stop) {
   form.runner().whenStarted([this] { commandStarts(); });
 }
 
+// The record goes before the stream that it writes to.
+WaveFile::~WaveFile() { (void)port_.stop(); }
+
 void WaveFile::begin(const std::filesystem::path& file) {
   end();
-  file_.open(file, std::ios::binary | std::ios::trunc);
-  if (!file_) throw FileError("write", file.string(), errno);
+  stream_.clear();
+  stream_.rdbuf(&buffer_.emplace(file, stop_));
   name_ = file;
 }
 
@@ -34,16 +36,18 @@ void WaveFile::commandStarts() {
   const devices::ChipPins pinout = devices::chipPinsOf(state.FamilyCode);
   if (pinout.count() == 0) return;
   device_ = state.DeviceName;
-  port_.start(file_, pinout, trimmed(device_), state, state);
+  port_.start(stream_, pinout, trimmed(device_), state, state);
 }
 
 void WaveFile::end() {
   if (!isOpen()) return;
   const std::uint64_t bytes = port_.stop();
-  file_.close();
-  const int error = errno;
   summary_ = shownName(name_.string()) + ": " + std::to_string(bytes) + " bytes";
-  if (file_.fail()) throw FileError("write", name_.string(), error == 0 ? EIO : error);
+  struct Closed {
+    std::optional<OutputBuffer>& buffer;
+    ~Closed() { buffer.reset(); }
+  } const closed{buffer_};
+  buffer_->finish();
 }
 
 }  // namespace kestrel::launch

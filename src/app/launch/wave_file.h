@@ -2,10 +2,13 @@
 
 #include <cstdint>
 #include <filesystem>
-#include <fstream>
+#include <optional>
+#include <ostream>
 #include <string>
 
 #include "app/form/frm_main.h"
+#include "platform/output_buffer.h"
+#include "platform/stop_switch.h"
 #include "waveform/recording_port.h"
 
 namespace kestrel::launch {
@@ -14,17 +17,20 @@ namespace kestrel::launch {
 /// pins it names.
 class WaveFile {
  public:
-  /// Both outlive the file.
-  WaveFile(waveform::RecordingPort& port, form::frmMain& form);
+  /// All outlive the file.
+  WaveFile(waveform::RecordingPort& port, form::frmMain& form, const StopSwitch& stop);
+  ~WaveFile();
+  WaveFile(const WaveFile&) = delete;
+  WaveFile& operator=(const WaveFile&) = delete;
 
   /// The next command on a chip is recorded, and those after it on the same device. Throws
-  /// FileError.
+  /// FileError, and OperationStopped where a pipe has no reader.
   void begin(const std::filesystem::path& file);
 
   /// Ends the record. Throws FileError when something of it was lost.
   void end();
 
-  [[nodiscard]] bool isOpen() const { return file_.is_open(); }
+  [[nodiscard]] bool isOpen() const { return buffer_.has_value(); }
 
   /// What became of the last record: "read.vcd: 1234567 bytes"; empty before the first.
   [[nodiscard]] const std::string& summary() const { return summary_; }
@@ -35,7 +41,9 @@ class WaveFile {
   waveform::RecordingPort& port_;
   form::frmMain& form_;
   std::filesystem::path name_;
-  std::ofstream file_;
+  const StopSwitch& stop_;
+  std::optional<OutputBuffer> buffer_;
+  std::ostream stream_{nullptr};
   std::string device_;
   std::string summary_;
 };

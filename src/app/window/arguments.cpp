@@ -54,9 +54,10 @@ Arguments readArguments(const QStringList& arguments) {
   Arguments read{.launch = launchOptions(parser), .codeFile = {}};
   if (!files.isEmpty()) read.codeFile = fullName(fileOf(files.first()));
   const auto& chip = read.launch.chip;
-  launch::checkSeparate(std::array<launch::FileOption, 3>{{
+  launch::checkSeparate(std::array<launch::FileOption, 4>{{
       {"The file to open", read.codeFile},
       {"--trace", read.launch.trace},
+      {"--waves", read.launch.waves},
       {"--chip", chip ? chip->file : std::filesystem::path()},
   }});
   return read;

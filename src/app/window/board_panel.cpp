@@ -6,7 +6,6 @@
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
@@ -16,6 +15,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/window/board_faults.h"
 #include "app/window/device_card.h"
 #include "app/window/elided_label.h"
 #include "app/window/file_of.h"
@@ -68,7 +68,9 @@ SimulatedBoardPanel::SimulatedBoardPanel(launch::SimulatedBoard& simulated,
   setWidget(content);
   buildBoard(*column);
   buildChip(*column);
-  buildFaults(*column);
+  faults_ = new BoardFaults(
+      simulated_, [this](const std::function<void()>& change) { act(change); }, content);
+  column->addWidget(faults_);
   buildFindings(*column);
   setMinimumWidth(content->minimumSizeHint().width() + verticalScrollBar()->sizeHint().width());
   for (QComboBox* const list : {model_, port_, voltage_, type_}) new WheelGuard(*list);
@@ -155,20 +157,6 @@ void SimulatedBoardPanel::buildChip(QBoxLayout& column) {
   erase_ = addButton(*act, "UV Lamp", "eraseUnderLamp", [this] { eraseUnderLamp(); });
   erase_->setToolTip("Erase the chip under the ultraviolet lamp");
   save_ = addButton(*rows, "Save Contents...", "saveContents", [this] { saveContents(); });
-  column.addWidget(group);
-}
-
-void SimulatedBoardPanel::buildFaults(QBoxLayout& column) {
-  auto* const group = new QGroupBox("Weak cell", widget());
-  auto* const row = new QHBoxLayout(group);
-  weakAddress_ = new QLineEdit(group);
-  weakAddress_->setObjectName("weakAddress");
-  weakAddress_->setPlaceholderText("Address, hex");
-  weakAddress_->setAccessibleName("Address of the weak cell, hexadecimal");
-  weakAddress_->setMaxLength(6);
-  row->addWidget(weakAddress_, 1);
-  weak_ = addButton(*row, "Fit", "fitWeakCell", [this] { fitWeakCell(); });
-  weak_->setToolTip("Make the byte at this address one that never programs");
   column.addWidget(group);
 }
 
@@ -308,17 +296,6 @@ bool SimulatedBoardPanel::keepChip() {
   }
 }
 
-void SimulatedBoardPanel::fitWeakCell() {
-  bool isNumber = false;
-  const uint address = weakAddress_->text().toUInt(&isNumber, 16);
-  if (!isNumber || address >= board().chip()->contents().size()) {
-    QMessageBox::warning(this, "Kestrel", "That is no address of the chip in the socket.");
-    return;
-  }
-  board().fitWeakCell(address);
-  weakAddress_->clear();
-}
-
 void SimulatedBoardPanel::showState() {
   const sim::Chip* const chip = board().chip();
   for (QWidget* const part : widget()->findChildren<QWidget*>()) part->setEnabled(true);
@@ -327,7 +304,7 @@ void SimulatedBoardPanel::showState() {
   showPlugged();
   voltage_->setEnabled(board().model() == sim::Model::kestrel4);
   voltage_->setToolTip("Model 4 has its programming voltage set by hand on the board");
-  for (QPushButton* const button : {takeOut_, erase_, save_, weak_}) {
+  for (QPushButton* const button : {takeOut_, erase_, save_}) {
     button->setEnabled(chip != nullptr);
   }
   if (chip == nullptr) {
@@ -335,24 +312,40 @@ void SimulatedBoardPanel::showState() {
   } else {
     const bool blank =
         std::ranges::all_of(chip->contents(), [](auto cell) { return cell == 0xFF; });
+    const QString state = chip->isDamaged() ? "<b>damaged</b>: it does not answer any more"
+                          : blank           ? "blank"
+                                            : "holds data";
     chip_->setText(QString("<b>%1</b>, %2, %3")
-                       .arg(toQString(chip->typeName()), sizeText(chip->contents().size()),
-                            blank ? "blank" : "holds data"));
+                       .arg(toQString(chip->typeName()), sizeText(chip->contents().size()), state));
   }
   showFindings();
 }
 
+// The classic read-back lets the data latch meet the chip on the lines, which is known: it stands
+// apart from what the socket would not forgive.
+QString SimulatedBoardPanel::textOf(const sim::Finding& finding) {
+  const bool isKnown =
+      finding.kind == sim::FindingKind::busConflict && !simulated_.bench().judgesPulses();
+  return (isKnown ? "Known of the classic procedures: " : "") + toQString(finding.text) +
+         (finding.count > 1 ? QString(" (%1 times)").arg(finding.count) : QString());
+}
+
 void SimulatedBoardPanel::showFindings() {
-  QStringList texts;
+  faults_->showFaults();
+  QStringList real;
+  QStringList known;
   for (const sim::Finding& finding : simulated_.bench().findings().all()) {
-    const QString times = finding.count > 1 ? QString(" (%1 times)").arg(finding.count) : QString();
-    texts.append(toQString(finding.text) + times);
+    const QString text = textOf(finding);
+    (text.startsWith("Known") ? known : real).append(text);
   }
   QStringList shown;
   for (int row = 0; row < findings_->count(); ++row) shown.append(findings_->item(row)->text());
-  if (shown == texts) return;
+  if (shown == real + known) return;
   findings_->clear();
-  findings_->addItems(texts);
+  findings_->addItems(real + known);
+  for (qsizetype row = real.size(); row < findings_->count(); ++row) {
+    findings_->item(static_cast<int>(row))->setForeground(palette().placeholderText());
+  }
 }
 
 }  // namespace kestrel::window

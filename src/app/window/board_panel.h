@@ -11,12 +11,12 @@
 class QBoxLayout;
 class QComboBox;
 class QLabel;
-class QLineEdit;
 class QListWidget;
 class QPushButton;
 
 namespace kestrel::window {
 
+class BoardFaults;
 class DeviceCard;
 
 /// The bench with the simulated board: what a person would do there with the hands.
@@ -32,7 +32,6 @@ class SimulatedBoardPanel final : public QScrollArea {
  private:
   void buildBoard(QBoxLayout& column);
   void buildChip(QBoxLayout& column);
-  void buildFaults(QBoxLayout& column);
   void buildFindings(QBoxLayout& column);
   QPushButton* addButton(QBoxLayout& row, const QString& caption, const QString& name,
                          std::function<void()> handler);
@@ -46,12 +45,12 @@ class SimulatedBoardPanel final : public QScrollArea {
   void takeOut();
   void eraseUnderLamp();
   void saveContents();
-  void fitWeakCell();
   void showPlugged();
   void showRunning();
   void showState();
   [[nodiscard]] bool saveContentsAs();
   void showFindings();
+  [[nodiscard]] QString textOf(const sim::Finding& finding);
 
   [[nodiscard]] sim::Board& board() { return simulated_.board(); }
 
@@ -66,8 +65,7 @@ class SimulatedBoardPanel final : public QScrollArea {
   QPushButton* takeOut_ = nullptr;
   QPushButton* erase_ = nullptr;
   QPushButton* save_ = nullptr;
-  QLineEdit* weakAddress_ = nullptr;
-  QPushButton* weak_ = nullptr;
+  BoardFaults* faults_ = nullptr;
   QListWidget* findings_ = nullptr;
   QTimer running_;  // until the panel looks as if a command ran
   QTimer look_;     // the board does not tell when something happens on it
