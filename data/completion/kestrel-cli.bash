@@ -6,7 +6,7 @@ _kestrel_cli() {
   local current=${COMP_WORDS[COMP_CWORD]}
   local previous=${COMP_WORDS[COMP_CWORD - 1]}
   local commands="devices detect read blank verify program erase display flash-id erase-buffer compare image save-project setups save-setup link-test safe"
-  local options="-d -i -o --format --save-format --at --range --project --backup --several --serial --report --json --simulate --model --lpt --chip --board-vpp --fault --port --setup --speed
+  local options="-d -i -o --format --save-format --at --range --project --backup --protect --force --repeat --several --serial --report --json --simulate --model --lpt --chip --board-vpp --fault --port --setup --speed
     --vpp --lane --pad-ff --check --blank-check --verify --page --show --names --trace --waves --home --count-ns --algorithms -y --yes
     -q --quiet --select-port --force-model --version -h --help"
   COMPREPLY=()
@@ -39,6 +39,7 @@ _kestrel_cli() {
       mapfile -t COMPREPLY < <(compgen -W "classic datasheet" -- "$current")
       return
       ;;
+    --protect) mapfile -t COMPREPLY < <(compgen -W "keep on off" -- "$current"); return ;;
     --model | --force-model) mapfile -t COMPREPLY < <(compgen -W "4 5 6" -- "$current"); return ;;
     --lpt | --select-port) mapfile -t COMPREPLY < <(compgen -W "378 278 3BC" -- "$current"); return ;;
     --port)
@@ -55,7 +56,7 @@ _kestrel_cli() {
       compopt -o nospace
       mapfile -t COMPREPLY < <(compgen -W "weak: stuck: unplug: empty" -- "$current")
       return ;;
-    --page | --count-ns | --at | --range | --serial) return ;;
+    --page | --repeat | --count-ns | --at | --range | --serial) return ;;
   esac
 
   if [[ $current == -* ]]; then

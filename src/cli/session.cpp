@@ -137,7 +137,30 @@ void Session::applyOptions() {
   if (a.check) tick(c.CheckChipFirst, "--check");
   if (a.blankCheck) tick(c.CheckBlankPriorProgramming, "--blank-check");
   if (a.verify) tick(c.VerifyAfterProgramming, "--verify");
+  applySheetOptions();
+  if (a.repeat) use([&] { c.ReadTimes.setValue(*a.repeat); });
   if (a.codeFile) openCodeFile(*a.codeFile);
+}
+
+// Keep is what happens without the option, whatever the device.
+void Session::applySheetOptions() {
+  const Arguments& a = p_.arguments;
+  Controls& c = controls();
+  const auto refuseUnless = [this](const Control& control, const char* option, const char* what) {
+    if (control.visible()) return;
+    const bool isClassic = state().algorithms == Algorithms::Classic;
+    throw EarlyEnd(kBadUsage, unless(option, isClassic ? "it is for --algorithms datasheet; add it"
+                                                       : deviceName() + " has no " + what +
+                                                             "; leave " + option + " out"));
+  };
+  if (a.protection.value_or(0) != 0) {
+    refuseUnless(c.FrameProtection, "--protect", "software protection");
+    use([&] { c.ProtectionSelection.at(*a.protection).press(); });
+  }
+  if (a.force) {
+    refuseUnless(c.AnyCode, "--force", "code that is asked for");
+    tick(c.AnyCode, "--force");
+  }
 }
 
 void Session::choosePort() {

@@ -113,6 +113,7 @@ class Session {
   void keepChip();
   void tryFiles(const std::vector<const Command*>& commands) const;
   void applyOptions();
+  void applySheetOptions();
   void choosePort();
   void checkBoard() const;
   void checkMemory(const Command& command) const;

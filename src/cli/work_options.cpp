@@ -50,6 +50,13 @@ std::size_t laneButton(const std::string& text) {
   refuse("--lane", text, "is no byte lane; use all, odd or even");
 }
 
+std::size_t protectionButton(const std::string& text) {
+  if (text == "keep") return 0;
+  if (text == "on") return 1;
+  if (text == "off") return 2;
+  refuse("--protect", text, "is no protection; use on, off or keep");
+}
+
 std::size_t modelEntry(const std::string& text) {
   return static_cast<std::size_t>(
       number("--force-model", text, 4, 6, "is no board model; use 4, 5 or 6") - 4);
@@ -83,7 +90,7 @@ images::SerialPlan serialPlan(const std::string& text) {
 constexpr std::int32_t kMostPages = std::numeric_limits<std::int32_t>::max();
 
 // clang-format off
-constexpr std::array<WorkOption, 26> kWorkOptions{{
+constexpr std::array<WorkOption, 29> kWorkOptions{{
     {"-d", "NAME", "device: its name, a word of it, or a fitting part",
      [](auto& a, const auto& text) { a.device = named("-d", text); }},
     {"-i", "FILE", "code file to load; -: standard input",
@@ -126,6 +133,12 @@ constexpr std::array<WorkOption, 26> kWorkOptions{{
      [](auto& a, const auto&) { a.show = true; }},
     {"--backup", "DIR", "keep what a chip held before it is written",
      [](auto& a, const auto& text) { a.backup = named("--backup", text); }},
+    {"--protect", "on|off|keep", "data sheet: a 28C256's protection afterwards",
+     [](auto& a, const auto& text) { a.protection = protectionButton(text); }},
+    {"--force", "", "data sheet: work on a flash of another code too",
+     [](auto& a, const auto&) { a.force = true; }},
+    {"--repeat", "N", "with read: read N times, take the majority",
+     [](auto& a, const auto& text) { a.repeat = number("--repeat", text, 1, 99, "is no number of reads; use 1 to 99"); }},
     {"--several", "", "with program: one chip after another",
      [](auto& a, const auto&) { a.several = true; }},
     {"--serial", "PLAN", "a number for each chip: at=ADDR,bytes=N,start=S",

@@ -56,7 +56,7 @@ std::unique_ptr<ChipDriver> Drivers::forDevice() const {
                         .sizeBytes = static_cast<std::uint32_t>(device_.DeviceSizeBytes),
                         .vppVolts = vppVolts(),
                         .protection = chosen_.protection,
-                        .takesAnyCode = chosen_.takesAnyCode};
+                        .takesAnyCode = anyCode_.isTicked()};
   return std::visit(Maker{chip, bus_}, sheet.part);
 }
 

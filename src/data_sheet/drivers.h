@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "app/state/buttons.h"
 #include "app/state/programmer_state.h"
 #include "data_sheet/chip_driver.h"
 #include "hardware/chip_bus.h"
@@ -11,8 +12,9 @@ namespace kestrel::data_sheet {
 /// The driver of the selected device, where the algorithms of the data sheets are chosen.
 class Drivers {
  public:
-  Drivers(const AlgorithmState& chosen, const SelectionState& device, hardware::ChipBus& bus)
-      : chosen_(chosen), device_(device), bus_(bus) {}
+  Drivers(const AlgorithmState& chosen, const SelectionState& device, const CheckBox& anyCode,
+          hardware::ChipBus& bus)
+      : chosen_(chosen), device_(device), anyCode_(anyCode), bus_(bus) {}
 
   /// True when the selected device is worked on by its data sheet.
   [[nodiscard]] bool areChosen() const;
@@ -26,6 +28,7 @@ class Drivers {
  private:
   const AlgorithmState& chosen_;
   const SelectionState& device_;
+  const CheckBox& anyCode_;
   hardware::ChipBus& bus_;
 };
 

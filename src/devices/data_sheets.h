@@ -95,4 +95,15 @@ struct DataSheet {
   return sheet != nullptr && !std::holds_alternative<NotOffered>(sheet->part);
 }
 
+/// Whether it has the software protection of EEPROMs that write pages.
+[[nodiscard]] inline bool hasProtection(const DataSheet& sheet) {
+  return std::holds_alternative<PageSheet>(sheet.part);
+}
+
+/// Whether it is asked for its code before it is programmed or erased.
+[[nodiscard]] inline bool isAskedForCode(const DataSheet& sheet) {
+  return std::holds_alternative<FlashSheet>(sheet.part) ||
+         std::holds_alternative<TwelveVoltFlashSheet>(sheet.part);
+}
+
 }  // namespace kestrel::devices

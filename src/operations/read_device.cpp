@@ -11,6 +11,11 @@
 #include "platform/runtime_error.h"
 
 namespace kestrel::operations {
+namespace {
+
+constexpr std::size_t kListed = 100;  // unstable addresses; a loose chip has thousands
+
+}  // namespace
 
 void ReadDevice::Read_button_Click() {
   if (controls_.CheckCode.isTicked()) ReadCode();
@@ -34,20 +39,12 @@ void ReadDevice::ReadCode() {
 void ReadDevice::ReadParallel() {
   const DeviceOperation operation = board_.operation();
   board_.lamps.DataFlowLampOn();
-  buffers_.DeviceChecksum = 0;
   buffers_.DisplayMode = "Read";
-  walk_.begin();
-  controls_.ProgressBar1.setValue(0);
-  controls_.ProgressBar1.setMaximum(buffers_.CodeLength / 256);
   std::vector<std::uint8_t> read = buffers_.CodeBuffer;
-  const bool isRead = walk_.readAll([this, &read](std::int32_t) {
-    // The bytes are stored one after the other, whatever address they were read from.
-    at(read, latches_.LinearAddress) = latches_.ReadByte;
-    buffers_.DeviceChecksum = buffers::addToChecksum(buffers_.DeviceChecksum, latches_.ReadByte);
-    ++latches_.LinearAddress;
-    return true;
-  });
-  if (!isRead) return reports_.ChipUnreadableReport(walk_.outcome());
+  const auto readOnce = [this, &read] { return readParallelOnce(read); };
+  if (!readOnce() || !vote(readOnce, read)) {
+    return reports_.ChipUnreadableReport(walk_.outcome());
+  }
   buffers_.CodeBuffer.swap(read);
   noteUniform();
   buffers_.DeviceChecksumText = buffers::checksumText(buffers_.DeviceChecksum);
@@ -58,6 +55,57 @@ void ReadDevice::ReadParallel() {
   finishReading();
   reporting_.PlaySoundEvent("OK");
   board_.bus.Reset();
+}
+
+bool ReadDevice::readParallelOnce(std::vector<std::uint8_t>& read) {
+  buffers_.DeviceChecksum = 0;
+  walk_.begin();
+  controls_.ProgressBar1.setValue(0);
+  controls_.ProgressBar1.setMaximum(buffers_.CodeLength / 256);
+  return walk_.readAll([this, &read](std::int32_t) {
+    // The bytes are stored one after the other, whatever address they were read from.
+    at(read, latches_.LinearAddress) = latches_.ReadByte;
+    buffers_.DeviceChecksum = buffers::addToChecksum(buffers_.DeviceChecksum, latches_.ReadByte);
+    ++latches_.LinearAddress;
+    return true;
+  });
+}
+
+/// The chip was read into the bytes once; as often again as is asked for, and the vote.
+bool ReadDevice::vote(const std::function<bool()>& readOnce, std::vector<std::uint8_t>& bytes) {
+  if (controls_.ReadTimes.value() == 1) return true;
+  const auto length = static_cast<std::size_t>(buffers_.CodeLength);
+  ReadVote reads;
+  reads.add(std::span(bytes).first(length));
+  for (int time = 1; time < controls_.ReadTimes.value(); ++time) {
+    if (!readOnce()) return false;
+    reads.add(std::span(bytes).first(length));
+  }
+  const std::vector<std::uint8_t> majority = reads.majority();
+  std::ranges::copy(majority, bytes.begin());
+  buffers_.DeviceChecksum = 0;
+  for (const std::uint8_t byte : majority) {
+    buffers_.DeviceChecksum = buffers::addToChecksum(buffers_.DeviceChecksum, byte);
+  }
+  reportUnstable(reads);
+  return true;
+}
+
+void ReadDevice::reportUnstable(const ReadVote& reads) {
+  const std::string times = std::to_string(controls_.ReadTimes.value());
+  const std::vector<std::size_t> addresses = reads.unstable();
+  reporting_.LogMessage("Device was Read " + times +
+                        " Times, Unstable Addresses: " + std::to_string(addresses.size()));
+  if (addresses.empty()) return;
+  for (const std::size_t address :
+       std::span(addresses).first(std::min(addresses.size(), kListed))) {
+    reporting_.LogMessage("Address: " + hexText(static_cast<std::int32_t>(address)) +
+                          " ][ Device Data: " + reads.readsAt(address));
+  }
+  if (addresses.size() > kListed) reporting_.LogMessage("and more that are not listed");
+  reporting_.noteRemark(std::to_string(addresses.size()) +
+                        " addresses did not read the same each time, the first is " +
+                        hexText(static_cast<std::int32_t>(addresses.front())));
 }
 
 // A blank chip is read so too, and a missing one; the person at the bench knows which it is.
@@ -95,10 +143,8 @@ void ReadDevice::finishReading() {
 void ReadDevice::ReadSerial() {
   const DeviceOperation operation = board_.operation();
   board_.lamps.DataFlowLampOn();
-  board_.startOperation();
-  buffers_.DisplayMode = "Read";
-  controls_.ProgressBar1.setMaximum(buffers_.CodeLength);
-  serial_.Read24CXX();
+  const auto readOnce = [this] { return readSerialOnce(); };
+  if (readOnce()) (void)vote(readOnce, buffers_.CodeBuffer);
   board_.lamps.DataFlowLampOff();
   if (operation_.I2CError != 0) {
     reports_.AckErrorReport();
@@ -113,6 +159,14 @@ void ReadDevice::ReadSerial() {
   board_.leaveSerialChip();
   // The shadow alone: latch 0 itself keeps /OE low.
   latches_.RegShadow0 = hardware::kLatch0Idle;
+}
+
+bool ReadDevice::readSerialOnce() {
+  board_.startOperation();
+  buffers_.DisplayMode = "Read";
+  controls_.ProgressBar1.setMaximum(buffers_.CodeLength);
+  serial_.Read24CXX();
+  return operation_.I2CError == 0;
 }
 
 void ReadDevice::ReadData() {

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <cstdint>
+#include <functional>
+#include <vector>
+
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 #include "app/state/reporting.h"
@@ -8,6 +12,7 @@
 #include "hardware/error_alert.h"
 #include "operations/device_walk.h"
 #include "operations/failure_reports.h"
+#include "operations/read_vote.h"
 #include "operations/serial_eeprom.h"
 #include "platform/dialogs.h"
 
@@ -47,6 +52,10 @@ class ReadDevice {
   void ReadData();
 
  private:
+  [[nodiscard]] bool readParallelOnce(std::vector<std::uint8_t>& read);
+  [[nodiscard]] bool readSerialOnce();
+  [[nodiscard]] bool vote(const std::function<bool()>& readOnce, std::vector<std::uint8_t>& bytes);
+  void reportUnstable(const ReadVote& reads);
   void noteUniform();
   void showBuffer();
   void finishReading();

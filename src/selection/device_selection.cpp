@@ -4,6 +4,7 @@
 #include <string>
 
 #include "app/state/text_format.h"
+#include "devices/data_sheets.h"
 #include "devices/device_table.h"
 #include "display/hex_line.h"
 #include "hardware/decode_tables.h"
@@ -47,6 +48,7 @@ void DeviceSelection::Device_Click() {
   board_.lamps.ErrorLampOff();
   board_.lamps.DataFlowLampOff();
   alert_.unlock();
+  showSheetOptions();
   reportSelection();
 }
 
@@ -99,6 +101,15 @@ void DeviceSelection::showOptions() {
   }
   display_.putCodeBufferOnView();
   display_.DisplayPageMemory();
+}
+
+// What the data sheet of a kind lets choose; another code is passed over for one chip alone.
+void DeviceSelection::showSheetOptions() {
+  const devices::DataSheet* const sheet =
+      drivers_.areChosen() ? devices::dataSheetOf(device_.DeviceName) : nullptr;
+  controls_.FrameProtection.setVisible(sheet != nullptr && devices::hasProtection(*sheet));
+  controls_.AnyCode.setVisible(sheet != nullptr && devices::isAskedForCode(*sheet));
+  controls_.AnyCode.setValue(0);
 }
 
 void DeviceSelection::enableCommands(const devices::Family& family) {
@@ -238,6 +249,13 @@ void DeviceSelection::AlgorithmSelection_Click(std::size_t index) {
   reporting_.LogMessage(std::string("Algorithms Selected: ") + choice.name);
   if (before != choice.algorithms) exchangeCheck();
   if (controls_.Device.position() != -1) enableCommands(devices::familyOf(device_.FamilyCode));
+  showSheetOptions();
+}
+
+void DeviceSelection::ProtectionSelection_Click(std::size_t index) {
+  static constexpr std::array<Protection, 3> kChoices{Protection::Keep, Protection::On,
+                                                      Protection::Off};
+  chosen_.protection = at(kChoices, index);
 }
 
 // It reads the chip, so the classic way has it only when it was asked for there.

@@ -49,6 +49,9 @@ class DeviceSelection {
   /// offered with them.
   void AlgorithmSelection_Click(std::size_t index);
 
+  /// Index 0 = left as it is found, 1 = on, 2 = off, once the chip is programmed or erased.
+  void ProtectionSelection_Click(std::size_t index);
+
   /// Recomputes the three delay counts from the slider; a higher value is faster.
   void ApplyProgramSpeed();
 
@@ -58,6 +61,7 @@ class DeviceSelection {
   void setTimingFactors(const devices::TimingFactors& factors);
   void prepareBoard(const devices::Family& family);
   void showOptions();
+  void showSheetOptions();
   void fillList();
   void exchangeCheck();
   void enableCommands(const devices::Family& family);

@@ -170,7 +170,7 @@ const Trouble kTroubles[]{
     {"noFlash",                   k29F010, [](BySheet& s) { s.board->takeOut(); }, "no flash answers", Ending::Refused},
     {"aFlashThatIsNotBlank",      k29F010, [](BySheet& s) { s.board->loadChip(Bytes(0x20000, 0)); }, "byte at address 0 does not"},
     {"aFlashCellThatNeverTakes",  k29F010, [](BySheet& s) { s.board->fitWeakCell(0x123); }, "given up with the byte at address 123"},
-    {"aFlashOfAnotherCodeForced", k29F040, [](BySheet& s) { s.insert("A29040"); s.rig.state.takesAnyCode = true; }, ""},
+    {"aFlashOfAnotherCodeForced", k29F040, [](BySheet& s) { s.insert("A29040"); s.rig.controls.AnyCode.press(); }, ""},
     {"aFlashWriteWithoutEnd",     k29F010, [](BySheet& s) { s.board->setChip({.writeNeverEnds = true}); }, "given up with the byte at address 0"},
     {"aFlashEraseGivenUp",        k29F010, neverErased, "not erased: address 0 reads 00h", Ending::Failed, "EraseFlash_button"},
     {"aFlashEraseWithoutEnd",     k29F010, neverSaysSo, "still busy 42 s after its erase", Ending::Failed, "EraseFlash_button"},
@@ -210,11 +210,10 @@ INSTANTIATE_TEST_SUITE_P(Sheets, Troubles, testing::ValuesIn(kTroubles),
 
 TEST(Protection, isLeftAsItWasFoundOrSet) {
   for (const bool before : {false, true}) {
-    for (const auto& [wanted, after] :
-         {std::pair{Protection::Keep, before}, {Protection::On, true}, {Protection::Off, false}}) {
+    for (const auto& [wanted, after] : {std::pair{std::size_t{0}, before}, {1, true}, {2, false}}) {
       BySheet s(k28C256);
       s.board->setChip({.softwareProtection = before});
-      s.rig.state.protection = wanted;
+      s.rig.controls.ProtectionSelection.at(wanted).press();
       s.rig.openImage(Bytes(0x8000, 0x5A));
       s.rig.program();
       EXPECT_TRUE(s.chipContents() == Bytes(0x8000, 0x5A));
@@ -246,6 +245,29 @@ TEST(Stop, ofAnEraseTakesTheVoltageOffAndSaysSo) {
   EXPECT_EQ(s.rig.result.ending, Ending::Stopped);
   EXPECT_TRUE(s.rig.logged("Erasing was stopped, the chip is erased in part"));
   s.expectRest();
+}
+
+// A line sticks for a part of the first read.
+TEST(RepeatedRead, takesWhatWasReadMostOftenInBothWays) {
+  for (const std::size_t algorithms : {0U, 1U}) {
+    SimulatedForm s(sim::Model::kestrel5, SimulatedForm::Trace::Off);
+    s.rig.controls.AlgorithmSelection.at(algorithms).press();
+    s.start();
+    const Bytes image = randomBytes(0x2000, 7);
+    s.insert("27C64", image);
+    s.rig.select("Eprom 27C64");
+    s.rig.controls.ReadTimes.setValue(3);
+    s.rig.screen.onTurn = [&, isOver = false]() mutable {
+      const int page = s.rig.controls.ProgressBar1.value();
+      if (page > 8 && !isOver) s.board->stickDataLine(3, false);
+      isOver = isOver || page > 16;
+      if (isOver) s.board->freeDataLines();
+    };
+    s.rig.press("Read_button");
+    EXPECT_TRUE(std::equal(image.begin(), image.end(), s.rig.state.CodeBuffer.begin()));
+    EXPECT_THAT(s.rig.result.remark, testing::HasSubstr("did not read the same each time"));
+    EXPECT_THAT(s.rig.controls.SystemLog.text(), testing::HasSubstr("and more that are not"));
+  }
 }
 
 TEST(Codes, areAskedForWithoutAFinding) {

@@ -122,7 +122,7 @@ struct UnitRig {
   operations::PageWriter pages{state,     state, state,      state,        controls,
                                reporting, board, protection, programImage, reports};
   hardware::ChipBus chipBus{state, state, state, traced, traced};
-  data_sheet::Drivers drivers{state, state, chipBus};
+  data_sheet::Drivers drivers{state, state, controls.AnyCode, chipBus};
   operations::FlashIdentification identification{state, state,      state,  reporting,
                                                  board, protection, drivers};
   operations::FlashProgrammer flash{state,     state, state,          state,   state, controls,

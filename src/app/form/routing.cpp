@@ -100,6 +100,9 @@ void frmMain::Units::connectValues() {
   for (std::size_t i = 0; i < c.AlgorithmSelection.size(); ++i) {
     c.AlgorithmSelection[i].onClick([this, i] { devices.AlgorithmSelection_Click(i); });
   }
+  for (std::size_t i = 0; i < c.ProtectionSelection.size(); ++i) {
+    c.ProtectionSelection[i].onClick([this, i] { devices.ProtectionSelection_Click(i); });
+  }
   for (OptionButton& button : c.LPTSelection) {
     button.onClick([this] {
       detection.LPTSelection_Click();

@@ -50,7 +50,7 @@ struct frmMain::Units {
   hardware::Board board{
       state, controls, reporting, machine.port, machine.waits, machine.portService, machine.screen};
   hardware::ChipBus chipBus{state, state, state, machine.port, machine.waits};
-  data_sheet::Drivers drivers{state, state, chipBus};
+  data_sheet::Drivers drivers{state, state, controls.AnyCode, chipBus};
   hardware::ErrorAlert alert{state, controls, reporting, board.lamps, board.bus};
   hardware::BoardDetection detection{state,        state,        state,          controls,
                                      reporting,    errors,       board,          alert,

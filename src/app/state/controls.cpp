@@ -22,6 +22,7 @@ Controls::Controls() {
   hideWhatAProcedureShows();
   HiLow_button[0].setValue(true);
   AlgorithmSelection[0].setValue(true);
+  ProtectionSelection[0].setValue(true);
 }
 
 // An ampersand stands before the letter that works as the keyboard mnemonic.
@@ -40,6 +41,12 @@ void Controls::setCaptions() {
   HiLow_button[2].setCaption("Even");
   AlgorithmSelection[0].setCaption("Classic");
   AlgorithmSelection[1].setCaption("Data sheet");
+  FrameProtection.setCaption("Protection");
+  ProtectionSelection[0].setCaption("Keep");
+  ProtectionSelection[1].setCaption("On");
+  ProtectionSelection[2].setCaption("Off");
+  AnyCode.setCaption("Any code");
+  ReadTimes.setCaption("Reads");
   CheckBlankPriorProgramming.setCaption("Blank check before programming");
   VerifyAfterProgramming.setCaption("Verify after programming");
   CheckChipFirst.setCaption("Check image against chip first");
@@ -126,8 +133,9 @@ void Controls::disableWhatAProcedureEnables() {
 void Controls::hideWhatAProcedureShows() {
   for (Control* const control : std::initializer_list<Control*>{
            &Frame5, &CheckBlankPriorProgramming, &VerifyAfterProgramming, &CheckChipFirst,
-           &FrameVoltageSelection, &FileNameDataLabel, &FileNameDataSize, &FileNameDataText,
-           &toolbarButton(3), &toolbarButton(4), &toolbarButton(5)}) {
+           &FrameVoltageSelection, &FrameProtection, &AnyCode, &FileNameDataLabel,
+           &FileNameDataSize, &FileNameDataText, &toolbarButton(3), &toolbarButton(4),
+           &toolbarButton(5)}) {
     control->setVisible(false);
   }
 }

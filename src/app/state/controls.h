@@ -41,6 +41,7 @@ class Controls {
   OptionGroup lanes_{OptionGroup::WhenAllOff::KeepLast};
   OptionGroup ports_{OptionGroup::WhenAllOff::Allowed};
   OptionGroup algorithms_{OptionGroup::WhenAllOff::KeepLast};
+  OptionGroup protections_{OptionGroup::WhenAllOff::KeepLast};
 
  public:
   Controls();
@@ -58,6 +59,7 @@ class Controls {
   Pane Frame3{registry_, "Frame3"};  ///< frame of the display; its caption says what is shown
   Pane Frame5{registry_, "Frame5"};  ///< frame of the two option boxes
   Pane FrameVoltageSelection{registry_, "FrameVoltageSelection"};
+  Pane FrameProtection{registry_, "FrameProtection"};
 
   // Device and options.
   DropDownList Device{registry_, "Device"};
@@ -78,6 +80,12 @@ class Controls {
   std::array<OptionButton, 2> AlgorithmSelection{
       {{registry_, "AlgorithmSelection(0)", algorithms_},
        {registry_, "AlgorithmSelection(1)", algorithms_}}};
+  std::array<OptionButton, 3> ProtectionSelection{
+      {{registry_, "ProtectionSelection(0)", protections_},
+       {registry_, "ProtectionSelection(1)", protections_},
+       {registry_, "ProtectionSelection(2)", protections_}}};
+  CheckBox AnyCode{registry_, "AnyCode"};  ///< a flash of another code is worked on too
+  RangeControl ReadTimes{registry_, "ReadTimes", 1, 99, 1};  ///< that Read reads the chip
   RangeControl Slider1{registry_, "Slider1", 1, 20, 18};
 
   // Commands.

@@ -76,7 +76,6 @@ enum class Protection { Keep, On, Off };
 struct AlgorithmState {
   Algorithms algorithms = Algorithms::Classic;
   Protection protection = Protection::Keep;  ///< Keep: as it was found
-  bool takesAnyCode = false;  ///< a flash whose code is that of another chip is worked on too
 };
 
 /// Waits, in loop counts: selection/.

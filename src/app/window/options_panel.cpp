@@ -176,14 +176,38 @@ void OptionsPanel::buildAlgorithms(QBoxLayout& column) {
   auto* const frame = new QGroupBox("Algorithms", widget());
   frame->setToolTip(
       "How chips are read, programmed and erased; data sheet: as the chip's wants it");
-  auto* const buttons = new QHBoxLayout(frame);
+  auto* const lines = new QVBoxLayout(frame);
+  QHBoxLayout* const buttons = row(*lines);
   for (OptionButton& control : controls_.AlgorithmSelection) {
     auto* const button = new QRadioButton(frame);
     binder_.option(control, *button);
     button->setAccessibleName(button->text() + " algorithms");
     buttons->addWidget(button);
   }
+  buildSheetOptions(*frame, *lines);
   column.addWidget(frame);
+}
+
+// What the data sheet of a kind of chip lets choose comes with the device.
+void OptionsPanel::buildSheetOptions(QWidget& frame, QBoxLayout& lines) {
+  auto* const protection = new QWidget(&frame);
+  protection->setToolTip(
+      "What protects a page EEPROM from writes, once it is programmed or erased");
+  binder_.common(controls_.FrameProtection, *protection);
+  auto* const buttons = new QHBoxLayout(protection);
+  buttons->setContentsMargins(0, 0, 0, 0);
+  buttons->addWidget(new QLabel(toQString(controls_.FrameProtection.caption()), protection));
+  for (OptionButton& control : controls_.ProtectionSelection) {
+    auto* const button = new QRadioButton(protection);
+    binder_.option(control, *button);
+    button->setAccessibleName("Protection " + button->text());
+    buttons->addWidget(button);
+  }
+  lines.addWidget(protection);
+  auto* const anyCode = new QCheckBox(&frame);
+  binder_.check(controls_.AnyCode, *anyCode);
+  anyCode->setToolTip("Programs and erases a flash that says that it is another one, too");
+  lines.addWidget(anyCode);
 }
 
 void OptionsPanel::buildChecks(QBoxLayout& column) {
