@@ -112,11 +112,12 @@ TEST(FormAtStart, whatAProcedureEnablesIsDisabledAndWhatOneShowsIsHidden) {
             "menuDisplayCode menuReadData menuVerifyData menuProgramData menuEraseData "
             "menuDisplayData menuEraseFlash menuFlashShowCodeID LoadSetup1 LoadSetup2 LoadSetup3 "
             "LoadSetup4");
-  EXPECT_EQ(test::namesOf(c, [](const Control& control) { return !control.visible(); }),
-            "Frame5 FrameVoltageSelection CheckBlankPriorProgramming VerifyAfterProgramming "
-            "CheckChipFirst "
-            "frmDisplay1 FileNameDataLabel FileNameDataSize FileNameDataText tbToolBar(3) "
-            "tbToolBar(4) tbToolBar(5)");
+  EXPECT_EQ(
+      test::namesOf(c, [](const Control& control) { return !control.visible(); }),
+      "Frame5 FrameVoltageSelection FrameProtection CheckBlankPriorProgramming "
+      "VerifyAfterProgramming "
+      "CheckChipFirst AnyCode frmDisplay1 FileNameDataLabel FileNameDataSize FileNameDataText "
+      "tbToolBar(3) tbToolBar(4) tbToolBar(5)");
   EXPECT_EQ(c.Slider1.value(), 18);
 }
 

@@ -185,9 +185,6 @@ TEST(SimulatedBoardPanel, chipsGoInAreErasedAndComeOut) {
   EXPECT_EQ(rig.board().chip()->typeName(), "2764");
   EXPECT_TRUE(rig.part<QLabel>("chipInSocket").text().contains("8 KB, blank"));
   rig.board().loadChip(std::vector<std::uint8_t>(8192, 1));
-  rig.part<QLineEdit>("weakAddress").setText("10");
-  rig.press("fitWeakCell");
-  EXPECT_EQ(rig.part<QLineEdit>("weakAddress").text(), "");
   rig.press("eraseUnderLamp");
   EXPECT_EQ(rig.board().chip()->contents()[0], 0xFF);
   rig.press("takeOut");
