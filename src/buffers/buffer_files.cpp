@@ -114,7 +114,6 @@ void BufferFiles::showCode(const std::string& name) {
   reporting_.LogMessage("You can Install a Blank Eprom for Programming");
   finishLoading();
   showCodeLoaded();
-  buffers_.CodeBufferValid = 1;
   reporting_.PlaySoundEvent("DONE");
 }
 
@@ -123,6 +122,8 @@ void BufferFiles::storeCode() {
   buffers_.CodeLength = narrowed<std::int32_t>(buffers_.FileBytes.size());
   std::ranges::copy(buffers_.FileBytes, buffers_.CodeBuffer.begin());
   buffers_.CodeFrom = CodeSource::File;
+  buffers_.CodeChanged = false;
+  ++buffers_.CodeLoads;
   buffers_.FileChecksum = 0;
   for (const std::uint8_t byte : buffers_.FileBytes)
     buffers_.FileChecksum = addToChecksum(buffers_.FileChecksum, byte);
@@ -138,7 +139,31 @@ void BufferFiles::finishLoading() {
   controls_.StatusBar.setText("");
 }
 
-void BufferFiles::showCodeLoaded() {
+void BufferFiles::changeCode(std::vector<std::uint8_t> buffer, std::int32_t length,
+                             const std::string& done) {
+  buffers_.CodeBuffer = std::move(buffer);
+  showChanged(length);
+  if (!done.empty()) reporting_.LogMessage(done);
+}
+
+void BufferFiles::putCodeByte(std::size_t address, std::uint8_t value, std::int32_t length) {
+  at(buffers_.CodeBuffer, address) = value;
+  showChanged(length);
+}
+
+void BufferFiles::showChanged(std::int32_t length) {
+  buffers_.CodeChanged = true;
+  buffers_.DisplayMode = "Read";
+  if (buffers_.CodeLength != length) {
+    buffers_.CodeLength = length;
+    controls_.VScroll1.setMaximum(length / display::kPageBytes - 1);
+    controls_.FileNameCodeSize.setCaption("(" + std::to_string(length) + ")");
+  }
+  enableForCode();
+  display_.DisplayPageMemory();
+}
+
+void BufferFiles::enableForCode() {
   Controls& c = controls_;
   if (!device_.FamilyCode.empty()) {
     for (Button* const button :
@@ -146,12 +171,18 @@ void BufferFiles::showCodeLoaded() {
       alert_.enable(*button);
     }
   }
-  c.FileNameCodeSize.setCaption("(" + std::to_string(buffers_.CodeLength) + ")");
   c.toolbarButton(2).setEnabled(true);
   for (Button* const button :
        {&c.mnuFileSaveCode, &c.mnuFileSaveCodeAs, &c.menuEraseCode, &c.Erase_button}) {
     button->setEnabled(true);
   }
+  buffers_.CodeBufferValid = 1;
+}
+
+void BufferFiles::showCodeLoaded() {
+  Controls& c = controls_;
+  enableForCode();
+  c.FileNameCodeSize.setCaption("(" + std::to_string(buffers_.CodeLength) + ")");
   const bool hasDataMemory = devices::familyOf(device_.FamilyCode).hasDataMemory;
   c.CheckCode.setEnabled(hasDataMemory);
   c.CheckData.setEnabled(hasDataMemory);
@@ -253,6 +284,7 @@ bool BufferFiles::writeCode() {
     writeFileAtomically(name, firstBytes(buffers_.CodeBuffer, buffers_.CodeLength), &stop_);
     reporting_.LogMessage("File Sucessfully Saved as " + name);
     controls_.StatusBar.setText("");
+    buffers_.CodeChanged = false;
   });
 }
 
@@ -304,6 +336,8 @@ void BufferFiles::Erase_button_Click() {
 void BufferFiles::EraseCodeBuffer() {
   std::fill_n(buffers_.CodeBuffer.begin(), kErasedCodeBytes, kErased);
   buffers_.CodeFrom = CodeSource::Erased;
+  buffers_.CodeChanged = false;
+  ++buffers_.CodeLoads;
   disableForErased(controls_.menuVerifyCode, controls_.menuProgramCode);
 }
 

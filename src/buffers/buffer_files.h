@@ -60,6 +60,13 @@ class BufferFiles {
   void loadImage(const std::string& name, std::vector<std::uint8_t> image,
                  const std::string& found);
 
+  /// Takes over the whole code buffer with bytes of it changed; so many of them are the image now.
+  /// `done` goes to the log, if it says anything.
+  void changeCode(std::vector<std::uint8_t> buffer, std::int32_t length, const std::string& done);
+
+  /// One byte of it.
+  void putCodeByte(std::size_t address, std::uint8_t value, std::int32_t length);
+
   /// Writes the contents of a file that were made of the code buffer.
   void exportImage(const std::string& name, std::span<const std::uint8_t> contents);
 
@@ -76,6 +83,8 @@ class BufferFiles {
   void openDataFile(const std::string& name);
   void showCode(const std::string& name);
   void storeCode();
+  void showChanged(std::int32_t length);
+  void enableForCode();
   void showCodeLoaded();
   void refuseDataFile(std::uintmax_t length);
   void storeData();

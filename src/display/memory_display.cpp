@@ -44,11 +44,15 @@ void MemoryDisplay::DisplayDataMemory() {
   drawPage(controls_.BufferDisplay, controls_.VScroll1.value(), buffers_.DataBuffer);
 }
 
+bool MemoryDisplay::isCodeOnView() const {
+  return !captionDecides_ || controls_.Show_button.caption() != kShowCode;
+}
+
 void MemoryDisplay::DisplayPageMemory() {
-  if (captionDecides_ && controls_.Show_button.caption() == kShowCode) {
-    DisplayDataMemory();
-  } else {
+  if (isCodeOnView()) {
     DisplayCodeMemory();
+  } else {
+    DisplayDataMemory();
   }
 }
 

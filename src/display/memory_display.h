@@ -23,6 +23,8 @@ class MemoryDisplay {
   /// The page of the buffer that is on view.
   void DisplayPageMemory();
 
+  [[nodiscard]] bool isCodeOnView() const;
+
   /// Switches to the buffer that the button's caption names; the caption then names the other.
   void Show_button_Click();
 

@@ -22,7 +22,7 @@ std::string bytes(std::int32_t count) {
   return std::to_string(count) + (count == 1 ? " byte" : " bytes");
 }
 
-Fact imageFact(const SelectionState& device, const BufferState& buffers) {
+Fact sourceFact(const SelectionState& device, const BufferState& buffers) {
   const std::string name = std::filesystem::path(buffers.CodeFileName).filename().string();
   switch (buffers.CodeFrom) {
     case CodeSource::File:
@@ -40,6 +40,12 @@ Fact imageFact(const SelectionState& device, const BufferState& buffers) {
       break;
   }
   return {.text = "Image: the buffer as it stands, no file was opened", .isWarning = true};
+}
+
+Fact imageFact(const SelectionState& device, const BufferState& buffers) {
+  Fact fact = sourceFact(device, buffers);
+  if (buffers.CodeChanged) fact.text += ", changed in the buffer";
+  return fact;
 }
 
 std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buffers) {

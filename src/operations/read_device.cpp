@@ -122,6 +122,8 @@ void ReadDevice::noteUniform() {
 void ReadDevice::showBuffer() {
   buffers_.CodeFrom = CodeSource::Chip;
   buffers_.CodeReadFrom = trimmed(device_.DeviceName);
+  buffers_.CodeChanged = false;
+  ++buffers_.CodeLoads;
   controls_.VScroll1.setMaximum(buffers_.CodeLength / 256 - 1);
   reporting_.LogMessage("Data is available at above Window, use Scroll Bar");
   reporting_.LogMessage("You can Save the file using [FILE - Save As] menu");

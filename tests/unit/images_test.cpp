@@ -176,20 +176,35 @@ TEST(EditHistory, goesBackAndForthAndKnowsWhatIsSaved) {
   history.markSaved();
   change("double", {1, 9, 9, 4, 1, 9, 9, 4});
   EXPECT_TRUE(history.isChanged());
-  EXPECT_EQ(history.undo(image), "double");
+  EXPECT_EQ(history.undo(image)->name, "double");
   EXPECT_FALSE(history.isChanged());
-  EXPECT_EQ(history.undo(image), "fill");
+  EXPECT_EQ(history.undo(image)->name, "fill");
   EXPECT_EQ(image, (Bytes{1, 2, 3, 4}));
-  EXPECT_EQ(history.undo(image), std::nullopt);
-  EXPECT_EQ(history.redo(image), "fill");
-  EXPECT_EQ(history.redo(image), "double");
+  EXPECT_FALSE(history.undo(image));
+  EXPECT_EQ(history.redo(image)->name, "fill");
+  EXPECT_EQ(history.redo(image)->name, "double");
   EXPECT_EQ(image, (Bytes{1, 9, 9, 4, 1, 9, 9, 4}));
   (void)history.undo(image);
   (void)history.undo(image);
   change("other", {1, 2, 3});
   EXPECT_TRUE(history.isChanged()) << "the saved image cannot be reached any more";
-  EXPECT_EQ(history.redo(image), std::nullopt);
-  EXPECT_EQ(history.undo(image), "other");
+  EXPECT_FALSE(history.redo(image));
+  EXPECT_EQ(history.undo(image)->name, "other");
+}
+
+TEST(EditHistory, takesTheDigitsOfAByteAsOneChangeAndForgetsTheOldest) {
+  EditHistory history(1'000);  // bytes: a few changes
+  Bytes memory{0x00, 0xAB};
+  history.noteByte("typing", 1, 0x00, 0xA0, {.before = 1, .after = 2}, false);
+  history.noteByte("typing", 1, 0xA0, 0xAB, {.before = 2, .after = 2}, true);
+  EXPECT_EQ(history.undo(memory)->length, 1U);
+  EXPECT_EQ(memory, (Bytes{0x00, 0x00}));
+  for (int value = 0; value < 100; ++value) history.noteByte("typing", 0, 0, 1, {}, false);
+  int steps = 0;
+  while (history.undo(memory)) ++steps;
+  EXPECT_LT(steps, 10);
+  EXPECT_GT(steps, 1);
+  EXPECT_TRUE(history.isChanged()) << "the image of the file cannot be reached any more";
 }
 
 TEST(SerialCounter, givesNoNumberTwiceAfterACrashAndThatOfABadChipAgain) {

@@ -84,5 +84,70 @@ TEST(Images, aFileOfRecordsThatIsOpenedIsSaidToBeOneWithTheWayToImportIt) {
   EXPECT_EQ(rig.form.state().CodeBuffer[0], 'A');
 }
 
+TEST(Buffer, bytesAreTypedOnBothSidesAndTakenBack) {
+  StartedRig rig("27C256");
+  rig.openFile("game.bin", std::vector<std::uint8_t>(0x4000, 0x11));
+  const auto& buffer = rig.form.state().CodeBuffer;
+  auto& page = rig.find<QPlainTextEdit>("BufferDisplay");
+  page.setFocus();
+  QTest::keyClicks(&page, "Aag5b");  // g is no digit
+  QTest::keyClick(&page, Qt::Key_Down);
+  QTest::keyClick(&page, Qt::Key_Tab);
+  QTest::keyClicks(&page, "g~");
+  rig.turn();
+  EXPECT_EQ(std::vector(buffer.begin(), buffer.begin() + 3),
+            (std::vector<std::uint8_t>{0xAA, 0x5B, 0x11}));
+  EXPECT_EQ(buffer[0x12], 'g');
+  EXPECT_TRUE(rig.displayed("000010| 1111677E"));
+  EXPECT_THAT(rig.window.windowTitle().toStdString(), HasSubstr("game.bin (changed)"));
+  for (int i = 0; i < 20; ++i) QTest::keyClick(&page, Qt::Key_Z, Qt::ControlModifier);
+  EXPECT_EQ(buffer[0], 0x11);
+  EXPECT_THAT(rig.window.windowTitle().toStdString(), testing::Not(HasSubstr("changed")));
+  QTest::keyClick(&page, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+  EXPECT_EQ(buffer[0], 0xAA) << "a byte at a time, not a digit";
+  EXPECT_EQ(buffer[1], 0x11);
+  rig.trigger("mnuFileSaveCode");
+  EXPECT_THAT(rig.window.windowTitle().toStdString(), testing::Not(HasSubstr("changed")));
+}
+
+/// Fills the fields of the next change in and makes it.
+WithDialog changing(std::vector<std::pair<const char*, const char*>> fields) {
+  return WithDialog(
+      [fields = std::move(fields)](QDialog& dialog) {
+        for (const auto& [name, text] : fields) dialog.findChild<QLineEdit*>(name)->setText(text);
+        auto& accept = *dialog.findChild<QPushButton*>("changeAccept");
+        accept.isEnabled() ? accept.click() : dialog.reject();
+      },
+      "changeDialog");
+}
+
+TEST(Buffer, changesOfTheMenuErasingAndTheLengthAreTakenBack) {
+  StartedRig rig("27C256");
+  rig.openFile("game.bin", countingBytes(0x4000));
+  const ProgrammerState& state = rig.form.state();
+  const auto make = [&](const char* entry, std::vector<std::pair<const char*, const char*>> with) {
+    const WithDialog dialog = changing(std::move(with));
+    rig.trigger(entry);
+  };
+  make("bufferHalve", {});
+  EXPECT_EQ(state.CodeLength, 0x2000);
+  EXPECT_EQ(state.CodeBuffer[0x2000], 0xFF) << "nothing of the longer image is left";
+  make("bufferFill", {{"changeRange", "7000-70FF"}, {"changeBytes", "12 34"}});
+  EXPECT_EQ(state.CodeBuffer[0x7001], 0x34);
+  EXPECT_EQ(state.CodeLength, 0x8000) << "as long as the chip: what is saved has it too";
+  make("bufferFill", {{"changeRange", "7000-8000"}, {"changeBytes", "00"}});
+  EXPECT_EQ(state.CodeBuffer[0x7001], 0x34) << "out of the chip";
+  rig.click("Erase_button");
+  EXPECT_FALSE(rig.find("Program_button").isEnabled());
+  EXPECT_EQ(rig.find<QAction>("bufferUndo").text(), "&Undo Erase Buffer");
+  for (int i = 0; i < 3; ++i) rig.trigger("bufferUndo");
+  EXPECT_TRUE(rig.find("Program_button").isEnabled());
+  EXPECT_EQ(state.CodeLength, 0x4000);
+  EXPECT_EQ(state.CodeBuffer[0x3FFF], countingBytes(0x4000).back());
+  EXPECT_FALSE(rig.find<QAction>("bufferUndo").isEnabled());
+  rig.openFile("other.bin", countingBytes(0x100));
+  EXPECT_FALSE(rig.find<QAction>("bufferRedo").isEnabled()) << "it was about another image";
+}
+
 }  // namespace
 }  // namespace kestrel::test

@@ -21,6 +21,19 @@ CommandResult frmMain::loadImage(const std::string& name, std::vector<std::uint8
   return runner().run([&] { units_->files.loadImage(name, std::move(image), found); });
 }
 
+bool frmMain::isCodeOnView() const {
+  return units_->state.DisplayMode == "Read" && units_->memoryDisplay.isCodeOnView();
+}
+
+CommandResult frmMain::changeCode(std::vector<std::uint8_t> buffer, std::int32_t length,
+                                  const std::string& done) {
+  return runner().run([&] { units_->files.changeCode(std::move(buffer), length, done); });
+}
+
+CommandResult frmMain::putCodeByte(std::size_t address, std::uint8_t value, std::int32_t length) {
+  return runner().run([&] { units_->files.putCodeByte(address, value, length); });
+}
+
 CommandResult frmMain::exportImage(const std::string& name,
                                    std::span<const std::uint8_t> contents) {
   return runner().run([&] { units_->files.exportImage(name, contents); });

@@ -38,6 +38,15 @@ class frmMain {
   CommandResult loadImage(const std::string& name, std::vector<std::uint8_t> image,
                           const std::string& found);
 
+  /// Whether the display shows the code buffer.
+  [[nodiscard]] bool isCodeOnView() const;
+
+  /// Takes over the code buffer with bytes of it changed, or one changed byte; so many bytes are
+  /// the image now. `done` goes to the log.
+  CommandResult changeCode(std::vector<std::uint8_t> buffer, std::int32_t length,
+                           const std::string& done);
+  CommandResult putCodeByte(std::size_t address, std::uint8_t value, std::int32_t length);
+
   /// Writes the contents of an exported file.
   CommandResult exportImage(const std::string& name, std::span<const std::uint8_t> contents);
 

@@ -20,20 +20,18 @@
 #include <utility>
 
 #include "app/window/elided_label.h"
+#include "app/window/hex_cursor.h"
 #include "app/window/memory_map_strip.h"
 #include "app/window/range_reporter.h"
 #include "app/window/theme.h"
 #include "display/byte_search.h"
+#include "platform/runtime_error.h"
 
 namespace kestrel::window {
 namespace {
 
 constexpr int kPageBytes = 256;
-constexpr int kLineBytes = 16;
-constexpr int kGroupBytes = 4;
 constexpr int kAddressDigits = 6;
-constexpr int kHexColumn = 8;    // the first byte of a line
-constexpr int kTextColumn = 46;  // its first character
 constexpr QLatin1StringView kColumnHeads(
     "        00010203 04050607 08090A0B 0C0D0E0F   0123456789ABCDEF");
 constexpr int kPageColumns = 62;        // address, four groups of eight digits, sixteen characters
@@ -160,6 +158,7 @@ void DisplayPanel::showPage() {
   page_->setPlainText(shown);
   const std::int32_t begin = controls_.VScroll1.value() * kPageBytes;
   map_->setShown({.begin = begin, .end = begin + kPageBytes});
+  if (cursor_ != nullptr) cursor_->followPage();
   showMarks();
 }
 
@@ -208,11 +207,11 @@ void DisplayPanel::showMarks() {
   const std::int32_t begin = controls_.VScroll1.value() * kPageBytes;
   const std::int32_t last = std::min(marked_.end, begin + kPageBytes);
   for (std::int32_t address = std::max(marked_.begin, begin); address < last; ++address) {
-    const int inLine = address % kLineBytes;
-    const int line = 1 + (address - begin) / kLineBytes;
-    mark(line, kHexColumn + 2 * inLine + inLine / kGroupBytes, 2, found);
-    mark(line, kTextColumn + inLine, 1, found);
+    const HexPlace place = HexPlace::of(address - begin);
+    mark(place.line, place.digits, 2, found);
+    mark(place.line, place.text, 1, found);
   }
+  if (cursor_ != nullptr) marks += cursor_->marks();
   page_->setExtraSelections(marks);
 }
 
@@ -268,7 +267,27 @@ void DisplayPanel::showAddress(std::int32_t address, std::int32_t count) {
   marked_ = {.begin = address, .end = address + count};
   if (address / kPageBytes != controls_.VScroll1.value()) scroll_->goTo(address / kPageBytes);
   binder_.mirror().refresh();
+  if (cursor_ != nullptr) cursor_->setAddress(address);
   showMarks();
+}
+
+void DisplayPanel::letType(std::function<bool()> isCodeOnView, std::function<std::int32_t()> size,
+                           std::function<void(std::int32_t, std::uint8_t, bool)> type) {
+  HexCursor::Page page;
+  page.isCode = std::move(isCodeOnView);
+  page.size = [this, size = std::move(size)] {
+    const std::int32_t shown = (std::max(controls_.VScroll1.maximum(), 0) + 1) * kPageBytes;
+    return std::min(size(), shown);
+  };
+  page.number = [this] { return controls_.VScroll1.value(); };
+  page.turn = [this](std::int32_t number) {
+    scroll_->goTo(number);
+    binder_.mirror().refresh();
+  };
+  page.show = [this] { showMarks(); };
+  cursor_ = new HexCursor(*page_, std::move(page),
+                          [this](std::int32_t address) { return at(state_.CodeBuffer, address); });
+  cursor_->onType(std::move(type));
 }
 
 // The page is shown whole, in letters as large as the window lets them be.

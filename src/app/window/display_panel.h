@@ -3,6 +3,7 @@
 #include <QPlainTextEdit>
 #include <QWidget>
 #include <cstdint>
+#include <functional>
 
 #include "app/state/controls.h"
 #include "app/state/programmer_state.h"
@@ -15,6 +16,7 @@ class QBoxLayout;
 
 namespace kestrel::window {
 
+class HexCursor;
 class MemoryMapStrip;
 class RangeReporter;
 
@@ -25,6 +27,11 @@ class DisplayPanel final : public QWidget {
  public:
   DisplayPanel(Controls& controls, const ProgrammerState& state, const Binder& binder,
                QWidget* parent);
+
+  /// Bytes are typed into the code buffer while that is on view. `size`: addresses that can be
+  /// changed.
+  void letType(std::function<bool()> isCodeOnView, std::function<std::int32_t()> size,
+               std::function<void(std::int32_t address, std::uint8_t value, bool goesOn)> type);
 
   /// Turns to the page of the address and marks the bytes there.
   void showAddress(std::int32_t address, std::int32_t count = 1);
@@ -74,6 +81,7 @@ class DisplayPanel final : public QWidget {
   const Binder& binder_;
   QWidget* header_ = nullptr;
   QPlainTextEdit* page_ = nullptr;
+  HexCursor* cursor_ = nullptr;
   RangeReporter* scroll_ = nullptr;
   BufferFind* find_ = nullptr;
   DifferenceBar* differences_ = nullptr;

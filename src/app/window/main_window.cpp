@@ -17,6 +17,7 @@
 #include <numeric>
 #include <utility>
 
+#include "app/window/buffer_changes.h"
 #include "app/window/command_bar.h"
 #include "app/window/device_box.h"
 #include "app/window/device_card.h"
@@ -62,7 +63,8 @@ MainWindow::MainWindow(const WindowParts& parts)
                      .icons = {},
                      .recent = RecentFiles(parts.settings)},
       parts_(parts),
-      controls_(parts.form.controls()) {
+      controls_(parts.form.controls()),
+      editor_(parts.form) {
   setObjectName("frmMain");
   setAcceptDrops(true);
   buildMenus();
@@ -154,6 +156,17 @@ void MainWindow::buildImages() {
     origin_.importedFrom(onOneLine(QFileInfo(file).fileName()));
     showTitle();
   });
+  changes_ = new BufferChanges(*this, editor_, menus_->bufferMenu());
+  changes_->onChanged([this](std::int32_t address) {
+    parts_.mirror.refresh();
+    display_->showAddress(address, 0);
+    showTitle();
+  });
+  display_->letType([this] { return parts_.form.isCodeOnView(); },
+                    [this] { return static_cast<std::int32_t>(editor_.size()); },
+                    [this](std::int32_t address, std::uint8_t value, bool goesOn) {
+                      editor_.putByte(static_cast<std::size_t>(address), value, goesOn);
+                    });
 }
 
 void MainWindow::connectCommands() {
@@ -167,7 +180,12 @@ void MainWindow::connectCommands() {
   look_->setParent(this);
   runner.whenStarted([this] { commandStarted(); });
   runner.whenEnded([this] { commandEnded(); });
-  binder.onPress([this](const Control& control) { outcome_->begin(control); });
+  binder.onPress([this](const Control& control) {
+    const bool isErase =
+        &control == &controls_.Erase_button || &control == &controls_.menuEraseCode;
+    if (isErase) editor_.keepBeforeErase();
+    outcome_->begin(control);
+  });
   outcome_->onCompare([this] { compareWithChip(); });
   outcome_->onAddress([this](std::int32_t address) { display_->showAddress(address); });
   binder.onPressed(
@@ -210,6 +228,7 @@ void MainWindow::commandEnded() {
   vppSign_->lookAtEnd();
   display_->showMap();
   commands_->showVoltage();
+  editor_.lookAtBuffer();
   showTitle();
   notices_->look();
   ErrorLamp& alert = strip_->errorLamp();
@@ -287,16 +306,20 @@ QString MainWindow::codeFileName() const { return toQString(parts_.form.state().
 
 void MainWindow::showTitle() {
   const QString name = toQString(controls_.frmMain.caption());
-  const QString shown = origin_.title(onOneLine(QFileInfo(codeFileName()).fileName()));
-  if (!origin_.isChanged()) setWindowModified(false);
-  setWindowTitle((shown.isEmpty() ? QString() : shown + (origin_.isChanged() ? "[*] - " : " - ")) +
-                 name);
-  setWindowModified(origin_.isChanged());
+  QString shown = origin_.title(onOneLine(QFileInfo(codeFileName()).fileName()));
+  if (isBufferChanged()) shown += shown.isEmpty() ? "buffer changed" : " (changed)";
+  const bool isModified = origin_.isChanged() || isBufferChanged();
+  if (!isModified) setWindowModified(false);
+  setWindowTitle((shown.isEmpty() ? QString() : shown + (isModified ? "[*] - " : " - ")) + name);
+  setWindowModified(isModified);
+  changes_->showSteps();
 }
+
+bool MainWindow::isBufferChanged() const { return parts_.form.state().CodeChanged; }
 
 bool MainWindow::saveCodeAs() {
   binder.press(controls_.mnuFileSaveCodeAs);
-  return !origin_.isUnsavedRead();
+  return !origin_.isUnsavedRead() && !isBufferChanged();
 }
 
 // Behind the first file that was opened, Save writes over it without a word, whatever the buffer
@@ -320,9 +343,11 @@ bool MainWindow::maySaveOverFile() {
 }
 
 bool MainWindow::mayLoseRead() {
-  if (!origin_.isUnsavedRead()) return true;
+  if (!origin_.isUnsavedRead() && !isBufferChanged()) return true;
   QMessageBox box(QMessageBox::Question, "Kestrel",
-                  "What was read from the chip has not been saved.", QMessageBox::Cancel, this);
+                  origin_.isUnsavedRead() ? "What was read from the chip has not been saved."
+                                          : "The buffer was changed and has not been saved.",
+                  QMessageBox::Cancel, this);
   box.setObjectName("unsavedQuestion");
   QAbstractButton* const save = box.addButton("Save &As...", QMessageBox::AcceptRole);
   QAbstractButton* const lose =

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 
+#include "app/form/buffer_editor.h"
 #include "app/form/frm_main.h"
 #include "app/launch/wave_file.h"
 #include "app/window/binder.h"
@@ -23,6 +24,7 @@ class QSplitter;
 
 namespace kestrel::window {
 
+class BufferChanges;
 class CommandBar;
 class DeviceCard;
 class DisplayPanel;
@@ -115,6 +117,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   void bufferIsInFile();
   [[nodiscard]] bool holdsLoadedFile() const;
   void showTitle();
+  [[nodiscard]] bool isBufferChanged() const;
   [[nodiscard]] QString codeFileName() const;
   [[nodiscard]] bool maySaveOverFile();
   [[nodiscard]] bool mayLoseRead();
@@ -135,6 +138,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   WindowParts parts_;
   Controls& controls_;
   CodeOrigin origin_;
+  form::BufferEditor editor_;
   Ending ending_ = Ending::Done;  // of the last command
   Menus* menus_ = nullptr;
   OptionsPanel* options_ = nullptr;
@@ -145,6 +149,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   CommandBar* commands_ = nullptr;
   DisplayPanel* display_ = nullptr;
   ImageFiles* files_ = nullptr;
+  BufferChanges* changes_ = nullptr;
   LogPanel* log_ = nullptr;
   QSplitter* split_ = nullptr;
   QDockWidget* side_ = nullptr;
