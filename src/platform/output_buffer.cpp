@@ -50,7 +50,7 @@ bool OutputBuffer::isReady() const {
   pollfd waited{.fd = file_.number(), .events = POLLOUT, .revents = 0};
   while (::poll(&waited, 1, 0) <= 0) {
     if (stop_.isThrown()) return false;
-    ::poll(&waited, 1, kStepMs);
+    if (::poll(&waited, 1, kStepMs) == 0) stop_.stillWaiting();
   }
   return true;
 }

@@ -30,6 +30,7 @@ bool isPipe(const std::filesystem::path& path) {
 bool mayGoOn(pollfd* waited, const StopSwitch* stop) {
   endIfStopped(stop);
   const int ready = ::poll(waited, waited == nullptr ? 0 : 1, kStepMs);
+  if (ready == 0 && stop != nullptr) stop->stillWaiting();
   return ready >= 0 || errno != EINTR || stop != nullptr;
 }
 

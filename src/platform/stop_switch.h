@@ -1,6 +1,8 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
+#include <utility>
 
 namespace kestrel {
 
@@ -24,6 +26,13 @@ class StopSwitch {
 
   [[nodiscard]] bool isEnding() const noexcept {
     return (state_.load(std::memory_order_relaxed) & kEndProgram) != 0;
+  }
+
+  /// `handler` is called again and again while a pipe is waited for, so that the person can throw
+  /// the switch. Set once, before anybody waits.
+  void whileWaiting(std::function<void()> handler) { waiting_ = std::move(handler); }
+  void stillWaiting() const {
+    if (waiting_) waiting_();
   }
 
   /// As long as it lives the switch stands as if nobody had asked: for putting the board to rest,
@@ -52,6 +61,7 @@ class StopSwitch {
   static constexpr int kShielded = ~0x7FFFFFFF;
 
   std::atomic<int> state_{0};
+  std::function<void()> waiting_;
   static_assert(std::atomic<int>::is_always_lock_free);
 };
 

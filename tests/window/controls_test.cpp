@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <QAbstractItemView>
 #include <QCompleter>
 #include <QRadioButton>
 #include <QRegularExpression>
@@ -149,6 +150,15 @@ TEST(Keys, aStepNumberOnlySetsTheFocus) {
   }
   EXPECT_EQ(rig.logText(), before);
   EXPECT_TRUE(rig.controls().HiLow_button[1].value());
+  auto& device = rig.find<QComboBox>("Device");
+  device.setFocus();
+  QTest::keyClicks(device.lineEdit(), "27");
+  QWidget* const matches = device.completer()->popup();
+  ASSERT_TRUE(matches->isVisible());
+  QTest::keyPress(matches, Qt::Key_Alt);
+  EXPECT_FALSE(matches->isVisible()) << "so that the letter reaches the menus";
+  QTest::keyClick(&device, Qt::Key_F, Qt::AltModifier);
+  EXPECT_EQ(device.currentText(), "27");
 }
 
 TEST(Tips, ofADisabledButtonSayWhatIsMissing) {

@@ -1,4 +1,5 @@
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include <QDragEnterEvent>
 #include <QMenuBar>
@@ -282,6 +283,16 @@ TEST(Files, aFileDroppedOnTheWindowIsOpened) {
   EXPECT_FALSE(rig.displayed("41424344")) << "not inside the drop";
   rig.turn();
   EXPECT_TRUE(rig.displayed("41424344"));
+}
+
+TEST(Files, aPipeThatNobodyWritesIsLeftByStop) {
+  StartedRig rig;
+  const std::string pipe = rig.folder / "pipe";
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  QTimer::singleShot(100, &rig.window,
+                     [&] { QTest::mouseClick(&rig.find("Stop"), Qt::LeftButton); });
+  rig.window.openCodeFile(pipe);
+  EXPECT_TRUE(rig.logged("stopped by operator"));
 }
 
 TEST(Files, recentOnesAreListedTheNewestFirst) {

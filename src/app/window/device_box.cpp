@@ -199,6 +199,10 @@ void DeviceBox::keyPressEvent(QKeyEvent* event) {
     case Qt::Key_PageDown:
       showPopup();
       return;
+    case Qt::Key_Alt:
+      // The letter that follows is for the menus or a step: they hear nothing behind an open list.
+      matches->hide();
+      return;
     case Qt::Key_Space:
       // No name begins with one: the second of two presses that were meant for a button.
       if (isTyping_) QComboBox::keyPressEvent(event);
@@ -217,6 +221,7 @@ void DeviceBox::keyPressEvent(QKeyEvent* event) {
       binder_.mirror().touch(control_);
       return;
     default:
+      if (event->modifiers().testFlag(Qt::AltModifier)) return event->ignore();
       QComboBox::keyPressEvent(event);
   }
 }

@@ -97,7 +97,7 @@ void bindLamp(const Control& control, Lamp& lamp, const Binder& binder, const La
 }
 
 ErrorLamp::ErrorLamp(Button& control, const Binder& binder, QWidget* parent) : QPushButton(parent) {
-  setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+  setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
   binder.common(control, *this);
   binder.mirror().bind(control, *this, [this, &control] {
     caption_ = toQString(control.caption());
@@ -120,11 +120,15 @@ QSize ErrorLamp::sizeHint() const {
   return pillSize(*this, QStringLiteral("ERROR \u2013 click to go on"));
 }
 
+QSize ErrorLamp::minimumSizeHint() const { return pillSize(*this, "ERROR"); }
+
 void ErrorLamp::paintEvent(QPaintEvent*) {
   const QColor red = groundColour(Colour::Red, palette());
   QColor ground;
   if (alert_) ground = isDown() ? red.darker(130) : underMouse() ? red.lighter(115) : red;
-  const QString label = alert_ ? caption_ + QStringLiteral(" \u2013 click to go on") : caption_;
+  const bool hasRoom = width() >= sizeHint().width();
+  const QString label =
+      alert_ && hasRoom ? caption_ + QStringLiteral(" \u2013 click to go on") : caption_;
   paintPill(*this, {.place = rect(), .text = label, .ground = ground, .focus = hasFocus()});
 }
 

@@ -47,7 +47,8 @@ class ErrorLamp final : public QPushButton {
 
   [[nodiscard]] bool isAlert() const { return alert_; }
   [[nodiscard]] QSize sizeHint() const override;
-  [[nodiscard]] QSize minimumSizeHint() const override { return sizeHint(); }
+  /// Without the words that tell what to do.
+  [[nodiscard]] QSize minimumSizeHint() const override;
 
  protected:
   void paintEvent(QPaintEvent* event) override;

@@ -79,7 +79,10 @@ MainWindow::MainWindow(const WindowParts& parts)
   parts_.mirror.bind(controls_.frmMain, *this, [this] { showPlace(); });
 }
 
-MainWindow::~MainWindow() { controls_.setListener(nullptr); }
+MainWindow::~MainWindow() {
+  parts_.stop.whileWaiting({});
+  controls_.setListener(nullptr);
+}
 
 void MainWindow::buildMenus() {
   menus_ = new Menus(*this, controls_, binder, icons, recent, [this] { return maySaveOverFile(); });
@@ -200,6 +203,7 @@ void MainWindow::connectCommands() {
 
 void MainWindow::connectInput() {
   const auto stop = [this] { parts_.stop.stopCommand(); };
+  parts_.stop.whileWaiting([this] { parts_.screen.turn(); });
   strip_->onStop(stop);
   parts_.input.onEscape(stop);
   parts_.input.letThrough(strip_->stopButton());

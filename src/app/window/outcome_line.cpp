@@ -1,7 +1,6 @@
 #include "app/window/outcome_line.h"
 
-#include <QApplication>
-#include <QRegularExpression>
+#include <QTextDocumentFragment>
 #include <array>
 #include <span>
 #include <utility>
@@ -94,7 +93,15 @@ void OutcomeLine::end(const Control& control, const CommandResult& result, qint6
     if (!remark.isEmpty()) showText(remark, Colour::Red);
     return;
   }
-  if (lasted_ >= kLongMs && !isActiveWindow()) QApplication::alert(window());
+  showEnd(command, result);
+  if (lasted_ >= kLongMs && !isActiveWindow()) {
+    desktop_.tell(result.ending == Ending::Done ? command + " is done" : command + " has ended",
+                  accessibleDescription());
+  }
+}
+
+void OutcomeLine::showEnd(const QString& command, const CommandResult& result) {
+  const QString remark = QString::fromStdString(result.remark).toHtmlEscaped();
   switch (result.ending) {
     case Ending::Done:
       if (!remark.isEmpty()) return showText(doneText(command) + ", but " + remark, Colour::Red);
@@ -153,7 +160,7 @@ void OutcomeLine::showText(const QString& richText, Colour colour) {
   setPalette(own);
   setText(richText);
   setToolTip({});
-  setAccessibleDescription(QString(richText).remove(QRegularExpression("<[^>]*>")));
+  setAccessibleDescription(QTextDocumentFragment::fromHtml(richText).toPlainText());
 }
 
 }  // namespace kestrel::window

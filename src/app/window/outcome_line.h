@@ -9,6 +9,7 @@
 #include "app/state/controls.h"
 #include "app/state/ending.h"
 #include "app/state/programmer_state.h"
+#include "app/window/desktop_notice.h"
 
 namespace kestrel::window {
 
@@ -43,6 +44,7 @@ class OutcomeLine final : public QLabel {
   [[nodiscard]] QString crcText() const;
   [[nodiscard]] QString failedText(const QString& command, const CommandResult& result) const;
   void showRunning();
+  void showEnd(const QString& command, const CommandResult& result);
   void showText(const QString& richText, Colour colour);
 
   const Controls& controls_;
@@ -50,6 +52,7 @@ class OutcomeLine final : public QLabel {
   std::function<void(std::int32_t)> go_;
   std::function<void()> compare_;
   std::function<void()> offered_;
+  DesktopNotice desktop_{*this};
   QString running_;
   QTimer timer_;
   QElapsedTimer clock_;

@@ -71,9 +71,9 @@ void StatusStrip::buildProgress(QBoxLayout& row) {
   percent_->setObjectName("percent");
   percent_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
   percent_->setMinimumWidth(fontMetrics().horizontalAdvance("100 %"));
-  timeLeft_ = new QLabel(this);
+  timeLeft_ = new ElidedLabel(Qt::ElideRight, this);  // gives way where Stop would not fit
   timeLeft_->setObjectName("timeLeft");
-  timeLeft_->setMinimumWidth(fontMetrics().horizontalAdvance("00:00 left"));
+  timeLeft_->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
   binder_.common(controls_.ProgressBar1, *bar_);
   binder_.mirror().bind(controls_.ProgressBar1, *bar_, [this] { showProgress(); });
   row.addWidget(bar_, 1);  // as long as there is room
