@@ -26,6 +26,7 @@ constexpr std::uint32_t kProtectionAddress = 2;
 constexpr unsigned kToggleBit = 0x40;
 constexpr unsigned kTimeLimitBit = 0x20;
 
+constexpr int kQuickReads = 3;
 constexpr int kTimeOutFactor = 3;
 constexpr std::int32_t kBytePollUs = 25;
 constexpr std::int32_t kErasePollMs = 20;
@@ -87,8 +88,10 @@ Outcome Flash::programByte(std::uint32_t address, std::uint8_t wanted) {
   command(kProgram);
   write({address, wanted});
   bus().enableOutputs();
-  // Bit 7 is right only when the byte is.
-  if (bus().read() == wanted) return {};
+  // Bit 7 is right only when the byte is. A typical chip has it in the first of these reads.
+  for (int read = 0; read < kQuickReads; ++read) {
+    if (bus().read() == wanted) return {};
+  }
   return waitForByte(address, wanted);
 }
 

@@ -35,7 +35,11 @@ std::string_view whyNoDataSheet(std::string_view device) {
 
 std::string usualVoltage(std::string_view device) {
   const DataSheet* const sheet = dataSheetOf(device);
-  const auto* const eprom = sheet == nullptr ? nullptr : std::get_if<EpromSheet>(&sheet->part);
+  if (sheet == nullptr) return {};
+  if (std::holds_alternative<TwelveVoltFlashSheet>(sheet->part)) {
+    return "12 V; the 12.5 V of the board are within its limits";
+  }
+  const auto* const eprom = std::get_if<EpromSheet>(&sheet->part);
   if (eprom == nullptr) return {};
   constexpr int kMillivolts = 1000;
   const int volts = eprom->usualVppMillivolts / kMillivolts;

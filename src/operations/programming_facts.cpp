@@ -90,7 +90,9 @@ Fact voltageFact(const SelectionState& device) {
 
 std::optional<double> voltageToApply(const SelectionState& device) {
   const devices::Family& family = devices::familyOf(device.FamilyCode);
-  if (family.vppPin == devices::VppPin::None) return std::nullopt;
+  const devices::DataSheet* const sheet = devices::dataSheetOf(trimmed(device.DeviceName));
+  const bool sheetWantsIt = sheet != nullptr && sheet->wiring.vpp != devices::VppPin::None;
+  if (family.vppPin == devices::VppPin::None && !sheetWantsIt) return std::nullopt;
   const bool isChosen = family.takes21And25V && device.VppClass == kAnyVoltageClass;
   if (isChosen && device.VppVolts > kUsualVolts) return device.VppVolts;
   return kUsualVolts;

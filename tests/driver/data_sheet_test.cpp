@@ -7,6 +7,7 @@
 #include <set>
 
 #include "driver/prepared_form.h"
+#include "operations/programming_facts.h"
 
 namespace kestrel::test {
 namespace {
@@ -85,6 +86,9 @@ TEST_P(EveryDevice, isCheckedProgrammedVerifiedReadAndShownWithoutAFinding) {
   if (isLarge && model != sim::Model::kestrel5) return;
   BySheet s(part, model);
   EXPECT_EQ(s.rig.state.KestrelModel, static_cast<int>(model)) << "at the first test";
+  EXPECT_EQ(operations::voltageToApply(s.rig.state).has_value(),
+            s.board->chip()->wantedVppMillivolts() != 0)
+      << "what the safety question tells";
   const Bytes image = imageFor(part);
   s.rig.openImage(image);
   s.rig.controls.VerifyAfterProgramming.press();

@@ -1,3 +1,6 @@
+#include <QRadioButton>
+#include <QSpinBox>
+
 #include "window/window_rig.h"
 
 namespace kestrel::test {
@@ -109,6 +112,13 @@ TEST(TypicalRun, aLimitOfTheClassicWayIsShownWithItsCure) {
   EXPECT_EQ(rig.form.state().DeviceName, "Eprom 27C080 OTP");
   rig.click("AlgorithmSelection(0)");
   EXPECT_TRUE(rig.controls().AlgorithmSelection[1].value()) << "the OTP is not offered there";
+  EXPECT_EQ(rig.shown("FrameProtection"), nullptr);
+  rig.select("X28C256");
+  rig.click("ProtectionSelection(1)");
+  EXPECT_EQ(rig.form.state().protection, Protection::On);
+  EXPECT_EQ(rig.shown("AnyCode"), nullptr);
+  rig.find<QSpinBox>("ReadTimes").setValue(3);
+  EXPECT_EQ(rig.controls().ReadTimes.value(), 3);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSlider>
+#include <QSpinBox>
 #include <QVBoxLayout>
 #include <algorithm>
 
@@ -18,6 +19,7 @@
 #include "app/window/lamp.h"
 #include "app/window/range_reporter.h"
 #include "app/window/step_label.h"
+#include "app/window/wheel_guard.h"
 
 namespace kestrel::window {
 namespace {
@@ -184,8 +186,29 @@ void OptionsPanel::buildAlgorithms(QBoxLayout& column) {
     button->setAccessibleName(button->text() + " algorithms");
     buttons->addWidget(button);
   }
+  buttons->addWidget(readTimes(*frame));
   buildSheetOptions(*frame, *lines);
   column.addWidget(frame);
+}
+
+QWidget* OptionsPanel::readTimes(QWidget& frame) {
+  RangeControl& control = controls_.ReadTimes;
+  auto* const times = new QSpinBox(&frame);
+  times->setPrefix(toQString(control.caption()) + " ");
+  times->setRange(control.minimum(), control.maximum());
+  times->setToolTip("How often Read reads the chip: each byte is what was read most often");
+  times->setAccessibleName("Number of reads");
+  new WheelGuard(*times);
+  binder_.common(control, *times);
+  binder_.mirror().bind(control, *times, [&control, times] {
+    const QSignalBlocker quiet(*times);
+    times->setValue(control.value());
+  });
+  QObject::connect(times, &QSpinBox::valueChanged, times, [this, &control](int value) {
+    binder_.use(control, [&control, value] { control.setValue(value); });
+    binder_.mirror().touch(control);
+  });
+  return times;
 }
 
 // What the data sheet of a kind of chip lets choose comes with the device.

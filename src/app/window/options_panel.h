@@ -39,6 +39,7 @@ class OptionsPanel final : public QScrollArea {
   void buildLane(QBoxLayout& column);
   void buildChecks(QBoxLayout& column);
   void buildAlgorithms(QBoxLayout& column);
+  [[nodiscard]] QWidget* readTimes(QWidget& frame);
   void buildSheetOptions(QWidget& frame, QBoxLayout& lines);
   void buildSpeed(QBoxLayout& column);
   void buildHardware(QBoxLayout& column);
