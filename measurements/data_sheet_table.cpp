@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "support/form_rig.h"
@@ -162,7 +163,7 @@ int main(int argc, char** argv) {
   std::puts("|---|---|---|---|---|---|---|---|---|---|");
   bool isRight = true;
   for (const Part& part : kParts) {
-    if (argc > 1 && std::string(part.device).find(argv[1]) == std::string::npos) continue;
+    if (argc > 1 && std::string_view(part.device).find(argv[1]) == std::string_view::npos) continue;
     for (const sim::Model model :
          {sim::Model::kestrel4, sim::Model::kestrel5, sim::Model::kestrel6}) {
       isRight = measure(part, model) && isRight;
