@@ -3,7 +3,11 @@
 
 #include <benchmark/benchmark.h>
 
+#include <fstream>
+
+#include "devices/chip_pins.h"
 #include "support/form_rig.h"
+#include "waveform/recording_port.h"
 
 namespace kestrel {
 namespace {
@@ -36,6 +40,28 @@ void read27C080(benchmark::State& state) {
   state.counters["timesReal"] = benchmark::Counter(real, benchmark::Counter::kIsRate);
 }
 BENCHMARK(read27C080)->Unit(benchmark::kMillisecond)->UseRealTime();
+
+// What the pins did, written into a wave file: the share of time that it takes.
+void read27C256(benchmark::State& state, bool isRecorded) {
+  UntracedForm f;
+  waveform::RecordingPort recorder(f.interruptible, [&] { return f.bench.now(); });
+  test::FormRig rig(recorder, f.interruptible);
+  rig.form.Form_Load();
+  f.board.insert(sim::makeChip("27C256"));
+  f.board.loadChip(test::randomBytes(32'768, 7));
+  rig.select("Eprom 27C256");
+  std::ofstream file("/dev/null");
+  std::uint64_t bytes = 0;
+  for (auto _ : state) {
+    const devices::ChipPins pins = devices::chipPinsOf(rig.state.FamilyCode);
+    if (isRecorded) recorder.start(file, pins, "27C256", rig.state, rig.state);
+    rig.press("Read_button");
+    bytes = recorder.stop();
+  }
+  state.counters["bytes"] = static_cast<double>(bytes);
+}
+BENCHMARK_CAPTURE(read27C256, plain, false)->Unit(benchmark::kMillisecond)->UseRealTime();
+BENCHMARK_CAPTURE(read27C256, recorded, true)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // The port accesses that the procedures prescribe for a whole programming run. A latch load is four
 // accesses, a read two of two.

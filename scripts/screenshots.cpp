@@ -1,6 +1,7 @@
 // Takes the pictures of the README: screenshots FOLDER [light|dark] [SCENE...]
 // Each scene is the whole window on a simulated board, driven as a person would.
 
+#include <QPainter>
 #include <QStyleFactory>
 #include <filesystem>
 #include <iostream>
@@ -47,6 +48,12 @@ struct Scene : WindowRig {
     // A name without folders: a picture tells nothing of the machine it was taken on.
     std::filesystem::current_path(launch::programFolders({}).data / "sample");
     window.openCodeFile("sample-27C256.bin");
+    turn();
+  }
+  void open(const std::string& name, const std::vector<std::uint8_t>& image) {
+    writeFileAtomically(folder / name, image);
+    std::filesystem::current_path(folder.path());
+    window.openCodeFile(name);
     turn();
   }
   void program() {
@@ -101,6 +108,7 @@ void compared(const QString& file) {
   std::vector<std::uint8_t> chip(buffer.begin(), buffer.begin() + 32'768);
   for (std::size_t i = 0; i < chip.size(); i += 5'000) chip[i] ^= 0x0F;
   std::fill_n(chip.begin() + 0x40, 24, 0xFF);
+  std::rotate(chip.begin() + 0x80, chip.begin() + 0x81, chip.begin() + 0xA0);
   scene.board().loadChip(chip);
   scene.trigger("compareChip");
   scene.keep(file);
@@ -118,6 +126,61 @@ void running(const QString& file) {
   });
   look.start(5);
   scene.click("Read_button");
+}
+
+/// The cards of chips of all four sizes, one beside the other.
+void cards(const QString& file) {
+  QImage all;
+  for (const char* const name : {"2732A", "27C256", "27C080", "24C32"}) {
+    Scene scene(simulatedOptions(name));
+    scene.select(name);
+    const QImage card = scene.window.deviceCard().grab().toImage();
+    QImage wider(all.width() + card.width(), std::max(all.height(), card.height()),
+                 QImage::Format_RGB32);
+    wider.fill(scene.window.palette().color(QPalette::Window));
+    QPainter painter(&wider);
+    painter.drawImage(0, 0, all);
+    painter.drawImage(all.width(), 0, card);
+    painter.end();
+    all = wider;
+  }
+  all.save(file);
+}
+
+void programming(const QString& file) {
+  Scene scene(simulatedOptions("27C020"));
+  scene.select("27C020");
+  std::vector<std::uint8_t> image = countingBytes(0x40000);
+  std::fill(image.begin() + 0x18000, image.begin() + 0x20000, 0xFF);
+  scene.open("firmware.bin", image);
+  QTimer look;
+  QObject::connect(&look, &QTimer::timeout, &look, [&] {
+    if (scene.controls().ProgressBar1.value() < 45 || !scene.find("vppSign").isVisible()) return;
+    look.stop();
+    scene.window.grab().save(file);
+    scene.stop.stopCommand();
+  });
+  look.start(5);
+  scene.program();
+}
+
+void map(const QString& file) {
+  Scene scene(simulatedOptions("27C080"));
+  scene.select("27C080");
+  std::vector<std::uint8_t> image(0x100000, 0xFF);
+  const std::vector<std::uint8_t> code = countingBytes(0x80000);
+  std::copy(code.begin(), code.end(), image.begin());
+  std::fill_n(image.begin() + 0x30000, 0x8000, 0x00);
+  scene.open("half.bin", image);
+  scene.keep(file);
+}
+
+void noBoard(const QString& file) {
+  Scene scene;
+  scene.select("27C040");
+  scene.WindowRig::program.simulated()->bench().unplug(0x378);
+  scene.click("TestHardware_button");
+  scene.keep(file);
 }
 
 void highVoltage(const QString& file) {
@@ -149,10 +212,13 @@ void help(const QString& file) {
 
 int main(int argc, char** argv) {
   using namespace kestrel::test;
-  const std::map<QString, Picture> pictures{
-      {"start", atStart},  {"smallest", smallest}, {"largest", largest}, {"programmed", programmed},
-      {"alert", alert},    {"compared", compared}, {"running", running}, {"voltage", highVoltage},
-      {"long", longTexts}, {"help", help}};
+  const std::map<QString, Picture> pictures{{"start", atStart},   {"smallest", smallest},
+                                            {"largest", largest}, {"programmed", programmed},
+                                            {"alert", alert},     {"compared", compared},
+                                            {"running", running}, {"voltage", highVoltage},
+                                            {"long", longTexts},  {"help", help},
+                                            {"cards", cards},     {"programming", programming},
+                                            {"map", map},         {"notice", noBoard}};
   const QApplication application(argc, argv);
   QApplication::setStyle(new kestrel::window::ReadableStyle(QStyleFactory::create("Fusion")));
   QApplication::setQuitOnLastWindowClosed(false);

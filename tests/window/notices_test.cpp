@@ -27,6 +27,7 @@ TEST(Notices, aMissingBoardIsToldUntilItAnswers) {
   EXPECT_EQ(
       rig.text("notice-board"),
       "Notice: No board answers.\nCheck its cable and its supply, and that the socket is empty.");
+  EXPECT_TRUE(rig.find<QLabel>("outcome").text().contains("no board answers"));
   rig.press("useSimulated");
   EXPECT_TRUE(isSimulated);
   rig.press("close-board");

@@ -15,6 +15,7 @@ constexpr int kLookMs = 100;
 constexpr double kMsPerSecond = 1000.0;
 constexpr qint64 kLongMs = 5'000;  // who waits longer may look elsewhere: the desktop tells
 constexpr const char* kCompare = "compare";
+constexpr const char* kHardwareTest = "Hardware test";
 constexpr const char* kOffered = "offered";
 
 QString hexAddress(std::int32_t address) {
@@ -60,8 +61,8 @@ QString OutcomeLine::nameOf(const Control& control) const {
       {&c.EraseFlash_button, "Erase chip"},
       {&c.menuEraseFlash, "Erase chip"},
       {&c.Display_button, "Display"},
-      {&c.TestHardware_button, "Hardware test"},
-      {&c.menuTestHardware, "Hardware test"},
+      {&c.TestHardware_button, kHardwareTest},
+      {&c.menuTestHardware, kHardwareTest},
   }};
   for (const auto& [pressed, name] : commands) {
     if (pressed == &control) return name;
@@ -104,6 +105,9 @@ void OutcomeLine::showEnd(const QString& command, const CommandResult& result) {
   const QString remark = QString::fromStdString(result.remark).toHtmlEscaped();
   switch (result.ending) {
     case Ending::Done:
+      if (running_ == kHardwareTest && state_.KestrelModel == 0) {
+        return showText(running_ + ": no board answers", Colour::Red);
+      }
       if (!remark.isEmpty()) return showText(doneText(command) + ", but " + remark, Colour::Red);
       return showText(doneText(command), Colour::Green);
     case Ending::Cancelled:
