@@ -149,5 +149,24 @@ TEST(Buffer, changesOfTheMenuErasingAndTheLengthAreTakenBack) {
   EXPECT_FALSE(rig.find<QAction>("bufferRedo").isEnabled()) << "it was about another image";
 }
 
+TEST(Identity, ofTheImageStandsUnderTheFileAndFollowsATypedByte) {
+  StartedRig rig("27C256");
+  auto& identity = rig.find("imageIdentity");
+  EXPECT_FALSE(identity.isVisible()) << "no image yet";
+  std::vector<std::uint8_t> twice(0x1000, 0xFF);
+  for (const std::size_t at : {0x10, 0x810}) twice[at] = 0x00;
+  rig.openFile("a.bin", twice);
+  const auto told = [&](const char* text) {
+    return QTest::qWaitFor([&] { return identity.toolTip().contains(text); }, 5'000);
+  };
+  // The digits are those of sha256sum.
+  EXPECT_TRUE(told("the same 2048 bytes 2 times")) << identity.toolTip().toStdString();
+  EXPECT_TRUE(told("aa2e6d01d01d8ee8")) << identity.toolTip().toStdString();
+  auto& page = rig.find<QPlainTextEdit>("BufferDisplay");
+  page.setFocus();
+  QTest::keyClicks(&page, "00");
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !identity.toolTip().contains("2 times"); }, 5'000));
+}
+
 }  // namespace
 }  // namespace kestrel::test

@@ -26,6 +26,7 @@
 #include "app/window/file_of.h"
 #include "app/window/fitting_area.h"
 #include "app/window/image_files.h"
+#include "app/window/image_identity.h"
 #include "app/window/lamp.h"
 #include "app/window/log_panel.h"
 #include "app/window/menus.h"
@@ -165,6 +166,13 @@ void MainWindow::buildImages() {
     display_->showAddress(address, 0);
     showTitle();
   });
+  options_->identity().lookAt(
+      [this] {
+        const bool isEmpty =
+            parts_.form.state().CodeFrom == CodeSource::Start && !isBufferChanged();
+        return isEmpty ? images::Bytes() : editor_.image();
+      },
+      [this] { return parts_.form.runner().isRunning(); });
   display_->letType([this] { return parts_.form.isCodeOnView(); },
                     [this] { return static_cast<std::int32_t>(editor_.size()); },
                     [this](std::int32_t address, std::uint8_t value, bool goesOn) {
@@ -233,6 +241,7 @@ void MainWindow::commandEnded() {
   display_->showMap();
   commands_->showVoltage();
   editor_.lookAtBuffer();
+  options_->identity().lookSoon();
   showTitle();
   notices_->look();
   ErrorLamp& alert = strip_->errorLamp();

@@ -16,6 +16,7 @@
 #include "app/window/device_box.h"
 #include "app/window/device_card.h"
 #include "app/window/elided_label.h"
+#include "app/window/image_identity.h"
 #include "app/window/lamp.h"
 #include "app/window/range_reporter.h"
 #include "app/window/step_label.h"
@@ -120,6 +121,8 @@ void OptionsPanel::buildFile(QBoxLayout& column) {
   name->setAccessibleName("Code file name");
   file->addWidget(name, 1);
   file->addWidget(size);
+  identity_ = new ImageIdentity(widget());
+  column.addWidget(identity_);
 }
 
 void OptionsPanel::buildDataFile(QBoxLayout& column) {

@@ -14,6 +14,7 @@ namespace kestrel::window {
 
 class DeviceBox;
 class DeviceCard;
+class ImageIdentity;
 
 /// The left side, from top to bottom in the order of the work: device, file, options; at the foot
 /// the board.
@@ -24,6 +25,7 @@ class OptionsPanel final : public QScrollArea {
 
   [[nodiscard]] DeviceBox& device() const { return *device_; }
   [[nodiscard]] DeviceCard& card() const { return *card_; }
+  [[nodiscard]] ImageIdentity& identity() const { return *identity_; }
   [[nodiscard]] QSize sizeHint() const override;
   [[nodiscard]] QSize minimumSizeHint() const override;
 
@@ -52,6 +54,7 @@ class OptionsPanel final : public QScrollArea {
   IconSet& icons_;
   DeviceBox* device_ = nullptr;
   DeviceCard* card_ = nullptr;
+  ImageIdentity* identity_ = nullptr;
   QLabel* hardware_ = nullptr;
 };
 
