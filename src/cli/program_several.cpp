@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "cli/backup_name.h"
+#include "app/form/backup_name.h"
 #include "cli/exit_status.h"
 #include "cli/session.h"
 #include "platform/file_names.h"
@@ -31,24 +31,15 @@ class TerminalBench final : public form::SeriesBench {
   void chipDone(const form::SeriesChip& chip) override {
     count_.add(chip);
     session_.keepSimulatedChip();
-    if (report_ != nullptr) report_->add(chip, session_.deviceName(), dateAndTime());
+    if (report_ != nullptr) report_->add(chip, session_.deviceName(), form::dateAndTime());
     if (session_.json() != nullptr) {
       session_.json()->chip(chip, session_.deviceName());
     } else {
-      print(chip);
+      session_.out() << form::textOf(chip) << std::endl;
     }
   }
 
  private:
-  void print(const form::SeriesChip& chip) const {
-    std::ostream& out = session_.out();
-    out << "Chip " << chip.number << ": " << (chip.isGood() ? "good" : "BAD");
-    if (!chip.serial.empty()) out << ", serial number " << shownName(chip.serial);
-    if (chip.isGood()) out << ", sum " << chip.sum;
-    if (!chip.isGood()) out << ", " << chip.result.reason;
-    out << std::endl;
-  }
-
   Session& session_;
   form::SeriesReport* report_;
   form::SeriesCount count_;

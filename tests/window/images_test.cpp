@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 
-#include <QFileDialog>
+#include <QGroupBox>
 #include <QPushButton>
 
+#include "app/window/chip_backup.h"
+#include "app/window/outcome_line.h"
+#include "simulator/chip_factory.h"
 #include "window/window_rig.h"
 
 namespace kestrel::test {
@@ -154,7 +157,7 @@ TEST(Identity, ofTheImageStandsUnderTheFileAndFollowsATypedByte) {
   auto& identity = rig.find("imageIdentity");
   EXPECT_FALSE(identity.isVisible()) << "no image yet";
   std::vector<std::uint8_t> twice(0x1000, 0xFF);
-  for (const std::size_t at : {0x10, 0x810}) twice[at] = 0x00;
+  for (const std::size_t at : {0x10U, 0x810U}) twice[at] = 0x00;
   rig.openFile("a.bin", twice);
   const auto told = [&](const char* text) {
     return QTest::qWaitFor([&] { return identity.toolTip().contains(text); }, 5'000);
@@ -166,6 +169,73 @@ TEST(Identity, ofTheImageStandsUnderTheFileAndFollowsATypedByte) {
   page.setFocus();
   QTest::keyClicks(&page, "00");
   EXPECT_TRUE(QTest::qWaitFor([&] { return !identity.toolTip().contains("2 times"); }, 5'000));
+}
+
+TEST(Several, chipsGetTheirNumbersTheBadOneNoneAndEscEnds) {
+  StartedRig rig("27C256");
+  std::vector<std::uint8_t> image(0x8000, 0xFF);
+  for (const std::size_t at : {0x100U, 0x7FFCU}) image[at] = 0x5A;
+  rig.openFile("a.bin", image);
+  std::vector<std::vector<std::uint8_t>> chips;
+  rig.window.changeChipsBy({.changeChip =
+                                [&](std::size_t number) {
+                                  rig.board().blankChip();
+                                  if (number == 2) rig.board().fitWeakCell(0x100);
+                                  if (number == 3) rig.board().insert(sim::makeChip("27C256"));
+                                },
+                            .keepChip = [&] { chips.push_back(rig.chipContents()); }});
+  const std::string table = (rig.folder / "t.csv").string();
+  QTimer bench;
+  int pressed = 0;
+  const WithDialog series(
+      [&](QDialog& dialog) {
+        dialog.findChild<QGroupBox*>("serialFields")->setChecked(true);
+        dialog.findChild<QLineEdit*>("serialAt")->setText("7FFC");
+        dialog.findChild<QLineEdit*>("serialStart")->setText("41");
+        dialog.findChild<QLineEdit*>("serialCounter")
+            ->setText(QString::fromStdString((rig.folder / "counter").string()));
+        dialog.findChild<QLineEdit*>("seriesReport")->setText(QString::fromStdString(table));
+        auto& next = *dialog.findChild<QPushButton*>("seriesNext");
+        QObject::connect(&bench, &QTimer::timeout, &dialog, [&] {
+          if (rig.form.runner().isRunning() || !next.isEnabled()) return;
+          // Queued: a timer does not fire again while its slot waits for the next chip.
+          QMetaObject::invokeMethod(
+              &dialog, [&, again = ++pressed <= 3] { again ? next.click() : dialog.reject(); },
+              Qt::QueuedConnection);
+        });
+        bench.start(20);
+      },
+      "seriesDialog");
+  rig.trigger("programSeveral");
+  ASSERT_EQ(chips.size(), 3U);
+  EXPECT_EQ(chips[0][0x7FFC], 41);
+  EXPECT_EQ(chips[2][0x7FFC], 42) << "the number of the bad one goes to the next";
+  const std::string report = readWholeTextFile(table);
+  EXPECT_THAT(report, HasSubstr("1,Eprom 27C256,41,good,"));
+  EXPECT_THAT(report, HasSubstr("2,Eprom 27C256,,bad,"));
+  EXPECT_EQ(rig.form.state().CodeBuffer[0x7FFC], 0x5A) << "the buffer is the image again";
+  EXPECT_FALSE(rig.controls().VerifyAfterProgramming.isTicked());
+}
+
+TEST(Backup, keepsWhatAChipHeldBeforeItIsErasedOrLeavesItAlone) {
+  StartedRig rig("28C256");
+  rig.board().loadChip(countingBytes(0x8000));
+  const auto folder = rig.folder / "kept";
+  std::filesystem::create_directories(folder);
+  rig.settings.setValue("Window", "BackupFolder", folder.string());
+  window::ChipBackup backup({.window = rig.window,
+                             .form = rig.form,
+                             .outcome = dynamic_cast<window::OutcomeLine&>(rig.find("outcome")),
+                             .settings = rig.settings},
+                            rig.find<QMenu>("mnuDevice"), "menuCommandBar0");
+  EXPECT_TRUE(backup.mayPress(rig.controls().EraseFlash_button));
+  const std::filesystem::directory_iterator kept(folder);
+  ASSERT_NE(kept, std::filesystem::directory_iterator());
+  EXPECT_EQ(readWholeFile(kept->path(), 0x8000), countingBytes(0x8000));
+  std::filesystem::remove_all(folder);
+  const WithDialog told = answering(QMessageBox::Ok);
+  EXPECT_FALSE(backup.mayPress(rig.controls().Program_button)) << "nowhere to keep it";
+  EXPECT_TRUE(backup.mayPress(rig.controls().Read_button));
 }
 
 }  // namespace

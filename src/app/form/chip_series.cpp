@@ -74,7 +74,9 @@ std::string ChipSeries::giveNumber() {
 // An EEPROM may hold anything, but not 00h everywhere by chance: the pins are open there.
 CommandResult ChipSeries::checkSocket() {
   const devices::Family& family = devices::familyOf(form_.state().FamilyCode);
-  if (family.bus == devices::BusKind::Serial) return {};  // asks for an acknowledge by itself
+  const bool isSerial = family.bus == devices::BusKind::Serial;  // asks for an acknowledge itself
+  if (isSerial && !bench_.keepsContents()) return {};
+  if (isSerial) return checkContact();
   if (family.offersErase || !family.hasBlankCheck) return checkContact();
   CommandResult result = form_.runner().press(form_.controls().Blank_button);
   if (result.ending == Ending::Differs && form_.state().ReadByte == 0) {
@@ -86,10 +88,13 @@ CommandResult ChipSeries::checkSocket() {
 CommandResult ChipSeries::checkContact() {
   std::vector<std::uint8_t> chip;
   CommandResult result = form_.readAside(chip);
-  const bool isZero = std::ranges::all_of(chip, [](std::uint8_t byte) { return byte == 0; });
+  const bool isSerial = devices::familyOf(form_.state().FamilyCode).bus == devices::BusKind::Serial;
+  const bool isZero =
+      !isSerial && std::ranges::all_of(chip, [](std::uint8_t byte) { return byte == 0; });
   if (result.ending == Ending::Done && isZero) {
     return {.ending = Ending::Failed, .reason = "every byte reads 00h: the chip has no contact"};
   }
+  if (result.ending == Ending::Done && bench_.keepsContents()) return bench_.keep(chip);
   return result;
 }
 

@@ -30,6 +30,11 @@ class SeriesBench {
   /// the socket without supply.
   virtual bool isNextChipIn(std::size_t number) = 0;
 
+  /// What a chip that can be written again holds is to be kept before it is written. `keep` puts it
+  /// somewhere; the chip is left as it is when that does not end well.
+  [[nodiscard]] virtual bool keepsContents() const { return false; }
+  virtual CommandResult keep(const std::vector<std::uint8_t>& /*contents*/) { return {}; }
+
   /// A chip is done, good or bad. The series ends when this throws.
   virtual void chipDone(const SeriesChip& chip) = 0;
 };

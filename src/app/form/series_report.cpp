@@ -5,6 +5,7 @@
 #include <sstream>
 
 #include "platform/atomic_file.h"
+#include "platform/file_names.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::form {
@@ -57,6 +58,12 @@ void SeriesReport::write() const {
   std::string text = std::string(kHead) + '\n';
   for (const std::string& row : rows_) text += row + '\n';
   writeFileAtomically(file_, text);
+}
+
+std::string textOf(const SeriesChip& chip) {
+  std::string text = "Chip " + std::to_string(chip.number) + (chip.isGood() ? ": good" : ": BAD");
+  if (!chip.serial.empty()) text += ", serial number " + shownName(chip.serial);
+  return text + (chip.isGood() ? ", sum " + chip.sum : ", " + chip.result.reason);
 }
 
 void SeriesCount::add(const SeriesChip& chip) {

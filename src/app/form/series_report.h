@@ -30,6 +30,9 @@ class SeriesReport {
   std::vector<std::string> rows_;
 };
 
+/// "Chip 3: good, serial number 102, sum 7A2C", or why it is bad.
+[[nodiscard]] std::string textOf(const SeriesChip& chip);
+
 /// How many chips were good and how many bad.
 struct SeriesCount {
   std::size_t good = 0;

@@ -64,7 +64,8 @@ void SimulatedBoard::fitFault(const Fault& fault) {
       if (fault.value >= board.chip()->contents().size()) {
         throw UsageError("--fault weak: the address is past the end of the chip");
       }
-      board.fitWeakCell(static_cast<std::uint32_t>(fault.value));
+      weakCells_.push_back(static_cast<std::uint32_t>(fault.value));
+      board.fitWeakCell(weakCells_.back());
       break;
     case Fault::Kind::StuckDataLine:
       board.stickDataLine(static_cast<int>(fault.value), false);  // a short to ground
@@ -105,6 +106,7 @@ void SimulatedBoard::changeChip(std::size_t number) {
     if (isThere(chipFile_)) readChipFile(*chip);
   }
   board().insert(std::move(chip));
+  for (const std::uint32_t address : weakCells_) board().fitWeakCell(address);
 }
 
 // A chip that sits beside latches at 0 while the board is switched on is no fault of the program.

@@ -82,6 +82,7 @@ class SimulatedBoard {
   std::filesystem::path seriesFile_;        ///< with it the names of a series begin
   std::vector<std::uint8_t> fileContents_;  ///< as last read or written; empty: no file yet
   std::vector<std::uint64_t> unplugAfter_;
+  std::vector<std::uint32_t> weakCells_;  ///< of every chip of a series
 };
 
 /// The simulated chip that fits a device of the catalogue ("Eprom 27C256": "27C256"); empty when

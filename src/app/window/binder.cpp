@@ -20,6 +20,7 @@ void setChecked(QRadioButton& button, bool on) {
 }  // namespace
 
 void Binder::press(Button& control) const {
+  if (guard_ && control.enabled() && !runner_.isRunning() && !guard_(control)) return;
   if (press_ && !runner_.isRunning()) press_(control);
   const CommandResult result = runner_.press(control);
   if (pressed_) pressed_(control, result);

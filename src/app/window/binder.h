@@ -32,6 +32,9 @@ class Binder {
   /// `listener` hears that a button or menu entry is about to be pressed.
   void onPress(std::function<void(const Control&)> listener) { press_ = std::move(listener); }
 
+  /// Asked before a button or menu entry is pressed; false keeps it from being.
+  void onGuard(std::function<bool(const Control&)> guard) { guard_ = std::move(guard); }
+
   /// `listener` hears how each press of a button or menu entry ended.
   void onPressed(std::function<void(const Control&, const CommandResult&)> listener) {
     pressed_ = std::move(listener);
@@ -57,6 +60,7 @@ class Binder {
  private:
   Mirror& mirror_;
   form::CommandRunner& runner_;
+  std::function<bool(const Control&)> guard_;
   std::function<void(const Control&)> press_;
   std::function<void(const Control&, const CommandResult&)> pressed_;
 };

@@ -96,6 +96,8 @@ int runProgram(const Arguments& arguments) {
     auto* const panel =
         new SimulatedBoardPanel(*simulated, program.form().runner(), input, &window);
     window.addSidePanel(*panel, "Simulated board");
+    window.changeChipsBy({.changeChip = [simulated](std::size_t n) { simulated->changeChip(n); },
+                          .keepChip = [simulated] { simulated->saveChip(); }});
     watchSocket(*simulated, window.deviceCard());
     window.onLeaving([panel] { return panel->keepChip(); });
   } else {

@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "app/window/buffer_changes.h"
+#include "app/window/chip_backup.h"
 #include "app/window/command_bar.h"
 #include "app/window/device_box.h"
 #include "app/window/device_card.h"
@@ -166,6 +167,14 @@ void MainWindow::buildImages() {
     display_->showAddress(address, 0);
     showTitle();
   });
+  backup_ = new ChipBackup(
+      {.window = *this, .form = parts_.form, .outcome = *outcome_, .settings = parts_.settings},
+      menus_->deviceMenu(), "menuCommandBar0");
+  binder.onGuard([this](const Control& control) { return backup_->mayPress(control); });
+  auto* const several = new QAction("Program Se&veral...", this);
+  several->setObjectName("programSeveral");
+  connect(several, &QAction::triggered, this, [this] { programSeveral(); });
+  menus_->deviceMenu().insertAction(findChild<QAction*>("menuDisplayCode"), several);
   options_->identity().lookAt(
       [this] {
         const bool isEmpty =

@@ -15,6 +15,7 @@
 #include "app/window/qt_dialogs.h"
 #include "app/window/qt_screen.h"
 #include "app/window/recent_files.h"
+#include "app/window/series_dialog.h"
 #include "app/window/theme.h"
 #include "images/ranges.h"
 
@@ -25,6 +26,7 @@ class QSplitter;
 namespace kestrel::window {
 
 class BufferChanges;
+class ChipBackup;
 class CommandBar;
 class DeviceCard;
 class DisplayPanel;
@@ -89,6 +91,9 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   /// A notice of a missing board offers to go over to a simulated one.
   void offerSimulation(std::function<void()> simulate);
 
+  /// The simulated board changes the chips of a series.
+  void changeChipsBy(SimulatedSeries simulated) { simulated_ = std::move(simulated); }
+
   /// Asked when the window is about to close for good; false keeps it.
   void onLeaving(std::function<bool()> mayLeave) { mayLeave_ = std::move(mayLeave); }
 
@@ -123,6 +128,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   [[nodiscard]] bool mayLoseRead();
   bool saveCodeAs();
 
+  void programSeveral();
   void compareWithChip();
   void compareWithFile();
   [[nodiscard]] images::Bytes imageForChip() const;
@@ -150,6 +156,9 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   DisplayPanel* display_ = nullptr;
   ImageFiles* files_ = nullptr;
   BufferChanges* changes_ = nullptr;
+  ChipBackup* backup_ = nullptr;
+  SimulatedSeries simulated_;
+  SeriesSettings series_;
   LogPanel* log_ = nullptr;
   QSplitter* split_ = nullptr;
   QDockWidget* side_ = nullptr;

@@ -1,4 +1,4 @@
-// What the main window does beside the form's commands: comparing, and recording waves.
+// What the main window does beside the form's commands: a series, comparing, recording waves.
 
 #include <QFileInfo>
 #include <QMenu>
@@ -70,6 +70,23 @@ void MainWindow::compareWithFile() {
   } catch (const FileError& error) {
     QMessageBox::warning(this, "Kestrel", onOneLine(error.what()));
   }
+}
+
+void MainWindow::programSeveral() {
+  if (strip_->errorLamp().isAlert()) binder.press(controls_.Error_label);
+  if (!controls_.Program_button.enabled()) {
+    outcome_->tell("Program Several: choose a device and open a file first.");
+    return;
+  }
+  SeriesDialog dialog({.form = parts_.form,
+                       .dialogs = parts_.dialogs,
+                       .input = parts_.input,
+                       .stop = parts_.stop,
+                       .backup = *backup_,
+                       .simulated = simulated_},
+                      series_, this);
+  dialog.exec();
+  series_ = dialog.settings();
 }
 
 // The second press ends what the first began.

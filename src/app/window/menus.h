@@ -26,6 +26,7 @@ class Menus final : public QObject {
   void onOpenRecent(std::function<void(const std::filesystem::path&)> open);
 
   [[nodiscard]] QMenu& fileMenu() const { return *file_; }
+  [[nodiscard]] QMenu& deviceMenu() const { return *device_; }
   [[nodiscard]] QMenu& hardwareMenu() const { return *hardware_; }
   [[nodiscard]] QMenu& bufferMenu() const { return *buffer_; }
 

@@ -27,6 +27,10 @@ class QtDialogs final : public Dialogs {
   void answerNextOpen(const std::filesystem::path& file) { nextOpen_ = file; }
   void forgetNextOpen() { nextOpen_.reset(); }
 
+  /// While this is on, nothing is asked and nothing shown: every answer is OK. For a series, which
+  /// tells what came of each chip by itself.
+  void answerAll(bool on) { answersAll_ = on; }
+
   /// A command begins.
   void beginCommand();
   /// The milliseconds since then that questions waited for their answers.
@@ -49,6 +53,7 @@ class QtDialogs final : public Dialogs {
   QPointer<QWidget> owner_;
   std::optional<std::filesystem::path> nextOpen_;
   bool fileCancelled_ = false;
+  bool answersAll_ = false;
   qint64 asked_ = 0;
 };
 

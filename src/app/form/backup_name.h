@@ -7,7 +7,7 @@
 
 #include "images/ranges.h"
 
-namespace kestrel::cli {
+namespace kestrel::form {
 
 /// The local date and time, for example 2026-11-21T17:05:09.
 [[nodiscard]] inline std::string dateAndTime() {
@@ -35,4 +35,4 @@ namespace kestrel::cli {
   return file.string();
 }
 
-}  // namespace kestrel::cli
+}  // namespace kestrel::form

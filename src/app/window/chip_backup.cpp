@@ -1,0 +1,71 @@
+#include "app/window/chip_backup.h"
+
+#include <QAction>
+#include <QDir>
+#include <QFileDialog>
+#include <QMainWindow>
+#include <QMenu>
+#include <algorithm>
+
+#include "app/form/backup_name.h"
+#include "app/state/text_format.h"
+#include "app/window/binder.h"
+#include "app/window/elided_label.h"
+#include "app/window/file_of.h"
+#include "images/checksums.h"
+
+namespace kestrel::window {
+namespace {
+
+constexpr const char* kSection = "Window";
+constexpr const char* kKey = "BackupFolder";
+
+}  // namespace
+
+ChipBackup::ChipBackup(const Parts& parts, QMenu& device, const char* before)
+    : QObject(&parts.window), parts_(parts) {
+  entry_ = new QAction(this);
+  entry_->setObjectName("keepOldContents");
+  entry_->setCheckable(true);
+  folder_ = toQString(parts.settings.value(kSection, kKey).value_or(""));
+  showFolder();
+  connect(entry_, &QAction::triggered, this, [this](bool on) { choose(on); });
+  device.insertAction(parts.window.findChild<QAction*>(before), entry_);
+}
+
+void ChipBackup::choose(bool on) {
+  folder_ = on ? QFileDialog::getExistingDirectory(&parts_.window, "Keep Old Contents In") : "";
+  parts_.settings.setValue(kSection, kKey, folder_.toStdString());
+  showFolder();
+}
+
+void ChipBackup::showFolder() {
+  entry_->setChecked(!folder_.isEmpty());
+  entry_->setText(folder_.isEmpty()
+                      ? QString("&Keep Old Contents...")
+                      : "&Keep Old Contents in " + QDir(folder_).dirName().replace("&", "&&"));
+  entry_->setToolTip(folder_);
+}
+
+bool ChipBackup::mayPress(const Control& control) {
+  Controls& c = parts_.form.controls();
+  const bool destroys = &control == &c.Program_button || &control == &c.menuProgramCode ||
+                        &control == &c.EraseFlash_button || &control == &c.menuEraseFlash;
+  if (folder_.isEmpty() || !destroys || !c.CheckCode.isTicked()) return true;
+  images::Bytes chip;
+  CommandResult result = parts_.form.readAside(chip);
+  if (result.ending == Ending::Done) result = keep(folder_, chip);
+  if (result.ending == Ending::Done) return true;
+  parts_.outcome.tell("The old contents could not be kept, the chip is left as it is: " +
+                      onOneLine(QString::fromStdString(result.reason)));
+  return false;
+}
+
+CommandResult ChipBackup::keep(const QString& folder, const std::vector<std::uint8_t>& chip) {
+  if (std::ranges::all_of(chip, [](std::uint8_t byte) { return byte == kErased; })) return {};
+  const std::string device(trimmed(parts_.form.state().DeviceName));
+  return parts_.form.exportImage(form::backupName(fileOf(folder), device, images::sum16(chip)),
+                                 chip);
+}
+
+}  // namespace kestrel::window
