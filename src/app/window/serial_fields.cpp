@@ -7,7 +7,7 @@
 
 namespace kestrel::window {
 
-SerialFields::SerialFields(QWidget* parent) : QGroupBox("&Serial numbers", parent) {
+SerialFields::SerialFields(QWidget* parent) : QGroupBox("Serial num&bers", parent) {
   setObjectName("serialFields");
   setCheckable(true);
   setChecked(false);

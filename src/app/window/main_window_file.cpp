@@ -1,0 +1,111 @@
+// The main window's code file: its name in the title, what would be lost with it, a file dropped.
+
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTimer>
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+#include "app/window/buffer_changes.h"
+#include "app/window/elided_label.h"
+#include "app/window/file_of.h"
+#include "app/window/main_window.h"
+
+namespace kestrel::window {
+
+void MainWindow::bufferIsInFile() {
+  if (parts_.dialogs.wasFileCancelled() || codeFileName().isEmpty()) return;
+  origin_.isInFile();
+  recent.add(codeFileName());
+}
+
+// A setup may name a file or none: by the sum of its bytes the buffer tells which it was.
+bool MainWindow::holdsLoadedFile() const {
+  const ProgrammerState& state = parts_.form.state();
+  const auto end = state.CodeBuffer.begin() +
+                   std::clamp(state.CodeLength, 0, static_cast<int>(state.CodeBuffer.size()));
+  const std::uint32_t sum = std::accumulate(state.CodeBuffer.begin(), end, std::uint32_t{0});
+  return std::cmp_equal(sum % 65536, state.FileChecksum);
+}
+
+QString MainWindow::codeFileName() const { return toQString(parts_.form.state().CodeFileName); }
+
+void MainWindow::showTitle() {
+  const QString name = toQString(controls_.frmMain.caption());
+  QString shown = origin_.title(onOneLine(QFileInfo(codeFileName()).fileName()));
+  if (isBufferChanged()) shown += shown.isEmpty() ? "buffer changed" : " (changed)";
+  const bool isModified = origin_.isChanged() || isBufferChanged();
+  if (!isModified) setWindowModified(false);
+  setWindowTitle((shown.isEmpty() ? QString() : shown + (isModified ? "[*] - " : " - ")) + name);
+  setWindowModified(isModified);
+  changes_->showSteps();
+}
+
+bool MainWindow::isBufferChanged() const { return parts_.form.state().CodeChanged; }
+
+bool MainWindow::saveCodeAs() {
+  binder.press(controls_.mnuFileSaveCodeAs);
+  return !origin_.isUnsavedRead() && !isBufferChanged();
+}
+
+// Behind the first file that was opened, Save writes over it without a word, whatever the buffer
+// holds since then.
+bool MainWindow::maySaveOverFile() {
+  if (!origin_.isChanged() || codeFileName().isEmpty()) return true;
+  const QString file = onOneLine(QFileInfo(codeFileName()).fileName());
+  QMessageBox box(QMessageBox::Question, "Kestrel",
+                  origin_.isUnsavedRead() ? "The buffer holds what was read from the chip."
+                                          : "The buffer has been erased.",
+                  QMessageBox::Cancel, this);
+  box.setObjectName("overwriteQuestion");
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText("Write it over the file " + file + "?");
+  QAbstractButton* const overwrite = box.addButton("Over&write", QMessageBox::DestructiveRole);
+  QAbstractButton* const other = box.addButton("Save &As...", QMessageBox::ActionRole);
+  box.setDefaultButton(QMessageBox::Cancel);
+  box.exec();
+  if (box.clickedButton() == other) saveCodeAs();
+  return box.clickedButton() == overwrite;
+}
+
+bool MainWindow::mayLoseRead() {
+  if (!origin_.isUnsavedRead() && !isBufferChanged()) return true;
+  QMessageBox box(QMessageBox::Question, "Kestrel",
+                  origin_.isUnsavedRead() ? "What was read from the chip has not been saved."
+                                          : "The buffer was changed and has not been saved.",
+                  QMessageBox::Cancel, this);
+  box.setObjectName("unsavedQuestion");
+  QAbstractButton* const save = box.addButton("Save &As...", QMessageBox::AcceptRole);
+  QAbstractButton* const lose =
+      box.addButton("Close &Without Saving", QMessageBox::DestructiveRole);
+  box.setDefaultButton(QMessageBox::Cancel);
+  box.exec();
+  if (box.clickedButton() == save) return saveCodeAs();
+  return box.clickedButton() == lose;
+}
+
+void MainWindow::openCodeFile(const std::filesystem::path& file) {
+  parts_.dialogs.answerNextOpen(file);
+  binder.press(controls_.mnuFileOpenCode);
+  parts_.dialogs.forgetNextOpen();
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
+  const QList<QUrl> files = event->mimeData()->urls();
+  const bool usable = files.size() == 1 && files.first().isLocalFile();
+  if (usable && !parts_.form.runner().isRunning()) event->acceptProposedAction();
+}
+
+// The file is opened after the drop: the other program waits for its end, and a box may come up.
+void MainWindow::dropEvent(QDropEvent* event) {
+  const QUrl url = event->mimeData()->urls().value(0);
+  if (!url.isLocalFile() || parts_.form.runner().isRunning()) return;
+  event->acceptProposedAction();
+  QTimer::singleShot(0, this, [this, file = fileOf(url)] { openCodeFile(file); });
+}
+
+}  // namespace kestrel::window
