@@ -120,6 +120,7 @@ void BufferFiles::showCode(const std::string& name) {
 // Bytes beyond the file keep what the buffer held before.
 void BufferFiles::storeCode() {
   buffers_.CodeLength = narrowed<std::int32_t>(buffers_.FileBytes.size());
+  buffers_.CodeImageBytes = buffers_.CodeLength;
   std::ranges::copy(buffers_.FileBytes, buffers_.CodeBuffer.begin());
   buffers_.CodeFrom = CodeSource::File;
   buffers_.CodeChanged = false;
@@ -156,6 +157,7 @@ void BufferFiles::showChanged(std::int32_t length) {
   buffers_.DisplayMode = "Read";
   if (buffers_.CodeLength != length) {
     buffers_.CodeLength = length;
+    buffers_.CodeImageBytes = length;
     controls_.VScroll1.setMaximum(length / display::kPageBytes - 1);
     controls_.FileNameCodeSize.setCaption("(" + std::to_string(length) + ")");
   }

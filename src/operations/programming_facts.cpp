@@ -26,11 +26,11 @@ Fact sourceFact(const SelectionState& device, const BufferState& buffers) {
   const std::string name = std::filesystem::path(buffers.CodeFileName).filename().string();
   switch (buffers.CodeFrom) {
     case CodeSource::File:
-      return {.text = "Image: " + shownName(name) + ", " + bytes(buffers.CodeLength)};
+      return {.text = "Image: " + shownName(name) + ", " + bytes(buffers.CodeImageBytes)};
     case CodeSource::Import:
       return {.text = "Image: imported from " +
                       shownName(std::filesystem::path(buffers.CodeMadeOf).filename().string()) +
-                      ", " + bytes(buffers.CodeLength)};
+                      ", " + bytes(buffers.CodeImageBytes)};
     case CodeSource::Chip:
       return {.text = "Image: read from " + buffers.CodeReadFrom,
               .isWarning = buffers.CodeReadFrom != trimmed(device.DeviceName)};
@@ -52,7 +52,7 @@ std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buf
   const bool isFile =
       buffers.CodeFrom == CodeSource::File || buffers.CodeFrom == CodeSource::Import;
   if (!isFile) return {};
-  const std::int32_t more = buffers.CodeLength - device.DeviceSizeBytes;
+  const std::int32_t more = buffers.CodeImageBytes - device.DeviceSizeBytes;
   if (more > 0) {
     return {{.text = "The file is longer than the chip: the last " + bytes(more) + " are left out",
              .isWarning = true}};

@@ -136,6 +136,7 @@ TEST(Compare, showsEveryDifferenceOfTheChipAndKeepsTheBuffer) {
 TEST(SafetyQuestion, tellsWhatWillBeDoneAndWhatDoesNotFit) {
   StartedRig rig("27C256");
   rig.openFile("image.bin", countingBytes(32'000));
+  rig.select("27C256");  // behind the file, and it makes CodeLength its own size
   QString facts;
   const WithDialog question([&](QDialog& dialog) {
     facts = dynamic_cast<QMessageBox&>(dialog).informativeText();

@@ -127,10 +127,11 @@ struct BufferState {
   std::string CodeFileName;
   std::string DataFileName;
   CodeSource CodeFrom = CodeSource::Start;
-  std::string CodeReadFrom;             ///< the device that CodeBuffer was read from last
-  std::string CodeMadeOf;               ///< the file that it was imported from last
-  std::int32_t CodeLoads = 0;           ///< how often it was loaded, read or erased as a whole
-  bool CodeChanged = false;             ///< bytes of it were changed since, and not saved
+  std::string CodeReadFrom;         ///< the device that CodeBuffer was read from last
+  std::string CodeMadeOf;           ///< the file that it was imported from last
+  std::int32_t CodeImageBytes = 0;  ///< of that file; CodeLength is the chip's once one is chosen
+  std::int32_t CodeLoads = 0;       ///< how often it was loaded, read or erased as a whole
+  bool CodeChanged = false;         ///< bytes of it were changed since, and not saved
   std::vector<std::uint8_t> FileBytes;  ///< the whole file while it is loaded, otherwise empty
   std::int32_t FileChecksum = 0;        ///< 0..65535
   std::string FileChecksumText;
