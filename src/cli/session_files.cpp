@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <span>
 
-#include "app/state/text_format.h"
 #include "app/form/backup_name.h"
+#include "app/state/text_format.h"
 #include "cli/exit_status.h"
 #include "cli/session.h"
 #include "images/image_file.h"
@@ -38,7 +38,8 @@ void Session::keepChip() {
   if (std::ranges::all_of(chip, [](std::uint8_t byte) { return byte == kErased; })) {
     if (!p_.arguments.quiet) p_.out << "The chip is blank: there is nothing to keep" << std::endl;
   } else {
-    const std::string name = form::backupName(*p_.arguments.backup, deviceName(), images::sum16(chip));
+    const std::string name =
+        form::backupName(*p_.arguments.backup, deviceName(), images::sum16(chip));
     endUnlessDone(p_.form.exportImage(name, chip));
   }
   last_ = {};
