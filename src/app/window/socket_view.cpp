@@ -26,6 +26,8 @@ int rowOf(int socketPin) {
 
 bool hasPin(std::uint32_t levels, int socketPin) { return (levels >> (socketPin - 1) & 1U) != 0; }
 
+int namePixels(double row) { return std::max(1, static_cast<int>(row * kNameHeight)); }
+
 }  // namespace
 
 /// Where things are, in pixels.
@@ -101,7 +103,7 @@ void SocketView::paintEvent(QPaintEvent*) {
   painter.setRenderHint(QPainter::Antialiasing);
   const Layout place = layOut();
   QFont font = this->font();
-  font.setPixelSize(std::max(1, static_cast<int>(place.row * kNameHeight)));
+  font.setPixelSize(namePixels(place.row));
   painter.setFont(font);
   paintSocket(painter, place);
   if (pinout_.count() > 0) paintChip(painter, place);
@@ -158,8 +160,11 @@ void SocketView::paintPin(QPainter& painter, const Layout& place, int pin) const
   QFont font = painter.font();
   const bool isMarked = pin == pinout_.vppPin || pin == 1 || name == "VCC" || name == "GND";
   font.setBold(isMarked);
-  painter.setFont(font);
+  font.setPixelSize(namePixels(row));
   const QRectF room = place.name(socketPin).adjusted(row * 0.3, 0, -row * 0.3, 0);
+  const double wide = QFontMetricsF(font).horizontalAdvance(name);
+  if (wide > room.width()) font.setPixelSize(namePixels(row * room.width() / wide));  // /OE/VPP
+  painter.setFont(font);
   painter.setPen(pin == pinout_.vppPin ? inkColour(Colour::Red, palette())
                                        : palette().color(QPalette::WindowText));
   const Qt::Alignment side = left ? Qt::AlignLeft : Qt::AlignRight;
