@@ -11,6 +11,14 @@
 
 namespace kestrel::data_sheet {
 
+/// Every wait for a chip ends after so many times the longest time that its data sheet gives.
+inline constexpr int kTimeOutFactor = 3;
+
+/// Whether programming, which makes zeros, can still make the wanted byte of the one seen.
+[[nodiscard]] constexpr bool canBecome(std::uint8_t seen, std::uint8_t wanted) {
+  return (seen & wanted) == wanted;
+}
+
 /// What came of it.
 struct Outcome {
   enum class Kind {

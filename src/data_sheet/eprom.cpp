@@ -5,13 +5,7 @@
 namespace kestrel::data_sheet {
 namespace {
 
-constexpr std::uint8_t kBlank = 0xFF;
 constexpr std::int32_t kVppOnMs = 10;  // 12.5 V through its switch to the pin
-
-/// Whether programming, which makes zeros, can still make the wanted byte of the one seen.
-constexpr bool canBecome(std::uint8_t seen, std::uint8_t wanted) {
-  return (seen & wanted) == wanted;
-}
 
 }  // namespace
 
@@ -50,7 +44,7 @@ Outcome Eprom::programWholeChip(std::span<const std::uint8_t> image, Progress& p
   bus().vppOn();
   bus().waitMs(kVppOnMs);
   for (std::uint32_t address = 0; address < image.size(); ++address) {
-    if (image[address] != kBlank) {
+    if (image[address] != kErased) {
       bus().setAddress(address);
       pulse(image[address], sheet_.pulseUs);
     }
@@ -59,7 +53,7 @@ Outcome Eprom::programWholeChip(std::span<const std::uint8_t> image, Progress& p
   for (std::uint32_t address = 0; address < image.size(); ++address) {
     const std::uint8_t wanted = image[address];
     bus().setAddress(address);
-    const Outcome outcome = programByte(address, wanted, wanted == kBlank ? 0 : 1);
+    const Outcome outcome = programByte(address, wanted, wanted == kErased ? 0 : 1);
     if (!outcome.isDone()) return outcome;
     progress.advance();
   }
@@ -68,8 +62,8 @@ Outcome Eprom::programWholeChip(std::span<const std::uint8_t> image, Progress& p
 
 /// `pulses` were given already.
 Outcome Eprom::programByte(std::uint32_t address, std::uint8_t wanted, int pulses) {
-  std::uint8_t seen = kBlank;
-  if (pulses != 0 || wanted == kBlank) seen = readBack();
+  std::uint8_t seen = kErased;
+  if (pulses != 0 || wanted == kErased) seen = readBack();
   while (seen != wanted && canBecome(seen, wanted) && pulses < sheet_.mostPulses) {
     pulse(wanted, sheet_.pulseUs);
     ++pulses;

@@ -1,14 +1,10 @@
 #include "data_sheet/flash.h"
 
-#include <algorithm>
-
 #include "app/state/text_format.h"
 
 namespace kestrel::data_sheet {
 namespace {
 
-constexpr std::uint32_t kUnlock1 = 0x5555;
-constexpr std::uint32_t kUnlock2 = 0x2AAA;
 constexpr std::uint8_t kIdentify = 0x90;
 constexpr std::uint8_t kProgram = 0xA0;
 constexpr std::uint8_t kErase = 0x80;
@@ -27,42 +23,18 @@ constexpr unsigned kToggleBit = 0x40;
 constexpr unsigned kTimeLimitBit = 0x20;
 
 constexpr int kQuickReads = 3;
-constexpr int kTimeOutFactor = 3;
 constexpr std::int32_t kBytePollUs = 25;
 constexpr std::int32_t kErasePollMs = 20;
 constexpr std::int32_t kMsPerSecond = 1000;
 
 }  // namespace
 
-void Flash::command(std::uint8_t code) {
-  write({kUnlock1, 0xAA});
-  write({kUnlock2, 0x55});
-  write({kUnlock1, code});
-}
-
 void Flash::reset() { write({0, kReset}); }
 
 devices::ChipCodes Flash::readCodes() {
-  command(kIdentify);
+  writeCommand(kIdentify);
   const devices::ChipCodes first = codesAt(0);
   return first.maker == kContinuation ? codesAt(kA8) : first;
-}
-
-std::optional<devices::ChipCodes> Flash::codes() {
-  const hardware::ChipSession session(bus(), chip().sheet.wiring);
-  bus().select();
-  const devices::ChipCodes seen = readCodes();
-  reset();
-  return seen;
-}
-
-// What the chip calls a protected sector means something only with a code that is right.
-Outcome Flash::identify() {
-  const devices::ChipCodes seen = readCodes();
-  Outcome outcome = checkCodes(seen, sheet_.codes);
-  if (seen == sheet_.codes) outcome = checkProtection();
-  reset();
-  return outcome;
 }
 
 Outcome Flash::checkProtection() {
@@ -76,16 +48,8 @@ Outcome Flash::checkProtection() {
   return {};
 }
 
-Outcome Flash::program(std::span<const std::uint8_t> image, Progress& progress) {
-  const hardware::ChipSession session(bus(), chip().sheet.wiring);
-  bus().select();
-  const Outcome outcome = identify();
-  if (!outcome.isDone()) return outcome;
-  return programWhatDiffers(image, progress);
-}
-
 Outcome Flash::programByte(std::uint32_t address, std::uint8_t wanted) {
-  command(kProgram);
+  writeCommand(kProgram);
   write({address, wanted});
   bus().enableOutputs();
   // Bit 7 is right only when the byte is. A typical chip has it in the first of these reads.
@@ -111,16 +75,11 @@ Outcome Flash::waitForByte(std::uint32_t address, std::uint8_t wanted) {
       hexText(seen_, 2) + "h");
 }
 
-Outcome Flash::erase(Progress& progress) {
-  const hardware::ChipSession session(bus(), chip().sheet.wiring);
-  bus().select();
-  Outcome outcome = identify();
-  if (!outcome.isDone()) return outcome;
-  command(kErase);
-  command(kEraseChip);
-  outcome = waitForErase(progress);
-  if (!outcome.isDone()) return outcome;
-  return checkErased(progress);
+Outcome Flash::eraseChip(Progress& progress) {
+  writeCommand(kErase);
+  writeCommand(kEraseChip);
+  const Outcome outcome = waitForErase(progress);
+  return outcome.isDone() ? checkErased(progress) : outcome;
 }
 
 // A chip that has given up its erase shows in its cells where.

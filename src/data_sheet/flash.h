@@ -17,24 +17,21 @@ namespace kestrel::data_sheet {
 class Flash final : public FlashChip {
  public:
   Flash(const ChipChoice& chip, const devices::FlashSheet& sheet, hardware::ChipBus& bus)
-      : FlashChip(chip, bus), sheet_(sheet) {}
-
-  [[nodiscard]] Outcome program(std::span<const std::uint8_t> image, Progress& progress) override;
-  [[nodiscard]] Outcome erase(Progress& progress) override;
-  [[nodiscard]] std::optional<devices::ChipCodes> codes() override;
+      : FlashChip(chip, sheet.codes, bus), sheet_(sheet) {}
 
  protected:
+  void powerUp() override { bus().select(); }
+  [[nodiscard]] devices::ChipCodes readCodes() override;
+  void leaveCodes() override { reset(); }
+  [[nodiscard]] Outcome checkProtection() override;
+  [[nodiscard]] Outcome eraseChip(Progress& progress) override;
   [[nodiscard]] Outcome programByte(std::uint32_t address, std::uint8_t wanted) override;
   void showCells() override {}
 
  private:
   enum class Work { Done, Busy, GivenUp };
 
-  void command(std::uint8_t code);
   void reset();
-  [[nodiscard]] devices::ChipCodes readCodes();
-  [[nodiscard]] Outcome identify();
-  [[nodiscard]] Outcome checkProtection();
   [[nodiscard]] Outcome waitForByte(std::uint32_t address, std::uint8_t wanted);
   [[nodiscard]] Outcome waitForErase(Progress& progress);
   [[nodiscard]] Work look();

@@ -1,17 +1,33 @@
 #pragma once
 
+#include "data_sheet/pages.h"
 #include "data_sheet/parallel_chip.h"
 
 namespace kestrel::data_sheet {
 
-/// What flash of both kinds shares: it tells its code, and is programmed byte by byte from FFh.
+/// What flash of both kinds shares: its code is read before anything is written, and it is
+/// programmed byte by byte from FFh.
 class FlashChip : public ParallelChip {
  public:
-  using ParallelChip::ParallelChip;
+  FlashChip(const ChipChoice& chip, devices::ChipCodes wanted, hardware::ChipBus& bus)
+      : ParallelChip(chip, bus), wanted_(wanted) {}
+
+  [[nodiscard]] Outcome program(std::span<const std::uint8_t> image, Progress& progress) final;
+  [[nodiscard]] Outcome erase(Progress& progress) final;
+  [[nodiscard]] std::optional<devices::ChipCodes> codes() final;
 
  protected:
-  /// Refuses a chip of another code by its name, unless that is to be passed over.
-  [[nodiscard]] Outcome checkCodes(devices::ChipCodes seen, devices::ChipCodes wanted) const;
+  /// Selects the chip and makes it take commands.
+  virtual void powerUp() = 0;
+
+  /// Enters the mode in which the chip tells its codes, and leaves it.
+  [[nodiscard]] virtual devices::ChipCodes readCodes() = 0;
+  virtual void leaveCodes() = 0;
+
+  /// Of a chip of the right code, in that mode.
+  [[nodiscard]] virtual Outcome checkProtection() { return {}; }
+
+  [[nodiscard]] virtual Outcome eraseChip(Progress& progress) = 0;
 
   /// A byte that is right is passed over; one that wants a 1 where a 0 stands has failed at once.
   [[nodiscard]] Outcome programWhatDiffers(std::span<const std::uint8_t> image, Progress& progress);
@@ -25,7 +41,11 @@ class FlashChip : public ParallelChip {
   virtual void showCells() = 0;
 
  private:
-  [[nodiscard]] Outcome programBlock(std::uint32_t first, std::span<const std::uint8_t> block);
+  [[nodiscard]] Outcome identify();
+  [[nodiscard]] Outcome checkCodes(devices::ChipCodes seen) const;
+  [[nodiscard]] Outcome programBlock(std::uint32_t first, Page block);
+
+  devices::ChipCodes wanted_;
 };
 
 }  // namespace kestrel::data_sheet

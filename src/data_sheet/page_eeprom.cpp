@@ -9,12 +9,12 @@
 namespace kestrel::data_sheet {
 namespace {
 
-constexpr std::uint8_t kErasedByte = 0xFF;
-constexpr std::uint32_t kUnlock1 = 0x5555;
-constexpr std::uint32_t kUnlock2 = 0x2AAA;
 constexpr unsigned kDataBit = 0x80;
 constexpr std::uint8_t kIdentify = 0x90;
 constexpr std::uint8_t kLeaveIdentify = 0xF0;
+constexpr std::uint8_t kOpenLoad = 0xA0;
+constexpr std::uint8_t kBeginEndProtection = 0x80;
+constexpr std::uint8_t kEndProtection = 0x20;
 
 // A load that the computer interrupts for longer than the window leaves half a page: it is sent
 // again. Two plain tries come before the chip is taken for a protected one.
@@ -24,7 +24,6 @@ constexpr int kPlainTries = 2;
 constexpr std::size_t kFirstComparedBytes = 2;
 constexpr std::size_t kMostComparedBytes = 32;
 
-constexpr int kTimeOutFactor = 3;
 constexpr std::int64_t kPollUs = 10;
 constexpr int kEqualReads = 4;
 
@@ -39,19 +38,12 @@ Outcome PageEeprom::program(std::span<const std::uint8_t> image, Progress& progr
     const Outcome outcome = endProtection();
     if (!outcome.isDone()) return outcome;
   }
-  progress.expect(std::ssize(image));
-  const auto pageBytes = static_cast<std::size_t>(sheet_.pageBytes);
-  for (std::size_t first = 0; first < image.size(); first += pageBytes) {
-    const Page page = image.subspan(first, std::min(pageBytes, image.size() - first));
-    const Outcome outcome = programPage(static_cast<std::uint32_t>(first), page);
-    if (!outcome.isDone()) return outcome;
-    progress.advance(std::ssize(page));
-  }
-  return {};
+  return forEachPage(image, static_cast<std::size_t>(sheet_.pageBytes), progress,
+                     [this](std::uint32_t first, Page page) { return programPage(first, page); });
 }
 
 Outcome PageEeprom::erase(Progress& progress) {
-  const std::vector<std::uint8_t> erased(chip().sizeBytes, kErasedByte);
+  const std::vector<std::uint8_t> erased(chip().sizeBytes, kErased);
   return program(erased, progress);
 }
 
@@ -69,22 +61,15 @@ std::optional<devices::ChipCodes> PageEeprom::codes() {
 
 void PageEeprom::command(std::uint8_t code) {
   bus().disableOutputs();
-  write({kUnlock1, 0xAA});
-  write({kUnlock2, 0x55});
-  write({kUnlock1, code});
+  writeCommand(code);
   bus().waitMs(sheet_.longestCycleMs);
 }
 
 Outcome PageEeprom::endProtection() {
-  constexpr std::array<Cycle, 6> kSequence{{{kUnlock1, 0xAA},
-                                            {kUnlock2, 0x55},
-                                            {kUnlock1, 0x80},
-                                            {kUnlock1, 0xAA},
-                                            {kUnlock2, 0x55},
-                                            {kUnlock1, 0x20}}};
-  beginWriting();
-  for (const Cycle& cycle : kSequence) write(cycle);
-  return waitForEnd(kUnlock1, kSequence.back().data);
+  bus().disableOutputs();
+  writeCommand(kBeginEndProtection);
+  writeCommand(kEndProtection);
+  return waitForEnd(kCommandAddress, kEndProtection);
 }
 
 Outcome PageEeprom::programPage(std::uint32_t first, Page page) {
@@ -103,18 +88,13 @@ Outcome PageEeprom::programPage(std::uint32_t first, Page page) {
 }
 
 Outcome PageEeprom::writePage(std::uint32_t first, Page page) {
-  constexpr std::array<Cycle, 3> kOpenLoad{{{kUnlock1, 0xAA}, {kUnlock2, 0x55}, {kUnlock1, 0xA0}}};
-  beginWriting();
-  if (unlocksPages_) {
-    for (const Cycle& cycle : kOpenLoad) write(cycle);
-  }
+  bus().disableOutputs();
+  if (unlocksPages_) writeCommand(kOpenLoad);
   for (std::uint32_t address = first; const std::uint8_t byte : page) {
     write({.address = address++, .data = byte});
   }
   return waitForEnd(first + static_cast<std::uint32_t>(page.size()) - 1, page.back());
 }
-
-void PageEeprom::beginWriting() { bus().disableOutputs(); }
 
 // The last byte shows up when the cycle has ended. Where it does not, a protected chip or half a
 // page, the reads are at least equal: bit 6 has come to rest.
@@ -145,10 +125,9 @@ Outcome PageEeprom::compare(std::uint32_t first, Page page) {
   while (!page.empty()) {
     const Page block = page.first(std::min(page.size(), count));
     readBlock(first, std::span(seen).first(block.size()));
-    const auto [wanted, other] = std::ranges::mismatch(block, seen);
-    const auto offset = static_cast<std::uint32_t>(wanted - block.begin());
-    if (wanted != block.end()) return Outcome::byteFailed(first + offset, *wanted, *other);
-    first += offset;
+    Outcome outcome = compareBytes(first, block, std::span(seen).first(block.size()));
+    if (!outcome.isDone()) return outcome;
+    first += static_cast<std::uint32_t>(block.size());
     page = page.subspan(block.size());
     count = kMostComparedBytes;
   }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "data_sheet/pages.h"
 #include "data_sheet/parallel_chip.h"
 
 namespace kestrel::data_sheet {
@@ -23,13 +24,10 @@ class PageEeprom final : public ParallelChip {
   [[nodiscard]] std::optional<devices::ChipCodes> codes() override;
 
  private:
-  using Page = std::span<const std::uint8_t>;
-
   void command(std::uint8_t code);
   [[nodiscard]] Outcome endProtection();
   [[nodiscard]] Outcome programPage(std::uint32_t first, Page page);
   [[nodiscard]] Outcome writePage(std::uint32_t first, Page page);
-  void beginWriting();
   [[nodiscard]] Outcome waitForEnd(std::uint32_t address, std::uint8_t last);
   [[nodiscard]] Outcome compare(std::uint32_t first, Page page);
 

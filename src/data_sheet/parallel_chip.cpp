@@ -18,6 +18,13 @@ void ParallelChip::write(const Cycle& cycle) {
   bus_.strobe();
 }
 
+void ParallelChip::writeCommand(std::uint8_t command) {
+  constexpr std::uint32_t kSecondAddress = 0x2AAA;
+  write({kCommandAddress, 0xAA});
+  write({kSecondAddress, 0x55});
+  write({kCommandAddress, command});
+}
+
 std::uint8_t ParallelChip::readOnce() {
   bus_.enableOutputs();
   const std::uint8_t seen = bus_.read();

@@ -31,6 +31,10 @@ class ParallelChip : public ChipDriver {
   /// A byte to the selected chip, outputs off: taken when the strobe rises.
   void write(const Cycle& cycle);
 
+  /// The JEDEC cycles AAh at 5555h, 55h at 2AAAh, the command at 5555h.
+  static constexpr std::uint32_t kCommandAddress = 0x5555;
+  void writeCommand(std::uint8_t command);
+
   /// The address on the pins, with an edge of /OE of its own: a busy chip turns bit 6 over with
   /// each.
   [[nodiscard]] std::uint8_t readOnce();

@@ -19,7 +19,6 @@ constexpr std::int64_t kVerifyUs = 6;
 constexpr int kMostProgramPulses = 25;
 constexpr int kMostErasePulses = 1000;
 
-constexpr std::uint8_t kErasedByte = 0xFF;
 constexpr std::int64_t kProgressStep = 256;
 
 }  // namespace
@@ -35,26 +34,11 @@ void TwelveVoltFlash::showCells() { write({0, kReadCells}); }
 
 devices::ChipCodes TwelveVoltFlash::readCodes() {
   write({0, kIdentify});
-  const devices::ChipCodes seen = codesAt(0);
-  showCells();
-  return seen;
-}
-
-std::optional<devices::ChipCodes> TwelveVoltFlash::codes() {
-  const hardware::ChipSession session(bus(), chip().sheet.wiring);
-  powerUp();
-  return readCodes();
-}
-
-Outcome TwelveVoltFlash::program(std::span<const std::uint8_t> image, Progress& progress) {
-  const hardware::ChipSession session(bus(), chip().sheet.wiring);
-  powerUp();
-  const Outcome outcome = checkCodes(readCodes(), sheet_.codes);
-  return outcome.isDone() ? programWhatDiffers(image, progress) : outcome;
+  return codesAt(0);
 }
 
 Outcome TwelveVoltFlash::programByte(std::uint32_t address, std::uint8_t wanted) {
-  std::uint8_t seen = kErasedByte;
+  std::uint8_t seen = kErased;
   for (int pulse = 0; pulse < kMostProgramPulses; ++pulse) {
     write({address, kProgram});
     write({address, wanted});
@@ -67,13 +51,9 @@ Outcome TwelveVoltFlash::programByte(std::uint32_t address, std::uint8_t wanted)
   return Outcome::byteFailed(address, wanted, seen);
 }
 
-Outcome TwelveVoltFlash::erase(Progress& progress) {
-  const hardware::ChipSession session(bus(), chip().sheet.wiring);
-  powerUp();
-  Outcome outcome = checkCodes(readCodes(), sheet_.codes);
-  if (!outcome.isDone()) return outcome;
+Outcome TwelveVoltFlash::eraseChip(Progress& progress) {
   const std::vector<std::uint8_t> zeros(chip().sizeBytes, 0x00);
-  outcome = programWhatDiffers(zeros, progress);
+  const Outcome outcome = programWhatDiffers(zeros, progress);
   return outcome.isDone() ? eraseZeros(progress) : outcome;
 }
 
@@ -83,11 +63,11 @@ Outcome TwelveVoltFlash::eraseZeros(Progress& progress) {
   int pulses = 0;
   for (std::uint32_t address = 0; address < chip().sizeBytes; ++address) {
     std::uint8_t seen = pulses == 0 ? 0x00 : verifyErased(address);
-    for (; seen != kErasedByte && pulses < kMostErasePulses; ++pulses) {
+    for (; seen != kErased && pulses < kMostErasePulses; ++pulses) {
       eraseOnce();
       seen = verifyErased(address);
     }
-    if (seen != kErasedByte) {
+    if (seen != kErased) {
       return Outcome::failed("the chip is not erased by " + std::to_string(kMostErasePulses) +
                              " pulses: address " + hexText(static_cast<std::int32_t>(address)) +
                              " reads " + hexText(seen, 2) + "h");

@@ -21,24 +21,20 @@ class TwelveVoltFlash final : public FlashChip {
  public:
   TwelveVoltFlash(const ChipChoice& chip, const devices::TwelveVoltFlashSheet& sheet,
                   hardware::ChipBus& bus)
-      : FlashChip(chip, bus), sheet_(sheet) {}
-
-  [[nodiscard]] Outcome program(std::span<const std::uint8_t> image, Progress& progress) override;
-  [[nodiscard]] Outcome erase(Progress& progress) override;
-  [[nodiscard]] std::optional<devices::ChipCodes> codes() override;
+      : FlashChip(chip, sheet.codes, bus) {}
 
  protected:
+  void powerUp() override;
+  [[nodiscard]] devices::ChipCodes readCodes() override;
+  void leaveCodes() override { showCells(); }
+  [[nodiscard]] Outcome eraseChip(Progress& progress) override;
   [[nodiscard]] Outcome programByte(std::uint32_t address, std::uint8_t wanted) override;
   void showCells() override;
 
  private:
-  void powerUp();
-  [[nodiscard]] devices::ChipCodes readCodes();
   [[nodiscard]] Outcome eraseZeros(Progress& progress);
   void eraseOnce();
   [[nodiscard]] std::uint8_t verifyErased(std::uint32_t address);
-
-  const devices::TwelveVoltFlashSheet& sheet_;
 };
 
 }  // namespace kestrel::data_sheet

@@ -1,6 +1,5 @@
 #include "data_sheet/two_wire_eeprom.h"
 
-#include <algorithm>
 #include <array>
 #include <vector>
 
@@ -9,12 +8,10 @@
 namespace kestrel::data_sheet {
 namespace {
 
-constexpr std::uint8_t kErasedByte = 0xFF;
 constexpr unsigned kSelect = 0xA0;
 constexpr unsigned kRead = 0x01;
 constexpr std::size_t kMostPageBytes = 64;
 
-constexpr int kTimeOutFactor = 3;
 constexpr std::int64_t kPollUs = 100;
 
 Outcome sdaStaysLow() {
@@ -57,19 +54,12 @@ Outcome TwoWireEeprom::read(std::uint32_t first, std::span<std::uint8_t> bytes) 
 Outcome TwoWireEeprom::program(std::span<const std::uint8_t> image, Progress& progress) {
   const hardware::ChipSession session(bus_, chip_.sheet.wiring);
   if (!wires_.isSdaFree()) return sdaStaysLow();
-  progress.expect(std::ssize(image));
-  const auto pageBytes = static_cast<std::size_t>(sheet_.pageBytes);
-  for (std::size_t first = 0; first < image.size(); first += pageBytes) {
-    const Page page = image.subspan(first, std::min(pageBytes, image.size() - first));
-    const Outcome outcome = writePage(static_cast<std::uint32_t>(first), page);
-    if (!outcome.isDone()) return outcome;
-    progress.advance(std::ssize(page));
-  }
-  return {};
+  return forEachPage(image, static_cast<std::size_t>(sheet_.pageBytes), progress,
+                     [this](std::uint32_t first, Page page) { return writePage(first, page); });
 }
 
 Outcome TwoWireEeprom::erase(Progress& progress) {
-  const std::vector<std::uint8_t> erased(chip_.sizeBytes, kErasedByte);
+  const std::vector<std::uint8_t> erased(chip_.sizeBytes, kErased);
   return program(erased, progress);
 }
 
@@ -100,11 +90,7 @@ Outcome TwoWireEeprom::compare(std::uint32_t first, Page page) {
   std::array<std::uint8_t, kMostPageBytes> buffer{};
   const std::span seen = std::span(buffer).first(page.size());
   const Outcome outcome = read(first, seen);
-  if (!outcome.isDone()) return outcome;
-  const auto [wanted, other] = std::ranges::mismatch(page, seen);
-  if (wanted == page.end()) return {};
-  const auto offset = static_cast<std::uint32_t>(wanted - page.begin());
-  return Outcome::byteFailed(first + offset, *wanted, *other);
+  return outcome.isDone() ? compareBytes(first, page, seen) : outcome;
 }
 
 }  // namespace kestrel::data_sheet

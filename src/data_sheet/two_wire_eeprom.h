@@ -1,6 +1,6 @@
 #pragma once
 
-#include "data_sheet/chip_driver.h"
+#include "data_sheet/pages.h"
 #include "data_sheet/two_wire_bus.h"
 
 namespace kestrel::data_sheet {
@@ -28,8 +28,6 @@ class TwoWireEeprom final : public ChipDriver {
   [[nodiscard]] Outcome erase(Progress& progress) override;
 
  private:
-  using Page = std::span<const std::uint8_t>;
-
   [[nodiscard]] Outcome writePage(std::uint32_t first, Page page);
   [[nodiscard]] Outcome waitForEnd(std::uint32_t address);
   [[nodiscard]] Outcome compare(std::uint32_t first, Page page);
