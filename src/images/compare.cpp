@@ -41,12 +41,7 @@ void count(const Pair& pair, Comparison& result) {
     ++result.differentBytes;
     result.bitsToProgram += static_cast<std::size_t>(std::popcount(chip & ~image));
     result.bitsToErase += static_cast<std::size_t>(std::popcount(~chip & image));
-    const auto address = static_cast<std::uint32_t>(i);
-    if (!result.ranges.empty() && result.ranges.back().last + 1 == address) {
-      result.ranges.back().last = address;
-    } else {
-      result.ranges.push_back({.first = address, .last = address});
-    }
+    addAddress(result.ranges, static_cast<std::uint32_t>(i));
   }
 }
 

@@ -59,6 +59,14 @@ std::string rangeText(const Range& range) {
                            : addressText(range.first) + "-" + addressText(range.last);
 }
 
+void addAddress(std::vector<Range>& ranges, std::uint32_t address) {
+  if (!ranges.empty() && ranges.back().last + 1 == address) {
+    ranges.back().last = address;
+  } else {
+    ranges.push_back({.first = address, .last = address});
+  }
+}
+
 std::string rangesText(const std::vector<Range>& ranges) {
   std::string text;
   for (std::size_t i = 0; i < ranges.size() && i < kRangesTold; ++i) {

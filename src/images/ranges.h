@@ -43,6 +43,9 @@ struct Range {
 /// "0100-01FF", or "0100" for one address.
 [[nodiscard]] std::string rangeText(const Range& range);
 
+/// The ranges with one more address, which is above all of them.
+void addAddress(std::vector<Range>& ranges, std::uint32_t address);
+
 /// The first few, then how many more there are.
 [[nodiscard]] std::string rangesText(const std::vector<Range>& ranges);
 

@@ -4,12 +4,13 @@
 #include <array>
 #include <span>
 
+#include "display/hex_line.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::operations {
 namespace {
 
-constexpr std::int32_t kPageBytes = 256;
+using display::kPageBytes;
 
 }  // namespace
 

@@ -2,13 +2,13 @@
 
 #include <string>
 
+#include "data_sheet/chip_driver.h"
 #include "devices/families.h"
+#include "display/hex_line.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::operations {
 namespace {
-
-constexpr std::int32_t kPageBytes = 256;
 
 /// What is read is as long as the image, whatever the last file was.
 class LengthForNow {
@@ -24,16 +24,6 @@ class LengthForNow {
   std::int32_t& length_;
   std::int32_t before_;
 };
-
-void add(ImageCheck::Result& result, std::int32_t at) {
-  const auto address = narrowed<std::uint32_t>(at);
-  ++result.bytes;
-  if (!result.ranges.empty() && result.ranges.back().last + 1 == address) {
-    result.ranges.back().last = address;
-  } else {
-    result.ranges.push_back({.first = address, .last = address});
-  }
-}
 
 }  // namespace
 
@@ -62,11 +52,13 @@ ImageCheck::Result ImageCheck::readChip() {
   shell_.ProgressCount = 0;
   walk_.begin();
   controls_.ProgressBar1.setValue(0);
-  controls_.ProgressBar1.setMaximum(operation_.ProgramLength / kPageBytes);
+  controls_.ProgressBar1.setMaximum(operation_.ProgramLength / display::kPageBytes);
   Result result;
   (void)walk_.readAll([&](std::int32_t address) {
-    const unsigned wanted = at(operation_.ProgramBuffer, address);
-    if ((wanted & ~unsigned{latches_.ReadByte}) != 0) add(result, address);
+    const std::uint8_t wanted = at(operation_.ProgramBuffer, address);
+    if (data_sheet::canBecome(latches_.ReadByte, wanted)) return true;
+    ++result.bytes;
+    images::addAddress(result.ranges, narrowed<std::uint32_t>(address));
     return true;
   });
   return result;
