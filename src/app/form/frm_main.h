@@ -54,7 +54,8 @@ class frmMain {
   /// when nothing does; a board may be missing all the same (Ready_label).
   [[nodiscard]] std::string whyNoBoard() const;
 
-  /// What was found at the real ports and what helps, a line a matter; empty on a simulated board.
+  /// What was found at the real ports and what helps, one line for each finding; empty on a
+  /// simulated board.
   [[nodiscard]] std::vector<std::string> diagnosis() const;
 
   /// True when a programming voltage could not be switched off.

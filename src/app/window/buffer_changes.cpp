@@ -32,7 +32,7 @@ Bytes patternOf(const std::string& text) {
   return pattern;
 }
 
-Bytes fileOf(const std::string& name) {
+Bytes bytesOfFile(const std::string& name) {
   if (name.empty()) throw ImageError("choose a file");
   return readWholeFile(name, images::kMostImageBytes);
 }
@@ -44,8 +44,8 @@ images::ByteOrder orderOf(const std::string& value) {
 }
 
 Bytes joined(const Bytes& image, const Values& v) {
-  return isFirst(v[0]) ? images::joinLanes(image, fileOf(v[1]))
-                       : images::joinLanes(fileOf(v[1]), image);
+  return isFirst(v[0]) ? images::joinLanes(image, bytesOfFile(v[1]))
+                       : images::joinLanes(bytesOfFile(v[1]), image);
 }
 
 Bytes withChecksum(const Bytes& memory, const Values& v) {
@@ -95,7 +95,7 @@ const std::array<Operation, 10>& operations() {
        withChecksum},
       {"Insert file", "&Insert File...", "bufferInsert",
        {{.label = "&File, byte by byte:", .name = "changeFile", .isFile = true}, atField()},
-       [](const Bytes& m, const Values& v) { return images::insertAt(m, fileOf(v[0]), images::parseAddress(v[1])); }},
+       [](const Bytes& m, const Values& v) { return images::insertAt(m, bytesOfFile(v[0]), images::parseAddress(v[1])); }},
       {"Split", "&Split Odd and Even...", "bufferSplit", {laneField("&Keep the:")},
        [](const Bytes& i, const Values& v) { return images::splitLane(i, isFirst(v[0]) ? images::Lane::Even : images::Lane::Odd); }, true},
       {"Join", "&Join Odd and Even...", "bufferJoin",

@@ -50,7 +50,7 @@ ChangeDialog::ChangeDialog(const QString& title, const std::vector<ChangeField>&
 }
 
 QWidget* ChangeDialog::fieldOf(const ChangeField& field) {
-  if (field.isFile) return fileOf(field);
+  if (field.isFile) return fileFieldOf(field);
   if (!field.words.isEmpty()) {
     auto* const box = new QComboBox(this);
     box->setObjectName(field.name);
@@ -66,7 +66,7 @@ QWidget* ChangeDialog::fieldOf(const ChangeField& field) {
   return line;
 }
 
-QWidget* ChangeDialog::fileOf(const ChangeField& field) {
+QWidget* ChangeDialog::fileFieldOf(const ChangeField& field) {
   auto* const both = new QWidget(this);
   auto* const row = new QHBoxLayout(both);
   row->setContentsMargins(0, 0, 0, 0);

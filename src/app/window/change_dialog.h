@@ -36,7 +36,7 @@ class ChangeDialog final : public QDialog {
 
  private:
   QWidget* fieldOf(const ChangeField& field);
-  QWidget* fileOf(const ChangeField& field);
+  QWidget* fileFieldOf(const ChangeField& field);
   void judge();
 
   Check check_;

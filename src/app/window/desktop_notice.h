@@ -6,8 +6,8 @@
 namespace kestrel::window {
 
 /// Tells the desktop that something has ended: through its notification service
-/// (org.freedesktop.Notifications, Desktop Notifications Specification 1.2), and where there is
-/// none, by the window's entry in the task bar.
+/// (org.freedesktop.Notifications, version 1.2), and where there is none, by the window's entry in
+/// the task bar.
 class DesktopNotice final : public QObject {
  public:
   explicit DesktopNotice(QWidget& window) : window_(window) {}

@@ -25,12 +25,13 @@
 #include "app/window/range_reporter.h"
 #include "app/window/theme.h"
 #include "display/byte_search.h"
+#include "display/hex_line.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::window {
 namespace {
 
-constexpr int kPageBytes = 256;
+using display::kPageBytes;
 constexpr int kAddressDigits = 6;
 constexpr QLatin1StringView kColumnHeads(
     "        00010203 04050607 08090A0B 0C0D0E0F   0123456789ABCDEF");

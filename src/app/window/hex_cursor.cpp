@@ -7,12 +7,14 @@
 #include <utility>
 
 #include "app/state/programmer_state.h"
+#include "display/hex_line.h"
 
 namespace kestrel::window {
 namespace {
 
-constexpr int kPageBytes = 256;
-constexpr int kLineBytes = 16;
+using display::kLineBytes;
+using display::kPageBytes;
+
 constexpr int kGroupBytes = 4;
 constexpr int kHexColumn = 8;    // the first byte of a line
 constexpr int kTextColumn = 46;  // its first character

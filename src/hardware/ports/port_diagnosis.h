@@ -30,7 +30,7 @@ struct PortSurvey {
   bool isLockedDown = false;
 };
 
-/// Says in one line a matter what was found and, after "Cure: ", the one command that helps.
+/// Says in one line for each finding what it is and, after "Cure: ", the one command that helps.
 /// Never empty.
 [[nodiscard]] std::vector<std::string> diagnose(const PortSurvey& survey);
 
