@@ -76,12 +76,11 @@ void Board::loadLatch(std::size_t index, std::uint8_t value) {
 
 void Board::setLatch(std::size_t index, std::uint8_t value) {
   latches_[index] = value;
+  latchPins_ = (latchPins_ & ~pinsOfLatch(index, 0xFF)) | pinsOfLatch(index, value);
   if (index == 0) {
     vpp_.select(value, time_.now);
     vppPins_ = vpp_.isOn() ? vppSwitches(value) : 0;
   }
-  latchPins_ = pinsOfLatch(0, latches_[0]) | pinsOfLatch(1, latches_[1]) |
-               pinsOfLatch(2, latches_[2]) | pinsOfLatch(3, latches_[3]) | kVccPin;
 }
 
 // What happened on the board by itself since the last access.
@@ -99,15 +98,20 @@ void Board::settle(Nanoseconds now) {
     return;
   }
   const Package package = chip_->package();
-  const PinLevels socket = latchPins_ | dataLines().levels(external) | vppPins_;
+  const PinLevels socket = latchPins_ | kDataLines.levels(external) | vppPins_;
   const PinOutput output = chip_->evaluate({.high = chipPins(package, socket),
                                             .vppPins = chipPins(package, vppPins_),
                                             .vppMillivolts = vpp_.millivolts(),
                                             .now = now},
                                            findings_);
   chipChangesAt_ = output.changesAt;
+  if (output.driven == 0) {
+    conflict_ = false;
+    bus_ = external;
+    return;
+  }
   const auto lines = [package](PinLevels pins) {
-    return static_cast<std::uint8_t>(dataLines().value(socketPins(package, pins)));
+    return static_cast<std::uint8_t>(kDataLines.value(socketPins(package, pins)));
   };
   const std::uint8_t driven = lines(output.driven);
   const std::uint8_t chipData = lines(output.high);
@@ -225,7 +229,7 @@ std::uint8_t Board::dataBus() {
 
 PinLevels Board::socketLevels() {
   const std::uint8_t bus = dataBus();
-  return latchPins_ | dataLines().levels(bus) | vppPins_;
+  return latchPins_ | kDataLines.levels(bus) | vppPins_;
 }
 
 int Board::vppMillivolts() {

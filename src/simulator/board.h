@@ -125,7 +125,7 @@ class Board {
   std::uint8_t invertedControl_ = 0;  // the bits that the connector inverts
   int openLatch_ = -1;                // the latch that is transparent now
   std::array<std::uint8_t, kLatchCount> latches_{};
-  PinLevels latchPins_ = 0;
+  PinLevels latchPins_ = kVccPin;
   PinLevels vppPins_ = 0;
   VppSupply vpp_;
   std::optional<int> handMillivolts_;

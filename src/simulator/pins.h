@@ -20,7 +20,9 @@ constexpr PinLevels pin(int number) { return PinLevels{1} << (number - 1); }
 class PinBus {
  public:
   /// At most 32 pins, each 1 to 32.
-  explicit PinBus(std::span<const std::uint8_t> pins);
+  explicit constexpr PinBus(std::span<const std::uint8_t> pins) {
+    for (std::size_t bit = 0; bit < pins.size(); ++bit) join(bit, pin(pins[bit]));
+  }
 
   /// All pins of the group.
   [[nodiscard]] PinLevels mask() const { return mask_; }
@@ -35,6 +37,19 @@ class PinBus {
   [[nodiscard]] PinLevels levels(std::uint8_t value) const { return scatter_[value]; }
 
  private:
+  constexpr void join(std::size_t bit, PinLevels own) {
+    mask_ |= own;
+    for (std::size_t byte = 0; byte < gather_.size(); ++byte) {
+      for (std::uint32_t value = 0; value < 256; ++value) {
+        if ((value << (8 * byte) & own) != 0) gather_[byte][value] |= 1U << bit;
+      }
+    }
+    if (bit >= 8) return;
+    for (std::uint32_t value = 0; value < 256; ++value) {
+      if ((value >> bit & 1U) != 0) scatter_[value] |= own;
+    }
+  }
+
   PinLevels mask_ = 0;
   std::array<std::array<std::uint32_t, 256>, 4> gather_{};
   std::array<PinLevels, 256> scatter_{};

@@ -37,12 +37,15 @@ PinOutput UvEprom::evaluate(const PinInput& pins, Findings& findings) {
 
   const bool powered = (pins.high & pins_.vcc) != 0 && !damaged_;
   const bool vppOn = (pins.vppPins & pins_.vpp) != 0;
-  const bool strobed = powered && vppOn && isStrobed(pins.high);
-  const bool vppFits = isWithin(type_.vpp, pins.vppMillivolts);
-  checkStrobe(pins, strobed, vppFits, findings);
-
   const bool outputs = powered && drives(pins.high, vppOn);
-  followPulse(pins, strobed && vppFits, findings);
+  if (vppOn) {
+    const bool strobed = powered && isStrobed(pins.high);
+    const bool vppFits = isWithin(type_.vpp, pins.vppMillivolts);
+    checkStrobe(pins, strobed, vppFits, findings);
+    followPulse(pins, strobed && vppFits, findings);
+  } else {
+    endStrobe(pins.now, findings);
+  }
   if (judgesPulses()) followRun(pins, vppOn, findings);
   if (!outputs) return {};
   return {.driven = data_.mask(), .high = data_.levels(cell(address_.value(pins.high)))};
@@ -96,13 +99,20 @@ void UvEprom::checkStrobe(const PinInput& pins, bool strobed, bool vppFits, Find
   }
   wrongVpp_ = wrong;
 
-  const bool outputsToo =
-      type_.control == ProgramControl::pgmPin && (pins.vppPins & pins_.vpp) != 0 &&
-      (pins.high & (pins_.ce | pins_.pgm | pins_.oe)) == 0 && (pins.high & pins_.vcc) != 0;
+  const bool outputsToo = type_.control == ProgramControl::pgmPin &&
+                          (pins.high & (pins_.ce | pins_.pgm | pins_.oe)) == 0 &&
+                          (pins.high & pins_.vcc) != 0;
   if (outputsToo && !outputsDuringStrobe_) {
     report(FindingKind::strobeWithOutputEnabled, "program pulse with /OE low", pins.now, findings);
   }
   outputsDuringStrobe_ = outputsToo;
+}
+
+// Without VPP nothing is programmed, whatever the strobe does.
+void UvEprom::endStrobe(Nanoseconds now, Findings& findings) {
+  wrongVpp_ = false;
+  outputsDuringStrobe_ = false;
+  if (pulse_.active) endPulse(now, findings);
 }
 
 void UvEprom::contentsReplaced() {

@@ -98,6 +98,7 @@ class UvEprom final : public Chip {
   void settlePulse(Nanoseconds now, Findings& findings);
   void checkVoltages(const PinInput& pins, Findings& findings);
   [[nodiscard]] bool isStrobed(PinLevels high) const;
+  void endStrobe(Nanoseconds now, Findings& findings);
   void checkStrobe(const PinInput& pins, bool strobed, bool vppFits, Findings& findings);
   void endPulse(Nanoseconds now, Findings& findings);
   void followRun(const PinInput& pins, bool vppOn, Findings& findings);

@@ -46,10 +46,4 @@ PinLevels vppSwitches(std::uint8_t latch0) {
   return pins;
 }
 
-const PinBus& dataLines() {
-  static constexpr std::uint8_t kPins[]{13, 14, 15, 17, 18, 19, 20, 21};
-  static const PinBus lines(kPins);
-  return lines;
-}
-
 }  // namespace kestrel::sim

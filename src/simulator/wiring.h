@@ -46,7 +46,7 @@ inline constexpr std::uint8_t kPin22 = 0x80;
 [[nodiscard]] PinLevels vppSwitches(std::uint8_t latch0);
 
 /// The data lines as socket pins, D0 first.
-[[nodiscard]] const PinBus& dataLines();
+inline constexpr PinBus kDataLines{std::array<std::uint8_t, 8>{13, 14, 15, 17, 18, 19, 20, 21}};
 
 inline constexpr PinLevels kVccPin = pin(32);
 
