@@ -148,6 +148,8 @@ void BusPrimitives::fetchNibbles(const PendingByte& pending) {
   }
 }
 
+void BusPrimitives::GetNibbles() { fetchNibbles(askNibbles()); }
+
 PendingByte BusPrimitives::askNibbles24CXX() {
   if (!hasModel()) return {};
   return {.first = {}, .second = askStatus(portState_.NibbleSelB)};

@@ -71,7 +71,7 @@ class BusPrimitives {
 
   /// The byte that the device drives, into ReadByte, in two halves over the status lines. The chip
   /// is selected and the bus released before. No model, no access.
-  void GetNibbles() { fetchNibbles(askNibbles()); }
+  void GetNibbles();
 
   /// One read of the upper half, for the serial chips' SDA (bit 7 of ReadByte).
   void GetNibbles24CXX() { fetchNibbles24CXX(askNibbles24CXX()); }

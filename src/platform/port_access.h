@@ -32,8 +32,14 @@ class PortAccess {
   [[nodiscard]] virtual PendingRead askPortIn(std::int16_t port) {
     return {.number = PortIn(port)};
   }
-  [[nodiscard]] virtual std::uint8_t fetchPortIn(std::int16_t /*port*/, PendingRead pending) {
-    return static_cast<std::uint8_t>(pending.number);
+  [[nodiscard]] std::uint8_t fetchPortIn(std::int16_t port, PendingRead pending) {
+    return pending.isHere ? static_cast<std::uint8_t>(pending.number) : awaitPortIn(port, pending);
+  }
+
+ protected:
+  /// Waits for a read that is not here yet: for ports at the end of a line and the layers on them.
+  [[nodiscard]] virtual std::uint8_t awaitPortIn(std::int16_t /*port*/, PendingRead /*pending*/) {
+    return 0xFF;
   }
 };
 

@@ -43,11 +43,11 @@ class RecordingPort final : public PortAccess {
   [[nodiscard]] PendingRead askPortIn(std::int16_t port) override {
     return record_ ? PortAccess::askPortIn(port) : port_.askPortIn(port);
   }
-  [[nodiscard]] std::uint8_t fetchPortIn(std::int16_t port, PendingRead pending) override {
-    return port_.fetchPortIn(port, pending);
-  }
 
  private:
+  [[nodiscard]] std::uint8_t awaitPortIn(std::int16_t port, PendingRead pending) override {
+    return port_.fetchPortIn(port, pending);
+  }
   struct Record {
     Record(std::ostream& out, const devices::ChipPins& pinout, const PortState& portState,
            const LatchState& latchState);

@@ -38,13 +38,13 @@ class InterruptiblePort final : public PortAccess, public Waits {
   }
   [[nodiscard]] std::uint8_t PortIn(std::int16_t port) override;
   [[nodiscard]] PendingRead askPortIn(std::int16_t port) override;
-  [[nodiscard]] std::uint8_t fetchPortIn(std::int16_t port, PendingRead pending) override {
-    return port_.fetchPortIn(port, pending);
-  }
   void Sleep(std::int32_t milliseconds) override;
   void Spin(std::int64_t counts) override;
 
  private:
+  [[nodiscard]] std::uint8_t awaitPortIn(std::int16_t port, PendingRead pending) override {
+    return port_.fetchPortIn(port, pending);
+  }
   void throwIfStopped() const {
     if (stop_.isThrown()) stopped();
   }

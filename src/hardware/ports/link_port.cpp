@@ -153,8 +153,7 @@ PendingRead LinkPort::askPortIn(std::int16_t port) {
   return attempt([&] { return PendingRead{.number = connection_->askStatus(), .isHere = false}; });
 }
 
-std::uint8_t LinkPort::fetchPortIn(std::int16_t /*port*/, PendingRead pending) {
-  if (pending.isHere) return static_cast<std::uint8_t>(pending.number);
+std::uint8_t LinkPort::awaitPortIn(std::int16_t /*port*/, PendingRead pending) {
   return attempt([&] {
     const std::uint8_t value = connection_->statusOf(pending.number);
     sleptMs_ = 0;

@@ -63,7 +63,6 @@ class LinkPort final : public HeldPort, public Waits {
   void PortOut(std::int16_t port, std::uint8_t value) override;
   [[nodiscard]] std::uint8_t PortIn(std::int16_t port) override;
   [[nodiscard]] PendingRead askPortIn(std::int16_t port) override;
-  [[nodiscard]] std::uint8_t fetchPortIn(std::int16_t port, PendingRead pending) override;
   void Sleep(std::int32_t milliseconds) override;
   void Spin(std::int64_t counts) override;
 
@@ -77,6 +76,8 @@ class LinkPort final : public HeldPort, public Waits {
 
  private:
   using SteadyClock = std::chrono::steady_clock;
+
+  [[nodiscard]] std::uint8_t awaitPortIn(std::int16_t port, PendingRead pending) override;
 
   template <typename Action>
   auto attempt(Action action);

@@ -40,9 +40,6 @@ class LptFilter final : public PortAccess {
   [[nodiscard]] PendingRead askPortIn(std::int16_t port) override {
     return address(port).askPortIn(port);
   }
-  [[nodiscard]] std::uint8_t fetchPortIn(std::int16_t port, PendingRead pending) override {
-    return address(port).fetchPortIn(port, pending);
-  }
 
   /// Who keeps the time of the port that was addressed last; nullptr for the machine's clock.
   [[nodiscard]] Waits* timeOfLast() const { return times_[last_]; }
@@ -59,6 +56,9 @@ class LptFilter final : public PortAccess {
     return kNowhere;
   }
 
+  [[nodiscard]] std::uint8_t awaitPortIn(std::int16_t port, PendingRead pending) override {
+    return address(port).fetchPortIn(port, pending);
+  }
   [[nodiscard]] PortAccess& address(std::int16_t port) {
     last_ = slotOf(port);
     return *ports_[last_];

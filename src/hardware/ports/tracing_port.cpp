@@ -82,9 +82,8 @@ PendingRead TracingPort::askPortIn(std::int16_t port) {
 
 // Reads are fetched in the order of their asking: one that is unanswered before this one was given
 // up.
-std::uint8_t TracingPort::fetchPortIn(std::int16_t port, PendingRead pending) {
+std::uint8_t TracingPort::awaitPortIn(std::int16_t port, PendingRead pending) {
   const std::uint8_t value = port_.fetchPortIn(port, pending);
-  if (pending.isHere) return value;
   bool isWritten = false;
   while (!heldBack_.empty() && !(isWritten && heldBack_.front().isUnanswered)) {
     const HeldBack first = std::move(heldBack_.front());

@@ -35,7 +35,6 @@ class TracingPort final : public PortAccess, public Waits {
   void PortOut(std::int16_t port, std::uint8_t value) override;
   [[nodiscard]] std::uint8_t PortIn(std::int16_t port) override;
   [[nodiscard]] PendingRead askPortIn(std::int16_t port) override;
-  [[nodiscard]] std::uint8_t fetchPortIn(std::int16_t port, PendingRead pending) override;
   void Sleep(std::int32_t milliseconds) override;
   void Spin(std::int64_t counts) override;
 
@@ -46,6 +45,7 @@ class TracingPort final : public PortAccess, public Waits {
     std::uint64_t read = 0;
   };
 
+  [[nodiscard]] std::uint8_t awaitPortIn(std::int16_t port, PendingRead pending) override;
   void write(std::string_view line);
   void writeHeldBack();
 
