@@ -100,8 +100,13 @@ bool isOneObject(const std::optional<struct stat>& a, const std::optional<struct
 }  // namespace
 
 std::string shownName(std::string_view text) {
+  const auto isPlain = [](char c) { return c >= ' ' && c <= '~'; };
   std::string shown;
-  while (!text.empty()) {
+  while (true) {
+    const auto plain = std::ranges::find_if_not(text, isPlain) - text.begin();
+    shown += text.substr(0, static_cast<std::size_t>(plain));
+    text.remove_prefix(static_cast<std::size_t>(plain));
+    if (text.empty()) return shown;
     const Character character = firstCharacter(text);
     const std::size_t length = std::max<std::size_t>(character.length, 1);
     if (character.length > 0 && isHarmless(character.code)) {
@@ -111,7 +116,6 @@ std::string shownName(std::string_view text) {
     }
     text.remove_prefix(length);
   }
-  return shown;
 }
 
 fs::path fullName(const fs::path& name) {
