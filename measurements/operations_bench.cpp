@@ -19,10 +19,7 @@ struct UntracedForm {
   sim::Bench bench;
   sim::Board& board;
   sim::SimulatedPort port{bench};
-  test::FakeScreen screen;
-  StopSwitch stop;
-  ports::InterruptiblePort interruptible{port, port, stop, screen};
-  test::FormRig rig{interruptible, interruptible};
+  test::FormRig rig{port, port, {.now = [this] { return bench.now(); }}};
 };
 
 double secondsOf(sim::Nanoseconds time) { return static_cast<double>(time) * 1e-9; }
@@ -44,18 +41,16 @@ BENCHMARK(read27C080)->Unit(benchmark::kMillisecond)->UseRealTime();
 // What the pins did, written into a wave file: the share of time that it takes.
 void read27C256(benchmark::State& state, bool isRecorded) {
   UntracedForm f;
-  waveform::RecordingPort recorder(f.interruptible, [&] { return f.bench.now(); });
-  test::FormRig rig(recorder, f.interruptible);
-  rig.form.Form_Load();
+  waveform::RecordingPort& recorder = *f.rig.parts.recorder();
   f.board.insert(sim::makeChip("27C256"));
   f.board.loadChip(test::randomBytes(32'768, 7));
-  rig.select("Eprom 27C256");
+  f.rig.select("Eprom 27C256");
   std::ofstream file("/dev/null");
   std::uint64_t bytes = 0;
   for (auto _ : state) {
-    const devices::ChipPins pins = devices::chipPinsOf(rig.state.FamilyCode);
-    if (isRecorded) recorder.start(file, pins, "27C256", rig.state, rig.state);
-    rig.press("Read_button");
+    const devices::ChipPins pins = devices::chipPinsOf(f.rig.state.FamilyCode);
+    if (isRecorded) recorder.start(file, pins, "27C256", f.rig.state, f.rig.state);
+    f.rig.press("Read_button");
     bytes = recorder.stop();
   }
   state.counters["bytes"] = static_cast<double>(bytes);

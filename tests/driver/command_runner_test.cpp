@@ -121,7 +121,7 @@ TEST(CommandRunner, tellsOnceOfAVoltageThatCouldNotBeSwitchedOff) {
   } service;
   sim::Bench bench;
   sim::SimulatedPort port(bench);
-  FormRig rig(port, port, nullptr, nullptr, &service);
+  FormRig rig(port, port, {.service = &service});
   for (int round = 0; round < 2; ++round) rig.press("Show_button"), rig.press("mnuFileClose");
   EXPECT_EQ(std::ranges::count(rig.log(), form::kVoltageWarning), 1);
 }

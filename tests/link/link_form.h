@@ -19,7 +19,10 @@ struct LinkForm : BoardOnBench {
       : BoardOnBench(model),
         adapter(KESTREL_LINK_PROGRAM, bench),
         latency(latencyCycles),
-        rig(ports->port(), waits, tracing == Trace::On ? &trace : nullptr, &stop, &service) {
+        rig(ports->port(), waits,
+            {.trace = tracing == Trace::On ? &trace : nullptr,
+             .stop = &stop,
+             .service = &service}) {
     ports->takeMissing();
   }
 

@@ -16,14 +16,24 @@
 
 namespace kestrel::test {
 
-/// The program over any port and waits, with scripted surroundings and its own folders. A stop
-/// switch that layers below share, and the service of real ports, are given from outside.
+/// What a rig may be given from outside: a stop switch that layers below share, the service of real
+/// ports, the port's time.
+struct RigParts {
+  std::ostream* trace = nullptr;
+  StopSwitch* stop = nullptr;
+  PortService* service = nullptr;
+  waveform::RecordingPort::Nanoseconds now = {};
+};
+
+/// The program over any port and waits, with scripted surroundings and its own folders.
 struct FormRig {
-  FormRig(PortAccess& port, Waits& waits, std::ostream* trace = nullptr,
-          StopSwitch* shared = nullptr, PortService* service = nullptr)
-      : stop(shared != nullptr ? *shared : ownStop),
+  FormRig(PortAccess& port, Waits& waits, const RigParts& given = {})
+      : stop(given.stop != nullptr ? *given.stop : ownStop),
         parts(
-            {.port = port, .waits = waits, .service = service != nullptr ? *service : noService},
+            {.port = port,
+             .waits = waits,
+             .service = given.service != nullptr ? *given.service : noService,
+             .now = given.now},
             {.sounds = sounds,
              .settings = settings,
              .help = help,
@@ -31,7 +41,7 @@ struct FormRig {
              .screen = screen},
             stop, time,
             {.configuration = folder / "config", .data = folder / "data", .working = folder.path()},
-            trace),
+            given.trace),
         form(parts.form()),
         controls(form.controls()),
         state(form.state()) {}
@@ -136,7 +146,7 @@ struct SimulatedForm : BoardOnBench {
   enum class Trace { On, Off };
 
   explicit SimulatedForm(sim::Model model = sim::Model::kestrel5, Trace tracing = Trace::On)
-      : BoardOnBench(model), rig(port, port, tracing == Trace::On ? &trace : nullptr) {}
+      : BoardOnBench(model), rig(port, port, {.trace = tracing == Trace::On ? &trace : nullptr}) {}
 
   void start() { BoardOnBench::start(rig); }
 

@@ -37,7 +37,7 @@ struct RealForm : BoardOnBench {
       {{ports::parsePortChoice("378=/dev/parport0")}, root.path(), root.path(), TAPE_GUARD});
   ServiceOf service{*ports};
   StopSwitch stop;
-  FormRig rig{ports->port(), port, &trace, &stop, &service};
+  FormRig rig{ports->port(), port, {.trace = &trace, .stop = &stop, .service = &service}};
 };
 
 }  // namespace kestrel::test

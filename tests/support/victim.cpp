@@ -35,7 +35,7 @@ struct Program : BoardOnBench {
   }
   ports::LptFilter turnout;
   StopSwitch stop;
-  FormRig rig{turnout, port, nullptr, &stop};
+  FormRig rig{turnout, port, {.stop = &stop}};
 };
 
 /// Writes all down before it reaches the simulated board.
