@@ -105,6 +105,7 @@ def generated_faults():
 # Where no text is a message of the program at its log or in a box.
 NO_MESSAGES = (
   "app/launch/",  # wrong options: told at once, with what would be right
+  "app/work/",  # the same
   "cli/",  # the same
   "simulator/",  # findings, explained by their panel
   "waveform/",  # the words of a wave file

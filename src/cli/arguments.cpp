@@ -12,12 +12,17 @@
 #include "app/launch/machine_options.h"
 #include "app/launch/separate_files.h"
 #include "app/launch/version.h"
+#include "app/work/project.h"
+#include "app/work/work_options.h"
 #include "cli/commands.h"
-#include "cli/work_options.h"
+#include "platform/file_names.h"
 #include "platform/polled_io.h"
 
 namespace kestrel::cli {
 namespace {
+
+using work::WorkOption;
+using work::workOptions;
 
 /// A name that stays within its line of the setup file.
 const std::string& setupName(const std::string& text) {
@@ -44,7 +49,8 @@ CLI::Option& addOption(CLI::App& app, const char* name, const char* value, const
 void addWork(CLI::App& app, Arguments& a) {
   for (const WorkOption& option : workOptions()) {
     if (*option.value == '\0') {
-      addFlag(app, option.name, option.help, [&] { a.given.emplace_back(option.name, kYes); });
+      addFlag(app, option.name, option.help,
+              [&] { a.given.emplace_back(option.name, work::kYes); });
       continue;
     }
     addOption(app, option.name, option.value, option.help, [&](const auto& texts) {
@@ -92,7 +98,7 @@ void addCommands(CLI::App& app, Arguments& a) {
     if (*command.words != '\0') sub->add_option(command.words, a.words)->required();
     if (sub->get_name() != "save-setup") continue;
     sub->add_option_function<std::string>(
-           "N", [&a](const auto& text) { a.saveSlot = setupSlot("save-setup", text); },
+           "N", [&a](const auto& text) { a.saveSlot = work::setupSlot("save-setup", text); },
            "slot, 1 to 4")
         ->required();
     sub->add_option_function<std::string>(
@@ -158,6 +164,23 @@ void refuseUnused(const CLI::App& app, const Arguments& a) {
     if (app.count(option.name) == 0 || isUsed(option.name)) continue;
     throw launch::UsageError(std::string(option.name) + " is for " + usersOf(option.name) +
                              "; leave it out");
+  }
+}
+
+/// Sets what was given, and what the project of --project says besides.
+void setWork(Arguments& a) {
+  if (const std::string* const project = a.textOf("--project")) {
+    if (project->empty()) throw launch::UsageError("--project is empty; give it a name");
+    const auto isGiven = [&](std::string_view option) { return a.textOf(option) != nullptr; };
+    for (const std::string& key : work::readProject(*project, a, isGiven)) {
+      std::cerr << "kestrel-cli: " << shownName(*project) << ": the key " << shownName(key)
+                << " is unknown and was passed over\n";
+    }
+    if (!a.launch.algorithms) a.launch.algorithms = a.algorithms;
+  }
+  for (const WorkOption& option : workOptions()) {
+    const std::string* const text = a.textOf(option.name);
+    if (text != nullptr && option.set != nullptr) option.set(a, *text);
   }
 }
 

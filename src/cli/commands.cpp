@@ -13,7 +13,7 @@
 #include "cli/link_command.h"
 #include "cli/machine_commands.h"
 #include "cli/program_several.h"
-#include "cli/project_options.h"
+#include "cli/save_project.h"
 #include "cli/session.h"
 #include "cli/silent_parts.h"
 #include "devices/remarks.h"
@@ -127,9 +127,9 @@ constexpr std::array<Command, 17> kCommands{{
 // clang-format on
 
 int runAtForm(const Arguments& a, const std::vector<const Command*>& commands, StopSwitch& stop) {
-  const DeviceCatalogue catalogue;
+  const work::DeviceCatalogue catalogue;
   const Algorithms algorithms = a.launch.algorithms.value_or(Algorithms::Classic);
-  const DeviceCatalogue::Device* const device =
+  const work::DeviceCatalogue::Device* const device =
       a.device ? &catalogue.find(*a.device, algorithms) : nullptr;
   const ports::SignalStop signals(stop);
   std::optional<JsonReport> json;

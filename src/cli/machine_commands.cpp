@@ -7,7 +7,7 @@
 
 #include "app/launch/machine_ports.h"
 #include "app/launch/program.h"
-#include "cli/device_catalogue.h"
+#include "app/work/device_catalogue.h"
 #include "cli/exit_status.h"
 #include "cli/json_lines.h"
 #include "hardware/ports/real_port.h"
@@ -21,6 +21,8 @@
 
 namespace kestrel::cli {
 namespace {
+
+using work::DeviceCatalogue;
 
 std::uint16_t address(std::uint16_t base, ports::PortRegister target) {
   return static_cast<std::uint16_t>(base + static_cast<unsigned>(target));

@@ -1,14 +1,13 @@
 #include "cli/session.h"
 
 #include <algorithm>
-#include <array>
 #include <iostream>
 
 #include "app/state/text_format.h"
+#include "app/work/work_at_form.h"
 #include "cli/exit_status.h"
 #include "platform/file_names.h"
 #include "platform/runtime_error.h"
-#include "setups/setup_files.h"
 
 namespace kestrel::cli {
 namespace {
@@ -124,82 +123,13 @@ bool Session::isReady() const { return p_.form.controls().Ready_label.caption() 
 
 void Session::applyOptions() {
   const Arguments& a = p_.arguments;
-  Controls& c = controls();
-  if (a.setup) loadSetup(*a.setup);
-  choosePort();
-  if (p_.device != nullptr) {
-    use([&] { c.Device.setPosition(p_.device->position); });
+  controls().CheckChipFirst.setValue(0);  // on at first in one way of working; here it is asked for
+  try {
+    work::applyWork(p_.form, a, p_.device, [this](const auto& event) { use(event); });
+  } catch (const launch::UsageError& error) {
+    throw EarlyEnd(kBadUsage, error.what());
   }
-  if (a.speed) use([&] { c.Slider1.setValue(*a.speed); });
-  if (a.voltage) chooseVoltage(*a.voltage);
-  if (a.lane) use([&] { c.HiLow_button.at(*a.lane).press(); });
-  c.CheckChipFirst.setValue(0);  // on at first in one way of working; here it is asked for
-  if (a.check) tick(c.CheckChipFirst, "--check");
-  if (a.blankCheck) tick(c.CheckBlankPriorProgramming, "--blank-check");
-  if (a.verify) tick(c.VerifyAfterProgramming, "--verify");
-  applySheetOptions();
-  if (a.repeat) use([&] { c.ReadTimes.setValue(*a.repeat); });
   if (a.codeFile) openCodeFile(*a.codeFile);
-}
-
-// Keep is what happens without the option, whatever the device.
-void Session::applySheetOptions() {
-  const Arguments& a = p_.arguments;
-  Controls& c = controls();
-  const auto refuseUnless = [this](const Control& control, const char* option, const char* what) {
-    if (control.visible()) return;
-    const bool isClassic = state().algorithms == Algorithms::Classic;
-    throw EarlyEnd(kBadUsage, unless(option, isClassic ? "it is for --algorithms datasheet; add it"
-                                                       : deviceName() + " has no " + what +
-                                                             "; leave " + option + " out"));
-  };
-  if (a.protection.value_or(0) != 0) {
-    refuseUnless(c.FrameProtection, "--protect", "software protection");
-    use([&] { c.ProtectionSelection.at(*a.protection).press(); });
-  }
-  if (a.force) {
-    refuseUnless(c.AnyCode, "--force", "code that is asked for");
-    tick(c.AnyCode, "--force");
-  }
-}
-
-void Session::choosePort() {
-  Controls& c = controls();
-  const std::array<Button*, 3> models{&c.ForceKestrel4, &c.ForceKestrel5, &c.ForceKestrel6};
-  if (p_.arguments.port) use([&] { c.LPTSelection.at(*p_.arguments.port).press(); });
-  if (p_.arguments.model) press(*models.at(*p_.arguments.model), {});
-}
-
-void Session::loadSetup(std::size_t slot) {
-  const std::string digit = std::to_string(slot);
-  press(controls().Setup, {});
-  // A file that is there and cannot be used has its own reason.
-  if (!controls().LoadSetup.at(slot - 1).enabled()) (void)setups::summaryOf(".", slot);
-  press(controls().LoadSetup.at(slot - 1), "--setup " + digit + ": there is no file KSSetup" +
-                                               digit + ".INI in this folder; save-setup " + digit +
-                                               " NAME makes one");
-}
-
-void Session::chooseVoltage(std::size_t index) {
-  OptionButton& button = controls().Voltage_button.at(index);
-  if (!button.enabled()) {
-    std::string offered;
-    for (const OptionButton& other : controls().Voltage_button) {
-      if (other.enabled()) offered += (offered.empty() ? "" : ", ") + other.caption();
-    }
-    throw EarlyEnd(kBadUsage, unless("--vpp", state().DeviceName + " does not take " +
-                                                  button.caption() + " (offered: " + offered +
-                                                  "); leave --vpp out or choose one of these"));
-  }
-  use([&button] { button.press(); });
-}
-
-// The boxes are not on the form before a device is selected.
-void Session::tick(CheckBox& box, const char* option) {
-  if (!box.visible() || !box.enabled()) {
-    throw EarlyEnd(kBadUsage, unless(option, "not offered for this device"));
-  }
-  if (!box.isTicked()) use([&box] { box.press(); });
 }
 
 void Session::press(Button& button, const std::string& whyDisabled) {
@@ -242,8 +172,7 @@ std::string Session::remark(std::string_view (*find)(const devices::Family&)) {
 }
 
 std::string Session::unless(const std::string& what, const std::string& reason) const {
-  const bool isSelected = !state().FamilyCode.empty();
-  return what + ": " + (isSelected ? reason : "no device is selected; add -d NAME");
+  return work::unless(state(), what, reason);
 }
 
 void Session::finish(int& status, const char* option, const std::function<void()>& steps) {

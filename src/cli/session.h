@@ -12,11 +12,11 @@
 #include "app/launch/program.h"
 #include "app/launch/simulated_board.h"
 #include "app/launch/wave_file.h"
+#include "app/work/device_catalogue.h"
 #include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/console_dialogs.h"
 #include "cli/console_view.h"
-#include "cli/device_catalogue.h"
 #include "devices/families.h"
 #include "hardware/ports/signal_stop.h"
 
@@ -38,7 +38,7 @@ class Session {
     launch::SimulatedBoard* simulated;  ///< nullptr with real ports
     launch::WaveFile* waves;            ///< nullptr without a wave file
     launch::TraceFile& trace;
-    const DeviceCatalogue::Device* device;  ///< of -d; nullptr if not given
+    const work::DeviceCatalogue::Device* device;  ///< of -d; nullptr if not given
     const Arguments& arguments;
     std::ostream& out;
     JsonReport* json = nullptr;  ///< of --json
@@ -113,13 +113,8 @@ class Session {
   void keepChip();
   void tryFiles(const std::vector<const Command*>& commands) const;
   void applyOptions();
-  void applySheetOptions();
-  void choosePort();
   void checkBoard() const;
   void checkMemory(const Command& command) const;
-  void loadSetup(std::size_t slot);
-  void chooseVoltage(std::size_t index);
-  void tick(CheckBox& box, const char* option);
   void openCodeFile(const std::string& name);
   void importCodeFile(const std::string& name);
   void hintForRaw(const std::string& name) const;

@@ -67,7 +67,7 @@ void Session::openCodeFile(const std::string& name) {
 
 // Holes are FFh, as far as the chip goes.
 void Session::importCodeFile(const std::string& name) {
-  const ImageOptions& image = p_.arguments.image;
+  const work::ImageOptions& image = p_.arguments.image;
   try {
     const images::Records records = images::readImageFile(name, image.formatToRead(), &p_.stop);
     const auto size = static_cast<std::size_t>(state().DeviceSizeBytes);
@@ -107,7 +107,7 @@ void Session::tellLengths(const std::string& name) const {
 }
 
 void Session::exportBuffer(const std::string& name) {
-  const ImageOptions& image = p_.arguments.image;
+  const work::ImageOptions& image = p_.arguments.image;
   const bool isForInput = p_.arguments.codeFile.has_value();
   const auto bytes =
       std::span(state().CodeBuffer).first(static_cast<std::size_t>(state().CodeLength));

@@ -83,6 +83,10 @@ std::vector<ProjectFile::Item> ProjectFile::items() const {
 }
 
 void ProjectFile::set(const std::string& key, const std::string& value) {
+  if (value != trimmed(value) || value.find_first_of("\r\n") != value.npos) {
+    throw FileError("keep", value,
+                    "a name with blanks at its ends or of several lines does not fit a project");
+  }
   const std::string line = key + " = " + value;
   for (std::string& old : lines_) {
     const std::optional<Item> item = itemOf(old);
@@ -91,6 +95,13 @@ void ProjectFile::set(const std::string& key, const std::string& value) {
     return;
   }
   lines_.push_back(line);
+}
+
+void ProjectFile::remove(const std::string& key) {
+  std::erase_if(lines_, [&](const std::string& line) {
+    const std::optional<Item> item = itemOf(line);
+    return item && item->first == key;
+  });
 }
 
 std::string ProjectFile::text() const {

@@ -35,8 +35,12 @@ class ProjectFile {
   /// Keys and values in the order of the file, but for the version.
   [[nodiscard]] std::vector<Item> items() const;
 
-  /// Changes the value of a key in its line, or adds one at the end.
+  /// Changes the value of a key in its line, or adds one at the end. Throws FileError for a value
+  /// that would not be read back.
   void set(const std::string& key, const std::string& value);
+
+  /// Takes the line of a key out.
+  void remove(const std::string& key);
 
   [[nodiscard]] std::string text() const;
 

@@ -6,7 +6,7 @@
 #include <memory>
 #include <sstream>
 
-#include "cli/device_catalogue.h"
+#include "app/work/device_catalogue.h"
 #include "cli/run_program.h"
 
 namespace kestrel::test {
@@ -176,7 +176,7 @@ TEST(Completion, offersWhatFitsBehindTheWordBefore) {
 }
 
 TEST(Completion, ofADeviceMeansThatDevice) {
-  const cli::DeviceCatalogue catalogue;
+  const work::DeviceCatalogue catalogue;
   std::stringstream names;
   catalogue.printNames(names);
   int count = 0;

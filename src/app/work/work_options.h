@@ -4,28 +4,26 @@
 #include <string>
 #include <string_view>
 
-#include "cli/arguments.h"
+#include "app/work/work.h"
 
-namespace kestrel::cli {
+namespace kestrel::work {
 
-/// An option of the work itself. Each command names those that it uses.
+/// An option of the work itself. Each command names those that it uses. `set` throws UsageError.
 struct WorkOption {
   const char* name;
   const char* value;  ///< what stands for the value in the help; empty: a flag
   const char* help;
-  void (*set)(Arguments&, const std::string& text);
+  void (*set)(Work&, const std::string& text);  ///< nullptr: --project, which says the others
 };
 
 /// All of them, in the order of the manual.
 [[nodiscard]] std::span<const WorkOption> workOptions();
 
-inline constexpr const char* kYes = "yes";  ///< the text of a flag that is given
-
-/// Sets what was given, and what the project of --project says besides. Throws UsageError, and
-/// FileError for the project.
-void setWork(Arguments& arguments);
+// The text of a flag; one that is given is yes.
+inline constexpr const char* kYes = "yes";
+inline constexpr const char* kNo = "no";
 
 /// The slot of a setup, 1 to 4. Throws UsageError that begins with the option.
 [[nodiscard]] std::size_t setupSlot(std::string_view option, const std::string& text);
 
-}  // namespace kestrel::cli
+}  // namespace kestrel::work

@@ -6,7 +6,7 @@
 
 #include "images/image_file.h"
 
-namespace kestrel::cli {
+namespace kestrel::work {
 
 /// How the files of -i and -o hold their image: --format, --save-format, --at, --range. Without any
 /// of them a file is taken and written byte by byte.
@@ -32,4 +32,4 @@ void setSaveFormat(ImageOptions& options, const std::string& text);
 void setAt(ImageOptions& options, const std::string& text);
 void setRange(ImageOptions& options, const std::string& text);
 
-}  // namespace kestrel::cli
+}  // namespace kestrel::work

@@ -1,8 +1,8 @@
-#include "cli/image_options.h"
+#include "app/work/image_options.h"
 
 #include "app/launch/option_values.h"
 
-namespace kestrel::cli {
+namespace kestrel::work {
 namespace {
 
 constexpr const char* kAuto = "auto";
@@ -57,4 +57,4 @@ void setRange(ImageOptions& options, const std::string& text) {
   options.placement.range = asOption("--range", [&] { return images::parseRange(text); });
 }
 
-}  // namespace kestrel::cli
+}  // namespace kestrel::work

@@ -1,4 +1,4 @@
-#include "cli/device_catalogue.h"
+#include "app/work/device_catalogue.h"
 
 #include <algorithm>
 #include <array>
@@ -17,8 +17,9 @@
 #include "devices/device_table.h"
 #include "devices/families.h"
 #include "devices/remarks.h"
+#include "platform/runtime_error.h"
 
-namespace kestrel::cli {
+namespace kestrel::work {
 namespace {
 
 using Device = DeviceCatalogue::Device;
@@ -85,12 +86,6 @@ std::string namesOf(const std::vector<const Device*>& devices) {
   return names;
 }
 
-std::string voltagesOf(const std::string& vppClass) {
-  if (vppClass == "0") return "5 V";
-  if (vppClass == "1") return "12.5 V";
-  return vppClass == "2" ? "12.5, 21 V" : "12.5, 21, 25 V";
-}
-
 /// The word with the first digit.
 std::string numberOf(const std::string& name) {
   for (const std::string& word : wordsOf(name)) {
@@ -110,6 +105,7 @@ std::string packageOf(const devices::ChipPins& pinout) {
 }
 
 Device deviceOf(std::int32_t position, const DeviceRow& row) {
+  const auto vppClass = narrowed<std::int16_t>(std::stoi(row[devices::kVppClassColumn]));
   const std::string name(trimmed(row[devices::kNameColumn]));
   return {.position = position,
           .name = name,
@@ -119,10 +115,22 @@ Device deviceOf(std::int32_t position, const DeviceRow& row) {
           .isOfferedByDataSheet =
               devices::isOffered(name, row[devices::kListedColumn], Algorithms::DataSheet),
           .sizeKB = std::stoi(row[devices::kSizeKBColumn]),
-          .voltages = voltagesOf(row[devices::kVppClassColumn])};
+          .vppClass = vppClass,
+          .voltages = voltagesOf(vppClass)};
 }
 
 }  // namespace
+
+std::string voltagesOf(std::int16_t vppClass) {
+  if (vppClass == 0) return "5 V";
+  if (vppClass == 1) return "12.5 V";
+  return vppClass == 2 ? "12.5, 21 V" : "12.5, 21, 25 V";
+}
+
+std::string voltageText(std::size_t button) {
+  static constexpr std::array<const char*, 4> kTexts{"5 V", "12.5 V", "21 V", "25 V"};
+  return kTexts.at(button);
+}
 
 DeviceCatalogue::DeviceCatalogue() {
   const auto state = std::make_unique<ProgrammerState>();
@@ -212,4 +220,4 @@ void DeviceCatalogue::print(const Device& device, Algorithms algorithms, std::os
   if (pinout.count() > 0) out << '\n' << devices::socketDrawing(pinout);
 }
 
-}  // namespace kestrel::cli
+}  // namespace kestrel::work

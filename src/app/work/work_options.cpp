@@ -1,20 +1,14 @@
-#include "cli/work_options.h"
+#include "app/work/work_options.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
-#include <iostream>
 #include <limits>
 
-#include "cli/project_options.h"
-#include "platform/file_names.h"
+#include "app/launch/option_values.h"
 #include "platform/polled_io.h"
-#include "setups/project_file.h"
 
-namespace kestrel::cli {
+namespace kestrel::work {
 namespace {
-
-void readProject(Arguments& a, const std::string& file);
 
 [[noreturn]] void refuse(std::string_view option, const std::string& text,
                          std::string_view remedy) {
@@ -87,6 +81,8 @@ images::SerialPlan serialPlan(const std::string& text) {
   }
 }
 
+bool isYes(const std::string& text) { return text != kNo; }
+
 constexpr std::int32_t kMostPages = std::numeric_limits<std::int32_t>::max();
 
 // clang-format off
@@ -110,7 +106,7 @@ constexpr std::array<WorkOption, 29> kWorkOptions{{
     {"--range", "FROM-TO", "take only these addresses, hexadecimal",
      [](auto& a, const auto& text) { setRange(a.image, text); }},
     {"--project", "FILE", "take options from a project",
-     [](auto& a, const auto& text) { readProject(a, named("--project", text)); }},
+     nullptr},
     {"--setup", "N", "load setup slot N (1 to 4)",
      [](auto& a, const auto& text) { a.setup = slotOf("--setup", text); }},
     {"--speed", "1..20", "program speed",
@@ -120,72 +116,37 @@ constexpr std::array<WorkOption, 29> kWorkOptions{{
     {"--lane", "all|odd|even", "bytes of the buffer to program and verify",
      [](auto& a, const auto& text) { a.lane = laneButton(text); }},
     {"--check", "", "refuse an EPROM that cannot take the image",
-     [](auto& a, const auto&) { a.check = true; }},
+     [](auto& a, const auto& text) { a.check = isYes(text); }},
     {"--blank-check", "", "check that it is blank before programming",
-     [](auto& a, const auto&) { a.blankCheck = true; }},
+     [](auto& a, const auto& text) { a.blankCheck = isYes(text); }},
     {"--verify", "", "verify after programming",
-     [](auto& a, const auto&) { a.verify = true; }},
+     [](auto& a, const auto& text) { a.verify = isYes(text); }},
     {"--pad-ff", "", "fill what -i FILE does not cover with FFh",
-     [](auto& a, const auto&) { a.padFF = true; }},
+     [](auto& a, const auto& text) { a.padFF = isYes(text); }},
     {"--page", "N", "with display: page of 256 bytes, from 0",
      [](auto& a, const auto& text) { a.page = number("--page", text, 0, kMostPages, "is no page; use 0 or more"); }},
     {"--show", "", "with read: print the first page of the buffer",
-     [](auto& a, const auto&) { a.show = true; }},
+     [](auto& a, const auto& text) { a.show = isYes(text); }},
     {"--backup", "DIR", "keep what a chip held before it is written",
      [](auto& a, const auto& text) { a.backup = named("--backup", text); }},
     {"--protect", "on|off|keep", "data sheet: a 28C256's protection afterwards",
      [](auto& a, const auto& text) { a.protection = protectionButton(text); }},
     {"--force", "", "data sheet: work on a flash of another code too",
-     [](auto& a, const auto&) { a.force = true; }},
+     [](auto& a, const auto& text) { a.force = isYes(text); }},
     {"--repeat", "N", "with read: read N times, take the majority",
      [](auto& a, const auto& text) { a.repeat = number("--repeat", text, 1, 99, "is no number of reads; use 1 to 99"); }},
     {"--several", "", "with program: one chip after another",
-     [](auto& a, const auto&) { a.several = true; }},
+     [](auto& a, const auto& text) { a.several = isYes(text); }},
     {"--serial", "PLAN", "a number for each chip: at=ADDR,bytes=N,start=S",
      [](auto& a, const auto& text) { a.serial = serialPlan(text); }},
     {"--report", "FILE", "table of the chips of --several (CSV)",
      [](auto& a, const auto& text) { a.report = named("--report", text); }},
     {"--json", "", "one JSON object a line; the log on standard error",
-     [](auto& a, const auto&) { a.json = true; }},
+     [](auto& a, const auto& text) { a.json = isYes(text); }},
     {"--names", "", "with devices: one short name a line, no more",
-     [](auto& a, const auto&) { a.names = true; }},
+     [](auto& a, const auto& text) { a.names = isYes(text); }},
 }};
 // clang-format on
-
-/// The option that a key of a project stands for; nullptr for a key that is unknown.
-const WorkOption* optionOf(const std::string& key) {
-  const auto found = std::ranges::find_if(
-      kWorkOptions, [&](const WorkOption& option) { return projectKey(option.name) == key; });
-  return found == kWorkOptions.end() ? nullptr : &*found;
-}
-
-void setFromProject(Arguments& a, const WorkOption& option, const std::string& file,
-                    const std::string& value) {
-  if (*option.value != '\0') return option.set(a, inProject(file, option.name, value));
-  if (value == kYes) return option.set(a, {});
-  if (value == "no") return;
-  throw launch::UsageError(file + ": " + projectKey(option.name) + " is \"" + value +
-                           "\"; use yes or no");
-}
-
-// The one option of the machine that belongs to a piece of work: the way to work on a chip.
-void setAlgorithms(Arguments& a, const std::string& value) {
-  if (!a.launch.algorithms) a.launch.algorithms = launch::parseAlgorithms(value);
-}
-
-void readProject(Arguments& a, const std::string& file) {
-  for (const auto& [key, value] : setups::ProjectFile::read(file).items()) {
-    const WorkOption* const option = optionOf(key);
-    if (key == kAlgorithmsKey) {
-      setAlgorithms(a, value);
-    } else if (option == nullptr) {
-      std::cerr << "kestrel-cli: " << shownName(file) << ": the key " << shownName(key)
-                << " is unknown and was passed over\n";
-    } else if (a.textOf(option->name) == nullptr) {
-      setFromProject(a, *option, file, value);
-    }
-  }
-}
 
 }  // namespace
 
@@ -195,17 +156,4 @@ std::size_t setupSlot(std::string_view option, const std::string& text) {
   return slotOf(option, text);
 }
 
-// A project comes first: the command line goes before it.
-void setWork(Arguments& a) {
-  const auto setGiven = [&](const WorkOption& option) {
-    if (const std::string* const text = a.textOf(option.name)) option.set(a, *text);
-  };
-  for (const WorkOption& option : kWorkOptions) {
-    if (std::string_view(option.name) == "--project") setGiven(option);
-  }
-  for (const WorkOption& option : kWorkOptions) {
-    if (std::string_view(option.name) != "--project") setGiven(option);
-  }
-}
-
-}  // namespace kestrel::cli
+}  // namespace kestrel::work

@@ -8,7 +8,7 @@
 
 #include "app/state/programmer_state.h"
 
-namespace kestrel::cli {
+namespace kestrel::work {
 
 /// The device list as the form shows it, without a form and without a board: row by row.
 class DeviceCatalogue {
@@ -25,6 +25,7 @@ class DeviceCatalogue {
       return algorithms == Algorithms::Classic ? isOffered : isOfferedByDataSheet;
     }
     int sizeKB = 0;
+    std::int16_t vppClass = 0;
     std::string voltages;  ///< that it may be programmed with
   };
 
@@ -53,4 +54,10 @@ class DeviceCatalogue {
   std::vector<Device> devices_;
 };
 
-}  // namespace kestrel::cli
+/// The voltages that the parts of a class may be programmed with: "12.5, 21 V".
+[[nodiscard]] std::string voltagesOf(std::int16_t vppClass);
+
+/// That of a voltage button: "21 V".
+[[nodiscard]] std::string voltageText(std::size_t button);
+
+}  // namespace kestrel::work
