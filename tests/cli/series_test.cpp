@@ -124,9 +124,6 @@ TEST(Series, refusesNumbersAndReportsThatCannotBe) {
   work.put("other.txt", "Kestrel serial numbers 1\nplan at=0000\ngiven 3\n");
   for (const auto& [words, told] :
        {std::pair("--serial at=FFE", "are not in the chip"),
-        {"--serial bytes=4", "at=ADDRESS is missing"},
-        {"--serial at=0,bytes=9", "use 1 to 8"},
-        {"--serial at=0,order=middle", "neither le nor be"},
         {"--serial at=0,bytes=1,start=256", "256 does not fit into 1 bytes"},
         {"--serial at=0,bytes=4,form=ascii,list=list.txt", "too long does not fit"},
         {"--serial at=0,counter=damaged.txt", "line 3"},

@@ -1,0 +1,50 @@
+#include <gtest/gtest.h>
+
+#include <regex>
+
+#include "cli/run_program.h"
+
+namespace kestrel::test {
+namespace {
+
+/// What a run printed, without what differs from run to run and without log and progress.
+std::string printed(const Workplace& work, const Outcome& run) {
+  std::string text = run.out + run.err;
+  const std::string folder = work.path("");
+  for (std::size_t at = 0; (at = text.find(folder)) != std::string::npos;) {
+    text.replace(at, folder.size(), "DIR/");
+  }
+  text = std::regex_replace(text, std::regex(".*\"event\":\"(log|progress)\".*\n"), "");
+  text = std::regex_replace(text, std::regex(R"((seconds":|, )\d+\.\d+(e-\d+)?)"), "$1S");
+  return text.ends_with('\n') ? text : text + "\n";
+}
+
+// A line "$STATUS WORDS" is a command, run with the files that the commands before it left; under
+// it stands what it prints, or the beginning of that and three dots.
+TEST(Transcript, ofEachCommandIsWordForWordWhatPeopleAndProgramsRead) {
+  const Workplace work;
+  work.put("rom.bin", "x");
+  work.put("a.bin", "123456789.......");
+  work.put("odd.bin", "abcdefgh");
+  work.put("empty.bin", "");
+  work.put("go", "\nq\n");
+  work.put("good.hex", ":0400300001020304C2\n:00000001FF\n");
+  work.put("c64.bin", mostlyErased(8192, 0, "abc"));
+  work.put("big.bin", std::string(8200, 'b'));
+  work.put("KSSetup4.INI", "SetupName = Lot 7\r\nDevice.Index = 5\r\n");
+  std::ifstream file(KESTREL_TRANSCRIPT);
+  std::string line;
+  for (std::getline(file, line); file;) {
+    const std::string command = line.substr(1);
+    std::string expected = "$" + command + "\n";
+    while (std::getline(file, line) && !line.starts_with('$')) expected += line + "\n";
+    const Outcome run = work.run(command.substr(2));
+    std::string found =
+        "$" + std::to_string(run.status) + command.substr(1) + "\n" + printed(work, run);
+    if (expected.ends_with("...\n")) found = found.substr(0, expected.size() - 4) + "...\n";
+    EXPECT_EQ(found, expected);
+  }
+}
+
+}  // namespace
+}  // namespace kestrel::test
