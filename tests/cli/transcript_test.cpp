@@ -20,7 +20,8 @@ std::string printed(const Workplace& work, const Outcome& run) {
 }
 
 // A line "$STATUS WORDS" is a command, run with the files that the commands before it left; under
-// it stands what it prints, or the beginning of that and three dots.
+// it stands what it prints, or the beginning of that and three dots. One line on standard error,
+// with the program's name before it, stands behind "=>".
 TEST(Transcript, ofEachCommandIsWordForWordWhatPeopleAndProgramsRead) {
   const Workplace work;
   work.put("rom.bin", "x");
@@ -35,12 +36,14 @@ TEST(Transcript, ofEachCommandIsWordForWordWhatPeopleAndProgramsRead) {
   std::ifstream file(KESTREL_TRANSCRIPT);
   std::string line;
   for (std::getline(file, line); file;) {
-    const std::string command = line.substr(1);
-    std::string expected = "$" + command + "\n";
+    const std::size_t arrow = line.find(" => ");
+    const std::string command = line.substr(0, arrow);
+    std::string expected = command + "\n";
+    if (arrow != std::string::npos) expected += "kestrel-cli: " + line.substr(arrow + 4) + "\n";
     while (std::getline(file, line) && !line.starts_with('$')) expected += line + "\n";
-    const Outcome run = work.run(command.substr(2));
-    std::string found =
-        "$" + std::to_string(run.status) + command.substr(1) + "\n" + printed(work, run);
+    const Outcome run = work.run(command.substr(3));
+    std::string found = "$" + std::to_string(run.status) + command.substr(2) + "\n";
+    found += printed(work, run);
     if (expected.ends_with("...\n")) found = found.substr(0, expected.size() - 4) + "...\n";
     EXPECT_EQ(found, expected);
   }

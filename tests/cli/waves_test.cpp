@@ -92,6 +92,10 @@ TEST(Waves, ofAnEpromShowThePulseUnderItsVoltage) {
     ++pulses;
   }
   EXPECT_EQ(pulses, 1);
+  ASSERT_EQ(place.simulate("read -d 27C256 --waves w.vcd").status, 0);
+  EXPECT_THAT(place.text("w.vcd"), HasSubstr("$comment Eprom 27C256 in the socket"));
+  signals = signalsOf(place.text("w.vcd"));
+  EXPECT_EQ(signals["chip_drives_data"].size(), 3U) << "on for the whole read, though without /WE";
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <stdlib.h>
+#include <termios.h>
 #include <unistd.h>
 
 #include <array>
@@ -53,6 +54,20 @@ TEST(SerialLine, carriesEveryByteUnchanged) {
   ASSERT_EQ(::write(terminal.end, all.data(), all.size()), 256);
   EXPECT_EQ(line.read(got, milliseconds(1000)), 256U);
   EXPECT_EQ(got, all);
+}
+
+// Modem lines, which the adapter's cable has not, neither hold a byte up nor end the line.
+TEST(SerialLine, isSetTo1MbaudWithoutModemLines) {
+  Terminal terminal;
+  termios settings{};
+  ASSERT_EQ(::tcgetattr(terminal.end, &settings), 0);
+  settings.c_cflag |= HUPCL | CRTSCTS | CSTOPB;
+  ASSERT_EQ(::tcsetattr(terminal.end, TCSANOW, &settings), 0);
+  const SerialLine line(terminal.name);
+  ASSERT_EQ(::tcgetattr(terminal.end, &settings), 0);
+  EXPECT_EQ(settings.c_cflag & (CLOCAL | CREAD | HUPCL | CRTSCTS | CSTOPB | CSIZE | PARENB),
+            static_cast<tcflag_t>(CLOCAL | CREAD | CS8));
+  EXPECT_EQ(::cfgetospeed(&settings), static_cast<speed_t>(B1000000));
 }
 
 TEST(SerialLine, tellsWhyItCannotBeTaken) {

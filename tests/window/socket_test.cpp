@@ -149,13 +149,15 @@ TEST(SafetyQuestion, tellsWhatWillBeDoneAndWhatDoesNotFit) {
   }
   EXPECT_THAT(facts.toStdString(), Not(HasSubstr("chip was read"))) << "not the classic way";
   rig.click("AlgorithmSelection(1)");
+  rig.openFile("image.bin", countingBytes(32'768));
   rig.board().loadChip(std::vector<std::uint8_t>(32'768, 0x00));
   const WithDialog again([&](QDialog& dialog) {
     facts = dynamic_cast<QMessageBox&>(dialog).informativeText();
     dialog.reject();
   });
   rig.click("Program_button");
-  EXPECT_THAT(facts.toStdString(), HasSubstr("in 31875 bytes (0001-0148"));
+  EXPECT_THAT(facts.toStdString(), HasSubstr("in 32640 bytes (0001-0148"));
+  EXPECT_THAT(facts.toStdString(), Not(HasSubstr("The file is"))) << "just as long as the chip";
   EXPECT_THAT(textOf(rig, "outcome"), HasSubstr("show 00001h"));
 }
 

@@ -5,6 +5,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
@@ -150,17 +151,6 @@ struct WindowRig {
   QTimer watchdog_;
 };
 
-/// A rig after its start-up, the blank chip in its socket selected when that is
-/// asked for.
-struct StartedRig : WindowRig {
-  explicit StartedRig(const char* selected = nullptr)
-      : WindowRig(simulatedOptions(selected == nullptr ? "27C256" : selected)) {
-    start();
-    board().blankChip();
-    if (selected != nullptr) select(selected);
-  }
-};
-
 /// Names what lies over another widget or is cut off by its frame, and tool buttons that tell
 /// nothing.
 [[nodiscard]] inline std::string misplacedIn(const QWidget& window) {
@@ -186,6 +176,18 @@ struct StartedRig : WindowRig {
   return names;
 }
 
+/// A rig after its start-up, the blank chip in its socket selected when that is
+/// asked for.
+struct StartedRig : WindowRig {
+  explicit StartedRig(const char* selected = nullptr)
+      : WindowRig(simulatedOptions(selected == nullptr ? "27C256" : selected)) {
+    start();
+    board().blankChip();
+    if (selected != nullptr) select(selected);
+  }
+  ~StartedRig() { EXPECT_EQ(misplacedIn(window), ""); }
+};
+
 /// Waits for the next modal dialog (of a name, if one is given) and does something with it.
 /// Remembers what the dialog said: the text of a message box, the title of any other.
 class WithDialog {
@@ -204,6 +206,9 @@ class WithDialog {
     look_.stop();
     auto* const box = dynamic_cast<QMessageBox*>(dialog);
     said_ = box ? box->text() : dialog->windowTitle();
+    if (box == nullptr && dynamic_cast<QFileDialog*>(dialog) == nullptr) {
+      EXPECT_EQ(misplacedIn(*dialog), "") << said_.toStdString();
+    }
     act_(*dialog);
   }
 
