@@ -152,6 +152,132 @@ TEST(Buffer, changesOfTheMenuErasingAndTheLengthAreTakenBack) {
   EXPECT_FALSE(rig.find<QAction>("bufferRedo").isEnabled()) << "it was about another image";
 }
 
+TEST(Buffer, anEditedOneIsReplacedOnlyWhenThePersonSaysSo) {
+  StartedRig rig("27C256");
+  rig.click("Read_button");
+  rig.openFile("game.bin", countingBytes(0x8000));  // nothing was edited: nothing is asked
+  const auto& buffer = rig.form.state().CodeBuffer;
+  rig.trigger("compareChip");
+  auto& page = rig.find<QPlainTextEdit>("BufferDisplay");
+  page.setFocus();
+  QTest::keyClicks(&page, "FF");  // as the chip has it
+  auto& summary = rig.find<QLabel>("differenceSummary");
+  const auto isToldAnew = [&] { return summary.text().contains("32639 of 32768 bytes differ"); };
+  EXPECT_TRUE(QTest::qWaitFor(isToldAnew)) << summary.text().toStdString();
+  writeFileAtomically(rig.folder / "project", "kestrel-project = 1\nspeed = 3\n");
+  for (const std::string way : {"menuReadCode", "mnuFileOpenCode", "importImage", "openProject"}) {
+    const WithDialog cancelled([](QDialog& box) { box.reject(); }, "unsavedQuestion");
+    rig.dialogs.answerNextOpen(rig.folder / (way == "openProject" ? "project" : "game.bin"));
+    rig.trigger(way.c_str());
+    EXPECT_FALSE(cancelled.said().empty()) << way;
+    EXPECT_EQ(buffer[0], 0xFF) << way;
+    EXPECT_EQ(rig.controls().Slider1.value(), 18) << way;
+  }
+  rig.dialogs.forgetNextOpen();
+  const WithDialog lost = pressing("Replace Without Saving");
+  rig.click("Read_button");
+  EXPECT_EQ(buffer[1], 0xFF);
+}
+
+TEST(Buffer, thatIsNoLongerErasedIsTheFileAgain) {
+  StartedRig rig("27C256");
+  rig.openFile("game.bin", countingBytes(0x8000));
+  const QString title = rig.window.windowTitle();
+  rig.click("Erase_button");
+  EXPECT_THAT(rig.window.windowTitle().toStdString(), HasSubstr("buffer erased"));
+  rig.trigger("bufferUndo");
+  EXPECT_EQ(rig.window.windowTitle(), title);
+  EXPECT_EQ(rig.form.state().CodeFrom, CodeSource::File) << "the safety question tells it";
+  rig.trigger("bufferRedo");
+  EXPECT_THAT(rig.window.windowTitle().toStdString(), HasSubstr("buffer erased"));
+}
+
+TEST(FileOnTheDisk, changedByAnotherIsOfferedAgainOnesOwnSaveIsNot) {
+  StartedRig rig("27C256");
+  rig.openFile("game.bin", countingBytes(0x100));
+  const auto isOffered = [&](int waitMs) {
+    return QTest::qWaitFor([&] { return rig.shown("notice-file") != nullptr; }, waitMs);
+  };
+  rig.trigger("mnuFileSaveCode");
+  EXPECT_FALSE(isOffered(800));
+  for (const std::uint8_t value :
+       std::vector<std::uint8_t>{1, 2}) {  // in place of the old one, twice
+    writeFileAtomically(rig.folder / "game.bin", std::vector<std::uint8_t>(0x100, value));
+    ASSERT_TRUE(isOffered(3'000));
+    EXPECT_NE(rig.form.state().CodeBuffer[1], value) << "not unasked";
+    rig.click("readAgain");
+    EXPECT_EQ(rig.form.state().CodeBuffer[1], value);
+    EXPECT_FALSE(isOffered(0));
+  }
+}
+
+TEST(Project, setsAgainWhatWasSetAndKeepsWhatItDoesNotKnow) {
+  const TemporaryFolder folder;
+  const auto file = folder / "lot.project";
+  writeFileAtomically(folder / "a.hex", kHexFile);
+  {
+    StartedRig rig("27C256");
+    const ImageAnswer answer((folder / "a.hex").string(), "", "7FF4");
+    rig.trigger("importImage");
+    rig.controls().Slider1.setValue(11);
+    for (const char* const ticked : {"VerifyAfterProgramming", "HiLow_button(1)"})
+      rig.click(ticked);
+    writeFileAtomically(file,
+                        "# ours\nkestrel-project = 1\ncolour = red\nsetup = 1\nforce = yes\n");
+    const WithDialog choose = choosing(file.string());
+    const WithDialog replace = answering(QMessageBox::Yes);
+    rig.trigger("saveProject");
+  }
+  EXPECT_EQ(readWholeTextFile(file),
+            "# ours\nkestrel-project = 1\ncolour = red\nsetup = 1\nalgorithms = classic\n"
+            "device = Eprom 27C256\nspeed = 11\nvpp = 12.5\nlane = odd\ncheck = no\n"
+            "blank-check = no\nverify = yes\nrepeat = 1\nfile = a.hex\nformat = ihex\nat = 7FF4\n");
+  std::string text = readWholeTextFile(file);
+  writeFileAtomically(file, text.erase(text.find("setup"), 10) + "serial = at=0,bytes=2\n");
+  StartedRig rig;
+  rig.dialogs.answerNextOpen(file);
+  rig.trigger("openProject");
+  EXPECT_EQ(rig.form.state().DeviceName, "Eprom 27C256");
+  EXPECT_EQ(rig.form.state().CodeBuffer[0x7FFF], 'H');
+  EXPECT_EQ(rig.controls().Slider1.value(), 11);
+  EXPECT_TRUE(rig.controls().HiLow_button[1].value());
+  EXPECT_TRUE(rig.controls().VerifyAfterProgramming.isTicked());
+  ASSERT_NE(rig.shown("notice-project"), nullptr);
+  EXPECT_THAT(rig.shown("notice-project")->accessibleName().toStdString(), HasSubstr("colour"));
+  const WithDialog series(
+      [](QDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QLineEdit*>("serialBytes")->text(), "2");
+        dialog.reject();
+      },
+      "seriesDialog");
+  rig.trigger("programSeveral");
+}
+
+TEST(Project, thatCannotBeUsedIsToldInASentenceAndChangesNothing) {
+  StartedRig rig("27C256");
+  rig.openFile("game.bin", countingBytes(0x8000));
+  const QString log = rig.logText();
+  writeFileAtomically(rig.folder / "far.hex", ":0400300001020304C3\n:00000001FF\n");
+  for (const auto& [lines, told] :
+       {std::pair("kestrel-project = 2\n", "of version 2, which this program does not know"),
+        {"speed = 3\n", "line 1: a project begins with"},
+        {"kestrel-project = 1\nspeed = 30\n", "speed: \"30\" is no program speed; use 1"},
+        {"kestrel-project = 1\ndevice = 27C64\nvpp = 25\n", "vpp: Eprom 27C64 does not take 25 V"},
+        {"kestrel-project = 1\ndevice = 99C99\n", "device: \"99C99\" fits no device"},
+        {"kestrel-project = 1\nspeed = 3\nprotect = on\n", "protect: it is for algorithms "},
+        {"kestrel-project = 1\nspeed = 3\nfile = gone.bin\n", "gone.bin"},
+        {"kestrel-project = 1\ndevice = 2764\nfile = .\n", "Is a directory"},
+        {"kestrel-project = 1\ndevice = 2764\nfile = game.bin\nat = 1\n", "the chip ends at 1FFF"},
+        {"kestrel-project = 1\nfile = far.hex\nformat = auto\n", "line 1"}}) {
+    writeFileAtomically(rig.folder / "bad", lines);
+    const WithDialog box = answering(QMessageBox::Ok);
+    rig.dialogs.answerNextOpen(rig.folder / "bad");
+    rig.trigger("openProject");
+    EXPECT_THAT(box.said(), HasSubstr(told)) << lines;
+    EXPECT_TRUE(rig.logText() == log) << lines;
+  }
+}
+
 TEST(Identity, ofTheImageStandsUnderTheFileAndFollowsATypedByte) {
   StartedRig rig("27C256");
   auto& identity = rig.find("imageIdentity");

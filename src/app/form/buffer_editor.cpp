@@ -9,6 +9,8 @@
 namespace kestrel::form {
 namespace {
 
+constexpr const char* kErase = "Erase Buffer";
+
 images::Bytes firstBytes(const images::Bytes& buffer, std::size_t count) {
   return {buffer.begin(), buffer.begin() + static_cast<std::ptrdiff_t>(count)};
 }
@@ -78,23 +80,27 @@ void BufferEditor::putByte(std::size_t address, std::uint8_t value, bool goesOn)
 std::optional<std::size_t> BufferEditor::undo() {
   images::Bytes buffer = form_.state().CodeBuffer;
   const auto step = history_.undo(buffer);
-  took(step, std::move(buffer), "Taken back: ");
+  took(step, std::move(buffer), false);
   return step ? std::optional(step->first) : std::nullopt;
 }
 
 std::optional<std::size_t> BufferEditor::redo() {
   images::Bytes buffer = form_.state().CodeBuffer;
   const auto step = history_.redo(buffer);
-  took(step, std::move(buffer), "Made again: ");
+  took(step, std::move(buffer), true);
   return step ? std::optional(step->first) : std::nullopt;
 }
 
 void BufferEditor::took(const std::optional<images::EditHistory::Step>& step, images::Bytes buffer,
-                        const char* what) {
+                        bool isMadeAgain) {
   if (!step) return;
+  const char* const what = isMadeAgain ? "Made again: " : "Taken back: ";
   const std::size_t length = step->length.value_or(lengthOf(form_.state()));
   (void)form_.changeCode(std::move(buffer), narrowed<std::int32_t>(length), what + step->name);
   form_.state().CodeChanged = wasChanged_ = history_.isChanged();
+  if (step->name != kErase) return;
+  erases_ += isMadeAgain ? 1 : -1;
+  form_.state().CodeFrom = erases_ == 0 ? loadedFrom_ : CodeSource::Erased;
 }
 
 void BufferEditor::keepBeforeErase() { beforeErase_ = form_.state().CodeBuffer; }
@@ -105,10 +111,14 @@ void BufferEditor::lookAtBuffer() {
   if (buffers.CodeLoads != loads_) {
     loads_ = buffers.CodeLoads;
     const bool isErased = buffers.CodeFrom == CodeSource::Erased && !before.empty();
-    if (!isErased) history_.clear();
     if (isErased) {
-      history_.note("Erase Buffer", before, buffers.CodeBuffer,
+      if (before != buffers.CodeBuffer) ++erases_;
+      history_.note(kErase, before, buffers.CodeBuffer,
                     {.before = lengthOf(buffers), .after = lengthOf(buffers)});
+    } else {
+      erases_ = 0;
+      loadedFrom_ = buffers.CodeFrom;
+      history_.clear();
     }
   } else if (wasChanged_ && !buffers.CodeChanged) {
     history_.markSaved();

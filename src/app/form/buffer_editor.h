@@ -45,11 +45,13 @@ class BufferEditor {
  private:
   void put(const std::string& name, images::Bytes buffer, std::size_t length);
   void took(const std::optional<images::EditHistory::Step>& step, images::Bytes buffer,
-            const char* what);
+            bool isMadeAgain);
 
   frmMain& form_;
   images::EditHistory history_;
-  std::int32_t loads_ = 0;     // of the buffer that the history is about
+  std::int32_t loads_ = 0;  // of the buffer that the history is about
+  CodeSource loadedFrom_ = CodeSource::Start;
+  int erases_ = 0;             // of the buffer since then, but for those taken back
   bool wasChanged_ = false;    // at the last look
   images::Bytes beforeErase_;  // empty: no erase is going on
 };

@@ -34,7 +34,11 @@ ChipBackup::ChipBackup(const Parts& parts, QMenu& device, const char* before)
 }
 
 void ChipBackup::choose(bool on) {
-  folder_ = on ? QFileDialog::getExistingDirectory(&parts_.window, "Keep Old Contents In") : "";
+  setFolder(on ? QFileDialog::getExistingDirectory(&parts_.window, "Keep Old Contents In") : "");
+}
+
+void ChipBackup::setFolder(const QString& folder) {
+  folder_ = folder;
   parts_.settings.setValue(kSection, kKey, folder_.toStdString());
   showFolder();
 }

@@ -35,6 +35,7 @@ class ChipBackup final : public QObject {
 
   /// The folder; empty: nothing is kept.
   [[nodiscard]] QString folder() const { return folder_; }
+  void setFolder(const QString& folder);
 
   /// Writes a file into the folder. A blank chip has nothing to keep.
   CommandResult keep(const QString& folder, const std::vector<std::uint8_t>& chip);

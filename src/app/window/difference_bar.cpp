@@ -65,13 +65,28 @@ void DifferenceBar::onShow(std::function<void(std::int32_t, std::int32_t)> show)
   show_ = std::move(show);
 }
 
-void DifferenceBar::setComparison(images::Comparison comparison, images::Bytes image,
-                                  images::Bytes other, const QString& otherName) {
-  comparison_ = std::move(comparison);
+void DifferenceBar::setComparison(images::Bytes image, images::Bytes other,
+                                  const QString& otherName) {
   image_ = std::move(image);
   other_ = std::move(other);
   otherName_ = otherName;
   current_ = -1;
+  compare();
+  show();
+  next();
+}
+
+bool DifferenceBar::setImage(images::Bytes image) {
+  if (image == image_) return false;
+  image_ = std::move(image);
+  compare();
+  current_ = std::min(std::max(current_, 0), static_cast<int>(comparison_.ranges.size()) - 1);
+  showCurrent();
+  return true;
+}
+
+void DifferenceBar::compare() {
+  comparison_ = images::compare(other_, image_);
   QStringList meanings;
   for (const images::Finding& finding : comparison_.findings) {
     meanings << QString::fromStdString(finding.text);
@@ -79,12 +94,7 @@ void DifferenceBar::setComparison(images::Comparison comparison, images::Bytes i
   meaning_->setText(meanings.join('\n'));
   meaning_->setVisible(!meanings.isEmpty());
   sides_->setVisible(hasDifferences());
-  show();
-  if (hasDifferences()) {
-    next();
-  } else {
-    summary_->setText(summary());
-  }
+  summary_->setText(summary());
 }
 
 QString DifferenceBar::summary() const {
@@ -105,17 +115,19 @@ void DifferenceBar::go(int step) {
   const auto count = static_cast<int>(comparison_.ranges.size());
   current_ = (current_ + step + count) % count;
   showCurrent();
-}
-
-void DifferenceBar::showCurrent() {
   const images::Range& range = comparison_.ranges[static_cast<std::size_t>(current_)];
-  summary_->setText(summary());
-  sides_->setText(QString("%1  buffer %2  %3 %4")
-                      .arg(QString::fromStdString(images::rangeText(range)), hexOf(image_, range),
-                           otherName_, hexOf(other_, range)));
   if (show_) {
     show_(static_cast<std::int32_t>(range.first), static_cast<std::int32_t>(range.size()));
   }
+}
+
+void DifferenceBar::showCurrent() {
+  summary_->setText(summary());
+  if (!hasDifferences()) return;
+  const images::Range& range = comparison_.ranges[static_cast<std::size_t>(current_)];
+  sides_->setText(QString("%1  buffer %2  %3 %4")
+                      .arg(QString::fromStdString(images::rangeText(range)), hexOf(image_, range),
+                           otherName_, hexOf(other_, range)));
 }
 
 void DifferenceBar::close() {

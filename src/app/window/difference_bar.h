@@ -21,8 +21,10 @@ class DifferenceBar final : public QWidget {
   void onClosed(std::function<void()> closed) { closed_ = std::move(closed); }
 
   /// Shows a comparison of the buffer's image with another one, "chip" or the name of a file.
-  void setComparison(images::Comparison comparison, images::Bytes image, images::Bytes other,
-                     const QString& otherName);
+  void setComparison(images::Bytes image, images::Bytes other, const QString& otherName);
+
+  /// The image has changed: compares anew and stays where it is. False for the same image.
+  bool setImage(images::Bytes image);
 
   [[nodiscard]] bool hasDifferences() const { return !comparison_.ranges.empty(); }
   [[nodiscard]] const images::Comparison& comparison() const { return comparison_; }
@@ -33,6 +35,7 @@ class DifferenceBar final : public QWidget {
  private:
   void go(int step);
   void close();
+  void compare();
   void showCurrent();
   [[nodiscard]] QString summary() const;
 

@@ -32,6 +32,7 @@ namespace kestrel::window {
 namespace {
 
 using display::kPageBytes;
+constexpr int kCompareRestMs = 400;
 constexpr int kAddressDigits = 6;
 constexpr QLatin1StringView kColumnHeads(
     "        00010203 04050607 08090A0B 0C0D0E0F   0123456789ABCDEF");
@@ -62,6 +63,9 @@ QSize hexPageSize(const QPlainTextEdit& view, const QFont& font, int lines) {
 DisplayPanel::DisplayPanel(Controls& controls, const ProgrammerState& state, const Binder& binder,
                            QWidget* parent)
     : QWidget(parent), controls_(controls), state_(state), binder_(binder) {
+  compares_.setSingleShot(true);
+  compares_.setInterval(kCompareRestMs);
+  connect(&compares_, &QTimer::timeout, this, [this] { compareAgain(); });
   auto* const column = new QVBoxLayout(this);
   column->setContentsMargins(0, 0, 8, 0);
   column->setSizeConstraint(QLayout::SetMinAndMaxSize);
@@ -169,15 +173,29 @@ void DisplayPanel::goOn() {
   isComparing && !find_->isVisible() ? differences_->next() : find_->findNext();
 }
 
-void DisplayPanel::showComparison(images::Comparison comparison, images::Bytes image,
-                                  images::Bytes other, const QString& otherName) {
+void DisplayPanel::showComparison(images::Bytes other, const QString& otherName,
+                                  std::function<images::Bytes()> image) {
+  image_ = std::move(image);
+  differences_->setComparison(image_(), std::move(other), otherName);
+  markDifferences();
+}
+
+void DisplayPanel::compareSoon() {
+  if (differences_->isVisible()) compares_.start();
+}
+
+void DisplayPanel::compareAgain() {
+  if (!differences_->isVisible() || binder_.runner().isRunning()) return;
+  if (differences_->setImage(image_())) markDifferences();
+}
+
+void DisplayPanel::markDifferences() {
   std::vector<display::AddressRange> ranges;
-  for (const images::Range& range : comparison.ranges) {
+  for (const images::Range& range : differences_->comparison().ranges) {
     ranges.push_back({.begin = static_cast<std::int32_t>(range.first),
                       .end = static_cast<std::int32_t>(range.last) + 1});
   }
   map_->setDifferences(std::move(ranges));
-  differences_->setComparison(std::move(comparison), std::move(image), std::move(other), otherName);
 }
 
 void DisplayPanel::showMap() {

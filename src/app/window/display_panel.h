@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPlainTextEdit>
+#include <QTimer>
 #include <QWidget>
 #include <cstdint>
 #include <functional>
@@ -45,9 +46,11 @@ class DisplayPanel final : public QWidget {
   void goOn();
   void goBack() { differences_->previous(); }
 
-  /// Shows where the buffer's image differs from another one.
-  void showComparison(images::Comparison comparison, images::Bytes image, images::Bytes other,
-                      const QString& otherName);
+  /// Shows where the buffer's image differs from another one. `image` is asked for it again when
+  /// the buffer may hold something else.
+  void showComparison(images::Bytes other, const QString& otherName,
+                      std::function<images::Bytes()> image);
+  void compareSoon();
 
   /// The buffer may hold something else.
   void showMap();
@@ -71,6 +74,8 @@ class DisplayPanel final : public QWidget {
   void buildPage(QBoxLayout& column);
   void buildScrollBar(QBoxLayout& row);
   void showPage();
+  void compareAgain();
+  void markDifferences();
   void fitFont();
   void showMarks();
   void copyAddressAt(const QPoint& place);
@@ -86,6 +91,8 @@ class DisplayPanel final : public QWidget {
   BufferFind* find_ = nullptr;
   DifferenceBar* differences_ = nullptr;
   MemoryMapStrip* map_ = nullptr;
+  std::function<images::Bytes()> image_;  // of the comparison on view
+  QTimer compares_;                       // once the buffer rests: a megabyte takes its time
   display::AddressRange marked_;
 };
 

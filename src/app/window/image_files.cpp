@@ -65,7 +65,7 @@ ImageFiles::ImageFiles(const Parts& parts, QMenu& file, const char* before)
     file.insertAction(next, entry);
   };
   add("&Import Image...", "importImage", [this] { askForImport(); });
-  add("E&xport Image...", "exportImage", [this] { exportImage(); });
+  add("Ex&port Image...", "exportImage", [this] { exportImage(); });
 }
 
 void ImageFiles::askForImport() {
@@ -74,6 +74,7 @@ void ImageFiles::askForImport() {
 }
 
 void ImageFiles::importFile(const std::filesystem::path& file) {
+  if (!parts_.mayReplace()) return;
   const std::string name = file.string();
   const auto size = static_cast<std::size_t>(parts_.form.state().DeviceSizeBytes);
   try {
@@ -99,18 +100,35 @@ void ImageFiles::importFile(const std::filesystem::path& file) {
         &parts_.window);
     if (dialog.exec() != QDialog::Accepted) return;
     const images::Records& records = reader.records(dialog.format());
-    load(name, images::place(records, dialog.placement(), size), images::describe(records));
+    const work::ImageOptions options{.format = dialog.format().name,
+                                     .placement = dialog.placement()};
+    load({.source = {.file = name, .options = options},
+          .bytes = images::place(records, dialog.placement(), size),
+          .found = images::describe(records)});
   } catch (const FileError& error) {
     QMessageBox::warning(&parts_.window, "Kestrel", onOneLine(error.what()));
   }
 }
 
-void ImageFiles::load(const std::string& name, images::Bytes image, const std::string& found) {
-  const CommandResult result = parts_.form.loadImage(name, std::move(image), found);
+ImageFiles::Image ImageFiles::read(const ImageSource& source, std::size_t chipBytes) {
+  const work::ImageOptions& options = source.options;
+  const images::Records records = images::readImageFile(source.file, options.formatToRead());
+  try {
+    return {.source = source,
+            .bytes = images::place(records, options.placement, chipBytes),
+            .found = images::describe(records)};
+  } catch (const images::ImageError& error) {
+    throw FileError("import", source.file, error.what());
+  }
+}
+
+void ImageFiles::load(Image image) {
+  const std::string& name = image.source.file;
+  const CommandResult result = parts_.form.loadImage(name, std::move(image.bytes), image.found);
   if (result.ending != Ending::Done) return;
-  if (imported_) imported_(toQString(name));
+  if (imported_) imported_(image.source);
   parts_.outcome.tell(
-      onOneLine(QString::fromStdString("Imported " + shortName(name) + ": " + found)));
+      onOneLine(QString::fromStdString("Imported " + shortName(name) + ": " + image.found)));
 }
 
 // The part of the buffer that Save writes.
@@ -144,6 +162,7 @@ void ImageFiles::exportImage() {
   const images::Bytes file = images::exported(image, dialog.placement(), dialog.format());
   const CommandResult result = parts_.form.exportImage(name, file);
   if (result.ending != Ending::Done) return;
+  if (exported_) exported_();
   parts_.outcome.tell(onOneLine(
       QString::fromStdString("Exported to " + shortName(name) + " as " + dialog.format().title)));
 }

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/form/frm_main.h"
+#include "app/window/code_origin.h"
 #include "app/window/outcome_line.h"
 #include "app/window/qt_dialogs.h"
 #include "images/ranges.h"
@@ -25,29 +26,44 @@ class ImageFiles final : public QObject {
     form::frmMain& form;
     QtDialogs& dialogs;
     OutcomeLine& outcome;
+    std::function<bool()> mayReplace;  ///< asked before the image in the buffer is another one
   };
 
   /// The entries stand before the one that is named.
   ImageFiles(const Parts& parts, QMenu& file, const char* before);
 
-  /// The buffer holds what was imported from this file.
-  void onImported(std::function<void(const QString& file)> imported) {
+  /// The buffer holds what was imported so.
+  void onImported(std::function<void(const ImageSource&)> imported) {
     imported_ = std::move(imported);
   }
+
+  /// A file was written.
+  void onExported(std::function<void()> exported) { exported_ = std::move(exported); }
 
   /// A file was opened byte by byte: says so if it has the look of records, with the way to import
   /// it.
   void lookAtOpened();
 
+  /// Asks how the file is to be imported.
   void importFile(const std::filesystem::path& file);
+
+  /// An image that is read and fits, not yet in the buffer.
+  struct Image {
+    ImageSource source;
+    images::Bytes bytes;
+    std::string found;
+  };
+  /// Reads it as the source says, for a chip of so many bytes. Throws FileError.
+  [[nodiscard]] static Image read(const ImageSource& source, std::size_t chipBytes);
+  void load(Image image);
 
  private:
   void askForImport();
   void exportImage();
-  void load(const std::string& name, images::Bytes image, const std::string& found);
 
   Parts parts_;
-  std::function<void(const QString&)> imported_;
+  std::function<void(const ImageSource&)> imported_;
+  std::function<void()> exported_;
 };
 
 }  // namespace kestrel::window

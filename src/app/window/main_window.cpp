@@ -3,11 +3,11 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QDockWidget>
-#include <QFileInfo>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QScopedValueRollback>
 #include <QSplitter>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -21,6 +21,7 @@
 #include "app/window/device_card.h"
 #include "app/window/display_panel.h"
 #include "app/window/elided_label.h"
+#include "app/window/file_watch.h"
 #include "app/window/fitting_area.h"
 #include "app/window/image_files.h"
 #include "app/window/image_identity.h"
@@ -32,6 +33,7 @@
 #include "app/window/off_tips.h"
 #include "app/window/options_panel.h"
 #include "app/window/outcome_line.h"
+#include "app/window/project_files.h"
 #include "app/window/running_look.h"
 #include "app/window/second_display.h"
 #include "app/window/status_strip.h"
@@ -69,6 +71,7 @@ MainWindow::MainWindow(const WindowParts& parts)
   buildContent();
   buildSearch();
   buildImages();
+  buildProjects();
   icons.apply(palette());
   connectCommands();
   connectInput();
@@ -150,15 +153,22 @@ void MainWindow::buildSearch() {
 }
 
 void MainWindow::buildImages() {
-  files_ = new ImageFiles(
-      {.window = *this, .form = parts_.form, .dialogs = parts_.dialogs, .outcome = *outcome_},
-      menus_->fileMenu(), "mnuFileClose");
-  files_->onImported([this](const QString& file) {
-    origin_.importedFrom(onOneLine(QFileInfo(file).fileName()));
+  files_ = new ImageFiles({.window = *this,
+                           .form = parts_.form,
+                           .dialogs = parts_.dialogs,
+                           .outcome = *outcome_,
+                           .mayReplace = [this] { return mayReplace(); }},
+                          menus_->fileMenu(), "mnuFileClose");
+  files_->onImported([this](const ImageSource& source) {
+    origin_.importedFrom(source);
+    followFile();
     showTitle();
   });
+  files_->onExported([this] { watch_->takeAsKnown(); });
+  watch_ = new FileWatch(this, [this] { offerFileAgain(); });
   changes_ = new BufferChanges(*this, editor_, menus_->bufferMenu());
   changes_->onChanged([this](std::int32_t address) {
+    origin_.follow(parts_.form.state().CodeFrom == CodeSource::Erased, isBufferChanged());
     parts_.mirror.refresh();
     display_->showAddress(address, 0);
     showTitle();
@@ -166,7 +176,9 @@ void MainWindow::buildImages() {
   backup_ = new ChipBackup(
       {.window = *this, .form = parts_.form, .outcome = *outcome_, .settings = parts_.settings},
       menus_->deviceMenu(), "menuCommandBar0");
-  binder.onGuard([this](const Control& control) { return backup_->mayPress(control); });
+  binder.onGuard([this](const Control& control) {
+    return (!replacesBuffer(control) || mayReplace()) && backup_->mayPress(control);
+  });
   auto* const several = new QAction("Program Se&veral...", this);
   several->setObjectName("programSeveral");
   connect(several, &QAction::triggered, this, [this] { programSeveral(); });
@@ -183,6 +195,25 @@ void MainWindow::buildImages() {
                     [this](std::int32_t address, std::uint8_t value, bool goesOn) {
                       editor_.putByte(static_cast<std::size_t>(address), value, goesOn);
                     });
+}
+
+void MainWindow::buildProjects() {
+  new ProjectFiles({.window = *this,
+                    .form = parts_.form,
+                    .dialogs = parts_.dialogs,
+                    .outcome = *outcome_,
+                    .notices = *noticeBar_,
+                    .images = *files_,
+                    .backup = *backup_,
+                    .series = series_,
+                    .mayReplace = [this] { return mayReplace(); },
+                    .openCode =
+                        [this](const std::filesystem::path& file) {
+                          const QScopedValueRollback asked(mayReplace_, true);
+                          openCodeFile(file);
+                        },
+                    .source = [this] { return imageSource(); }},
+                   menus_->fileMenu(), "BufferDisplay_DblClick");
 }
 
 void MainWindow::connectCommands() {
@@ -244,6 +275,7 @@ void MainWindow::commandEnded() {
   options_->card().setRunning(false);
   vppSign_->lookAtEnd();
   display_->showMap();
+  display_->compareSoon();
   commands_->showVoltage();
   editor_.lookAtBuffer();
   options_->identity().lookSoon();
@@ -364,7 +396,7 @@ void MainWindow::closeEvent(QCloseEvent* event) {
   }
   if (!unloaded_) {
     const bool mayAsk = !parts_.stop.isEnding();
-    if (mayAsk && !mayLoseRead()) return;
+    if (mayAsk && !mayLose("Close &Without Saving")) return;
     if (mayLeave_ && mayAsk && !mayLeave_()) return;
     unloaded_ = true;
     reportPlace();

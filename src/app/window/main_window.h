@@ -30,6 +30,7 @@ class ChipBackup;
 class CommandBar;
 class DeviceCard;
 class DisplayPanel;
+class FileWatch;
 class ImageFiles;
 class LogPanel;
 class Menus;
@@ -37,6 +38,7 @@ class NoticeBar;
 class Notices;
 class OptionsPanel;
 class OutcomeLine;
+class ProjectFiles;
 class RunningLook;
 class StatusStrip;
 class VppSign;
@@ -110,6 +112,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   void buildMenus();
   void buildSearch();
   void buildImages();
+  void buildProjects();
   void connectCommands();
   void connectInput();
   void commandStarted();
@@ -124,8 +127,14 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   void showTitle();
   [[nodiscard]] bool isBufferChanged() const;
   [[nodiscard]] QString codeFileName() const;
+  [[nodiscard]] std::optional<ImageSource> imageSource() const;
   [[nodiscard]] bool maySaveOverFile();
-  [[nodiscard]] bool mayLoseRead();
+  [[nodiscard]] bool mayLose(const char* otherwise);
+  [[nodiscard]] bool mayReplace();
+  [[nodiscard]] bool replacesBuffer(const Control& control) const;
+  void followFile();
+  void offerFileAgain();
+  void readFileAgain();
   bool saveCodeAs();
 
   void programSeveral();
@@ -156,6 +165,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   DisplayPanel* display_ = nullptr;
   ImageFiles* files_ = nullptr;
   BufferChanges* changes_ = nullptr;
+  FileWatch* watch_ = nullptr;
   ChipBackup* backup_ = nullptr;
   SimulatedSeries simulated_;
   SeriesSettings series_;
@@ -172,6 +182,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   bool isTypingDevice_ = false;
   bool closeWanted_ = false;
   bool isVoltageToldOf_ = false;
+  bool mayReplace_ = false;  // the person has been asked
   bool unloaded_ = false;
 };
 

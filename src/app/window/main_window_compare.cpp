@@ -14,7 +14,6 @@
 #include "app/window/outcome_line.h"
 #include "app/window/status_strip.h"
 #include "images/changes.h"
-#include "images/compare.h"
 #include "images/image_file.h"
 #include "platform/atomic_file.h"
 #include "platform/runtime_error.h"
@@ -51,9 +50,7 @@ void MainWindow::compareWithChip() {
     outcome_->tell("Compare: " + QString::fromStdString(result.reason));
     return;
   }
-  images::Bytes image = imageForChip();
-  images::Comparison comparison = images::compare(chip, image);
-  display_->showComparison(std::move(comparison), std::move(image), std::move(chip), "chip");
+  display_->showComparison(std::move(chip), "chip", [this] { return imageForChip(); });
 }
 
 void MainWindow::compareWithFile() {
@@ -61,12 +58,8 @@ void MainWindow::compareWithFile() {
   if (file.empty()) return;
   try {
     images::Bytes other = readWholeFile(file, images::kMostImageBytes);
-    const ProgrammerState& state = parts_.form.state();
-    const int length = std::max(state.CodeLength, state.DeviceSizeBytes);
-    images::Bytes image(state.CodeBuffer.begin(), state.CodeBuffer.begin() + length);
-    images::Comparison comparison = images::compare(other, image);
     const QString name = onOneLine(QFileInfo(toQString(file)).fileName());
-    display_->showComparison(std::move(comparison), std::move(image), std::move(other), name);
+    display_->showComparison(std::move(other), name, [this] { return editor_.memory(); });
   } catch (const FileError& error) {
     QMessageBox::warning(this, "Kestrel", onOneLine(error.what()));
   }

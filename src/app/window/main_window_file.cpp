@@ -13,13 +13,24 @@
 #include "app/window/buffer_changes.h"
 #include "app/window/elided_label.h"
 #include "app/window/file_of.h"
+#include "app/window/file_watch.h"
+#include "app/window/image_files.h"
 #include "app/window/main_window.h"
+#include "app/window/notice_bar.h"
+#include "platform/file_names.h"
+#include "platform/runtime_error.h"
 
 namespace kestrel::window {
+namespace {
+
+constexpr const char* kFileNotice = "file";
+
+}  // namespace
 
 void MainWindow::bufferIsInFile() {
   if (parts_.dialogs.wasFileCancelled() || codeFileName().isEmpty()) return;
   origin_.isInFile();
+  followFile();
   recent.add(codeFileName());
 }
 
@@ -36,7 +47,7 @@ QString MainWindow::codeFileName() const { return toQString(parts_.form.state().
 
 void MainWindow::showTitle() {
   const QString name = toQString(controls_.frmMain.caption());
-  QString shown = origin_.title(onOneLine(QFileInfo(codeFileName()).fileName()));
+  QString shown = origin_.title(parts_.form.state().CodeFileName);
   if (isBufferChanged()) shown += shown.isEmpty() ? "buffer changed" : " (changed)";
   const bool isModified = origin_.isChanged() || isBufferChanged();
   if (!isModified) setWindowModified(false);
@@ -72,7 +83,8 @@ bool MainWindow::maySaveOverFile() {
   return box.clickedButton() == overwrite;
 }
 
-bool MainWindow::mayLoseRead() {
+// `otherwise`: the button that goes on without saving.
+bool MainWindow::mayLose(const char* otherwise) {
   if (!origin_.isUnsavedRead() && !isBufferChanged()) return true;
   QMessageBox box(QMessageBox::Question, "Kestrel",
                   origin_.isUnsavedRead() ? "What was read from the chip has not been saved."
@@ -80,12 +92,60 @@ bool MainWindow::mayLoseRead() {
                   QMessageBox::Cancel, this);
   box.setObjectName("unsavedQuestion");
   QAbstractButton* const save = box.addButton("Save &As...", QMessageBox::AcceptRole);
-  QAbstractButton* const lose =
-      box.addButton("Close &Without Saving", QMessageBox::DestructiveRole);
+  QAbstractButton* const lose = box.addButton(otherwise, QMessageBox::DestructiveRole);
   box.setDefaultButton(QMessageBox::Cancel);
   box.exec();
   if (box.clickedButton() == save) return saveCodeAs();
   return box.clickedButton() == lose;
+}
+
+// Reading, opening and importing end what can be taken back; an edited buffer would be gone.
+bool MainWindow::mayReplace() {
+  return mayReplace_ || !isBufferChanged() || mayLose("&Replace Without Saving");
+}
+
+bool MainWindow::replacesBuffer(const Control& control) const {
+  const auto isIt = [&](const Button& button) { return &button == &control; };
+  return isIt(controls_.Read_button) || isIt(controls_.menuReadCode) ||
+         isIt(controls_.mnuFileOpenCode) || isIt(controls_.toolbarButton(1)) ||
+         std::ranges::any_of(controls_.LoadSetup, isIt);
+}
+
+std::optional<ImageSource> MainWindow::imageSource() const {
+  return origin_.source(parts_.form.state().CodeFileName);
+}
+
+// What is in the file now is what the buffer was loaded from, or saved as.
+void MainWindow::followFile() {
+  const std::optional<ImageSource> source = imageSource();
+  watch_->follow(source ? fullName(source->file) : std::filesystem::path());
+  watch_->takeAsKnown();
+  noticeBar_->withdraw(kFileNotice);
+}
+
+void MainWindow::offerFileAgain() {
+  const std::optional<ImageSource> source = imageSource();
+  if (!source) return;
+  const QString name = onOneLine(QFileInfo(toQString(source->file)).fileName());
+  noticeBar_->withdraw(kFileNotice);
+  noticeBar_->tell({.about = kFileNotice,
+                    .text = name + " changed on the disk. The buffer holds what was in it before.",
+                    .actions = {{.caption = "Read Again", .name = "readAgain", .act = [this] {
+                                   readFileAgain();
+                                 }}}});
+}
+
+void MainWindow::readFileAgain() {
+  const std::optional<ImageSource> source = imageSource();
+  if (!source) return;
+  if (!source->options.isImport()) return openCodeFile(source->file);
+  if (!mayReplace()) return;
+  try {
+    const auto size = static_cast<std::size_t>(parts_.form.state().DeviceSizeBytes);
+    files_->load(ImageFiles::read(*source, size));
+  } catch (const FileError& error) {
+    QMessageBox::warning(this, "Kestrel", onOneLine(error.what()));
+  }
 }
 
 void MainWindow::openCodeFile(const std::filesystem::path& file) {

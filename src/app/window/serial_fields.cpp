@@ -4,6 +4,7 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLineEdit>
+#include <map>
 
 namespace kestrel::window {
 
@@ -61,18 +62,21 @@ std::optional<images::SerialPlan> SerialFields::plan() const {
   return images::parseSerialPlan(text());
 }
 
+// Also what is no plan is shown: it was typed here and can be mended.
 void SerialFields::setText(const std::string& text) {
   setChecked(!text.empty());
-  if (text.empty()) return;
-  const images::SerialPlan plan = images::parseSerialPlan(text);
-  at_->setText(QString::fromStdString(images::addressText(plan.at)));
-  bytes_->setText(QString::number(plan.bytes));
-  start_->setText(QString::number(plan.start));
-  step_->setText(QString::number(plan.step));
-  order_->setCurrentIndex(plan.order == images::ByteOrder::BigEndian ? 1 : 0);
-  form_->setCurrentIndex(plan.form == images::SerialPlan::Form::Ascii ? 1 : 0);
-  list_->setText(QString::fromStdString(plan.list.string()));
-  counter_->setText(QString::fromStdString(plan.counter.string()));
+  const std::map<QString, QLineEdit*> lines{{"at", at_},       {"bytes", bytes_},
+                                            {"start", start_}, {"step", step_},
+                                            {"list", list_},   {"counter", counter_}};
+  const std::map<QString, QComboBox*> boxes{{"order", order_}, {"form", form_}};
+  for (const QString& item : QString::fromStdString(text).split(',')) {
+    const QString key = item.section('=', 0, 0);
+    const QString value = item.section('=', 1);
+    if (const auto line = lines.find(key); line != lines.end()) line->second->setText(value);
+    if (const auto box = boxes.find(key); box != boxes.end()) {
+      box->second->setCurrentIndex(box->second->findData(value));
+    }
+  }
 }
 
 }  // namespace kestrel::window

@@ -11,9 +11,9 @@ namespace kestrel::work {
 /// How the files of -i and -o hold their image: --format, --save-format, --at, --range. Without any
 /// of them a file is taken and written byte by byte.
 struct ImageOptions {
-  std::optional<std::string> format;      ///< auto, or a format's name
-  std::optional<std::string> saveFormat;  ///< of -o, where it is another
-  images::Placement placement;            ///< of -i; without -i, of -o
+  std::optional<std::string> format = {};      ///< auto, or a format's name
+  std::optional<std::string> saveFormat = {};  ///< of -o, where it is another
+  images::Placement placement = {};            ///< of -i; without -i, of -o
 
   /// -i is not taken byte by byte.
   [[nodiscard]] bool isImport() const;

@@ -109,17 +109,18 @@ void writeProject(const fs::path& file, const ProjectItems& items) {
 }
 
 std::string inKeys(std::string text) {
-  for (const WorkOption& option : workOptions()) {
-    const std::string name = option.name;
-    const std::string key = projectKey(name);
-    if (key.empty()) continue;
-    for (std::size_t at = text.find(name); at != std::string::npos; at = text.find(name, at)) {
-      const std::size_t behind = at + name.size();
+  const auto replace = [&](const std::string& option, const std::string& key) {
+    for (std::size_t at = text.find(option); at != text.npos; at = text.find(option, at + 1)) {
+      const std::size_t behind = at + option.size();
       const bool isWhole = (at == 0 || text[at - 1] == ' ') &&
                            (behind == text.size() || text.find_first_of(" :;", behind) == behind);
-      if (isWhole) text.replace(at, name.size(), key);
-      at += isWhole ? key.size() : name.size();
+      if (isWhole) text.replace(at, option.size(), key);
     }
+  };
+  replace("--algorithms", kAlgorithmsKey);
+  for (const WorkOption& option : workOptions()) {
+    const std::string key = projectKey(option.name);
+    if (!key.empty()) replace(option.name, key);
   }
   return text;
 }
