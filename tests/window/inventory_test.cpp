@@ -89,7 +89,9 @@ TEST(Inventory, everyEntryButtonAndFieldIsThereWithItsTextItsTipAndItsKey) {
   found.replaceInStrings(QString::fromStdString(rig.folder.path()), "DIR");
   std::ifstream file(KESTREL_INVENTORY);
   for (std::string line; std::getline(file, line);) {
-    EXPECT_TRUE(found.contains(QString::fromStdString(line))) << "not there: " << line;
+    const QString begin = QString::fromStdString(line.substr(0, line.find_first_of(",;")));
+    EXPECT_TRUE(found.contains(QString::fromStdString(line)))
+        << "not there: " << line << "\nbut: " << found.filter(begin).join("\n").toStdString();
   }
 }
 
