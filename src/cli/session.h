@@ -119,6 +119,7 @@ class Session {
   void importCodeFile(const std::string& name);
   void hintForRaw(const std::string& name) const;
   void tellLengths(const std::string& name) const;
+  [[nodiscard]] std::string shortFileText(const std::string& rest) const;
   void saveBuffer(const std::string& name);
   void exportBuffer(const std::string& name);
   void shutDown(int& status);

@@ -8,6 +8,7 @@
 #include "cli/exit_status.h"
 #include "cli/session.h"
 #include "images/image_file.h"
+#include "operations/programming_facts.h"
 #include "platform/file_names.h"
 #include "platform/file_target.h"
 #include "platform/runtime_error.h"
@@ -87,23 +88,37 @@ void Session::hintForRaw(const std::string& name) const {
   if (!hint.empty()) tell(shownName(name) + ": " + hint);
 }
 
-// A file of another length than the chip's is no error: the rest keeps what the buffer held.
+// A file of another length than the chip's is no error.
 void Session::tellLengths(const std::string& name) const {
-  const auto bytes = static_cast<std::int64_t>(p_.form.state().CodeLength);
-  const auto size = static_cast<std::int64_t>(p_.form.state().DeviceSizeBytes);
-  if (bytes == 0 && p_.arguments.runs("program")) {
+  const std::int64_t bytes = state().CodeLength;
+  const std::int64_t size = state().DeviceSizeBytes;
+  const bool programs = p_.arguments.runs("program");
+  if (bytes == 0 && programs) {
     throw EarlyEnd(kBadUsage, shownName(name) + " is empty: there is nothing to program");
   }
   if (size == 0 || bytes == size) return;
   const std::string lengths = shownName(name) + " holds " + std::to_string(bytes) +
-                              " bytes, the device " + std::to_string(size) + ": ";
+                              (bytes == 1 ? " byte" : " bytes") + ", the device " +
+                              std::to_string(size) + ": ";
+  const auto last = [](std::int64_t count) { return "the last " + std::to_string(count); };
   if (bytes > size) {
-    tell(lengths + "the last " + std::to_string(bytes - size) + " are left out");
-  } else {
-    tell(
-        lengths + "the last " + std::to_string(size - bytes) +
-        (p_.arguments.padFF ? " get FFh" : " get what the buffer held before; --pad-ff gives FFh"));
+    tell(lengths + last(bytes - size) + " are left out");
+  } else if (programs) {
+    tell(lengths + shortFileText(last(size - bytes)));
+  } else if (p_.arguments.runs("verify") || p_.arguments.runs("compare")) {
+    tell(lengths + "it is compared as far as the file goes");
   }
+}
+
+std::string Session::shortFileText(const std::string& rest) const {
+  const bool byDataSheet = state().algorithms == Algorithms::DataSheet;
+  const std::int32_t kept = operations::bytesKept(state(), state(), byDataSheet);
+  if (kept > 0) {
+    return "the last " + std::to_string(kept) +
+           " stay as they are; --algorithms datasheet writes them too";
+  }
+  return rest +
+         (p_.arguments.padFF ? " get FFh" : " get what the buffer held before; --pad-ff gives FFh");
 }
 
 void Session::exportBuffer(const std::string& name) {

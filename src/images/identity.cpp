@@ -1,6 +1,7 @@
 #include "images/identity.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "images/image_file.h"
 
@@ -55,7 +56,9 @@ void tellPeriod(const Identity& identity, std::vector<std::string>& told) {
 
 double blankPercent(const Identity& identity) {
   if (identity.bytes == 0) return 0;
-  return 100.0 * static_cast<double>(identity.blankBytes) / static_cast<double>(identity.bytes);
+  const double tenths = std::floor(1000.0 * static_cast<double>(identity.blankBytes) /
+                                   static_cast<double>(identity.bytes));
+  return tenths / 10;
 }
 
 std::vector<FoundText> findTexts(ImageSpan image, std::size_t most) {

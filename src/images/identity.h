@@ -21,7 +21,7 @@ struct Identity {
 
 [[nodiscard]] Identity identify(ImageSpan image);
 
-/// The FFh bytes in percent of all.
+/// The FFh bytes in percent of all, in whole tenths and rounded down: 100 means every byte.
 [[nodiscard]] double blankPercent(const Identity& identity);
 
 /// A run of printable characters in an image.

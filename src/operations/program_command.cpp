@@ -27,7 +27,7 @@ void ProgramCommand::ProgramData() {
 }
 
 bool ProgramCommand::isConfirmed(const std::optional<ImageCheck::Result>& check) {
-  std::vector<Fact> facts = programmingFacts(device_, buffers_, controls_);
+  std::vector<Fact> facts = programmingFacts(device_, buffers_, controls_, dataSheet_.isChosen());
   if (check) facts.push_back(checkFact(*check));
   return dialogs_.messageBox({.text = "Program the Device?",
                               .title = "Safety Question",

@@ -1,5 +1,6 @@
 #include "operations/programming_facts.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <iomanip>
@@ -48,7 +49,8 @@ Fact imageFact(const SelectionState& device, const BufferState& buffers) {
   return fact;
 }
 
-std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buffers) {
+std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buffers,
+                            bool byDataSheet) {
   const bool isFile =
       buffers.CodeFrom == CodeSource::File || buffers.CodeFrom == CodeSource::Import;
   if (!isFile) return {};
@@ -57,12 +59,12 @@ std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buf
     return {{.text = "The file is longer than the chip: the last " + bytes(more) + " are left out",
              .isWarning = true}};
   }
-  if (more < 0) {
-    return {{.text = "The file is shorter than the chip: the last " + bytes(-more) +
-                     " get what stands in the buffer",
-             .isWarning = true}};
-  }
-  return {};
+  if (more == 0) return {};
+  const std::int32_t kept = bytesKept(device, buffers, byDataSheet);
+  const std::string last = "The file is shorter than the chip: the last ";
+  return {{.text = kept > 0 ? last + bytes(kept) + " stay as they are"
+                            : last + bytes(-more) + " get what stands in the buffer",
+           .isWarning = true}};
 }
 
 std::vector<Fact> laneFacts(const Controls& controls) {
@@ -98,12 +100,20 @@ std::optional<double> voltageToApply(const SelectionState& device) {
   return kUsualVolts;
 }
 
+std::int32_t bytesKept(const SelectionState& device, const BufferState& buffers, bool byDataSheet) {
+  const devices::Family& family = devices::familyOf(device.FamilyCode);
+  if (byDataSheet || family.program != devices::ProgramRoutine::Write24C32) return 0;
+  const std::int32_t pageBytes = family.serialWriter.pageBytes;
+  const std::int32_t pages = roundedInt32(static_cast<double>(buffers.CodeLength) / pageBytes);
+  return std::max(device.DeviceSizeBytes - pages * pageBytes, 0);
+}
+
 std::vector<Fact> programmingFacts(const SelectionState& device, const BufferState& buffers,
-                                   const Controls& controls) {
+                                   const Controls& controls, bool byDataSheet) {
   std::vector<Fact> facts{{.text = "Device: " + std::string(trimmed(device.DeviceName)) + ", " +
                                    bytes(device.DeviceSizeBytes)},
                           imageFact(device, buffers)};
-  for (const auto& more : {sizeFacts(device, buffers), laneFacts(controls)}) {
+  for (const auto& more : {sizeFacts(device, buffers, byDataSheet), laneFacts(controls)}) {
     facts.insert(facts.end(), more.begin(), more.end());
   }
   facts.push_back(voltageFact(device));

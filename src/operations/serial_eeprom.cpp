@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 
+#include "app/state/text_format.h"
 #include "buffers/checksum.h"
 #include "devices/families.h"
 #include "platform/runtime_error.h"
@@ -20,14 +21,6 @@ constexpr std::int32_t kPowerUpMs = 50;
 constexpr std::int16_t kWriteCyclePolls = 50;
 constexpr std::int32_t kWriteCyclePollMs = 2;
 constexpr std::int32_t kProgressEvery = 16;
-
-/// Division to the nearest whole number, halves to even.
-constexpr std::int32_t nearestQuotient(std::int32_t value, std::int32_t divisor) {
-  const std::int32_t quotient = value / divisor;
-  const std::int32_t twice = (value % divisor) * 2;
-  const bool isUp = twice > divisor || (twice == divisor && quotient % 2 != 0);
-  return quotient + (isUp ? 1 : 0);
-}
 
 }  // namespace
 
@@ -63,7 +56,8 @@ void SerialEeprom::write(const Writer& writer) {
     reporting_.LogMessage("Erasing Device " + std::string(writer.chip));
     reporting_.LogMessage("Program Buffer will not be erased");
   }
-  const std::int32_t pages = nearestQuotient(buffers_.CodeLength, writer.pageBytes);
+  const std::int32_t pages =
+      roundedInt32(static_cast<double>(buffers_.CodeLength) / writer.pageBytes);
   board_.bus.OEOFF();
   board_.bus.sleepMs(kPowerUpMs);
   controls_.ProgressBar1.setMaximum(pages);
