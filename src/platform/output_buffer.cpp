@@ -2,6 +2,7 @@
 
 #include <limits.h>
 #include <poll.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -25,6 +26,8 @@ OutputBuffer::OutputBuffer(const std::filesystem::path& path, const StopSwitch& 
 OutputBuffer::OutputBuffer(Descriptor file, std::string name, const StopSwitch& stop)
     : name_(std::move(name)), file_(std::move(file)), stop_(stop) {
   setp(text_.data(), text_.data() + text_.size());
+  struct stat status {};
+  isRegular_ = ::fstat(file_.number(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
 OutputBuffer::~OutputBuffer() { sync(); }
@@ -55,14 +58,23 @@ bool OutputBuffer::isReady() const {
   return true;
 }
 
-// A pipe that is ready takes PIPE_BUF bytes without waiting.
+std::streamsize OutputBuffer::xsputn(const char* text, std::streamsize size) {
+  const auto bytes = static_cast<std::size_t>(size);
+  if (bytes < text_.size()) return std::streambuf::xsputn(text, size);
+  sync();
+  write({text, bytes});
+  return error_ == 0 ? size : 0;
+}
+
+// A pipe that is ready takes PIPE_BUF bytes without waiting; a file never keeps anybody waiting.
 void OutputBuffer::write(std::span<const char> text) {
   while (!text.empty() && error_ == 0) {
-    if (!isReady()) {
+    if (!isRegular_ && !isReady()) {
       error_ = EINTR;
       return;
     }
-    const std::size_t most = std::min<std::size_t>(text.size(), PIPE_BUF);
+    const std::size_t most =
+        isRegular_ ? text.size() : std::min<std::size_t>(text.size(), PIPE_BUF);
     const ssize_t written = ::write(file_.number(), text.data(), most);
     if (written > 0) text = text.subspan(static_cast<std::size_t>(written));
     if (written < 0 && errno != EAGAIN && errno != EINTR) error_ = errno;

@@ -33,6 +33,7 @@ class OutputBuffer final : public std::streambuf {
  protected:
   int_type overflow(int_type next) override;
   int sync() override;
+  std::streamsize xsputn(const char* text, std::streamsize size) override;
 
  private:
   [[nodiscard]] bool isReady() const;
@@ -41,6 +42,7 @@ class OutputBuffer final : public std::streambuf {
   std::string name_;
   Descriptor file_;
   const StopSwitch& stop_;
+  bool isRegular_ = false;
   int error_ = 0;  ///< errno of the first write that failed
   std::array<char, 65536> text_;
 };

@@ -9,6 +9,21 @@ constexpr int kModelWithOtherStatus = 4;
 constexpr unsigned kUpperStatusBits = 0xF0;
 constexpr std::uint8_t kSdaBit = 0x80;
 
+Latches contentsOf(const LatchState& shadows) {
+  const auto byte = [](std::int16_t shadow) { return static_cast<std::uint8_t>(shadow); };
+  return {byte(shadows.RegShadow0), byte(shadows.RegShadow1), byte(shadows.RegShadow2),
+          byte(shadows.RegShadow3), byte(shadows.RegShadow4)};
+}
+
+/// The latch whose strobe the control byte makes active; their number for none.
+std::size_t latchOpenedBy(const std::array<std::int16_t, kLatchCount>& strobes, int control) {
+  std::size_t open = strobes.size();
+  for (std::size_t latch = 0; latch < strobes.size(); ++latch) {
+    if (strobes[latch] == control) open = latch;
+  }
+  return open;
+}
+
 }  // namespace
 
 RecordingPort::RecordingPort(PortAccess& port, Nanoseconds now)
@@ -18,20 +33,20 @@ RecordingPort::~RecordingPort() { (void)stop(); }
 
 RecordingPort::Record::Record(std::ostream& out, const devices::ChipPins& pinout,
                               const PortState& portState, const LatchState& latchState)
-    : writer(out), socket(writer, pinout), port(portState), decode(latchState) {}
+    : writer(out),
+      socket(writer, pinout, contentsOf(latchState)),
+      port(portState),
+      decode(latchState) {}
 
 void RecordingPort::start(std::ostream& out, const devices::ChipPins& pinout,
                           std::string_view device, const PortState& port,
                           const LatchState& latches) {
   (void)stop();
   Record& record = record_.emplace(out, pinout, port, latches);
-  const auto byte = [](std::int16_t shadow) { return static_cast<std::uint8_t>(shadow); };
-  record.latches = {byte(latches.RegShadow0), byte(latches.RegShadow1), byte(latches.RegShadow2),
-                    byte(latches.RegShadow3), byte(latches.RegShadow4)};
   record.writer.begin(device);
   record.startNs = now_();
-  record.socket.showSda(true);
-  record.socket.show(record.latches, port.KestrelModel);
+  if (record.socket.isSerial()) record.socket.showSda(true);
+  record.socket.show(port.KestrelModel);
 }
 
 std::uint64_t RecordingPort::stop() {
@@ -55,7 +70,9 @@ void RecordingPort::PortOut(std::int16_t port, std::uint8_t value) {
 
 std::uint8_t RecordingPort::PortIn(std::int16_t port) {
   const std::uint8_t value = port_.PortIn(port);
-  if (record_ && port == record_->port.StatusPort) read(value);
+  if (!record_) return value;
+  if (port == record_->port.StatusPort) read(value);
+  record_->writer.writeOut();  // no read stands inside a pulse or a page load
   return value;
 }
 
@@ -66,34 +83,34 @@ void RecordingPort::written(std::int16_t port, std::uint8_t value) {
     record.data = value;
   } else if (port == record.port.ControlPort) {
     record.control = value;
-    record.open = -1;
-    for (std::size_t latch = 0; latch < record.latches.size(); ++latch) {
-      if (record.port.CtlStrobe.at(latch) == value) record.open = static_cast<int>(latch);
-    }
-  } else {
-    return;
+    record.open = latchOpenedBy(record.port.CtlStrobe, value);
   }
-  if (record.open >= 0) load();
+  if (record.open == kLatches || record.socket.latch(record.open) == record.data) return;
+  record.socket.isSerial() ? loadSerial() : load();
 }
 
 void RecordingPort::load() {
   Record& record = *record_;
-  const auto latch = static_cast<std::size_t>(record.open);
-  if (record.latches.at(latch) == record.data) return;
+  record.socket.load(record.open, record.data);
+  record.writer.at(tick());
+  record.socket.show(record.port.KestrelModel);
+}
+
+void RecordingPort::loadSerial() {
   settleClock();
-  const Latches before = record.latches;
-  record.latches.at(latch) = record.data;
-  const bool isReleased = record.socket.isSerial() && !SocketSignals::isDriven(record.latches);
-  const bool wasHigh = SocketSignals::clockOf(before);
-  const bool isHigh = SocketSignals::clockOf(record.latches);
-  if (isReleased && isHigh && !wasHigh) {
+  Record& record = *record_;
+  const bool wasDriven = record.socket.isDriven();
+  const bool wasHigh = record.socket.isClockHigh();
+  record.socket.load(record.open, record.data);
+  const bool isReleased = !record.socket.isDriven();
+  if (isReleased && record.socket.isClockHigh() && !wasHigh) {
     record.clockRise = tick();
     return;
   }
   record.writer.at(tick());
-  record.socket.show(record.latches, record.port.KestrelModel);
+  record.socket.show(record.port.KestrelModel);
   // The chip lets go of the line when the clock falls; what it does then shows when it is read.
-  if (isReleased && (wasHigh || SocketSignals::isDriven(before))) showSda(true);
+  if (isReleased && (wasHigh || wasDriven)) showSda(true);
 }
 
 void RecordingPort::showSda(bool high) {
@@ -108,7 +125,7 @@ void RecordingPort::settleClock() {
   record.writer.at(*record.clockRise - 1);
   record.socket.showSda(record.sda);
   record.writer.at(*record.clockRise);
-  record.socket.show(record.latches, record.port.KestrelModel);
+  record.socket.show(record.port.KestrelModel);
   record.clockRise.reset();
 }
 
@@ -127,7 +144,7 @@ void RecordingPort::read(std::uint8_t status) {
           ? decode.StatusDecode4.at((status & kUpperStatusBits) | (record.first >> 4U))
           : static_cast<unsigned>(decode.StatusDecodeHigh.at(status)) |
                 decode.StatusDecodeLow.at(record.first);
-  if (SocketSignals::isDriven(record.latches)) return;
+  if (record.socket.isDriven()) return;
   if (record.socket.isSerial()) {
     record.sda = (byte & kSdaBit) != 0;
     if (!record.clockRise) record.writer.at(tick());

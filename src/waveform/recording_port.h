@@ -48,6 +48,9 @@ class RecordingPort final : public PortAccess {
   [[nodiscard]] std::uint8_t awaitPortIn(std::int16_t port, PendingRead pending) override {
     return port_.fetchPortIn(port, pending);
   }
+
+  static constexpr std::size_t kLatches = std::tuple_size_v<Latches>;
+
   struct Record {
     Record(std::ostream& out, const devices::ChipPins& pinout, const PortState& portState,
            const LatchState& latchState);
@@ -56,12 +59,11 @@ class RecordingPort final : public PortAccess {
     SocketSignals socket;
     const PortState& port;
     const LatchState& decode;
-    Latches latches{};
     std::int64_t startNs = 0;
     std::uint8_t data = 0;
     std::uint8_t control = 0;
     std::uint8_t first = 0;                 // the status byte of the half that was read last
-    int open = -1;                          // the latch that is transparent
+    std::size_t open = kLatches;            // the latch that is transparent; kLatches: none
     bool sda = true;                        // of a serial chip, when nobody drives it here
     std::optional<std::int64_t> clockRise;  // of a serial chip; what SDA is then is not known yet
   };
@@ -69,6 +71,7 @@ class RecordingPort final : public PortAccess {
   void written(std::int16_t port, std::uint8_t value);
   void read(std::uint8_t status);
   void load();
+  void loadSerial();
   void showSda(bool high);
   void settleClock();
   [[nodiscard]] std::int64_t tick() const;
