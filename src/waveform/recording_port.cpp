@@ -63,9 +63,9 @@ std::int64_t RecordingPort::tick() const {
   return (now_() - record_->startNs) / VcdWriter::kTickNs + 1;  // SDA may go one tick before
 }
 
-void RecordingPort::PortOut(std::int16_t port, std::uint8_t value) {
+void RecordingPort::recordOut(std::int16_t port, std::uint8_t value) {
   port_.PortOut(port, value);
-  if (record_) written(port, value);
+  written(port, value);
 }
 
 std::uint8_t RecordingPort::PortIn(std::int16_t port) {

@@ -37,7 +37,10 @@ class RecordingPort final : public PortAccess {
   std::uint64_t stop();
   [[nodiscard]] bool isRecording() const { return record_.has_value(); }
 
-  void PortOut(std::int16_t port, std::uint8_t value) override;
+  void PortOut(std::int16_t port, std::uint8_t value) override {
+    if (!record_) return port_.PortOut(port, value);
+    recordOut(port, value);
+  }
   [[nodiscard]] std::uint8_t PortIn(std::int16_t port) override;
   // While it records it wants each byte at its time, though that takes longer through an adapter.
   [[nodiscard]] PendingRead askPortIn(std::int16_t port) override {
@@ -68,6 +71,7 @@ class RecordingPort final : public PortAccess {
     std::optional<std::int64_t> clockRise;  // of a serial chip; what SDA is then is not known yet
   };
 
+  void recordOut(std::int16_t port, std::uint8_t value);
   void written(std::int16_t port, std::uint8_t value);
   void read(std::uint8_t status);
   void load();
