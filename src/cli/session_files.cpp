@@ -7,8 +7,8 @@
 #include "app/state/text_format.h"
 #include "cli/exit_status.h"
 #include "cli/session.h"
+#include "devices/families.h"
 #include "images/image_file.h"
-#include "operations/programming_facts.h"
 #include "platform/file_names.h"
 #include "platform/file_target.h"
 #include "platform/runtime_error.h"
@@ -112,7 +112,9 @@ void Session::tellLengths(const std::string& name) const {
 
 std::string Session::shortFileText(const std::string& rest) const {
   const bool byDataSheet = state().algorithms == Algorithms::DataSheet;
-  const std::int32_t kept = operations::bytesKept(state(), state(), byDataSheet);
+  const devices::Family& family = devices::familyOf(state().FamilyCode);
+  const std::int32_t kept =
+      byDataSheet ? 0 : devices::bytesKept(family, state().DeviceSizeBytes, state().CodeLength);
   if (kept > 0) {
     return "the last " + std::to_string(kept) +
            " stay as they are; --algorithms datasheet writes them too";

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "app/state/text_format.h"
+
 namespace kestrel::devices {
 namespace {
 
@@ -134,6 +136,13 @@ std::span<const Family> families() { return kFamilies; }
 const Family& familyOf(std::string_view code) {
   const auto* const found = std::ranges::find(kFamilies, code, &Family::code);
   return found == kFamilies.end() ? kNoFamily : *found;
+}
+
+std::int32_t bytesKept(const Family& family, std::int32_t chipBytes, std::int32_t imageBytes) {
+  if (family.program != ProgramRoutine::Write24C32) return 0;
+  const std::int32_t pageBytes = family.serialWriter.pageBytes;
+  const std::int32_t pages = roundedInt32(static_cast<double>(imageBytes) / pageBytes);
+  return std::max(chipBytes - pages * pageBytes, 0);
 }
 
 }  // namespace kestrel::devices

@@ -110,4 +110,9 @@ struct Family {
 /// The family of the code; for a code that is none a family that has no command.
 [[nodiscard]] const Family& familyOf(std::string_view code);
 
+/// How many bytes at the end of the chip the classic Program leaves as they are: a serial chip is
+/// written in whole pages, to the one that is nearest to the end of the image. Else none.
+[[nodiscard]] std::int32_t bytesKept(const Family& family, std::int32_t chipBytes,
+                                     std::int32_t imageBytes);
+
 }  // namespace kestrel::devices

@@ -1,6 +1,5 @@
 #include "operations/programming_facts.h"
 
-#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <iomanip>
@@ -60,7 +59,10 @@ std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buf
              .isWarning = true}};
   }
   if (more == 0) return {};
-  const std::int32_t kept = bytesKept(device, buffers, byDataSheet);
+  const std::int32_t kept = byDataSheet
+                                ? 0
+                                : devices::bytesKept(devices::familyOf(device.FamilyCode),
+                                                     device.DeviceSizeBytes, buffers.CodeLength);
   const std::string last = "The file is shorter than the chip: the last ";
   return {{.text = kept > 0 ? last + bytes(kept) + " stay as they are"
                             : last + bytes(-more) + " get what stands in the buffer",
@@ -98,14 +100,6 @@ std::optional<double> voltageToApply(const SelectionState& device) {
   const bool isChosen = family.takes21And25V && device.VppClass == kAnyVoltageClass;
   if (isChosen && device.VppVolts > kUsualVolts) return device.VppVolts;
   return kUsualVolts;
-}
-
-std::int32_t bytesKept(const SelectionState& device, const BufferState& buffers, bool byDataSheet) {
-  const devices::Family& family = devices::familyOf(device.FamilyCode);
-  if (byDataSheet || family.program != devices::ProgramRoutine::Write24C32) return 0;
-  const std::int32_t pageBytes = family.serialWriter.pageBytes;
-  const std::int32_t pages = roundedInt32(static_cast<double>(buffers.CodeLength) / pageBytes);
-  return std::max(device.DeviceSizeBytes - pages * pageBytes, 0);
 }
 
 std::vector<Fact> programmingFacts(const SelectionState& device, const BufferState& buffers,

@@ -14,11 +14,6 @@ namespace kestrel::operations {
 /// programmed with 5 V alone. It follows the selection, not the voltage buttons.
 [[nodiscard]] std::optional<double> voltageToApply(const SelectionState& device);
 
-/// How many bytes at the end of the chip Program leaves as they are: the classic way writes a serial
-/// chip in whole pages, to the one that is nearest to the end of the image. Else none.
-[[nodiscard]] std::int32_t bytesKept(const SelectionState& device, const BufferState& buffers,
-                                     bool byDataSheet);
-
 /// What a person should know before the first pulse: chip, image, voltage, what follows; a warning
 /// where something does not fit.
 [[nodiscard]] std::vector<Fact> programmingFacts(const SelectionState& device,

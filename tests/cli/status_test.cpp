@@ -46,7 +46,7 @@ const Ending kAfterStartUp[] = {
     {"erase -y -d 28C256 --speed 12", 0, "Program Speed Slider set to: 12"},
     {"program --yes -d 2764 -i rom.bin --count-ns 1", 1, "*** Programming Failure ***"},
     {"verify -d 2764 -i rom.bin --pad-ff", 4,
-     "rom.bin holds 1 bytes, the device 8192: the last 8191 get FFh"},
+     "rom.bin holds 1 byte, the device 8192: it is compared as far as the file goes"},
     {"erase -y -d X28C256 --protect on --algorithms datasheet", 0, "Erasing Device Successfull"},
     {"erase -y -d AM29F040 --chip A29040 --algorithms datasheet", 2, "is a Flash AMIC A29040"},
     {"read -d 27C64 --repeat 2", 0, "Device was Read 2 Times, Unstable Addresses: 0"},
