@@ -30,6 +30,7 @@ TEST(Transcript, ofEachCommandIsWordForWordWhatPeopleAndProgramsRead) {
   work.put("empty.bin", "");
   work.put("go", "\nq\n");
   work.put("good.hex", ":0400300001020304C2\n:00000001FF\n");
+  work.put("back.hex", ":020010000708DF\n:020000000102FB\n:01000200FEFF\n:00000001FF\n");
   work.put("c64.bin", mostlyErased(8192, 0, "abc"));
   work.put("big.bin", std::string(8200, 'b'));
   work.put("KSSetup4.INI", "SetupName = Lot 7\r\nDevice.Index = 5\r\n");

@@ -247,6 +247,7 @@ TEST(Stop, ofAnEraseTakesTheVoltageOffAndSaysSo) {
   s.rig.screen.onTurn = [&] { s.rig.stop.stopCommand(); };
   s.rig.press("EraseFlash_button");
   EXPECT_EQ(s.rig.result.ending, Ending::Stopped);
+  EXPECT_TRUE(s.rig.logged("Erasing Device Flash Catalyst CAT28F010"));
   EXPECT_TRUE(s.rig.logged("Erasing was stopped, the chip is erased in part"));
   s.expectRest();
 }

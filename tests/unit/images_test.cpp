@@ -192,6 +192,22 @@ TEST(EditHistory, goesBackAndForthAndKnowsWhatIsSaved) {
   EXPECT_EQ(history.undo(image)->name, "other");
 }
 
+TEST(EditHistory, takesBackEveryChangeWhereverTheMemoriesDiffer) {
+  EditHistory history;
+  std::vector<Bytes> images{Bytes(9, 0)};
+  for (unsigned step = 1; step < 300; ++step) {
+    Bytes next(step * 7 % 11, static_cast<std::uint8_t>(step % 2));
+    for (std::size_t i = 0; i < next.size(); ++i) next[i] ^= (step * 5 + i * 3) % 7 < 2 ? 1 : 0;
+    history.note("change", images.back(), next);
+    if (next != images.back()) images.push_back(std::move(next));
+  }
+  Bytes image = images.back();
+  for (std::size_t i = images.size() - 1; i-- > 0;) {
+    ASSERT_TRUE(history.undo(image));
+    EXPECT_EQ(image, images[i]);
+  }
+}
+
 TEST(EditHistory, takesTheDigitsOfAByteAsOneChangeAndForgetsTheOldest) {
   EditHistory history(1'000);  // bytes: a few changes
   Bytes memory{0x00, 0xAB};

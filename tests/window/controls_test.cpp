@@ -126,6 +126,14 @@ TEST(Display, opensASecondWindowAndADoubleClickWritesTheFiles) {
   EXPECT_TRUE(rig.find<QPlainTextEdit>("frmDisplay1.BufferDisplay")
                   .toPlainText()
                   .contains("0000F0| 00000000"));
+  QWidget& second = rig.find("frmDisplay1");
+  second.showMinimized();
+  rig.click("Command1");
+  EXPECT_TRUE(second.isVisible() && !second.isMinimized()) << "who asks again wants to see it";
+  second.close();
+  EXPECT_EQ(rig.screen.openWindows(), 1U);
+  rig.click("Command1");
+  EXPECT_TRUE(second.isVisible());
   rig.screen.closeLastWindow();
   EXPECT_EQ(rig.screen.openWindows(), 1U);
   for (const char* const name : {"BufferDisplay", "SystemLog"}) {

@@ -95,6 +95,15 @@ TEST(Buffer, bytesAreTypedOnBothSidesAndTakenBack) {
   page.setFocus();
   QTest::keyClicks(&page, "Aag5b");  // g is no digit
   QTest::keyClick(&page, Qt::Key_Down);
+  const auto marked = [&] { return page.extraSelections().back().cursor; };
+  const int digits = marked().position();
+  EXPECT_EQ(marked().selectedText(), "1");
+  QTest::keyClicks(&page, "1");
+  EXPECT_EQ(marked().position(), digits + 1) << "the second digit";
+  QTest::keyClick(&page, Qt::Key_Tab);
+  EXPECT_EQ(marked().positionInBlock(), 8 + 4 * 9 + 2 + 3) << "among the characters";
+  QTest::keyClick(&page, Qt::Key_Backtab);
+  EXPECT_EQ(marked().position(), digits) << "the first digit again";
   QTest::keyClick(&page, Qt::Key_Tab);
   QTest::keyClicks(&page, "g~");
   rig.turn();
@@ -140,6 +149,16 @@ TEST(Buffer, changesOfTheMenuErasingAndTheLengthAreTakenBack) {
   EXPECT_EQ(state.CodeLength, 0x8000) << "as long as the chip: what is saved has it too";
   make("bufferFill", {{"changeRange", "7000-8000"}, {"changeBytes", "00"}});
   EXPECT_EQ(state.CodeBuffer[0x7001], 0x34) << "out of the chip";
+  const WithDialog sums([&](QDialog& dialog) {
+    dialog.findChild<QLineEdit*>("changeRange")->setText("0-10");
+    dialog.findChild<QLineEdit*>("changeAt")->setText("7FFE");
+    const auto& accept = *dialog.findChild<QPushButton*>("changeAccept");
+    EXPECT_TRUE(accept.isEnabled()) << "two bytes";
+    dialog.findChild<QComboBox*>("changeKind")->setCurrentIndex(2);
+    EXPECT_FALSE(accept.isEnabled()) << "four bytes";
+    dialog.reject();
+  });
+  rig.trigger("bufferChecksum");
   rig.click("Erase_button");
   EXPECT_FALSE(rig.find("Program_button").isEnabled());
   EXPECT_EQ(rig.find<QAction>("bufferUndo").text(), "&Undo Erase Buffer");
@@ -313,6 +332,7 @@ TEST(Several, chipsGetTheirNumbersTheBadOneNoneAndEscEnds) {
   const std::string table = (rig.folder / "t.csv").string();
   QTimer bench;
   int pressed = 0;
+  std::string told;
   const WithDialog series(
       [&](QDialog& dialog) {
         dialog.findChild<QGroupBox*>("serialFields")->setChecked(true);
@@ -324,6 +344,10 @@ TEST(Several, chipsGetTheirNumbersTheBadOneNoneAndEscEnds) {
         auto& next = *dialog.findChild<QPushButton*>("seriesNext");
         QObject::connect(&bench, &QTimer::timeout, &dialog, [&] {
           if (rig.form.runner().isRunning() || !next.isEnabled()) return;
+          for (const char* const label : {"seriesPrompt", "seriesCount"}) {
+            told += dialog.findChild<QLabel*>(label)->text().toStdString() + '\n';
+          }
+          told += dialog.findChild<QPlainTextEdit*>("seriesChips")->toPlainText().toStdString();
           // Queued: a timer does not fire again while its slot waits for the next chip.
           QMetaObject::invokeMethod(
               &dialog, [&, again = ++pressed <= 3] { again ? next.click() : dialog.reject(); },
@@ -341,6 +365,39 @@ TEST(Several, chipsGetTheirNumbersTheBadOneNoneAndEscEnds) {
   EXPECT_THAT(report, HasSubstr("2,Eprom 27C256,,bad,"));
   EXPECT_EQ(rig.form.state().CodeBuffer[0x7FFC], 0x5A) << "the buffer is the image again";
   EXPECT_FALSE(rig.controls().VerifyAfterProgramming.isTicked());
+  for (const char* const text :
+       {"Chip 4: put it in, then Next Chip. Esc ends", "2 good, 1 bad, ",
+        "Chip 2: BAD, the byte at", "Chip 1: good, serial number 41, sum "}) {
+    EXPECT_THAT(told, HasSubstr(text));
+  }
+}
+
+TEST(Several, whatCannotBeIsToldBeforeTheFirstChip) {
+  StartedRig rig("27C256");
+  rig.openFile("a.bin", countingBytes(0x100));
+  for (const auto& [field, text, told] :
+       {std::tuple("serialAt", "7FFD", "7FFD and its 4 bytes are not in the chip"),
+        {"serialAt", "x", "\"x\" is no address"},
+        {"serialBytes", "9", "use 1 to 8"},
+        {"serialStep", "0", "use 1 or more"},
+        {"seriesReport", "/no/t.csv", "/no/t.csv"},
+        {"serialList", "/no/list", "/no/list"}}) {
+    std::string prompt;
+    const WithDialog series([&, field = field, text = text](QDialog& dialog) {
+      dialog.findChild<QGroupBox*>("serialFields")->setChecked(true);
+      auto& line = *dialog.findChild<QLineEdit*>(field);
+      const QString usual = line.text();
+      line.setText(text);
+      dialog.findChild<QPushButton*>("seriesNext")->click();
+      prompt = dialog.findChild<QLabel*>("seriesPrompt")->text().toStdString();
+      EXPECT_TRUE(dialog.findChild<QPushButton*>("seriesNext")->isEnabled());
+      line.setText(usual);  // what is typed is kept
+      dialog.reject();
+    });
+    rig.trigger("programSeveral");
+    EXPECT_THAT(prompt, HasSubstr(told));
+    EXPECT_FALSE(rig.logged("Programming Button Pressed"));
+  }
 }
 
 TEST(Backup, keepsWhatAChipHeldBeforeItIsErasedOrLeavesItAlone) {

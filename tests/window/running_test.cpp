@@ -109,16 +109,23 @@ TEST(Running, aScrollWhileAPageIsDrawnIsDoneAfterIt) {
 TEST(Running, theWindowIsSeenToMoveOn) {
   LargeChip rig;
   QString percent;
+  std::set<int> shares;  // of a hundred times the bar's own, in percent
   bool lampLit = false;
   QTimer look;
   QObject::connect(&look, &QTimer::timeout, &look, [&] {
     if (percent.isEmpty()) percent = rig.find<QLabel>("percent").text();
+    const auto& bar = rig.controls().ProgressBar1;
+    if (!rig.find<QLabel>("percent").text().isEmpty()) {
+      shares.insert(rig.find<QLabel>("percent").text().split(' ').first().toInt() * bar.maximum() /
+                    std::max(bar.value(), 1));
+    }
     lampLit = lampLit || rig.find("DataFlow_label").accessibleDescription() == "on";
   });
   look.start(5);
   rig.read();
   EXPECT_TRUE(lampLit);
   EXPECT_TRUE(percent.endsWith(" %")) << percent.toStdString();
+  EXPECT_LE(*shares.rbegin(), 100);
 }
 
 TEST(Running, closingAsksWhetherToStopAndTheCommandGoesOnMeanwhile) {
@@ -176,12 +183,15 @@ TEST(Place, isRestoredAndSavedInTwips) {
   rig.settings.texts = {{"Settings/MainLeft", "450"},
                         {"Settings/MainTop", "601"},
                         {"Settings/MainWidth", "21000"},
-                        {"Settings/MainHeight", "13500"}};
+                        {"Settings/MainHeight", "13500"},
+                        {"Window/Algorithms", "DataSheet"}};
+  rig.window.restoreAlgorithms();
   rig.start();
   EXPECT_EQ(rig.window.pos(), QPoint(30, 40));
   EXPECT_EQ(rig.window.size(), QSize(1400, 900));
   rig.window.resize(1500, 900);
   rig.turn();
+  EXPECT_TRUE(QTest::qWaitFor([&] { return rig.controls().frmMain.width() == 22'500; }, 5'000));
   rig.trigger("mnuFileExit");
   EXPECT_FALSE(rig.window.isVisible());
   EXPECT_EQ(rig.settings.texts["Settings/MainWidth"], "22500");

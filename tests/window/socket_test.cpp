@@ -91,6 +91,12 @@ TEST(Outcome, aClickOnTheFailingAddressShowsIt) {
   emit line.linkActivated("4660");
   rig.turn();
   EXPECT_TRUE(rig.displayed("001230|"));
+  rig.click("Error_label");
+  rig.click("Read_button");
+  EXPECT_THAT(line.text().toStdString(), HasSubstr("Read: done, sum "));
+  rig.board().blankChip();
+  rig.click("Blank_button");
+  EXPECT_THAT(line.text().toStdString(), Not(HasSubstr("sum")));
 }
 
 TEST(Display, goesToWhatIsLookedForAndToAPlaceOnTheMap) {
@@ -148,6 +154,8 @@ TEST(SafetyQuestion, tellsWhatWillBeDoneAndWhatDoesNotFit) {
     EXPECT_THAT(facts.toStdString(), HasSubstr(fact));
   }
   EXPECT_THAT(facts.toStdString(), Not(HasSubstr("chip was read"))) << "not the classic way";
+  EXPECT_THAT(facts.toStdString(), Not(HasSubstr("Only the")));
+  rig.click("HiLow_button(1)");
   rig.click("AlgorithmSelection(1)");
   rig.openFile("image.bin", countingBytes(32'768));
   rig.board().loadChip(std::vector<std::uint8_t>(32'768, 0x00));
@@ -156,9 +164,10 @@ TEST(SafetyQuestion, tellsWhatWillBeDoneAndWhatDoesNotFit) {
     dialog.reject();
   });
   rig.click("Program_button");
-  EXPECT_THAT(facts.toStdString(), HasSubstr("in 32640 bytes (0001-0148"));
+  EXPECT_THAT(facts.toStdString(), HasSubstr("Only the odd bytes"));
+  EXPECT_THAT(facts.toStdString(), HasSubstr("in 16320 bytes (0000-00A3"));
   EXPECT_THAT(facts.toStdString(), Not(HasSubstr("The file is"))) << "just as long as the chip";
-  EXPECT_THAT(textOf(rig, "outcome"), HasSubstr("show 00001h"));
+  EXPECT_THAT(textOf(rig, "outcome"), HasSubstr("show 00000h"));
 }
 
 }  // namespace

@@ -159,6 +159,7 @@ void OutcomeLine::offer(const QString& text, const QString& link, std::function<
 }
 
 void OutcomeLine::showText(const QString& richText, Colour colour) {
+  setPalette({});  // without the colour of the text before
   QPalette own = palette();
   own.setColor(QPalette::WindowText, inkColour(colour, own));
   setPalette(own);
