@@ -148,5 +148,46 @@ TEST(PageWriteSpeed, hasToFitTheChipsLoadWindowAndWriteCycle) {
   }
 }
 
+/// How far the progress bar went.
+struct Watched final : ControlListener {
+  explicit Watched(Controls& given) : c(given) { c.setListener(this); }
+  ~Watched() { c.setListener(nullptr); }
+  void controlChanged(const Control& control) override {
+    if (&control != &c.ProgressBar1 || c.ProgressBar1.value() <= peak) return;
+    peak = c.ProgressBar1.value();
+    maximum = c.ProgressBar1.maximum();
+  }
+  void textAppended(const TextBox&, std::string_view) override {}
+
+  Controls& c;
+  std::int32_t peak = 0;
+  std::int32_t maximum = 0;
+};
+
+// A step is a page of 256 bytes, or a byte of a serial chip; an EPROM is programmed in hundredths,
+// a 28C256 in eight of its pages, a serial chip in pages of 32.
+TEST(Progress, goesToItsEndAndBackWhateverTheCommand) {
+  struct Row {
+    const char *chip, *device;
+    std::size_t bytes;
+    std::vector<std::int32_t> steps;  // of read, blank check, verify, program and erase
+  };
+  for (const Row& row : {Row{"27C64", "Eprom 27C64", 0x2000, {32, 32, 32, 100}},
+                         {"X28C256", "Eeprom XICOR X28C256", 0x8000, {128, 128, 128, 64, 64}},
+                         {"24C32", "Eeprom 24C32 Serial", 0x1000, {4096, 0, 100, 128, 128}},
+                         {"AM29F010", "Flash AMD AM29F010", 0x20000, {512, 512, 512, 512}}}) {
+    PreparedForm s(row.chip, row.device, Bytes(row.bytes, 0xFF));
+    const char* const commands[]{"Read_button", "Blank_button", "Verify_button", "Program_button",
+                                 "EraseFlash_button"};
+    for (std::size_t i = 0; i < row.steps.size(); ++i) {
+      Watched bar(s.rig.controls);
+      s.rig.program(commands[i]);
+      EXPECT_EQ(bar.maximum, row.steps[i]) << row.chip << ' ' << commands[i];
+      EXPECT_GE(bar.peak, bar.maximum - 1) << row.chip << ' ' << commands[i];
+      EXPECT_EQ(s.rig.controls.ProgressBar1.value(), 0);
+    }
+  }
+}
+
 }  // namespace
 }  // namespace kestrel::test

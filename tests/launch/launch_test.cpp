@@ -43,18 +43,6 @@ TEST(OptionValues, thatMeanNothingAreRefused) {
   refuses(launch::parseCountNs, {"0"});
 }
 
-TEST(OptionValues, thatContradictEachOtherAreRefused) {
-  launch::LaunchOptions options;
-  options.chip = launch::ChipChoice{.type = "27C256", .file = {}};
-  options.simulate = true;
-  options.boardVppMillivolts = 21'000;
-  EXPECT_THROW(launch::checkTogether(options), launch::UsageError);
-  options.model = sim::Model::kestrel4;
-  EXPECT_NO_THROW(launch::checkTogether(options));
-  options.ports.push_back({.base = 0x378, .device = "/dev/parport0"});
-  EXPECT_THROW(launch::checkTogether(options), launch::UsageError);
-}
-
 TEST(ProgramFolders, everySimulatedBoardHasItsOwn) {
   const test::TemporaryFolder user;
   ASSERT_EQ(::setenv("XDG_CONFIG_HOME", user.path().c_str(), 1), 0);
