@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QCompleter>
+#include <QProgressBar>
 #include <QRadioButton>
 #include <QRegularExpression>
 #include <QScrollBar>
@@ -177,11 +178,38 @@ TEST(Tips, ofADisabledButtonSayWhatIsMissing) {
     QApplication::sendEvent(&widget, &asks);
     return QToolTip::text().toStdString();
   };
-  EXPECT_EQ(tipOf("Read_button"), "Select a device first.");
-  EXPECT_THAT(tipOf("Program_button"), testing::HasSubstr("Open a file or read a chip"));
+  const auto expect = [&](const char* name, const char* tip) {
+    EXPECT_THAT(tipOf(name), testing::HasSubstr(tip)) << name;
+  };
+  expect("Read_button", "Select a device first.");
+  expect("Program_button", "Open a file or read a chip");
+  expect("Erase_button", "The buffer is empty already.");
+  expect("Stop", "No command is running.");
   rig.select("27C256");
-  EXPECT_THAT(tipOf("EraseFlash_button"), testing::HasSubstr("ultraviolet"));
-  EXPECT_EQ(tipOf("Read_button"), "Read the device into the buffer");
+  expect("EraseFlash_button", "ultraviolet");
+  expect("Voltage_button(0)", "takes a programming voltage");
+  expect("Voltage_button(3)", "Too high");
+  expect("CheckData", "one memory only");
+  expect("Read_button", "Read the device into the buffer");
+  rig.openFile("zeros.bin", {0});
+  rig.click("Verify_button");
+  expect("Read_button", "Turn the ERROR alert off first.");
+  rig.click("Error_label");
+  rig.select("24C16");
+  expect("Blank_button", "A serial chip needs no blank check");
+  QTest::keyClicks(&rig.find("Device"), "what");
+  expect("Read_button", "What is typed for the device is not chosen yet");
+}
+
+TEST(Progress, isShownInHundredthsOfWhateverTheCommandCounts) {
+  StartedRig rig;
+  for (const auto& [value, text] : {std::pair(0, ""), {1, "2 %"}, {25, "50 %"}, {60, "100 %"}}) {
+    rig.controls().ProgressBar1.setMaximum(50);
+    rig.controls().ProgressBar1.setValue(value);
+    rig.mirror.refresh();
+    EXPECT_EQ(rig.find<QLabel>("percent").text(), text);
+    EXPECT_EQ(rig.find<QProgressBar>("ProgressBar1").value(), QString(text).split(' ')[0].toInt());
+  }
 }
 
 TEST(Layout, nothingLiesOverAnotherOrIsCutOff) {

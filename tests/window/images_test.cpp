@@ -2,6 +2,7 @@
 
 #include <QGroupBox>
 #include <QPushButton>
+#include <QTextBlock>
 
 #include "app/window/chip_backup.h"
 #include "app/window/outcome_line.h"
@@ -120,6 +121,52 @@ TEST(Buffer, bytesAreTypedOnBothSidesAndTakenBack) {
   EXPECT_EQ(buffer[1], 0x11);
   rig.trigger("mnuFileSaveCode");
   EXPECT_THAT(rig.window.windowTitle().toStdString(), testing::Not(HasSubstr("changed")));
+}
+
+// Columns: 8 for the address, 2 a byte, a blank behind each group of four; the text from 46 on.
+TEST(Buffer, theCursorGoesWhereKeysAndClicksLead) {
+  StartedRig rig("27C256");
+  rig.openFile("game.bin", std::vector<std::uint8_t>(0x300, 0x11));
+  auto& page = rig.find<QPlainTextEdit>("BufferDisplay");
+  page.setFocus();
+  const auto expect = [&](int number, int line, int column, const char* after) {
+    rig.turn();
+    ASSERT_FALSE(page.extraSelections().empty()) << after;
+    const QTextCursor cursor = page.extraSelections().back().cursor;
+    EXPECT_EQ(rig.controls().VScroll1.value(), number) << after;
+    EXPECT_EQ(cursor.blockNumber(), line) << after;
+    EXPECT_EQ(cursor.positionInBlock() - 1, column) << after;
+  };
+  QTest::keyClick(&page, Qt::Key_Left);
+  expect(0, 1, 8, "nothing lies before the first byte");
+  using Row = std::tuple<Qt::Key, int, int, int, int>;  // key, how often, page, line, column
+  for (const auto& [key, times, number, line, column] : {Row{Qt::Key_Right, 1, 0, 1, 9},
+                                                         {Qt::Key_Right, 7, 0, 1, 17},
+                                                         {Qt::Key_Backspace, 1, 0, 1, 15},
+                                                         {Qt::Key_Right, 25, 0, 2, 8},
+                                                         {Qt::Key_Left, 1, 0, 1, 42},
+                                                         {Qt::Key_Up, 1, 0, 1, 42},
+                                                         {Qt::Key_Down, 16, 1, 1, 41},
+                                                         {Qt::Key_Up, 1, 0, 16, 41},
+                                                         {Qt::Key_Tab, 1, 0, 16, 61},
+                                                         {Qt::Key_Right, 1, 1, 1, 46},
+                                                         {Qt::Key_Left, 2, 0, 16, 60},
+                                                         {Qt::Key_Backtab, 1, 0, 16, 39}}) {
+    for (int i = 0; i < times; ++i) QTest::keyClick(&page, key);
+    expect(number, line, column, QKeySequence(key).toString().toUtf8().data());
+  }
+  const auto placeOf = [&](int line, int column) {
+    QTextCursor cursor(page.document()->findBlockByNumber(line));
+    cursor.setPosition(cursor.position() + column);
+    return page.cursorRect(cursor).center();
+  };
+  for (const auto& [line, column, marked] : {std::tuple(3, 18, 17), {4, 20, 19}, {5, 48, 48}}) {
+    QTest::mouseClick(page.viewport(), Qt::LeftButton, Qt::NoModifier, placeOf(line, column));
+    expect(0, line, marked, "a click");
+  }
+  QTest::keyClick(&page, Qt::Key_Delete);
+  EXPECT_EQ(rig.form.state().CodeBuffer[0x42], 0xFF);
+  expect(0, 5, 49, "Delete");
 }
 
 /// Fills the fields of the next change in and makes it.
