@@ -12,14 +12,21 @@
 namespace kestrel {
 namespace {
 
-/// The form over the simulated port as the programs put it together, without a trace.
+using Time = waveform::RecordingPort::Nanoseconds;
+
+/// The form over the simulated port as the command line puts it together, without a trace; as the
+/// window does, where it can be recorded.
 struct UntracedForm {
-  UntracedForm() : board(bench.plug(sim::Model::kestrel5, 0x378)) { rig.form.Form_Load(); }
+  explicit UntracedForm(bool mayRecord = false)
+      : board(bench.plug(sim::Model::kestrel5, 0x378)),
+        rig(port, port, {.now = mayRecord ? [this] { return bench.now(); } : Time()}) {
+    rig.form.Form_Load();
+  }
 
   sim::Bench bench;
   sim::Board& board;
   sim::SimulatedPort port{bench};
-  test::FormRig rig{port, port, {.now = [this] { return bench.now(); }}};
+  test::FormRig rig;
 };
 
 double secondsOf(sim::Nanoseconds time) { return static_cast<double>(time) * 1e-9; }
@@ -40,7 +47,7 @@ BENCHMARK(read27C080)->Unit(benchmark::kMillisecond)->UseRealTime();
 
 // What the pins did, written into a wave file: the share of time that it takes.
 void read27C256(benchmark::State& state, bool isRecorded) {
-  UntracedForm f;
+  UntracedForm f(true);
   waveform::RecordingPort& recorder = *f.rig.parts.recorder();
   f.board.insert(sim::makeChip("27C256"));
   f.board.loadChip(test::randomBytes(32'768, 7));
