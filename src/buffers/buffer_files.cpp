@@ -11,6 +11,7 @@
 #include "buffers/checksum.h"
 #include "devices/families.h"
 #include "display/hex_line.h"
+#include "images/checksums.h"
 #include "platform/atomic_file.h"
 #include "platform/file_names.h"
 
@@ -125,9 +126,7 @@ void BufferFiles::storeCode() {
   buffers_.CodeFrom = CodeSource::File;
   buffers_.CodeChanged = false;
   ++buffers_.CodeLoads;
-  buffers_.FileChecksum = 0;
-  for (const std::uint8_t byte : buffers_.FileBytes)
-    buffers_.FileChecksum = addToChecksum(buffers_.FileChecksum, byte);
+  buffers_.FileChecksum = narrowed<std::int32_t>(images::sum16(buffers_.FileBytes));
   buffers_.FileChecksumText = checksumText(buffers_.FileChecksum);
   release(buffers_.FileBytes);
 }

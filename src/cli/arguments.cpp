@@ -207,9 +207,6 @@ void checkFiles(const Arguments& a) {
 
 void checkSeries(const Arguments& a) {
   if (!a.runs("program")) return;
-  if (a.several && a.backup) {
-    throw launch::UsageError("--backup keeps one chip; leave it out with --several");
-  }
   for (const char* const option : {"--serial", "--report"}) {
     if (!a.several && a.textOf(option) != nullptr) {
       throw launch::UsageError(std::string(option) + " is for a series; add --several");

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "app/form/backup_name.h"
+#include "app/form/backup.h"
 #include "cli/exit_status.h"
 #include "cli/session.h"
 #include "platform/file_names.h"
@@ -26,6 +26,13 @@ class TerminalBench final : public form::SeriesBench {
     if (!line || line->starts_with('q') || line->starts_with('Q')) return false;
     session_.changeSimulatedChip(number);
     return true;
+  }
+
+  [[nodiscard]] bool keepsContents() const override {
+    return session_.arguments().backup.has_value();
+  }
+  CommandResult keep(const std::vector<std::uint8_t>& contents) override {
+    return form::keepContents(session_.form(), *session_.arguments().backup, contents);
   }
 
   void chipDone(const form::SeriesChip& chip) override {
@@ -75,7 +82,13 @@ void runSeries(Session& s) {
   if (s.arguments().report) report.emplace(*s.arguments().report);
   TerminalBench bench(s, report ? &*report : nullptr);
   form::ChipSeries series(s.form(), bench, counter ? &*counter : nullptr);
-  const CommandResult result = series.run(report ? report->nextNumber() : 1);
+  CommandResult result;
+  try {
+    result = series.run(report ? report->nextNumber() : 1);
+  } catch (const std::exception&) {
+    s.out() << bench.count().text() << std::endl;
+    throw;
+  }
   s.out() << bench.count().text() << std::endl;
   s.endUnlessDone(result);
   if (bench.count().bad != 0) throw EarlyEnd(kFailed, bench.count().text());

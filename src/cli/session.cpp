@@ -69,7 +69,8 @@ void Session::runOne(const Command& command) {
   try {
     if (command.needsBoard) checkBoard();
     if (command.worksOnMemory) checkMemory(command);
-    if (command.writesChip && p_.arguments.backup) keepChip();
+    const bool isOne = !p_.arguments.several;  // a series keeps each chip in its turn
+    if (command.writesChip && p_.arguments.backup && isOne) keepChip();
     command.press(*this);
   } catch (const EarlyEnd& end) {
     if (last_.reason.empty()) last_.reason = end.what();

@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <span>
 
-#include "app/form/backup_name.h"
-#include "app/state/text_format.h"
+#include "app/form/backup.h"
 #include "cli/exit_status.h"
 #include "cli/session.h"
 #include "devices/families.h"
@@ -36,13 +35,10 @@ void Session::keepChip() {
   }
   std::vector<std::uint8_t> chip;
   endUnlessDone(p_.form.readAside(chip));
-  if (std::ranges::all_of(chip, [](std::uint8_t byte) { return byte == kErased; })) {
-    if (!p_.arguments.quiet) p_.out << "The chip is blank: there is nothing to keep" << std::endl;
-  } else {
-    const std::string name =
-        form::backupName(*p_.arguments.backup, deviceName(), images::sum16(chip));
-    endUnlessDone(p_.form.exportImage(name, chip));
+  if (form::isBlank(chip) && !p_.arguments.quiet) {
+    p_.out << "The chip is blank: there is nothing to keep" << std::endl;
   }
+  endUnlessDone(form::keepContents(p_.form, *p_.arguments.backup, chip));
   last_ = {};
 }
 
@@ -93,8 +89,9 @@ void Session::tellLengths(const std::string& name) const {
   const std::int64_t bytes = state().CodeLength;
   const std::int64_t size = state().DeviceSizeBytes;
   const bool programs = p_.arguments.runs("program");
-  if (bytes == 0 && programs) {
-    throw EarlyEnd(kBadUsage, shownName(name) + " is empty: there is nothing to program");
+  for (const char* const command : {"program", "compare"}) {
+    if (bytes != 0 || !p_.arguments.runs(command)) continue;
+    throw EarlyEnd(kBadUsage, shownName(name) + " is empty: there is nothing to " + command);
   }
   if (size == 0 || bytes == size) return;
   const std::string lengths = shownName(name) + " holds " + std::to_string(bytes) +

@@ -8,6 +8,7 @@
 #include "app/state/text_format.h"
 #include "buffers/checksum.h"
 #include "devices/families.h"
+#include "images/checksums.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::operations {
@@ -83,10 +84,7 @@ bool ReadDevice::vote(const std::function<bool()>& readOnce, std::vector<std::ui
   }
   const std::vector<std::uint8_t> majority = reads.majority();
   std::ranges::copy(majority, bytes.begin());
-  buffers_.DeviceChecksum = 0;
-  for (const std::uint8_t byte : majority) {
-    buffers_.DeviceChecksum = buffers::addToChecksum(buffers_.DeviceChecksum, byte);
-  }
+  buffers_.DeviceChecksum = narrowed<std::int32_t>(images::sum16(majority));
   reportUnstable(reads);
   return true;
 }

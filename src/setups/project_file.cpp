@@ -58,7 +58,7 @@ ProjectFile ProjectFile::parse(std::string_view text, const std::string& name) {
     if (keys.empty() && item->second != kVersion) {
       refuse(name, i,
              "it is of version " + item->second +
-                 ", which this program does not know; it knows version 1");
+                 ", which a newer Kestrel wrote; use that one, this one knows version 1");
     }
     if (std::ranges::count(keys, item->first) != 0) {
       refuse(name, i, item->first + " is given twice; keep one of the two lines");

@@ -177,6 +177,18 @@ TEST(Backup, keepsWhatAChipHeldAndNothingOfABlankOne) {
       work.simulate("erase --yes --backup missing -d 28C256 --chip 28C256=chip.bin");
   EXPECT_EQ(refused.status, 2) << refused.err;
   EXPECT_EQ(work.text("chip.bin"), old) << "nothing is lost that could not be kept";
+  work.put("chip.bin.1", noise(32767) + "1");
+  work.put("chip.bin.2", noise(32767) + "2");
+  work.put("answers", "\n\nq\n");
+  const pid_t process = ::fork();
+  if (process == 0) work.become("--simulate --several -q <answers >out.txt 2>err.txt " + program);
+  EXPECT_EQ(statusOf(process), 0) << work.text("err.txt");
+  std::string ends;
+  for (const auto& entry : std::filesystem::directory_iterator(work.path("kept"))) {
+    ends += work.text("kept/" + entry.path().filename().string()).back();
+  }
+  EXPECT_TRUE(ends.find('1') != ends.npos && ends.find('2') != ends.npos)
+      << ends << " of each chip what it held";
 }
 
 TEST(Project, givesTheOptionsThatTheCommandLineDoesNotAndKeepsWhatItDoesNotKnow) {
@@ -198,7 +210,7 @@ TEST(Project, givesTheOptionsThatTheCommandLineDoesNotAndKeepsWhatItDoesNotKnow)
   EXPECT_TRUE(run.told("lot/a.project: the key colour is unknown"));
   EXPECT_EQ(work.text("chip.bin"), work.text("rom.bin"));
   for (const auto& [text, told] :
-       {std::pair("kestrel-project = 2\n", "it knows version 1"),
+       {std::pair("kestrel-project = 2\n", "this one knows version 1"),
         {"device = 27C64\n", "line 1: a project begins with"},
         {"kestrel-project = 1\nvpp = 12.5\nvpp = 21\n", "line 3: vpp is given twice"},
         {"kestrel-project = 1\nverify = maybe\n", "use yes or no"},

@@ -230,7 +230,7 @@ TEST(Buffer, anEditedOneIsReplacedOnlyWhenThePersonSaysSo) {
   auto& summary = rig.find<QLabel>("differenceSummary");
   const auto isToldAnew = [&] { return summary.text().contains("32639 of 32768 bytes differ"); };
   EXPECT_TRUE(QTest::qWaitFor(isToldAnew)) << summary.text().toStdString();
-  writeFileAtomically(rig.folder / "project", "kestrel-project = 1\nspeed = 3\n");
+  writeFileAtomically(rig.folder / "project", "kestrel-project = 1\nspeed = 3\nfile = game.bin\n");
   for (const std::string way : {"menuReadCode", "mnuFileOpenCode", "importImage", "openProject"}) {
     const WithDialog cancelled([](QDialog& box) { box.reject(); }, "unsavedQuestion");
     rig.dialogs.answerNextOpen(rig.folder / (way == "openProject" ? "project" : "game.bin"));
@@ -325,7 +325,7 @@ TEST(Project, thatCannotBeUsedIsToldInASentenceAndChangesNothing) {
   const QString log = rig.logText();
   writeFileAtomically(rig.folder / "far.hex", ":0400300001020304C3\n:00000001FF\n");
   for (const auto& [lines, told] :
-       {std::pair("kestrel-project = 2\n", "of version 2, which this program does not know"),
+       {std::pair("kestrel-project = 2\n", "of version 2, which a newer Kestrel wrote"),
         {"speed = 3\n", "line 1: a project begins with"},
         {"kestrel-project = 1\nspeed = 30\n", "speed: \"30\" is no program speed; use 1"},
         {"kestrel-project = 1\ndevice = 27C64\nvpp = 25\n", "vpp: Eprom 27C64 does not take 25 V"},

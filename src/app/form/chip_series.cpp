@@ -4,8 +4,8 @@
 #include <span>
 
 #include "app/state/text_format.h"
-#include "buffers/checksum.h"
 #include "devices/families.h"
+#include "images/checksums.h"
 
 namespace kestrel::form {
 namespace {
@@ -22,6 +22,15 @@ CommandResult ChipSeries::run(std::size_t firstNumber) {
     setTicked(form_.controls().CheckBlankPriorProgramming,
               false);  // done before the number is given
   });
+  try {
+    return runChips(firstNumber);
+  } catch (...) {
+    (void)form_.releaseSocket();
+    throw;
+  }
+}
+
+CommandResult ChipSeries::runChips(std::size_t firstNumber) {
   for (std::size_t number = firstNumber;; ++number) {
     const CommandResult released = form_.releaseSocket();
     if (released.ending != Ending::Done) return released;
@@ -103,12 +112,8 @@ CommandResult ChipSeries::program() {
 }
 
 std::string ChipSeries::sumOfImage() {
-  std::int32_t sum = 0;
   const auto size = static_cast<std::size_t>(form_.state().DeviceSizeBytes);
-  for (const std::uint8_t byte : std::span(form_.state().CodeBuffer).first(size)) {
-    sum = buffers::addToChecksum(sum, byte);
-  }
-  return buffers::checksumText(sum);
+  return images::addressText(images::sum16(std::span(form_.state().CodeBuffer).first(size)));
 }
 
 void ChipSeries::dismissAlert() {

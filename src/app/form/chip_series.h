@@ -52,6 +52,7 @@ class ChipSeries {
   CommandResult run(std::size_t firstNumber);
 
  private:
+  [[nodiscard]] CommandResult runChips(std::size_t firstNumber);
   [[nodiscard]] SeriesChip doChip(std::size_t number);
   [[nodiscard]] std::string giveNumber();
   void settleNumber(SeriesChip& chip);

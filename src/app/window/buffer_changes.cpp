@@ -163,6 +163,9 @@ void BufferChanges::run(const Operation& operation) {
   const auto change = [&](const Values& values) {
     if (before.empty()) throw ImageError("the buffer is empty; choose a device or open a file");
     after = operation.change(before, values);
+    if (!operation.isOfImage) return std::string();
+    return "The image of " + std::to_string(before.size()) + " bytes becomes one of " +
+           std::to_string(after.size()) + ".";
   };
   std::vector<ChangeField> fields = operation.fields;
   for (ChangeField& field : fields) {

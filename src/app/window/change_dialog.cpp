@@ -5,16 +5,13 @@
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QHBoxLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <utility>
 
-#include "app/window/image_dialog.h"
-#include "images/ranges.h"
-#include "platform/runtime_error.h"
+#include "app/window/verdict_label.h"
 
 namespace kestrel::window {
 namespace {
@@ -31,12 +28,7 @@ ChangeDialog::ChangeDialog(const QString& title, const std::vector<ChangeField>&
   setWindowTitle(title);
   auto* const form = new QFormLayout;
   for (const ChangeField& field : fields) form->addRow(field.label, fieldOf(field));
-  verdict_ = new QLabel(this);
-  verdict_->setObjectName("changeVerdict");
-  verdict_->setWordWrap(true);
-  verdict_->setTextFormat(Qt::PlainText);
-  verdict_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-  verdict_->setMinimumSize(kWidth, kVerdictLines * fontMetrics().lineSpacing());
+  verdict_ = new VerdictLabel("changeVerdict", kWidth, kVerdictLines, this);
   auto* const buttons = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
   accept_ = buttons->button(QDialogButtonBox::Ok);
   accept_->setObjectName("changeAccept");
@@ -96,16 +88,8 @@ void ChangeDialog::judge() {
   if (accept_ == nullptr) return;  // while the fields are made
   const Values now = values();
   const bool isFilled = std::ranges::find(now, std::string()) == now.end();
-  std::string wrong;
-  try {
-    if (isFilled) check_(now);
-  } catch (const images::ImageError& error) {
-    wrong = error.what();
-  } catch (const FileError& error) {
-    wrong = error.what();
-  }
-  showVerdict(*verdict_, wrong, !wrong.empty());
-  accept_->setEnabled(isFilled && wrong.empty());
+  const bool isRight = verdict_->judge([&] { return isFilled ? check_(now) : std::string(); });
+  accept_->setEnabled(isFilled && isRight);
 }
 
 }  // namespace kestrel::window

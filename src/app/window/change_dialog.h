@@ -6,11 +6,12 @@
 #include <vector>
 
 class QFormLayout;
-class QLabel;
 class QPushButton;
 class QWidget;
 
 namespace kestrel::window {
+
+class VerdictLabel;
 
 /// One thing that a change of the buffer wants to know: a text, one of several words, or a file.
 struct ChangeField {
@@ -25,8 +26,9 @@ struct ChangeField {
 class ChangeDialog final : public QDialog {
  public:
   using Values = std::vector<std::string>;
-  /// Throws ImageError or FileError when these values cannot be had.
-  using Check = std::function<void(const Values&)>;
+  /// What would come of these values, in words; nothing to say is empty. Throws ImageError or
+  /// FileError when they cannot be had.
+  using Check = std::function<std::string(const Values&)>;
 
   ChangeDialog(const QString& title, const std::vector<ChangeField>& fields, Check check,
                QWidget* parent);
@@ -41,7 +43,7 @@ class ChangeDialog final : public QDialog {
 
   Check check_;
   std::vector<std::function<std::string()>> values_;
-  QLabel* verdict_ = nullptr;
+  VerdictLabel* verdict_ = nullptr;
   QPushButton* accept_ = nullptr;
 };
 

@@ -5,14 +5,12 @@
 #include <QFileDialog>
 #include <QMainWindow>
 #include <QMenu>
-#include <algorithm>
 
-#include "app/form/backup_name.h"
-#include "app/state/text_format.h"
+#include "app/form/backup.h"
 #include "app/window/binder.h"
 #include "app/window/elided_label.h"
 #include "app/window/file_of.h"
-#include "images/checksums.h"
+#include "images/ranges.h"
 
 namespace kestrel::window {
 namespace {
@@ -66,10 +64,7 @@ bool ChipBackup::mayPress(const Control& control) {
 }
 
 CommandResult ChipBackup::keep(const QString& folder, const std::vector<std::uint8_t>& chip) {
-  if (std::ranges::all_of(chip, [](std::uint8_t byte) { return byte == kErased; })) return {};
-  const std::string device(trimmed(parts_.form.state().DeviceName));
-  return parts_.form.exportImage(form::backupName(fileOf(folder), device, images::sum16(chip)),
-                                 chip);
+  return form::keepContents(parts_.form, fileOf(folder), chip);
 }
 
 }  // namespace kestrel::window

@@ -1,10 +1,22 @@
 #pragma once
 
 #include <QEvent>
+#include <QLayout>
 #include <QScreen>
 #include <QScrollArea>
 
 namespace kestrel::window {
+
+/// The contents of a FittingArea. Texts that are wrapped, as notices are, make the height depend on
+/// the width; what has to fit then is the least height, not the one that is wished for.
+class FittingContents final : public QWidget {
+ public:
+  using QWidget::QWidget;
+
+  [[nodiscard]] int heightForWidth(int width) const override {
+    return layout()->minimumHeightForWidth(width);
+  }
+};
 
 /// Holds the window's contents and asks for their whole size, but never for more than the screen
 /// has: on a smaller one they are scrolled, and what stands around them stays in sight.

@@ -3,15 +3,13 @@
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QVBoxLayout>
 #include <utility>
 
 #include "app/window/elided_label.h"
-#include "app/window/theme.h"
-#include "platform/runtime_error.h"
+#include "app/window/verdict_label.h"
 
 namespace kestrel::window {
 namespace {
@@ -49,12 +47,7 @@ void ImageDialog::build(const Texts& texts, const std::vector<images::FormatId>&
   };
   range_ = field("imageRange", texts.range);
   at_ = field("imageAt", texts.at);
-  verdict_ = new QLabel(this);
-  verdict_->setObjectName("imageVerdict");
-  verdict_->setWordWrap(true);
-  verdict_->setTextFormat(Qt::PlainText);
-  verdict_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-  verdict_->setMinimumSize(kWidth, kVerdictLines * fontMetrics().lineSpacing());
+  verdict_ = new VerdictLabel("imageVerdict", kWidth, kVerdictLines, this);
 
   auto* const form = new QFormLayout;
   form->addRow("File:", file);
@@ -87,26 +80,7 @@ images::Placement ImageDialog::placement() const {
 }
 
 void ImageDialog::judge() {
-  std::string text;
-  bool isWrong = false;
-  try {
-    text = judge_(format(), placement());
-  } catch (const images::ImageError& error) {
-    text = error.what();
-    isWrong = true;
-  } catch (const FileError& error) {
-    text = error.what();
-    isWrong = true;
-  }
-  showVerdict(*verdict_, text, isWrong);
-  accept_->setEnabled(!isWrong);
-}
-
-void showVerdict(QLabel& label, const std::string& text, bool isWrong) {
-  QPalette own = label.parentWidget()->palette();
-  if (isWrong) own.setColor(QPalette::WindowText, inkColour(Colour::Red, own));
-  label.setPalette(own);
-  label.setText(onOneLine(QString::fromStdString(text)));
+  accept_->setEnabled(verdict_->judge([this] { return judge_(format(), placement()); }));
 }
 
 }  // namespace kestrel::window

@@ -9,11 +9,12 @@
 #include "images/image_file.h"
 
 class QComboBox;
-class QLabel;
 class QLineEdit;
 class QPushButton;
 
 namespace kestrel::window {
+
+class VerdictLabel;
 
 /// Asks for the format of an image file, which of its addresses are taken and where they go, and
 /// tells at every change what would come of it.
@@ -46,11 +47,8 @@ class ImageDialog final : public QDialog {
   QComboBox* format_ = nullptr;
   QLineEdit* range_ = nullptr;
   QLineEdit* at_ = nullptr;
-  QLabel* verdict_ = nullptr;
+  VerdictLabel* verdict_ = nullptr;
   QPushButton* accept_ = nullptr;
 };
-
-/// The label shows a text in the colour of what is wrong, or in its own.
-void showVerdict(QLabel& label, const std::string& text, bool isWrong);
 
 }  // namespace kestrel::window

@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "app/state/text_format.h"
+#include "app/window/binder.h"
 #include "app/window/elided_label.h"
 
 namespace kestrel::window {
@@ -12,11 +14,6 @@ namespace {
 constexpr int kRestMs = 300;
 constexpr int kLines = 3;
 constexpr qsizetype kShortSha = 8;  // digits
-
-QString hex(std::uint32_t value, int digits) {
-  constexpr int kHex = 16;
-  return QString("%1").arg(value, digits, kHex, QChar('0')).toUpper();
-}
 
 }  // namespace
 
@@ -65,7 +62,8 @@ void ImageIdentity::look() {
 void ImageIdentity::show(const images::Identity& identity) {
   const QString sha = QString::fromStdString(identity.sha256);
   const QString blank = QString::number(images::blankPercent(identity), 'f', 1) + " % blank";
-  const QString sums = "Sum " + hex(identity.sum, 4) + ", CRC-32 " + hex(identity.crc32, 8);
+  const QString sums = toQString("Sum " + images::addressText(identity.sum) + ", CRC-32 " +
+                                 hexText(static_cast<std::int32_t>(identity.crc32), 8));
   QStringList looks;
   for (const std::string& text : identity.looksLike)
     looks << onOneLine(QString::fromStdString(text));

@@ -98,7 +98,7 @@ void MainWindow::buildContent() {
   column->setContentsMargins(0, 0, 0, 0);
   column->setSpacing(0);
   auto* const area = new FittingArea(content);
-  auto* const work = new QWidget(area);
+  auto* const work = new FittingContents(area);
   area->setWidget(work);
   column->addWidget(area, 1);
   auto* const middle = new QHBoxLayout(work);

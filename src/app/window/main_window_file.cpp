@@ -7,7 +7,7 @@
 #include <QPushButton>
 #include <QTimer>
 #include <algorithm>
-#include <numeric>
+#include <span>
 #include <utility>
 
 #include "app/window/buffer_changes.h"
@@ -17,6 +17,7 @@
 #include "app/window/image_files.h"
 #include "app/window/main_window.h"
 #include "app/window/notice_bar.h"
+#include "images/checksums.h"
 #include "platform/file_names.h"
 #include "platform/runtime_error.h"
 
@@ -37,10 +38,9 @@ void MainWindow::bufferIsInFile() {
 // A setup may name a file or none: by the sum of its bytes the buffer tells which it was.
 bool MainWindow::holdsLoadedFile() const {
   const ProgrammerState& state = parts_.form.state();
-  const auto end = state.CodeBuffer.begin() +
-                   std::clamp(state.CodeLength, 0, static_cast<int>(state.CodeBuffer.size()));
-  const std::uint32_t sum = std::accumulate(state.CodeBuffer.begin(), end, std::uint32_t{0});
-  return std::cmp_equal(sum % 65536, state.FileChecksum);
+  const int length = std::clamp(state.CodeLength, 0, static_cast<int>(state.CodeBuffer.size()));
+  const auto image = std::span(state.CodeBuffer).first(static_cast<std::size_t>(length));
+  return std::cmp_equal(images::sum16(image), state.FileChecksum);
 }
 
 QString MainWindow::codeFileName() const { return toQString(parts_.form.state().CodeFileName); }

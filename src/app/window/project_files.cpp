@@ -96,8 +96,9 @@ void ProjectFiles::tell(const std::exception& error) {
 // Whatever can be wrong with it is found before the first control is pressed.
 void ProjectFiles::open(const std::filesystem::path& file) {
   try {
-    Checked project = check(file);
-    if (!parts_.mayReplace()) return;
+    Checked project = read(file);
+    const bool isReplaced = project.work.codeFile || project.work.setup;
+    if (isReplaced && !parts_.mayReplace()) return;
     apply(project);
     parts_.outcome.tell("Project opened: " + shortName(file));
     QStringList unknown;
@@ -116,11 +117,20 @@ void ProjectFiles::open(const std::filesystem::path& file) {
   }
 }
 
-ProjectFiles::Checked ProjectFiles::check(const std::filesystem::path& file) const {
-  const ProgrammerState& state = parts_.form.state();
+ProjectFiles::Checked ProjectFiles::read(const std::filesystem::path& file) const {
   Checked project;
-  work::Work& work = project.work;
-  project.unknown = work::readProject(file, work, [](std::string_view) { return false; });
+  project.unknown = work::readProject(file, project.work, [](std::string_view) { return false; });
+  try {
+    check(project);
+  } catch (const launch::UsageError& error) {
+    throw launch::UsageError(file.string() + ": " + error.what());
+  }
+  return project;
+}
+
+void ProjectFiles::check(Checked& project) const {
+  const ProgrammerState& state = parts_.form.state();
+  const work::Work& work = project.work;
   project.algorithms = work.algorithms.value_or(state.algorithms);
   const bool hasDevice = work.device || !state.DeviceName.empty();
   if (hasDevice) {
@@ -130,7 +140,7 @@ ProjectFiles::Checked ProjectFiles::check(const std::filesystem::path& file) con
   const SelectionState device =
       project.device != nullptr ? selectionOf(*project.device) : SelectionState();
   if (!work.setup) work::checkOffered(work, device, project.algorithms);
-  if (!work.codeFile) return project;
+  if (!work.codeFile) return;
   if (*work.codeFile == kStandardInput) {
     throw launch::UsageError("file: standard input is for kestrel-cli; name a file");
   }
@@ -140,7 +150,6 @@ ProjectFiles::Checked ProjectFiles::check(const std::filesystem::path& file) con
   } else {
     (void)readWholeFile(*work.codeFile, images::kMostImageBytes);
   }
-  return project;
 }
 
 // An empty text: the form has told it already.

@@ -52,7 +52,8 @@ class ProjectFiles final : public QObject {
   struct Checked;
 
   void use(const std::function<void()>& event);
-  [[nodiscard]] Checked check(const std::filesystem::path& file) const;
+  [[nodiscard]] Checked read(const std::filesystem::path& file) const;
+  void check(Checked& project) const;
   void apply(Checked& project);
   void chooseAlgorithms(const Checked& project);
   void tell(const std::exception& error);

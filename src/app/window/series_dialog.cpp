@@ -9,12 +9,12 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "app/form/backup_name.h"
+#include "app/form/backup.h"
 #include "app/state/text_format.h"
 #include "app/window/binder.h"
 #include "app/window/file_of.h"
-#include "app/window/image_dialog.h"
 #include "app/window/serial_fields.h"
+#include "app/window/verdict_label.h"
 #include "platform/atomic_file.h"
 #include "platform/file_names.h"
 
@@ -25,6 +25,7 @@ constexpr int kIn = 1;   // the next chip is in the socket
 constexpr int kEnd = 0;  // there is none
 constexpr int kListWidth = 560;
 constexpr int kListLines = 8;
+constexpr int kPromptLines = 1;
 
 void checkNumberFits(const images::SerialPlan& plan, const SelectionState& device) {
   if (std::cmp_less_equal(std::size_t{plan.at} + plan.bytes, device.DeviceSizeBytes)) return;
@@ -43,8 +44,9 @@ SeriesDialog::SeriesDialog(const Parts& parts, const SeriesSettings& settings, Q
   buildProgress(*column);
   parts.input.letThrough(*end_);
   showRunning(false);
-  tell("Each chip is blank checked, programmed and verified. Put the first one in, then Start.",
-       false);
+  prompt_->tell(
+      "Each chip is blank checked, programmed and verified. Put the first one in, then Start.",
+      false);
 }
 
 void SeriesDialog::buildFields(const SeriesSettings& settings, QVBoxLayout& column) {
@@ -87,10 +89,7 @@ QLineEdit* SeriesDialog::addFile(QVBoxLayout& column, const char* caption, const
 }
 
 void SeriesDialog::buildProgress(QVBoxLayout& column) {
-  prompt_ = new QLabel(this);
-  prompt_->setObjectName("seriesPrompt");
-  prompt_->setWordWrap(true);
-  prompt_->setTextFormat(Qt::PlainText);
+  prompt_ = new VerdictLabel("seriesPrompt", kListWidth, kPromptLines, this);
   QFont bold = prompt_->font();
   bold.setBold(true);
   prompt_->setFont(bold);
@@ -147,10 +146,6 @@ void SeriesDialog::showRunning(bool isRunning) {
   save_->setEnabled(!isRunning && !chips_->toPlainText().isEmpty());
 }
 
-void SeriesDialog::tell(const std::string& text, bool isWrong) {
-  showVerdict(*prompt_, text, isWrong);
-}
-
 void SeriesDialog::start() {
   Controls& c = parts_.form.controls();
   const bool isVerified = c.VerifyAfterProgramming.isTicked();
@@ -162,9 +157,9 @@ void SeriesDialog::start() {
   try {
     runSeries();
   } catch (const images::ImageError& error) {
-    tell(error.what(), true);
+    prompt_->tell(error.what(), true);
   } catch (const FileError& error) {
-    tell(error.what(), true);
+    prompt_->tell(error.what(), true);
   }
   parts_.dialogs.answerAll(false);
   parts_.form.state().CodeBuffer.swap(image);  // without the last serial number
@@ -194,22 +189,23 @@ void SeriesDialog::runSeries() {
   const CommandResult result = series.run(table_ ? table_->nextNumber() : 1);
   const std::string all = "The series has ended: " + good_.text() + ".";
   const bool isWhole = result.ending == Ending::Done;
-  tell(isWhole ? all : all + " " + result.reason, !isWhole);
+  prompt_->tell(isWhole ? all : all + " " + result.reason, !isWhole);
 }
 
 bool SeriesDialog::isNextChipIn(std::size_t number) {
   parts_.dialogs.answerAll(false);
   if (parts_.stop.isEnding()) return false;
   if (done_ != 0) {
-    tell("Chip " + std::to_string(number) + ": put it in, then Next Chip. Esc ends the series.",
-         false);
+    prompt_->tell(
+        "Chip " + std::to_string(number) + ": put it in, then Next Chip. Esc ends the series.",
+        false);
     next_->setEnabled(true);
     next_->setFocus();
     if (wait_.exec() != kIn) return false;
     if (parts_.simulated.changeChip) parts_.simulated.changeChip(number);
   }
   next_->setEnabled(false);
-  tell("Chip " + std::to_string(number) + " is being programmed. Esc stops it.", false);
+  prompt_->tell("Chip " + std::to_string(number) + " is being programmed. Esc stops it.", false);
   parts_.dialogs.answerAll(true);
   return true;
 }
@@ -240,7 +236,7 @@ void SeriesDialog::saveText() {
     const QString text = chips_->toPlainText() + "\n" + count_->text() + "\n";
     writeFileAtomically(name, text.toStdString());
   } catch (const FileError& error) {
-    tell(error.what(), true);
+    prompt_->tell(error.what(), true);
   }
 }
 

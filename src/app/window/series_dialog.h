@@ -22,6 +22,7 @@ class QVBoxLayout;
 namespace kestrel::window {
 
 class SerialFields;
+class VerdictLabel;
 
 /// What a series is done with, apart from the chips: kept from one to the next.
 struct SeriesSettings {
@@ -62,7 +63,6 @@ class SeriesDialog final : public QDialog, private form::SeriesBench {
   void runSeries();
   void showRunning(bool isRunning);
   void saveText();
-  void tell(const std::string& text, bool isWrong);
 
   bool isNextChipIn(std::size_t number) override;
   void chipDone(const form::SeriesChip& chip) override;
@@ -74,7 +74,7 @@ class SeriesDialog final : public QDialog, private form::SeriesBench {
   SerialFields* serial_ = nullptr;
   QLineEdit* backup_ = nullptr;
   QLineEdit* report_ = nullptr;
-  QLabel* prompt_ = nullptr;
+  VerdictLabel* prompt_ = nullptr;
   QLabel* count_ = nullptr;
   QPlainTextEdit* chips_ = nullptr;
   QPushButton* next_ = nullptr;
