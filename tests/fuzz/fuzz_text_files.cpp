@@ -5,6 +5,8 @@
 #include <fstream>
 
 #include "app/form/series_report.h"
+#include "app/launch/option_values.h"
+#include "app/work/project.h"
 #include "images/serial_numbers.h"
 #include "platform/runtime_error.h"
 #include "setups/project_file.h"
@@ -24,6 +26,7 @@ void refusedOr(Steps steps) {
     steps();
   } catch (const images::ImageError&) {
   } catch (const FileError&) {
+  } catch (const launch::UsageError&) {
   }
 }
 
@@ -33,6 +36,16 @@ void readProject(const std::string& text) {
   project.set("device", "27C256");
   const auto after = setups::ProjectFile::parse(project.text(), "project").items();
   check(after.size() >= before.size());
+}
+
+// What is taken is written as it was read.
+void openProject(const std::filesystem::path& file) {
+  work::Work taken;
+  (void)work::readProject(file, taken, [](std::string_view) { return false; });
+  work::writeProject(file, {{"speed", "7"}, {"vpp", std::nullopt}});
+  work::Work again;
+  (void)work::readProject(file, again, [](std::string_view) { return false; });
+  check(again.speed == 7 && !again.voltage && again.lane == taken.lane);
 }
 
 void readPlan(const std::string& text) {
@@ -55,7 +68,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string text(reinterpret_cast<const char*>(data), size);
   std::ofstream(folder / "counter", std::ios::binary) << text;
   std::ofstream(folder / "report", std::ios::binary) << text;
+  std::ofstream(folder / "project", std::ios::binary) << text;
   refusedOr([&] { readProject(text); });
+  refusedOr([&] { openProject(folder / "project"); });
   refusedOr([&] { readPlan(text); });
   refusedOr([&] { count(folder / "counter"); });
   refusedOr([&] {

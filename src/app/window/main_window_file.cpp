@@ -18,7 +18,6 @@
 #include "app/window/main_window.h"
 #include "app/window/notice_bar.h"
 #include "images/checksums.h"
-#include "platform/file_names.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::window {
@@ -118,7 +117,9 @@ std::optional<ImageSource> MainWindow::imageSource() const {
 // What is in the file now is what the buffer was loaded from, or saved as.
 void MainWindow::followFile() {
   const std::optional<ImageSource> source = imageSource();
-  watch_->follow(source ? fullName(source->file) : std::filesystem::path());
+  std::error_code ignored;  // a working folder that is gone: nothing changes there
+  watch_->follow(source ? std::filesystem::absolute(source->file, ignored)
+                        : std::filesystem::path());
   watch_->takeAsKnown();
   noticeBar_->withdraw(kFileNotice);
 }
