@@ -93,7 +93,7 @@ class VcdWriter {
     std::size_t size = 0;
   };
   /// By whether their levels are others than 0 and 1, by the lines that change, by the levels.
-  using FourLines = std::array<Text, 2 * 16 * 16>;
+  using FourLines = std::array<Text, std::size_t{2} * 16 * 16>;
   struct Lines {
     Levels levels;
     std::uint64_t all = 0;         // a bit for each line

@@ -308,6 +308,13 @@ TEST(Project, setsAgainWhatWasSetAndKeepsWhatItDoesNotKnow) {
   EXPECT_EQ(rig.controls().Slider1.value(), 11);
   EXPECT_TRUE(rig.controls().HiLow_button[1].value());
   EXPECT_TRUE(rig.controls().VerifyAfterProgramming.isTicked());
+  writeFileAtomically(folder / "f", "kestrel-project=1\nalgorithms=datasheet\ndevice=AM29F040\n");
+  for (const auto& [name, device] :
+       {std::pair(folder / "f", "AM29F040"), {file, "Eprom 27C256"}}) {  // of one way alone
+    rig.dialogs.answerNextOpen(name);
+    rig.trigger("openProject");
+    EXPECT_THAT(rig.form.state().DeviceName, HasSubstr(device));
+  }
   ASSERT_NE(rig.shown("notice-project"), nullptr);
   EXPECT_THAT(rig.shown("notice-project")->accessibleName().toStdString(), HasSubstr("colour"));
   const WithDialog series(

@@ -101,6 +101,7 @@ void ProjectFiles::open(const std::filesystem::path& file) {
     if (isReplaced && !parts_.mayReplace()) return;
     apply(project);
     parts_.outcome.tell("Project opened: " + shortName(file));
+    loadFile(project);
     QStringList unknown;
     for (const std::string& key : project.unknown) unknown << onOneLine(toQString(key));
     parts_.notices.withdraw(kNotice);
@@ -159,7 +160,7 @@ void ProjectFiles::use(const std::function<void()>& event) {
   throw launch::UsageError(result.ending == Ending::RunTimeError ? "" : result.reason);
 }
 
-void ProjectFiles::apply(Checked& project) {
+void ProjectFiles::apply(const Checked& project) {
   const work::Work& work = project.work;
   chooseAlgorithms(project);
   work::applyWork(parts_.form, work, work.device ? project.device : nullptr,
@@ -167,6 +168,10 @@ void ProjectFiles::apply(Checked& project) {
   parts_.series = {.serial = work.serial ? wholePlan(*work.serial) : "",
                    .report = work.report.value_or("")};
   if (work.backup) parts_.backup.setFolder(toQString(*work.backup));
+}
+
+void ProjectFiles::loadFile(Checked& project) {
+  const work::Work& work = project.work;
   if (project.image) {
     parts_.images.load(std::move(*project.image));
   } else if (work.codeFile) {

@@ -54,7 +54,8 @@ class ProjectFiles final : public QObject {
   void use(const std::function<void()>& event);
   [[nodiscard]] Checked read(const std::filesystem::path& file) const;
   void check(Checked& project) const;
-  void apply(Checked& project);
+  void apply(const Checked& project);
+  void loadFile(Checked& project);
   void chooseAlgorithms(const Checked& project);
   void tell(const std::exception& error);
 
