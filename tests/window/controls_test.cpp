@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <QAbstractItemView>
+#include <QClipboard>
 #include <QCompleter>
 #include <QProgressBar>
 #include <QRadioButton>
@@ -244,6 +245,24 @@ TEST(Log, isFoundInSavedAndCleared) {
   QTest::keyClick(&wanted, Qt::Key_Return);
   const auto& log = rig.find<QPlainTextEdit>("SystemLog");
   EXPECT_EQ(log.textCursor().selectedText(), "was Selected");
+  rig.click("logCopy");
+  EXPECT_EQ(QApplication::clipboard()->text(), "was Selected");
+  wanted.setFocus();
+  QTest::keyClick(&wanted, Qt::Key_Return);
+  EXPECT_EQ(log.textCursor().selectedText(), "was Selected") << "from the beginning again";
+  wanted.clear();
+  QTest::keyClicks(&wanted, "d");
+  const auto placeAfter = [&](Qt::KeyboardModifier modifier) {
+    QTest::keyClick(&wanted, Qt::Key_Return, modifier);
+    return log.textCursor().position();
+  };
+  const int first = placeAfter(Qt::NoModifier);
+  EXPECT_GT(placeAfter(Qt::NoModifier), first);
+  EXPECT_EQ(placeAfter(Qt::ShiftModifier), first);
+  QTest::keyClicks(&wanted, "nowhere");
+  EXPECT_EQ(placeAfter(Qt::NoModifier), first) << "nothing found, nothing moved";
+  QTest::keyClick(&wanted, Qt::Key_Escape);
+  EXPECT_TRUE(rig.find("SystemLog").hasFocus() && !wanted.isVisible());
   const std::string file = (rig.folder / "mine.txt").string();
   const WithDialog save = choosing(file);
   rig.click("logSave");

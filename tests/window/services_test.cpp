@@ -54,7 +54,7 @@ TEST(Settings, textsAreKeptBySectionAndKey) {
 TEST(Help, theWindowShowsTheManualAndFollowsItsList) {
   window::HelpWindow window(launch::programFolders({}).data / "help" / "kestrel5.hlp", nullptr);
   window.open(HelpPage::Contents);
-  const auto& page = *window.findChild<QTextBrowser*>("helpPage");
+  auto& page = *window.findChild<QTextBrowser*>("helpPage");
   auto& list = *window.findChild<QListWidget*>("helpPages");
   EXPECT_TRUE(page.toPlainText().contains("Begin here"));
   QTest::keyClicks(window.findChild<QLineEdit*>("helpSearch"), "24C16");
@@ -62,8 +62,14 @@ TEST(Help, theWindowShowsTheManualAndFollowsItsList) {
   EXPECT_TRUE(list.item(0)->text().contains("24Cxx"));
   list.setCurrentRow(0);
   EXPECT_TRUE(page.toPlainText().contains("300h"));
+  EXPECT_EQ(page.extraSelections().size(), page.toPlainText().count("24C16", Qt::CaseInsensitive));
   QTest::keyClicks(window.findChild<QLineEdit*>("helpSearch"), " nosuchword");
   EXPECT_EQ(list.count(), 0) << "every word has to be found";
+  window.open(HelpPage::Search);
+  EXPECT_EQ(window.findChild<QLineEdit*>("helpSearch")->text(), "");
+  page.setSource(page.source().resolved(QUrl("alert.html")));
+  ASSERT_NE(list.currentItem(), nullptr);
+  EXPECT_EQ(list.currentItem()->data(Qt::UserRole).toString(), page.source().toLocalFile());
 }
 
 TEST(Help, aPageLoadsNothingFromBesideTheManual) {
@@ -191,6 +197,53 @@ TEST(SimulatedBoardPanel, chipsGoInAreErasedAndComeOut) {
   EXPECT_EQ(rig.board().chip(), nullptr);
 }
 
+TEST(SimulatedBoardPanel, aChipComesFromAFileAndGoesIntoOne) {
+  BoardPanelRig rig;
+  const auto& shown = rig.part<QLabel>("chipInSocket");
+  const auto fromFile = [&](const char* button, const std::string& file) {
+    const WithDialog name = choosing(rig.folder / file);
+    rig.press(button);
+  };
+  writeFileAtomically(rig.folder / "short.bin", "abc");
+  writeFileAtomically(rig.folder / "whole.bin", std::string(8192, 'w'));
+  rig.choose("chipType", "2764");
+  std::string told;
+  std::optional<WithDialog> box;
+  {
+    const WithDialog name([&](QDialog& dialog) {
+      dialog.findChild<QLineEdit*>("fileNameEdit")
+          ->setText(QString::fromStdString(rig.folder / "short.bin"));
+      dialog.accept();
+      box.emplace([](QDialog& shownBox) { shownBox.accept(); });
+    });
+    rig.press("insertFromFile");
+    told = box->said();
+  }
+  EXPECT_EQ(told, "The file holds 3 bytes, a 2764 has 8192.");
+  EXPECT_TRUE(shown.text().startsWith("<b>27C256</b>, 32 KB"));
+  fromFile("insertFromFile", "whole.bin");
+  EXPECT_EQ(shown.text(), "<b>2764</b>, 8 KB, holds data");
+  fromFile("saveContents", "kept.bin");
+  EXPECT_EQ(readWholeTextFile(rig.folder / "kept.bin"), std::string(8192, 'w'));
+  rig.choose("chipType", "28C256");
+  rig.press("insertBlank");
+  {
+    const WithDialog lamp = answering(QMessageBox::Ok);
+    rig.press("eraseUnderLamp");
+    EXPECT_THAT(lamp.said(), testing::HasSubstr("the lamp does not erase it"));
+  }
+  rig.press("takeOut");
+  EXPECT_EQ(shown.text(), "Empty");
+  for (const char* const name : {"takeOut", "eraseUnderLamp", "saveContents"}) {
+    EXPECT_FALSE(rig.part<QPushButton>(name).isEnabled()) << name;
+  }
+  EXPECT_FALSE(rig.part<QComboBox>("boardVoltage").isEnabled());
+  rig.choose("boardModel", "KESTREL-4");
+  EXPECT_TRUE(rig.part<QComboBox>("boardVoltage").isEnabled());
+  rig.press("plugBoard");
+  EXPECT_EQ(rig.part<QPushButton>("plugBoard").text(), "Plug In");
+}
+
 TEST(SimulatedBoardPanel, faultsAreFittedListedAndMended) {
   BoardPanelRig rig;
   const auto& list = rig.part<QListWidget>("faults");
@@ -240,6 +293,9 @@ TEST(SimulatedBoardPanel, aDamagedChipIsSeenAndKnownContentionStandsApart) {
   program();
   EXPECT_TRUE(rig.part<QLabel>("chipInSocket").text().contains("damaged"));
   EXPECT_TRUE(findings.item(0)->text().contains("damaged")) << "before what is known";
+  EXPECT_NE(findings.item(0)->foreground(), findings.item(1)->foreground());
+  rig.press("clearFindings");
+  EXPECT_EQ(findings.count(), 0);
 }
 
 TEST(SimulatedBoardPanel, aChipThatCannotBeKeptIsOfferedAnotherPlace) {
