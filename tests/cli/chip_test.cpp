@@ -100,6 +100,17 @@ TEST(Program, failsWhenTheBoardIsUnplugged) {
   EXPECT_EQ(std::ranges::count(chip, '\xFF'), 8192 - written);
 }
 
+TEST(Progress, tellsEachHundredthOnceInJson) {
+  const Workplace work;
+  const Outcome run = work.simulate("read -q --json -d 27C256");
+  const std::string mark = "\"event\":\"progress\",\"percent\":";
+  std::vector<int> percents;
+  for (std::size_t at = 0; (at = run.out.find(mark, at)) != std::string::npos; ++at) {
+    percents.push_back(std::atoi(run.out.c_str() + at + mark.size()));
+  }
+  ASSERT_EQ(percents.size(), 101U) << "128 pages; 0 at the first, which is below one";
+}
+
 TEST(Setup, isSavedUnderItsNameAndLoadedByALaterRun) {
   const Workplace work;
   work.put("rom.bin", "x");

@@ -198,6 +198,37 @@ TEST(Place, isRestoredAndSavedInTwips) {
   EXPECT_EQ(rig.settings.texts["Settings/MainTop"], "601") << "rounding must not move the window";
 }
 
+TEST(Place, ofThePanelAtTheSideIsKept) {
+  WindowRig rig;
+  rig.window.addSidePanel(*new window::SimulatedBoardPanel(
+                              *rig.program.simulated(), rig.form.runner(), rig.input, &rig.window),
+                          "Simulated board");
+  rig.start();
+  rig.window.close();
+  EXPECT_GT(rig.settings.texts["Window/Panels"].size(), 20U);
+  EXPECT_GT(rig.settings.texts["Window/Splitter"].size(), 20U);
+}
+
+TEST(Waves, areRecordedFromOnePressToTheNext) {
+  launch::LaunchOptions options = simulatedOptions("27C256");
+  options.mayRecord = true;
+  WindowRig rig(options);
+  rig.start();
+  rig.select("27C256");
+  rig.window.offerWaves(*rig.program.waves());
+  auto& entry = rig.find<QAction>("recordWaves");
+  {
+    const WithDialog file = choosing(rig.folder / "w.vcd");
+    rig.trigger("recordWaves");
+  }
+  EXPECT_TRUE(entry.isChecked());
+  rig.click("Read_button");
+  rig.trigger("recordWaves");
+  EXPECT_FALSE(entry.isChecked());
+  const auto size = std::filesystem::file_size(rig.folder / "w.vcd");
+  EXPECT_TRUE(rig.find<QLabel>("outcome").text().endsWith(QString("w.vcd: %1 bytes").arg(size)));
+}
+
 TEST(Place, comesUpWhollyOnAScreenWhateverWasStored) {
   const QList<QRect> screens{{0, 30, 1024, 738}, {1024, 0, 1920, 1080}};
   using window::placeOnScreen;
@@ -277,6 +308,15 @@ TEST(Files, aNameThatIsNoUtf8IsOpenedAndComesBack) {
   EXPECT_FALSE(rig.find<QMenu>("recentFiles").actions().first()->text().contains('\n'));
   writeFileAtomically(rig.folder / "r\xFCm\nA.bin", std::string_view("EFGH"));
   EXPECT_FALSE(std::filesystem::exists(window::fileOf(kept))) << "two would fit";
+}
+
+TEST(Files, oneThatAnotherProgramChangesIsOfferedAgain) {
+  StartedRig rig("27C256");
+  rig.openFile("a.bin", {1, 2, 3});
+  const auto isOffered = [&] { return rig.shown("notice-file") != nullptr; };
+  EXPECT_FALSE(isOffered());
+  writeFileAtomically(rig.folder / "a.bin", std::string_view("another"));
+  EXPECT_TRUE(QTest::qWaitFor(isOffered, 5'000));
 }
 
 TEST(Files, aFileDroppedOnTheWindowIsOpened) {
