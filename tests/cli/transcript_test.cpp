@@ -7,14 +7,14 @@
 namespace kestrel::test {
 namespace {
 
-/// What a run printed, without what differs from run to run and without log and progress.
+/// What a run printed, without what differs from run to run and without start, log and progress.
 std::string printed(const Workplace& work, const Outcome& run) {
   std::string text = run.out + run.err;
   const std::string folder = work.path("");
   for (std::size_t at = 0; (at = text.find(folder)) != std::string::npos;) {
     text.replace(at, folder.size(), "DIR/");
   }
-  text = std::regex_replace(text, std::regex(".*\"event\":\"(log|progress)\".*\n"), "");
+  text = std::regex_replace(text, std::regex(".*\"event\":\"(start|log|progress)\".*\n"), "");
   text = std::regex_replace(text, std::regex(R"((seconds":|, )\d+\.\d+(e-\d+)?)"), "$1S");
   return text.ends_with('\n') ? text : text + "\n";
 }

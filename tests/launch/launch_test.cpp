@@ -28,21 +28,6 @@ TEST(OptionValues, areReadInTheirOwnBase) {
   EXPECT_EQ(launch::parseBoardVpp("12.5"), 12'500);
 }
 
-TEST(OptionValues, thatMeanNothingAreRefused) {
-  const auto refuses = [](const auto& parse, std::initializer_list<const char*> values) {
-    for (const char* const wrong : values)
-      EXPECT_THROW((void)parse(wrong), launch::UsageError) << wrong;
-  };
-  refuses(launch::parseChip, {"", "27C256=", "27C999"});
-  refuses(launch::parseFault, {"", "weak", "weak:", "weak:xyz", "stuck:8", "stuck:-1", "unplug:1F",
-                               "unplug:99999999999999999999", "fire:1"});
-  refuses(launch::parseLpt, {"379"});
-  refuses(launch::parsePort, {"278", "278=", "=x", "e010=/dev/parport0"});
-  refuses(launch::parseBoardVpp, {"13"});
-  refuses(launch::parseModel, {"7"});
-  refuses(launch::parseCountNs, {"0"});
-}
-
 TEST(ProgramFolders, everySimulatedBoardHasItsOwn) {
   const test::TemporaryFolder user;
   ASSERT_EQ(::setenv("XDG_CONFIG_HOME", user.path().c_str(), 1), 0);
