@@ -145,7 +145,6 @@ void DisplayPanel::buildScrollBar(QBoxLayout& row) {
   auto* const bar = new QScrollBar(Qt::Vertical, this);
   bar->setSingleStep(1);
   bar->setPageStep(kLargeStep);
-  bar->setFocusPolicy(Qt::NoFocus);
   bar->setAccessibleName("Page of the display");
   scroll_ = new RangeReporter(controls_.VScroll1, *bar, binder_);
   QObject::connect(bar, &QScrollBar::sliderMoved, bar, [bar](int pageNumber) {

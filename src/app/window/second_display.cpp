@@ -48,7 +48,6 @@ void SecondDisplay::build(const Binder& binder) {
     comeForward();
   });
   auto* const bar = new QScrollBar(Qt::Vertical, frame);
-  bar->setFocusPolicy(Qt::NoFocus);
   new RangeReporter(controls_.VScroll1, *bar, binder);
   row->addWidget(page, 1);
   row->addWidget(bar);
