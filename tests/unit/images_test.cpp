@@ -197,7 +197,9 @@ TEST(EditHistory, takesBackEveryChangeWhereverTheMemoriesDiffer) {
   std::vector<Bytes> images{Bytes(9, 0)};
   for (unsigned step = 1; step < 300; ++step) {
     Bytes next(step * 7 % 11, static_cast<std::uint8_t>(step % 2));
-    for (std::size_t i = 0; i < next.size(); ++i) next[i] ^= (step * 5 + i * 3) % 7 < 2 ? 1 : 0;
+    for (std::size_t i = 0; i < next.size(); ++i) {
+      if ((step * 5 + i * 3) % 7 < 2) next[i] ^= std::uint8_t{1};
+    }
     history.note("change", images.back(), next);
     if (next != images.back()) images.push_back(std::move(next));
   }
