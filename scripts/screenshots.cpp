@@ -106,11 +106,15 @@ void compared(const QString& file) {
   scene.select("27C256");
   const auto& buffer = scene.form.state().CodeBuffer;
   std::vector<std::uint8_t> chip(buffer.begin(), buffer.begin() + 32'768);
-  for (std::size_t i = 0; i < chip.size(); i += 5'000) chip[i] ^= 0x0F;
-  std::fill_n(chip.begin() + 0x40, 24, 0xFF);
-  std::rotate(chip.begin() + 0x80, chip.begin() + 0x81, chip.begin() + 0xA0);
+  // Three kinds of faults: bits that cannot be, a page that was left out, a shifted range.
+  for (std::size_t i = 0x1000; i < 0x1800; i += 97) chip[i] ^= 0x0F;
+  std::fill_n(chip.begin() + 0x3000, 0x300, 0xFF);
+  std::copy_n(buffer.begin() + 0x4803, 0x600, chip.begin() + 0x4800);
   scene.board().loadChip(chip);
   scene.trigger("compareChip");
+  while (!scene.find<QLabel>("differenceSides").text().contains("shifted")) {
+    scene.click("nextDifference");
+  }
   scene.keep(file);
 }
 

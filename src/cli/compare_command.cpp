@@ -27,10 +27,13 @@ images::Bytes readChip(Session& s) {
   return {state.CodeBuffer.begin(), state.CodeBuffer.begin() + size};
 }
 
-void print(const images::Comparison& comparison, std::ostream& out) {
+void print(const images::Bytes& chip, const images::Bytes& image,
+           const images::Comparison& comparison, std::ostream& out) {
   out << comparison.differentBytes << " of " << comparison.comparedBytes << " bytes differ, in "
       << comparison.ranges.size() << (comparison.ranges.size() == 1 ? " range" : " ranges") << '\n';
-  for (const images::Range& range : comparison.ranges) out << "  " << rangeText(range) << '\n';
+  for (const images::Range& range : comparison.ranges) {
+    out << "  " << rangeText(range) << ' ' << images::rangeMeaning(chip, image, range) << '\n';
+  }
   for (const images::Finding& finding : comparison.findings) out << finding.text << '\n';
   out << std::flush;
 }
@@ -47,7 +50,7 @@ void compareChip(Session& s) {
   if (s.json() != nullptr) {
     s.json()->difference(comparison);
   } else {
-    print(comparison, s.out());
+    print(chip, image, comparison, s.out());
   }
   if (!comparison.isEqual()) {
     throw EarlyEnd(kDiffers, "the chip differs from the file at " +

@@ -162,6 +162,26 @@ void tellBits(const Comparison& result, std::vector<Finding>& found) {
 
 }  // namespace
 
+std::string rangeMeaning(ImageSpan chip, ImageSpan image, const Range& range) {
+  constexpr std::size_t kEnough = 6;  // fewer bytes are found somewhere near by chance
+  const ImageSpan held = chip.subspan(range.first, range.size());
+  if (isAll(held, 0xFF)) return "FFh in the chip";
+  const auto isThere = [&](std::size_t from) {
+    return from + held.size() <= image.size() &&
+           std::ranges::equal(held, image.subspan(from, held.size()));
+  };
+  for (std::size_t n = 1; n <= kMostShift && held.size() >= kEnough; ++n) {
+    const bool isLater = range.first >= n && isThere(range.first - n);
+    if (!isLater && !isThere(range.first + n)) continue;
+    return "shifted, " + std::to_string(n) + (n == 1 ? " byte " : " bytes ") +
+           (isLater ? "later" : "earlier");
+  }
+  for (std::size_t i = 0; i < held.size(); ++i) {
+    if ((~held[i] & image[range.first + i]) != 0) return "needs erasing";
+  }
+  return "can be programmed";
+}
+
 Comparison compare(ImageSpan chip, ImageSpan image) {
   const std::size_t size = std::min(chip.size(), image.size());
   const Pair pair{.chip = chip.first(size), .image = image.first(size)};

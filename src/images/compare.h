@@ -44,4 +44,7 @@ struct Comparison {
 
 [[nodiscard]] Comparison compare(ImageSpan chip, ImageSpan image);
 
+/// What one range of differences looks like by itself, in a few words.
+[[nodiscard]] std::string rangeMeaning(ImageSpan chip, ImageSpan image, const Range& range);
+
 }  // namespace kestrel::images

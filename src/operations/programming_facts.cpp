@@ -69,14 +69,14 @@ std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buf
            .isWarning = true}};
 }
 
-std::vector<Fact> laneFacts(const Controls& controls) {
-  const auto lane = [](const char* name) -> std::vector<Fact> {
-    return {{.text = std::string("Only the ") + name + " bytes, into the first half of the chip",
-             .isWarning = true}};
+Fact laneFact(const Controls& controls) {
+  const auto lane = [](const char* name) -> Fact {
+    return {.text = std::string("Only the ") + name + " bytes, into the first half of the chip",
+            .isWarning = true};
   };
   if (controls.HiLow_button[1].value()) return lane("odd");
   if (controls.HiLow_button[2].value()) return lane("even");
-  return {};
+  return {.text = "All bytes of the buffer"};
 }
 
 Fact voltageFact(const SelectionState& device) {
@@ -107,10 +107,11 @@ std::vector<Fact> programmingFacts(const SelectionState& device, const BufferSta
   std::vector<Fact> facts{{.text = "Device: " + std::string(trimmed(device.DeviceName)) + ", " +
                                    bytes(device.DeviceSizeBytes)},
                           imageFact(device, buffers)};
-  for (const auto& more : {sizeFacts(device, buffers, byDataSheet), laneFacts(controls)}) {
-    facts.insert(facts.end(), more.begin(), more.end());
-  }
+  const std::vector<Fact> sizes = sizeFacts(device, buffers, byDataSheet);
+  facts.insert(facts.end(), sizes.begin(), sizes.end());
+  facts.push_back(laneFact(controls));
   facts.push_back(voltageFact(device));
+  facts.push_back({.text = byDataSheet ? "By the chip's data sheet" : "By the classic procedures"});
   const bool isVerified = controls.VerifyAfterProgramming.isTicked();
   facts.push_back({.text = isVerified ? "Verified afterwards" : "Not verified afterwards"});
   return facts;

@@ -140,7 +140,8 @@ TEST(Compare, tellsAllDifferencesAndWhatTheyMean) {
   const std::string compare = "compare -q -d 27C64 -i rom.bin --chip 27C64";
   const Outcome differs = work.simulate(compare + "=chip.bin");
   EXPECT_EQ(differs.status, 4);
-  EXPECT_TRUE(differs.told("3 of 8192 bytes differ, in 2 ranges\n  0010-0011\n  1FFF\n"));
+  EXPECT_TRUE(
+      differs.told("3 of 8192 bytes differ, in 2 ranges\n  0010-0011 needs erasing\n  1FFF "));
   EXPECT_TRUE(differs.told("the chip has to be erased")) << differs.out;
   EXPECT_TRUE(
       work.simulate(compare + "=same.bin --fault stuck:5").told("data line D5 is always 0"));

@@ -289,6 +289,13 @@ TEST(Compare, tellsEveryDifferenceAndWhatItMeans) {
   const Comparison few = compare(chip, image);
   EXPECT_EQ(few.ranges, (std::vector<Range>{{3, 4}, {200, 200}}));
   EXPECT_EQ(few.bitsToProgram + few.bitsToErase, 24U);
+  EXPECT_EQ(rangeMeaning(chip, image, {3, 4}), "needs erasing");
+  std::fill_n(chip.begin() + 16, 4, std::uint8_t{0xFF});
+  for (std::size_t i = 32; i < 36; ++i) chip[i] = image[i] | 0x0FU;
+  std::copy_n(image.begin() + 64, 16, chip.begin() + 66);
+  EXPECT_EQ(rangeMeaning(chip, image, {16, 19}), "FFh in the chip");
+  EXPECT_EQ(rangeMeaning(chip, image, {32, 35}), "can be programmed");
+  EXPECT_EQ(rangeMeaning(chip, image, {66, 81}), "shifted, 2 bytes later");
 }
 
 }  // namespace

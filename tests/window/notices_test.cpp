@@ -57,5 +57,24 @@ TEST(Notices, bytesThatAreAllTheSameAreToldUntilOthersAreRead) {
   EXPECT_EQ(rig.text("notice-same"), "");
 }
 
+TEST(Waveform, isOfTheDeviceThatIsWorkedOnAndEndsWithTheChoiceOfAnother) {
+  launch::LaunchOptions options = simulatedOptions("24C16");
+  options.mayRecord = true;
+  WindowRig rig(options);
+  rig.start();
+  launch::WaveFile& waves = *rig.program.waves();
+  rig.window.offerWaves(waves);
+  rig.select("27C256");
+  waves.begin(rig.folder / "w.vcd");
+  rig.select("24C16");
+  rig.click("Read_button");
+  EXPECT_TRUE(waves.isOpen());
+  rig.select("27C256");
+  EXPECT_FALSE(waves.isOpen());
+  EXPECT_TRUE(rig.find<QLabel>("outcome").text().contains("w.vcd: "));
+  const std::vector<std::uint8_t> file = readWholeFile(rig.folder / "w.vcd", 1'000'000);
+  EXPECT_EQ(std::string(file.begin(), file.begin() + 21), "$comment Eeprom 24C16");
+}
+
 }  // namespace
 }  // namespace kestrel::test

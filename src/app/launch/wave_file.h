@@ -2,9 +2,11 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <utility>
 
 #include "app/form/frm_main.h"
 #include "platform/output_buffer.h"
@@ -30,6 +32,9 @@ class WaveFile {
   /// Ends the record. Throws FileError when something of it was lost.
   void end();
 
+  /// Calls when the choice of another device has ended the record.
+  void whenOver(std::function<void()> over) { over_ = std::move(over); }
+
   [[nodiscard]] bool isOpen() const { return buffer_.has_value(); }
 
   /// What became of the last record: "read.vcd: 1234567 bytes"; empty before the first.
@@ -37,6 +42,7 @@ class WaveFile {
 
  private:
   void commandStarts();
+  void commandEnded();
 
   waveform::RecordingPort& port_;
   form::frmMain& form_;
@@ -45,6 +51,8 @@ class WaveFile {
   std::optional<OutputBuffer> buffer_;
   std::ostream stream_{nullptr};
   std::string device_;
+  int commands_ = 0;  ///< recorded on it
+  std::function<void()> over_;
   std::string summary_;
 };
 

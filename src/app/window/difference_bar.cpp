@@ -13,7 +13,7 @@
 namespace kestrel::window {
 namespace {
 
-constexpr std::size_t kShownBytes = 12;  // of each side
+constexpr std::size_t kShownBytes = 8;  // of each side
 
 QString hexOf(const images::Bytes& bytes, const images::Range& range) {
   constexpr int kHex = 16;
@@ -125,9 +125,10 @@ void DifferenceBar::showCurrent() {
   summary_->setText(summary());
   if (!hasDifferences()) return;
   const images::Range& range = comparison_.ranges[static_cast<std::size_t>(current_)];
-  sides_->setText(QString("%1  buffer %2  %3 %4")
-                      .arg(QString::fromStdString(images::rangeText(range)), hexOf(image_, range),
-                           otherName_, hexOf(other_, range)));
+  sides_->setText(QString("%1 %2: buffer %3  %4 %5")
+                      .arg(QString::fromStdString(images::rangeText(range)),
+                           QString::fromStdString(images::rangeMeaning(other_, image_, range)),
+                           hexOf(image_, range), otherName_, hexOf(other_, range)));
 }
 
 void DifferenceBar::close() {

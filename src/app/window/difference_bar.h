@@ -31,10 +31,10 @@ class DifferenceBar final : public QWidget {
 
   void next() { go(1); }
   void previous() { go(-1); }
+  void close();
 
  private:
   void go(int step);
-  void close();
   void compare();
   void showCurrent();
   [[nodiscard]] QString summary() const;

@@ -51,6 +51,7 @@ class DisplayPanel final : public QWidget {
   void showComparison(images::Bytes other, const QString& otherName,
                       std::function<images::Bytes()> image);
   void compareSoon();
+  void closeComparison() { differences_->close(); }
 
   /// The buffer may hold something else.
   void showMap();

@@ -275,6 +275,10 @@ void MainWindow::commandEnded() {
   options_->card().setRunning(false);
   vppSign_->lookAtEnd();
   display_->showMap();
+  if (!comparedDevice_.empty() && comparedDevice_ != parts_.form.state().DeviceName) {
+    display_->closeComparison();
+    comparedDevice_.clear();
+  }
   display_->compareSoon();
   commands_->showVoltage();
   editor_.lookAtBuffer();

@@ -176,8 +176,9 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   RunningLook* look_ = nullptr;
   QPointer<QMessageBox> stopQuestion_;
   std::function<bool()> mayLeave_;
-  QTimer placeRests_;    // a maximised window has its new size before it knows that it is maximised
-  bool placed_ = false;  // the stored place was taken over; moves are reported from here on
+  QTimer placeRests_;  // a maximised window has its new size before it knows that it is maximised
+  std::string comparedDevice_;  // the chip that is compared with; empty: none, or a file
+  bool placed_ = false;         // the stored place was taken over; moves are reported from here on
   bool looksRunning_ = false;
   bool isTypingDevice_ = false;
   bool closeWanted_ = false;

@@ -26,6 +26,10 @@ void MainWindow::offerWaves(launch::WaveFile& waves) {
   entry->setCheckable(true);
   entry->setChecked(waves.isOpen());
   connect(entry, &QAction::triggered, this, [this, &waves, entry] { recordWaves(waves, *entry); });
+  waves.whenOver([this, &waves, entry] {
+    outcome_->tell("Another device: the waveform ends here. " + toQString(waves.summary()));
+    entry->setChecked(false);
+  });
 }
 
 // The bytes of the buffer that belong into the chip.
@@ -50,6 +54,7 @@ void MainWindow::compareWithChip() {
     outcome_->tell("Compare: " + QString::fromStdString(result.reason));
     return;
   }
+  comparedDevice_ = parts_.form.state().DeviceName;
   display_->showComparison(std::move(chip), "chip", [this] { return imageForChip(); });
 }
 
@@ -59,6 +64,7 @@ void MainWindow::compareWithFile() {
   try {
     images::Bytes other = readWholeFile(file, images::kMostImageBytes);
     const QString name = onOneLine(QFileInfo(toQString(file)).fileName());
+    comparedDevice_.clear();
     display_->showComparison(std::move(other), name, [this] { return editor_.memory(); });
   } catch (const FileError& error) {
     QMessageBox::warning(this, "Kestrel", onOneLine(error.what()));
@@ -91,7 +97,11 @@ void MainWindow::recordWaves(launch::WaveFile& waves, QAction& entry) {
     } else {
       const std::string file =
           parts_.dialogs.saveFile("Record Waveform", "Wave files (*.vcd)|*.vcd");
-      if (!file.empty()) waves.begin(file);
+      if (!file.empty()) {
+        waves.begin(file);
+        outcome_->tell(
+            "The next commands are recorded; Hardware > Record Waveform ends the record.");
+      }
     }
   } catch (const FileError& error) {
     QMessageBox::warning(this, "Kestrel", onOneLine(error.what()));

@@ -218,6 +218,7 @@ void Menus::buildToolbar() {
     if (QWidget* const button = bar.widgetForAction(action)) {
       button->setFocusPolicy(Qt::TabFocus);
       button->setAccessibleName(kEntries[i].toolTip);
+      button->setObjectName(QString::fromStdString(control.key()));
     }
   }
 }

@@ -18,7 +18,7 @@ struct OffTip {
 
 // clang-format off
 constexpr const char* kNothingInBuffer = "Open a file or read a chip first: the buffer is empty.";
-constexpr std::array<OffTip, 15> kOffTips{{
+constexpr std::array<OffTip, 16> kOffTips{{
     {"Read_button",         true,  true,  "The selected device cannot be read."},
     {"Display_button",      true,  true,  "The selected device cannot be displayed."},
     {"Blank_button",        false, true,  "A serial chip needs no blank check: every byte can be written again."},
@@ -33,6 +33,7 @@ constexpr std::array<OffTip, 15> kOffTips{{
     {"Voltage_button(3)",   false, true,  "Too high for the selected device."},
     {"CheckCode",           false, true,  "The selected device has one memory only."},
     {"CheckData",           false, true,  "The selected device has one memory only."},
+    {"SaveCode",            false, false, "No file was opened or saved yet: File > Save Code As... keeps the buffer."},
     {"Stop",                false, false, "No command is running."},
 }};
 // clang-format on

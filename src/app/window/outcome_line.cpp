@@ -119,9 +119,10 @@ void OutcomeLine::showEnd(const QString& command, const CommandResult& result) {
 }
 
 QString OutcomeLine::doneText(const QString& command) const {
-  QString text = command + ": done";
+  const bool isVerified = command == "Program" && controls_.VerifyAfterProgramming.isTicked();
+  QString text = command + (isVerified ? ": done and verified" : ": done");
   const QString sum = QString::fromStdString(state_.DeviceChecksumText);
-  const bool isWalk = command == "Read" || command == "Verify";
+  const bool isWalk = command == "Read" || command == "Verify" || isVerified;
   if (isWalk && !sum.isEmpty()) text += ", sum " + sum.toHtmlEscaped() + ", CRC-32 " + crcText();
   return text + QString(", %1 s").arg(static_cast<double>(lasted_) / kMsPerSecond, 0, 'f', 1);
 }
@@ -142,15 +143,12 @@ QString OutcomeLine::failedText(const QString& command, const CommandResult& res
                   .arg(*result.address)
                   .arg(hexAddress(*result.address));
   }
-  const bool isMismatch = command == "Verify" && result.ending == Ending::Differs;
-  if (isMismatch) reason += QString(", <a href=\"%1\">compare all</a>").arg(kCompare);
+  const bool isOfChip = result.address && (command == "Verify" || command == "Program");
+  if (isOfChip) reason += QString(", <a href=\"%1\">compare all</a>").arg(kCompare);
   return command + ": " + reason;
 }
 
-void OutcomeLine::tell(const QString& text) {
-  showText(text.toHtmlEscaped(), Colour::ButtonText);
-  setToolTip(text);  // it may be longer than the line
-}
+void OutcomeLine::tell(const QString& text) { showText(text.toHtmlEscaped(), Colour::ButtonText); }
 
 void OutcomeLine::offer(const QString& text, const QString& link, std::function<void()> action) {
   offered_ = std::move(action);
@@ -164,8 +162,9 @@ void OutcomeLine::showText(const QString& richText, Colour colour) {
   own.setColor(QPalette::WindowText, inkColour(colour, own));
   setPalette(own);
   setText(richText);
-  setToolTip({});
-  setAccessibleDescription(QTextDocumentFragment::fromHtml(richText).toPlainText());
+  const QString plain = QTextDocumentFragment::fromHtml(richText).toPlainText();
+  setToolTip(plain);  // it may be longer than the line
+  setAccessibleDescription(plain);
 }
 
 }  // namespace kestrel::window

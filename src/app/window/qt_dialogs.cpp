@@ -130,6 +130,8 @@ std::string QtDialogs::saveFile(const std::string& title, const std::string& fil
   dialog.setObjectName("saveFile");
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setFileMode(QFileDialog::AnyFile);
+  const QString suffix = QString::fromStdString(filter).section("*.", -1);
+  if (suffix != "*") dialog.setDefaultSuffix(suffix);  // for a name without one
   return choose(dialog, filter);
 }
 
