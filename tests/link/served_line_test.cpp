@@ -68,7 +68,7 @@ TEST_F(Served, isStoppedInTheMiddleOfAWait) {
   EXPECT_THROW(connection.waitMilliseconds(5000), LinkError);
   const auto took = std::chrono::steady_clock::now() - stoppedAt;
   stopper.join();
-  EXPECT_LE(took, std::chrono::milliseconds(100));
+  EXPECT_LE(took, std::chrono::seconds(1));
 }
 
 TEST_F(Served, isGoneWhenItIsPulled) {

@@ -125,13 +125,14 @@ TEST(Style, anUntickedBoxIsSeenOnADarkGround) {
 }
 
 TEST(Arguments, areThoseOfTheCommandLine) {
-  const window::Arguments read =
-      window::readArguments({"kestrel", "--simulate", "--model", "4", "--chip", "2764=x.bin",
-                             "--fault", "weak:10", "--fault", "empty", "rom.bin"});
+  const window::Arguments read = window::readArguments(
+      {"kestrel", "--simulate", "--model", "4", "--chip", "2764=x.bin", "--fault", "weak:10",
+       "--fault", "empty", "--project", "lot.project", "rom.bin"});
   EXPECT_EQ(read.launch.model, sim::Model::kestrel4);
   EXPECT_EQ(read.launch.chip->file, "x.bin");
   EXPECT_EQ(read.launch.faults.size(), 2U);
   EXPECT_EQ(read.codeFile, std::filesystem::current_path() / "rom.bin");
+  EXPECT_EQ(read.project, std::filesystem::current_path() / "lot.project");
   EXPECT_THROW((void)window::readArguments({"kestrel", "--nonsense"}), launch::UsageError);
 }
 

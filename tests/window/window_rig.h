@@ -58,7 +58,7 @@ struct WindowRig {
                 .stop = stop}) {
     std::filesystem::create_directories(folder / "config");
     QObject::connect(&watchdog_, &QTimer::timeout, &watchdog_, [] { closeForgottenDialog(); });
-    watchdog_.start(5'000);
+    watchdog_.start(30'000);
   }
 
   /// Shows the window after the form's start-up.

@@ -14,12 +14,15 @@ namespace {
 /// The parser wants a name without its hyphens.
 QString nameOf(const launch::MachineOption& option) { return QString(option.name).mid(2); }
 
+constexpr const char* kProject = "project";
+
 void describe(QCommandLineParser& parser) {
   parser.setApplicationDescription("Control program for the KESTREL-4, -5 and -6 chip programmers");
   parser.addPositionalArgument("file", "code file to open", "[file]");
   for (const launch::MachineOption& option : launch::machineOptions()) {
     parser.addOption({nameOf(option), option.help, option.value});
   }
+  parser.addOption({kProject, "open a project", "FILE"});
 }
 
 launch::LaunchOptions launchOptions(const QCommandLineParser& parser) {
@@ -51,11 +54,13 @@ Arguments readArguments(const QStringList& arguments) {
   if (parser.isSet(help)) parser.showHelp(0);
   const QStringList files = parser.positionalArguments();
   if (files.size() > 1) throw launch::UsageError("one code file can be opened, not several");
-  Arguments read{.launch = launchOptions(parser), .codeFile = {}};
+  Arguments read{.launch = launchOptions(parser), .project = {}, .codeFile = {}};
+  if (parser.isSet(kProject)) read.project = fullName(fileOf(parser.value(kProject)));
   if (!files.isEmpty()) read.codeFile = fullName(fileOf(files.first()));
   const auto& chip = read.launch.chip;
-  launch::checkSeparate(std::array<launch::FileOption, 4>{{
+  launch::checkSeparate(std::array<launch::FileOption, 5>{{
       {"The file to open", read.codeFile},
+      {"--project", read.project},
       {"--trace", read.launch.trace},
       {"--waves", read.launch.waves},
       {"--chip", chip ? chip->file : std::filesystem::path()},

@@ -9,7 +9,8 @@ namespace kestrel::window {
 
 struct Arguments {
   launch::LaunchOptions launch;
-  std::filesystem::path codeFile;  ///< empty: none to open
+  std::filesystem::path project;   ///< empty: none to open
+  std::filesystem::path codeFile;  ///< likewise; goes before the project's
 };
 
 /// Reads the window's command line. Throws UsageError; --help and --version print and exit.

@@ -110,9 +110,10 @@ int runProgram(const Arguments& arguments) {
   const InstanceNumber instance;
   window.start(instance.value());
   if (simulated != nullptr) simulated->startUpDone();
-  if (!arguments.codeFile.empty()) {
-    QTimer::singleShot(0, &window, [&] { window.openCodeFile(arguments.codeFile); });
-  }
+  QTimer::singleShot(0, &window, [&] {
+    if (!arguments.project.empty()) window.openProject(arguments.project);
+    if (!arguments.codeFile.empty()) window.openCodeFile(arguments.codeFile);
+  });
   const int result = QApplication::exec();
   if (program.waves() != nullptr) program.waves()->end();
   if (signalStop.isEndRequested() && program.form().mayVoltageBeOn()) {

@@ -198,22 +198,22 @@ void MainWindow::buildImages() {
 }
 
 void MainWindow::buildProjects() {
-  new ProjectFiles({.window = *this,
-                    .form = parts_.form,
-                    .dialogs = parts_.dialogs,
-                    .outcome = *outcome_,
-                    .notices = *noticeBar_,
-                    .images = *files_,
-                    .backup = *backup_,
-                    .series = series_,
-                    .mayReplace = [this] { return mayReplace(); },
-                    .openCode =
-                        [this](const std::filesystem::path& file) {
-                          const QScopedValueRollback asked(mayReplace_, true);
-                          openCodeFile(file);
-                        },
-                    .source = [this] { return imageSource(); }},
-                   menus_->fileMenu(), "BufferDisplay_DblClick");
+  projects_ = new ProjectFiles({.window = *this,
+                                .form = parts_.form,
+                                .dialogs = parts_.dialogs,
+                                .outcome = *outcome_,
+                                .notices = *noticeBar_,
+                                .images = *files_,
+                                .backup = *backup_,
+                                .series = series_,
+                                .mayReplace = [this] { return mayReplace(); },
+                                .openCode =
+                                    [this](const std::filesystem::path& file) {
+                                      const QScopedValueRollback asked(mayReplace_, true);
+                                      openCodeFile(file);
+                                    },
+                                .source = [this] { return imageSource(); }},
+                               menus_->fileMenu(), "BufferDisplay_DblClick");
 }
 
 void MainWindow::connectCommands() {

@@ -77,6 +77,9 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   /// Opens a code file as the Open command does with this answer.
   void openCodeFile(const std::filesystem::path& file);
 
+  /// Opens a project as File > Open Project does.
+  void openProject(const std::filesystem::path& file);
+
   /// Where it is shown which chip goes where.
   [[nodiscard]] DeviceCard& deviceCard() const;
 
@@ -167,6 +170,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   BufferChanges* changes_ = nullptr;
   FileWatch* watch_ = nullptr;
   ChipBackup* backup_ = nullptr;
+  ProjectFiles* projects_ = nullptr;
   SimulatedSeries simulated_;
   SeriesSettings series_;
   LogPanel* log_ = nullptr;

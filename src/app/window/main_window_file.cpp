@@ -17,6 +17,7 @@
 #include "app/window/image_files.h"
 #include "app/window/main_window.h"
 #include "app/window/notice_bar.h"
+#include "app/window/project_files.h"
 #include "images/checksums.h"
 #include "platform/runtime_error.h"
 
@@ -154,6 +155,8 @@ void MainWindow::openCodeFile(const std::filesystem::path& file) {
   binder.press(controls_.mnuFileOpenCode);
   parts_.dialogs.forgetNextOpen();
 }
+
+void MainWindow::openProject(const std::filesystem::path& file) { projects_->open(file); }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent* event) {
   const QList<QUrl> files = event->mimeData()->urls();
