@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <pwd.h>
+#include <sched.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -10,10 +11,12 @@
 #include <vector>
 
 #include "app/launch/machine_options.h"
+#include "app/launch/machine_ports.h"
 #include "app/launch/option_values.h"
 #include "app/launch/program_folders.h"
 #include "app/launch/separate_files.h"
 #include "app/launch/simulated_board.h"
+#include "hardware/ports/real_time.h"
 #include "support/temporary_folder.h"
 
 namespace kestrel {
@@ -100,6 +103,28 @@ TEST(FileOptions, thatNameOneFileAreRefused) {
   EXPECT_NO_THROW(check({{"-o", "/dev/null"}, {"--trace", "/dev/null"}}));
   EXPECT_THROW(check({{"-i", folder / "in.bin"}, {"-o", folder / "link"}, {"--chip", chip}}),
                launch::UsageError);
+}
+
+// From the first operation to the end of the last; a command within a command changes nothing.
+TEST(MachinePorts, takeRealTimePriorityForOperationsAlone) {
+  if (!ports::RealTimePriority().isGranted()) GTEST_SKIP() << "no right to it here";
+  launch::LaunchOptions options;
+  for (const char* const port : {"378=/dev/no1", "278=/dev/no2", "3BC=/dev/no3"}) {
+    options.ports.push_back(launch::parsePort(port));
+  }
+  const StopSwitch stop;
+  launch::MachinePorts ports(options, {}, stop);
+  const auto isRealTime = [] {
+    return (::sched_getscheduler(0) & ~SCHED_RESET_ON_FORK) == SCHED_FIFO;
+  };
+  EXPECT_FALSE(isRealTime());
+  ports.beginOperation();
+  EXPECT_TRUE(isRealTime());
+  ports.beginOperation();
+  ports.endOperation();
+  EXPECT_TRUE(isRealTime());
+  ports.endOperation();
+  EXPECT_FALSE(isRealTime());
 }
 
 launch::LaunchOptions with2764(const std::vector<std::string>& faults = {}) {
