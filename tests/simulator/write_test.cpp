@@ -131,14 +131,6 @@ TEST_P(PageWrite, protectionRefusesALoadThatNoCommandOpened) {
   EXPECT_EQ(finishedCell(0x0101), 0x22);
 }
 
-TEST_P(PageWrite, nothingIsWrittenWhenTheSupplyReturnsWhileTheStrobeStands) {
-  load(4, 0x33);
-  moveWe();
-  load({{3, 0x04}, {3, 0x06}});
-  moveWe();
-  EXPECT_EQ(finishedCell(0x0000), 0x00);
-}
-
 TEST_P(PageWrite, nothingIsWrittenWithoutSupplyOrWithOutputsOn) {
   write(0x0000, 0x11);
   load({{3, 0x04}, {3, 0x46}, {0, 0x00}});  // the supply goes during the load
