@@ -109,6 +109,16 @@ TEST(Trace, ofAStartUpIsThatOfAnEmptySocket) {
   EXPECT_EQ(work.text("t.txt"), startUpModel5At378() + loads(kReset));
 }
 
+// 500 ms after the chip is switched on, 100 counts behind the first address.
+TEST(Trace, ofADisplayHasItsTwoWaits) {
+  const Workplace work;
+  EXPECT_EQ(work.simulate("display -q -d 27C64 --trace t.txt").status, 0);
+  const std::string trace = work.text("t.txt");
+  const std::size_t wait = trace.find("sleep 500\n");
+  EXPECT_LT(wait, trace.find("spin 100\n"));
+  EXPECT_NE(trace.find("spin 100\n"), std::string::npos);
+}
+
 // The trace is the first file that the program opens.
 TEST(Trace, isNotMixedWithTheLogWhereTheStandardFilesAreClosed) {
   const Workplace work;
