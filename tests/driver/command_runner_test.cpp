@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "driver/prepared_form.h"
 #include "platform/atomic_file.h"
 #include "platform/runtime_error.h"
 #include "support/form_rig.h"
@@ -214,6 +215,40 @@ TEST(Form, tellsWhatAnEntryHasToTell) {
   const std::pair<std::string, HelpPage> contents{"kestrel5.hlp", HelpPage::Contents};
   const std::pair<std::string, HelpPage> search{"kestrel5.hlp", HelpPage::Search};
   EXPECT_EQ(s.rig.help.shown, (std::vector{contents, search}));
+}
+
+/// Everything that a press can leave behind for somebody to see.
+std::string seenOf(PreparedForm& s) {
+  std::ostringstream seen;
+  for (const Control* const control : s.rig.controls.all()) {
+    const auto* const text = dynamic_cast<const TextBox*>(control);
+    seen << control->caption() << control->enabled() << control->visible()
+         << static_cast<unsigned>(control->colour()) << (text != nullptr ? text->text() : "");
+  }
+  seen << s.bench.now() << ' ' << s.rig.dialogs.boxes.size() << ' ' << s.rig.dialogs.asked.size()
+       << ' ' << s.rig.help.shown.size();
+  return seen.str();
+}
+
+TEST(Form, everyButtonLeadsSomewhere) {
+  std::vector<std::string> names;
+  SimulatedForm any(sim::Model::kestrel5, SimulatedForm::Trace::Off);
+  for (const Control* const control : any.rig.controls.all()) {
+    if (dynamic_cast<const Button*>(control) != nullptr) names.push_back(control->name());
+  }
+  std::string silent;
+  for (const std::string& name : names) {
+    PreparedForm s("24C08", "Eeprom 24C08 Serial", Bytes(0x400, 0x5A));
+    writeFileAtomically(s.rig.folder / "KSSetup1.INI", "SetupName = lot\r\n");
+    s.rig.controls.find(name)->setEnabled(true);
+    const std::string before = seenOf(s);
+    s.rig.press(name);
+    if (seenOf(s) == before) silent += name + ' ';
+  }
+  // Those without a caption, an alert that is not up, a separator, and what the window does.
+  EXPECT_EQ(silent,
+            "frmDisplay1.Command1 frmDisplay1.Command2 frmDisplay1.Command3 frmDisplay1.Command4 "
+            "frmDisplay1.Command5 Error_label tbToolBar(3) mnuFileExit ");
 }
 
 }  // namespace
