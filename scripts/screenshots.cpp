@@ -138,7 +138,8 @@ void cards(const QString& file) {
   for (const char* const name : {"2732A", "27C256", "27C080", "24C32"}) {
     Scene scene(simulatedOptions(name));
     scene.select(name);
-    const QImage card = scene.window.deviceCard().grab().toImage();
+    QImage card = scene.window.deviceCard().grab().toImage();
+    card.setDevicePixelRatio(1);
     QImage wider(all.width() + card.width(), std::max(all.height(), card.height()),
                  QImage::Format_RGB32);
     wider.fill(scene.window.palette().color(QPalette::Window));
