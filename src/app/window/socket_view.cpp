@@ -110,8 +110,9 @@ void SocketView::paintEvent(QPaintEvent*) {
 }
 
 void SocketView::paintSocket(QPainter& painter, const Layout& place) const {
-  const QColor edge = palette().color(QPalette::Mid);
   const QColor ink = palette().color(QPalette::Disabled, QPalette::WindowText);
+  // A dark theme's Mid is darker still than its window.
+  const QColor edge = isDark(palette()) ? ink : palette().color(QPalette::Mid);
   const double row = place.row;
   painter.setPen(QPen(edge, 1));
   painter.setBrush(edge);
