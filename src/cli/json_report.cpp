@@ -59,7 +59,14 @@ void JsonReport::log(std::string_view entry) {
   printJson(out_, line);
 }
 
+void JsonReport::beginCommand() {
+  isRunning_ = true;
+  percent_ = -1;
+}
+
+// Between two commands the bar only goes to rest.
 void JsonReport::progress(std::int32_t value, std::int32_t maximum) {
+  if (!isRunning_) return;
   if (value <= 0 || maximum <= 0 || value > maximum) {
     percent_ = -1;
     return;
@@ -92,7 +99,7 @@ void JsonReport::chip(const form::SeriesChip& chip, const std::string& device) {
 
 void JsonReport::result(const std::string& command, const CommandResult& result, int status,
                         const ProgrammerState& state, double seconds) {
-  percent_ = -1;
+  isRunning_ = false;
   Json line = jsonEvent("result");
   line["command"] = command;
   line["ending"] = nameOf(result.ending);

@@ -22,6 +22,9 @@ class JsonReport {
 
   void start(const std::vector<std::string>& commands, const std::string& device, bool isSimulated);
 
+  /// From here to its result a command runs.
+  void beginCommand();
+
   /// An entry of the log: "HH:MM:SS>  TEXT".
   void log(std::string_view entry);
 
@@ -37,6 +40,7 @@ class JsonReport {
 
  private:
   std::ostream& out_;
+  bool isRunning_ = false;
   std::int32_t percent_ = -1;
 };
 

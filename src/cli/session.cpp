@@ -66,6 +66,7 @@ int Session::ended(const Command& first, int status, const std::string& reason) 
 void Session::runOne(const Command& command) {
   const auto begin = std::chrono::steady_clock::now();
   last_ = {};
+  if (p_.json != nullptr) p_.json->beginCommand();
   try {
     if (command.needsBoard) checkBoard();
     if (command.worksOnMemory) checkMemory(command);

@@ -109,6 +109,8 @@ TEST(Progress, tellsEachHundredthOnceInJson) {
     percents.push_back(std::atoi(run.out.c_str() + at + mark.size()));
   }
   ASSERT_EQ(percents.size(), 101U) << "128 pages; 0 at the first, which is below one";
+  const Outcome alert = work.simulate("blank -q --json -d 2764 --fault stuck:0");
+  EXPECT_GT(alert.out.find("\"event\":\"result\""), alert.out.rfind(mark)) << alert.out;
 }
 
 TEST(Setup, isSavedUnderItsNameAndLoadedByALaterRun) {
