@@ -20,12 +20,16 @@ struct DisturbedPort final : PortAccess, Waits {
     if (readsLeft > 0 && --readsLeft == 0) disturb();
     return port.PortIn(number);
   }
-  void Sleep(std::int32_t milliseconds) override { port.Sleep(milliseconds); }
+  void Sleep(std::int32_t milliseconds) override {
+    if (const auto event = whenAsleep) event();
+    port.Sleep(milliseconds);
+  }
   void Spin(std::int64_t counts) override { port.Spin(counts); }
 
   sim::SimulatedPort& port;
   int readsLeft = 0;
   std::function<void()> disturb;
+  std::function<void()> whenAsleep;
 };
 
 struct Disturbed {
@@ -87,6 +91,24 @@ TEST(CommandRunner, errorsAndStopAreReportedOnceAndTheBoardIsAtRestBeforeThat) {
   EXPECT_EQ(d.rig.result.ending, Ending::Done);
   EXPECT_EQ(d.rig.state.CodeBuffer[0], 0xFF);
   EXPECT_EQ(d.rig.state.CodeBufferValid, 1);
+}
+
+TEST(StartUp, aBoardWhosePortFailsIsAtRestBeforeThatIsReported) {
+  sim::Bench bench;
+  const sim::Board& board = bench.plug(sim::Model::kestrel5, 0x378);
+  sim::SimulatedPort simulated{bench};
+  DisturbedPort port{simulated};
+  FormRig rig{port, port};
+  // The board has just been found and its lamp is lit.
+  port.whenAsleep = [&] {
+    if (rig.state.DetectedPort == 0 || board.latch(0) == 0x40) return;
+    port.whenAsleep = nullptr;
+    throw RuntimeError(57, "The port has gone");
+  };
+  rig.dialogs.onBox = [&board] { EXPECT_EQ(board.latch(0), 0x40); };
+  rig.form.Form_Load();
+  EXPECT_EQ(rig.dialogs.boxes.size(), 1U);
+  EXPECT_EQ(rig.controls.Ready_label.caption(), "Ready") << "found by the second search";
 }
 
 TEST(CommandRunner, anAlertThatWasUpStaysUpUntilTheHardwareTest) {

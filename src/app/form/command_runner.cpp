@@ -83,13 +83,14 @@ CommandResult CommandRunner::runOne(const Event& event) {
   return result;
 }
 
-bool CommandRunner::runStep(const Event& step) {
+bool CommandRunner::runStep(const Event& step, const Event& rest) {
   if (stop_.isEnding()) return false;
   const Running running(running_);
   try {
     step();
     return true;
   } catch (...) {
+    if (rest && !stop_.isEnding()) rest();
     (void)report(std::current_exception());
     return false;
   }

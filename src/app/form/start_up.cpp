@@ -54,14 +54,15 @@ void frmMain::Units::findBoard() {
   const auto testIfNoPort = [this] {
     if (state.PortBase == 0) detection.TestHardware_button_Click();
   };
-  const bool isFound = runner.runStep([&] {
+  const auto load = [&] {
     detection.LoadHardwareConfig();
     testIfNoPort();
     board.registers.ApplyPortAndModel();
-  });
+  };
+  const bool isFound = runner.runStep(load, [this] { restAfterFault(); });
   // Once the program is to end the ports stay as they are, for the board's last reset.
   if (!isFound && !machine.stop.isEnding()) {
-    restAfterFault();
+    state.PortBase = state.StatusPort = state.ControlPort = 0;
     runner.runStep(testIfNoPort);
     runner.runStep([this] { board.registers.ApplyPortAndModel(); });
   }
@@ -73,14 +74,13 @@ void frmMain::Units::findBoard() {
   }
 }
 
-// A board that was addressed already goes to rest; then base, status and control port are none.
+// A board that was addressed already goes to rest before the person is told of the fault.
 void frmMain::Units::restAfterFault() {
   try {
     if (state.ControlPort != 0) runner.resetBoard();
   } catch (const std::exception&) {
-    // The fault that was reported is the port's: nobody is there to be reset.
+    // The fault that is reported is the port's: nobody is there to be reset.
   }
-  state.PortBase = state.StatusPort = state.ControlPort = 0;
 }
 
 // kestrel6.ini may name a port that the program could not take, or half of what is needed: then no
