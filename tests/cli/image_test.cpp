@@ -174,10 +174,12 @@ TEST(Backup, keepsWhatAChipHeldAndNothingOfABlankOne) {
   work.put("chip.bin", std::string(32768, '\xFF'));
   EXPECT_TRUE(work.simulate(program).told("there is nothing to keep"));
   work.put("chip.bin", old);
-  const Outcome refused =
-      work.simulate("erase --yes --backup missing -d 28C256 --chip 28C256=chip.bin");
-  EXPECT_EQ(refused.status, 2) << refused.err;
-  EXPECT_EQ(work.text("chip.bin"), old) << "nothing is lost that could not be kept";
+  for (const std::string& folder : {std::string("missing"), std::string(300, 'n')}) {
+    const Outcome refused =
+        work.simulate("erase --yes --backup " + folder + " -d 28C256 --chip 28C256=chip.bin");
+    EXPECT_EQ(refused.status, 2) << refused.err;
+    EXPECT_EQ(work.text("chip.bin"), old) << "nothing is lost that could not be kept";
+  }
   work.put("chip.bin.1", noise(32767) + "1");
   work.put("chip.bin.2", noise(32767) + "2");
   work.put("answers", "\n\nq\n");

@@ -9,10 +9,12 @@
 namespace kestrel::form {
 namespace {
 
-/// A name that is taken gets a number behind it.
+/// A name that is taken gets a number behind it. One that cannot be looked at (a closed folder, a
+/// name that is too long) stands as it is: writing it tells why.
 std::filesystem::path freeName(const std::filesystem::path& folder, const std::string& name) {
   std::filesystem::path file = folder / (name + ".bin");
-  for (int i = 2; std::filesystem::exists(file); ++i) {
+  std::error_code unseen;
+  for (int i = 2; std::filesystem::exists(file, unseen); ++i) {
     file = folder / (name + "-" + std::to_string(i) + ".bin");
   }
   return file;
