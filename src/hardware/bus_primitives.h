@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/state/controls.h"
 #include "app/state/programmer_state.h"
 #include "app/state/rest_listener.h"
 #include "hardware/registers.h"
