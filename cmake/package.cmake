@@ -7,7 +7,7 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "control program for the KESTREL chip prog
 set(CPACK_PACKAGE_DESCRIPTION
 "Kestrel reads, blank-checks, verifies and programs memory chips on a KESTREL-4,
 KESTREL-5 or KESTREL-6 board, which hangs on a PC parallel port: UV EPROMs from
-2732 to 27C080, 28C256 EEPROMs and 24Cxx serial EEPROMs.
+2732 to 27C080, 28C256 EEPROMs, 5 V and 12 V flash, and 24Cxx serial EEPROMs.
 
 The package has the window program and its command-line twin. Both work on a
 simulated board as well, with no hardware connected.")

@@ -1,8 +1,8 @@
 # cmake -D SOURCE=<folder src> -P check_includes.cmake
 #
 # Holds the layers: what a folder in src/ includes is in the LINKS list of its target, and what the
-# list names is included. Below the front ends the standard library is all there is. Folders are
-# compared by their whole path from src/.
+# list names is included. Below the front ends the standard library is all there is, but for
+# `images`, which links libsrecord and libgcrypt. Folders are compared by their whole path from src/.
 cmake_minimum_required(VERSION 3.25)
 
 set(faults "")
