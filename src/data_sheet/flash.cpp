@@ -6,8 +6,8 @@ namespace kestrel::data_sheet {
 namespace {
 
 constexpr std::uint8_t kIdentify = 0x90;
-constexpr std::uint8_t kProgram = 0xA0;
-constexpr std::uint8_t kErase = 0x80;
+constexpr std::uint8_t kProgramByte = 0xA0;
+constexpr std::uint8_t kPrepareErase = 0x80;
 constexpr std::uint8_t kEraseChip = 0x10;
 constexpr std::uint8_t kReset = 0xF0;
 
@@ -49,7 +49,7 @@ Outcome Flash::checkProtection() {
 }
 
 Outcome Flash::programByte(std::uint32_t address, std::uint8_t wanted) {
-  writeCommand(kProgram);
+  writeCommand(kProgramByte);
   write({address, wanted});
   bus().enableOutputs();
   // Bit 7 is right only when the byte is. A typical chip has it in the first of these reads.
@@ -76,7 +76,7 @@ Outcome Flash::waitForByte(std::uint32_t address, std::uint8_t wanted) {
 }
 
 Outcome Flash::eraseChip(Progress& progress) {
-  writeCommand(kErase);
+  writeCommand(kPrepareErase);
   writeCommand(kEraseChip);
   const Outcome outcome = waitForErase(progress);
   return outcome.isDone() ? checkErased(progress) : outcome;

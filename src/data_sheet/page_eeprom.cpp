@@ -24,7 +24,7 @@ constexpr int kPlainTries = 2;
 constexpr std::size_t kFirstComparedBytes = 2;
 constexpr std::size_t kMostComparedBytes = 32;
 
-constexpr std::int64_t kPollUs = 10;
+constexpr std::int64_t kReadBackUs = 10;
 constexpr int kEqualReads = 4;
 
 }  // namespace
@@ -102,14 +102,15 @@ Outcome PageEeprom::waitForEnd(std::uint32_t address, std::uint8_t last) {
   bus().setAddress(address);
   std::uint8_t before = readOnce();
   int equal = 0;
-  const std::int64_t polls = std::int64_t{1000} * kTimeOutFactor * sheet_.longestCycleMs / kPollUs;
+  const std::int64_t polls =
+      std::int64_t{1000} * kTimeOutFactor * sheet_.longestCycleMs / kReadBackUs;
   for (std::int64_t poll = 0; poll < polls; ++poll) {
     const std::uint8_t seen = readOnce();
     equal = seen == before ? equal + 1 : 0;
     if (equal > 0 && ((seen ^ last) & kDataBit) == 0) return {};
     if (equal == kEqualReads) return {};
     before = seen;
-    bus().waitUs(kPollUs);
+    bus().waitUs(kReadBackUs);
   }
   return Outcome::failed(
       "the chip is still busy " + std::to_string(kTimeOutFactor * sheet_.longestCycleMs) +

@@ -6,8 +6,8 @@ namespace kestrel::data_sheet {
 namespace {
 
 constexpr std::uint8_t kReadCells = 0x00;
-constexpr std::uint8_t kErase = 0x20;
-constexpr std::uint8_t kProgram = 0x40;
+constexpr std::uint8_t kSetUpErase = 0x20;  // written twice: the second one starts it
+constexpr std::uint8_t kSetUpProgram = 0x40;
 constexpr std::uint8_t kIdentify = 0x90;
 constexpr std::uint8_t kEraseVerify = 0xA0;
 constexpr std::uint8_t kProgramVerify = 0xC0;
@@ -40,7 +40,7 @@ devices::ChipCodes TwelveVoltFlash::readCodes() {
 Outcome TwelveVoltFlash::programByte(std::uint32_t address, std::uint8_t wanted) {
   std::uint8_t seen = kErased;
   for (int pulse = 0; pulse < kMostProgramPulses; ++pulse) {
-    write({address, kProgram});
+    write({address, kSetUpProgram});
     write({address, wanted});
     bus().waitUs(kProgramUs);
     write({address, kProgramVerify});
@@ -79,8 +79,8 @@ Outcome TwelveVoltFlash::eraseZeros(Progress& progress) {
 }
 
 void TwelveVoltFlash::eraseOnce() {
-  write({0, kErase});
-  write({0, kErase});
+  write({0, kSetUpErase});
+  write({0, kSetUpErase});
   bus().waitMs(kEraseMs);
 }
 

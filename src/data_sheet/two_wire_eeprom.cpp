@@ -12,7 +12,7 @@ constexpr unsigned kSelect = 0xA0;
 constexpr unsigned kRead = 0x01;
 constexpr std::size_t kMostPageBytes = 64;
 
-constexpr std::int64_t kPollUs = 100;
+constexpr std::int64_t kAcknowledgePollUs = 100;
 
 Outcome sdaStaysLow() {
   return Outcome::failed(
@@ -74,12 +74,12 @@ Outcome TwoWireEeprom::writePage(std::uint32_t first, Page page) {
 
 Outcome TwoWireEeprom::waitForEnd(std::uint32_t address) {
   const int timeOutMs = kTimeOutFactor * sheet_.longestCycleMs;
-  for (std::int64_t poll = 0; poll < std::int64_t{1000} * timeOutMs / kPollUs; ++poll) {
+  for (std::int64_t poll = 0; poll < std::int64_t{1000} * timeOutMs / kAcknowledgePollUs; ++poll) {
     wires_.start();
     wires_.send(selectByte(address));
     wires_.stop();
     if (wires_.isAcknowledged()) return {};
-    bus_.waitUs(kPollUs);
+    bus_.waitUs(kAcknowledgePollUs);
   }
   return Outcome::failed("the chip does not acknowledge " + std::to_string(timeOutMs) +
                          " ms after it was sent the page of address " +

@@ -37,31 +37,31 @@ constexpr auto package32(Name pin1, Name pin30, Name pin31) {
   return around(std::array<Name, 4>{pin1, "A16", "A15", "A12"},
                 std::array<Name, 5>{"A13", "A14", pin30, pin31, "VCC"});
 }
-constexpr auto serial(Name pin1, Name pin2, Name pin3) {
+constexpr auto serialPins(Name pin1, Name pin2, Name pin3) {
   return std::array<Name, kSerialPins>{pin1, pin2, pin3, "GND", "SDA", "SCL", "WP", "VCC"};
 }
 
-constexpr auto k2732 = package24();
-constexpr auto k2764 = package28("VPP", "NC", "/PGM");
-constexpr auto k27128 = package28("VPP", "A13", "/PGM");
-constexpr auto k27256 = package28("VPP", "A13", "A14");
-constexpr auto k27512 = package28("A15", "A13", "A14");
-constexpr auto k27010 = package32("VPP", "NC", "/PGM");
-constexpr auto k27020 = package32("VPP", "A17", "/PGM");
-constexpr auto k27040 = package32("VPP", "A17", "A18");
-constexpr auto k27080 = package32("A19", "A17", "A18");
-constexpr auto k29256 = package28("/WE", "A13", "A14");
-constexpr auto k29010 = package32("NC", "NC", "/WE");
-constexpr auto k29020 = package32("NC", "A17", "/WE");
-constexpr auto k29040 = package32("A18", "A17", "/WE");
-constexpr auto k28001 = package32("VPP", "/RP", "/WE");
-constexpr auto k28010 = package32("VPP", "NC", "/WE");
-constexpr auto k28020 = package32("VPP", "A17", "/WE");
-constexpr auto k28256 = package28("A14", "A13", "/WE");
-constexpr auto k2408 = serial("NC", "NC", "A2");
-constexpr auto k2416 = serial("NC", "NC", "NC");
-constexpr auto k2432 = serial("A0", "A1", "A2");
-constexpr auto k24256 = serial("A0", "A1", "NC");
+constexpr auto kPins2732 = package24();
+constexpr auto kPins2764 = package28("VPP", "NC", "/PGM");
+constexpr auto kPins27128 = package28("VPP", "A13", "/PGM");
+constexpr auto kPins27256 = package28("VPP", "A13", "A14");
+constexpr auto kPins27512 = package28("A15", "A13", "A14");
+constexpr auto kPins27010 = package32("VPP", "NC", "/PGM");
+constexpr auto kPins27020 = package32("VPP", "A17", "/PGM");
+constexpr auto kPins27040 = package32("VPP", "A17", "A18");
+constexpr auto kPins27080 = package32("A19", "A17", "A18");
+constexpr auto kPins29256 = package28("/WE", "A13", "A14");
+constexpr auto kPins29010 = package32("NC", "NC", "/WE");
+constexpr auto kPins29020 = package32("NC", "A17", "/WE");
+constexpr auto kPins29040 = package32("A18", "A17", "/WE");
+constexpr auto kPins28001 = package32("VPP", "/RP", "/WE");
+constexpr auto kPins28010 = package32("VPP", "NC", "/WE");
+constexpr auto kPins28020 = package32("VPP", "A17", "/WE");
+constexpr auto kPins28256 = package28("A14", "A13", "/WE");
+constexpr auto kPins2408 = serialPins("NC", "NC", "A2");
+constexpr auto kPins2416 = serialPins("NC", "NC", "NC");
+constexpr auto kPins2432 = serialPins("A0", "A1", "A2");
+constexpr auto kPins24256 = serialPins("A0", "A1", "NC");
 
 struct Row {
   std::string_view family;
@@ -73,15 +73,15 @@ constexpr int kOe28 = 22;
 constexpr int kOe32 = 24;
 
 constexpr std::array kChipPins{
-    Row{"P1", {k2732, kOe24}},  Row{"P2", {k2764, 1}},      Row{"P3", {k27128, 1}},
-    Row{"P4", {k27256, 1}},     Row{"P5", {k27512, kOe28}}, Row{"P6", {k27010, 1}},
-    Row{"P7", {k27020, 1}},     Row{"P8", {k27040, 1}},     Row{"P9", {k27080, kOe32}},
-    Row{"PM", {k27080, kOe32}}, Row{"FA", {k29256}},        Row{"FL", {k29040}},
-    Row{"FS", {k29010}},        Row{"FR", {k29020}},        Row{"FM", {k29040}},
-    Row{"FN", {k29040}},        Row{"FO", {k28001, 1}},     Row{"FP", {k28010, 1}},
-    Row{"FQ", {k28020, 1}},     Row{"EN", {k28256}},        Row{"EO", {k28256}},
-    Row{"EP", {k28256}},        Row{"SA", {k2408}},         Row{"SB", {k2416}},
-    Row{"SC", {k2432}},         Row{"SE", {k24256}},
+    Row{"P1", {kPins2732, kOe24}},  Row{"P2", {kPins2764, 1}},      Row{"P3", {kPins27128, 1}},
+    Row{"P4", {kPins27256, 1}},     Row{"P5", {kPins27512, kOe28}}, Row{"P6", {kPins27010, 1}},
+    Row{"P7", {kPins27020, 1}},     Row{"P8", {kPins27040, 1}},     Row{"P9", {kPins27080, kOe32}},
+    Row{"PM", {kPins27080, kOe32}}, Row{"FA", {kPins29256}},        Row{"FL", {kPins29040}},
+    Row{"FS", {kPins29010}},        Row{"FR", {kPins29020}},        Row{"FM", {kPins29040}},
+    Row{"FN", {kPins29040}},        Row{"FO", {kPins28001, 1}},     Row{"FP", {kPins28010, 1}},
+    Row{"FQ", {kPins28020, 1}},     Row{"EN", {kPins28256}},        Row{"EO", {kPins28256}},
+    Row{"EP", {kPins28256}},        Row{"SA", {kPins2408}},         Row{"SB", {kPins2416}},
+    Row{"SC", {kPins2432}},         Row{"SE", {kPins24256}},
 };
 
 /// Rows of the socket that stay free between its pin 1 and the chip's. The board wires SDA and SCL

@@ -74,9 +74,9 @@ constexpr Family flashWithoutWriter(std::string_view code) {
           .flashCommands = FlashCommands::Jedec};
 }
 
-constexpr Family serial(std::string_view code, ProgramRoutine program,
-                        std::span<const EraseRoutine> erase, int addressBytes,
-                        SerialWriter writer = {}) {
+constexpr Family serialFamily(std::string_view code, ProgramRoutine program,
+                              std::span<const EraseRoutine> erase, int addressBytes,
+                              SerialWriter writer = {}) {
   return {.code = code,
           .bus = BusKind::Serial,
           .read = BusKind::Serial,
@@ -118,9 +118,9 @@ constexpr std::array kFamilies{
            .program = ProgramX28C256, .erase = kEraseX28C256},
     Family{.code = "EO", .bus = BusKind::Parallel, .offersErase = true},   // CAT28C256
     Family{.code = "EP", .bus = BusKind::Parallel, .offersErase = true},   // CAT28C257
-    serial("SA", Write24CXX, kWrite24CXX, 1),                              // 24C08
-    serial("SB", Write24CXX, kWriteBoth,  1),                              // 24C16
-    serial("SC", Write24C32, kWrite24C32, 2),                              // 24C32
+    serialFamily("SA", Write24CXX, kWrite24CXX, 1),                        // 24C08
+    serialFamily("SB", Write24CXX, kWriteBoth,  1),                        // 24C16
+    serialFamily("SC", Write24C32, kWrite24C32, 2),                        // 24C32
     Family{.code = "SE", .bus = BusKind::Serial, .read = BusKind::Serial,  // 24C256
            .offersErase = true, .addressBytes = 1},
     Family{.code = "MJ", .hasDataMemory = true},                           // AT90S2313

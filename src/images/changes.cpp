@@ -15,7 +15,7 @@ std::uint8_t reversed(std::uint8_t byte) {
   return static_cast<std::uint8_t>(bits);
 }
 
-std::span<std::uint8_t> part(Bytes& image, const Range& range) {
+std::span<std::uint8_t> bytesIn(Bytes& image, const Range& range) {
   checkInside(range, image.size());
   return std::span(image).subspan(range.first, range.size());
 }
@@ -41,13 +41,13 @@ Range wholeOf(const Bytes& image) {
 
 Bytes fillRange(Bytes image, const Range& range, ImageSpan pattern) {
   if (pattern.empty()) throw ImageError("nothing to fill with; give a byte such as FF");
-  const std::span<std::uint8_t> target = part(image, range);
+  const std::span<std::uint8_t> target = bytesIn(image, range);
   for (std::size_t i = 0; i < target.size(); ++i) target[i] = pattern[i % pattern.size()];
   return image;
 }
 
 Bytes copyRange(Bytes image, const Range& from, std::uint32_t to) {
-  const std::span<const std::uint8_t> source = part(image, from);
+  const std::span<const std::uint8_t> source = bytesIn(image, from);
   const Bytes kept(source.begin(), source.end());
   return insertAt(std::move(image), kept, to);
 }
@@ -58,13 +58,13 @@ Bytes swapWordBytes(Bytes image, const Range& range) {
                      " is no row of whole words; begin at an even address and "
                      "end at an odd one");
   }
-  const std::span<std::uint8_t> target = part(image, range);
+  const std::span<std::uint8_t> target = bytesIn(image, range);
   for (std::size_t i = 0; i < target.size(); i += 2) std::swap(target[i], target[i + 1]);
   return image;
 }
 
 Bytes reverseBits(Bytes image, const Range& range) {
-  std::ranges::transform(part(image, range), part(image, range).begin(), reversed);
+  std::ranges::transform(bytesIn(image, range), bytesIn(image, range).begin(), reversed);
   return image;
 }
 
@@ -110,7 +110,7 @@ Bytes putChecksum(Bytes image, const ChecksumKind& kind, const Range& range, std
     throw ImageError("the checksum at " + rangeText(place) + " would be part of what it counts, " +
                      rangeText(range) + "; end the range before it");
   }
-  const std::uint32_t value = kind.of(part(image, range));
+  const std::uint32_t value = kind.of(bytesIn(image, range));
   Bytes bytes;
   for (std::size_t i = 0; i < kind.bytes; ++i) {
     bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
@@ -121,7 +121,7 @@ Bytes putChecksum(Bytes image, const ChecksumKind& kind, const Range& range, std
 
 Bytes insertAt(Bytes image, ImageSpan bytes, std::uint32_t at) {
   if (bytes.empty()) return image;
-  std::ranges::copy(bytes, part(image, rangeAt(at, bytes.size())).begin());
+  std::ranges::copy(bytes, bytesIn(image, rangeAt(at, bytes.size())).begin());
   return image;
 }
 

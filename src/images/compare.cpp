@@ -5,6 +5,8 @@
 #include <functional>
 #include <optional>
 
+#include "images/identity.h"
+
 namespace kestrel::images {
 namespace {
 
@@ -28,10 +30,6 @@ struct Pair {
     return true;
   }
 };
-
-bool isAll(ImageSpan bytes, std::uint8_t value) {
-  return std::ranges::all_of(bytes, [=](std::uint8_t byte) { return byte == value; });
-}
 
 void count(const Pair& pair, Comparison& result) {
   for (std::size_t i = 0; i < pair.size(); ++i) {

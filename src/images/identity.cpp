@@ -16,10 +16,6 @@ constexpr std::size_t kSmallestPeriod = 256;
 
 bool isPrintable(std::uint8_t byte) { return byte >= 0x20 && byte < 0x7F; }
 
-bool isAll(ImageSpan image, std::uint8_t value) {
-  return std::ranges::all_of(image, [=](std::uint8_t byte) { return byte == value; });
-}
-
 bool repeatsAfter(ImageSpan image, std::size_t period) {
   return std::equal(image.begin() + static_cast<std::ptrdiff_t>(period), image.end(),
                     image.begin());
@@ -53,6 +49,10 @@ void tellPeriod(const Identity& identity, std::vector<std::string>& told) {
 }
 
 }  // namespace
+
+bool isAll(ImageSpan image, std::uint8_t value) {
+  return std::ranges::all_of(image, [=](std::uint8_t byte) { return byte == value; });
+}
 
 double blankPercent(const Identity& identity) {
   if (identity.bytes == 0) return 0;

@@ -21,6 +21,9 @@ struct Identity {
 
 [[nodiscard]] Identity identify(ImageSpan image);
 
+/// Every byte has the value; an image without bytes has any.
+[[nodiscard]] bool isAll(ImageSpan image, std::uint8_t value);
+
 /// The FFh bytes in percent of all, in whole tenths and rounded down: 100 means every byte.
 [[nodiscard]] double blankPercent(const Identity& identity);
 

@@ -13,7 +13,7 @@ constexpr std::uint8_t kHole = 0xFF;
 constexpr std::size_t kMostFileBytes = 16'000'000;  // the longest image in the longest format
 
 /// The part of the block that the range names.
-std::optional<Block> part(const Block& block, const std::optional<Range>& range) {
+std::optional<Block> partInside(const Block& block, const std::optional<Range>& range) {
   if (!range) return block;
   const std::uint32_t first = std::max(range->first, block.range().first);
   const std::uint32_t last = std::min(range->last, block.range().last);
@@ -25,7 +25,7 @@ std::optional<Block> part(const Block& block, const std::optional<Range>& range)
 std::vector<Block> taken(const Records& records, const Placement& placement) {
   std::vector<Block> blocks;
   for (const Block& block : records.blocks) {
-    if (std::optional<Block> inside = part(block, placement.range)) {
+    if (std::optional<Block> inside = partInside(block, placement.range)) {
       blocks.push_back(std::move(*inside));
     }
   }

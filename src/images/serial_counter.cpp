@@ -8,6 +8,7 @@
 
 #include "images/serial_numbers.h"
 #include "platform/atomic_file.h"
+#include "platform/file_attributes.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::images {
@@ -46,7 +47,7 @@ SerialCounter::SerialCounter(SerialPlan plan) : plan_(std::move(plan)) {
 // counter is replaced each time; it is free when its run has ended, however that came.
 void SerialCounter::lock() {
   const std::string name = plan_.counter.string() + ".lock";
-  Descriptor file(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666));
+  Descriptor file(::open(name.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kNewFileMode));
   if (!file.isOpen()) throw FileError("write", name, errno);
   if (::flock(file.number(), LOCK_EX | LOCK_NB) != 0) {
     throw ImageError("another run is counting in " + plan_.counter.string() +

@@ -16,8 +16,6 @@ namespace kestrel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr mode_t kPermissions = 0777;  // without set-user-id, set-group-id and the sticky bit
-
 /// Right to run with more privileges, and sums over the old contents: neither suits new contents.
 bool suitsNewContents(std::string_view attribute) {
   constexpr std::array<std::string_view, 3> kOfTheContents{"security.capability", "security.ima",

@@ -8,6 +8,10 @@
 
 namespace kestrel {
 
+inline constexpr mode_t kNewFileMode = 0666;  ///< less what the user's mask takes away
+/// Without set-user-id, set-group-id and the sticky bit.
+inline constexpr mode_t kPermissions = 0777;
+
 /// Gives a new file what belongs to the old one that it will replace: owner, group, extended
 /// attributes (access lists among them) and permissions, but never the right to run as its owner or
 /// group. False when something of it cannot be given.

@@ -15,9 +15,7 @@ namespace kestrel {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr mode_t kNewFileMode = 0666;      // less what the user's mask takes away
 constexpr mode_t kReplacementMode = 0600;  // nobody else's until it has the old file's permissions
-constexpr mode_t kPermissions = 0777;
 constexpr mode_t kAllModeBits = 07777;
 
 /// Makes the rename itself survive a power failure. A folder that cannot be opened for this (no

@@ -15,7 +15,6 @@ namespace {
 
 // A signal cuts a step short; its length is for a stop that comes from another thread.
 constexpr int kStepMs = 50;
-constexpr mode_t kNewFileMode = 0666;  // less what the user's mask takes away
 
 void endIfStopped(const StopSwitch* stop) {
   if (stop != nullptr && stop->isThrown()) throw OperationStopped();

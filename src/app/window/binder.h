@@ -7,7 +7,7 @@
 #include <QRadioButton>
 #include <QWidget>
 #include <functional>
-#include <string>
+#include <string_view>
 #include <utility>
 
 #include "app/form/command_runner.h"
@@ -16,8 +16,8 @@
 
 namespace kestrel::window {
 
-[[nodiscard]] inline QString toQString(const std::string& utf8) {
-  return QString::fromStdString(utf8);
+[[nodiscard]] inline QString toQString(std::string_view utf8) {
+  return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
 }
 
 /// Joins one widget to one control: the widget takes the control's name as its object name, shows

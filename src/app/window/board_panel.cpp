@@ -15,6 +15,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/window/binder.h"
 #include "app/window/board_faults.h"
 #include "app/window/device_card.h"
 #include "app/window/elided_label.h"
@@ -31,11 +32,6 @@ constexpr std::size_t kLargestFile = 16 << 20;
 constexpr int kLookMs = 500;
 constexpr int kSoonMs = 100;  // a shorter command is not shown
 constexpr int kAsTheChipWants = 0;
-
-template <typename Text>
-QString toQString(const Text& text) {
-  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
 
 QString sizeText(std::size_t bytes) {
   return bytes % 1024 == 0 ? QString("%1 KB").arg(bytes / 1024) : QString("%1 bytes").arg(bytes);

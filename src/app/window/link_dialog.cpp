@@ -14,7 +14,7 @@ constexpr const char* kSection = "Link";
 constexpr const char* kKey = "Port";
 constexpr const char* kLinkMark = "=link:";
 
-QString shownName(const link::SerialDevice& device) {
+QString lineText(const link::SerialDevice& device) {
   const QString path = QString::fromStdString(device.device);
   if (device.product.empty()) return path;
   return path + " (" + QString::fromStdString(device.product) + ")";
@@ -36,7 +36,7 @@ void LinkDialog::build(const std::vector<link::SerialDevice>& devices) {
   line_->setObjectName("linkLine");
   line_->setEditable(true);
   for (const link::SerialDevice& device : devices) {
-    line_->addItem(shownName(device), QString::fromStdString(device.name));
+    line_->addItem(lineText(device), QString::fromStdString(device.name));
   }
   base_ = new QComboBox(this);
   base_->setObjectName("linkBase");

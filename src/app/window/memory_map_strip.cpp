@@ -15,7 +15,7 @@ constexpr int kColumns = 16;  // pieces in a row
 constexpr int kPiece = 3;     // pixels of a piece, each way
 constexpr int kFrame = 2;     // around the pieces, for the mark of the shown page
 
-QString hexAddress(std::int32_t address) {
+QString mapAddress(std::int32_t address) {
   constexpr int kDigits = 5;
   constexpr int kHex = 16;
   return QString("%1").arg(address, kDigits, kHex, QChar('0')).toUpper() + "h";
@@ -142,7 +142,7 @@ bool MemoryMapStrip::event(QEvent* event) {
                                                                     : "blank";
   QToolTip::showText(
       help.globalPos(),
-      QString("%1 to %2: %3").arg(hexAddress(range.begin), hexAddress(range.end - 1), what), this);
+      QString("%1 to %2: %3").arg(mapAddress(range.begin), mapAddress(range.end - 1), what), this);
   return true;
 }
 
