@@ -11,10 +11,10 @@
 namespace kestrel::cli {
 namespace {
 
-/// The bench as a terminal has it: a line for each chip.
-class TerminalBench final : public form::SeriesBench {
+/// The person at a terminal: a line for each chip.
+class TerminalOperator final : public form::SeriesOperator {
  public:
-  TerminalBench(Session& session, form::SeriesReport* report)
+  TerminalOperator(Session& session, form::SeriesReport* report)
       : session_(session), report_(report) {}
 
   [[nodiscard]] const form::SeriesCount& count() const { return count_; }
@@ -52,17 +52,9 @@ class TerminalBench final : public form::SeriesBench {
   form::SeriesCount count_;
 };
 
-void checkNumberFits(const Session& s, const images::SerialPlan& plan) {
-  const auto size = static_cast<std::size_t>(s.state().DeviceSizeBytes);
-  if (std::size_t{plan.at} + plan.bytes > size) {
-    throw EarlyEnd(kBadUsage, "--serial: " + images::addressText(plan.at) + " and its " +
-                                  std::to_string(plan.bytes) + " bytes are not in the chip");
-  }
-}
-
 std::optional<images::SerialCounter> counterOf(const Session& s) {
   if (!s.arguments().serial) return std::nullopt;
-  checkNumberFits(s, *s.arguments().serial);
+  images::checkInside(*s.arguments().serial, static_cast<std::size_t>(s.state().DeviceSizeBytes));
   std::optional<images::SerialCounter> counter(std::in_place, *s.arguments().serial);
   if (!counter->doubtful().empty()) {
     std::cerr << "kestrel-cli: the serial number " << shownName(counter->doubtful())
@@ -80,18 +72,18 @@ void runSeries(Session& s) {
   std::optional<images::SerialCounter> counter = counterOf(s);
   std::optional<form::SeriesReport> report;
   if (s.arguments().report) report.emplace(*s.arguments().report);
-  TerminalBench bench(s, report ? &*report : nullptr);
-  form::ChipSeries series(s.form(), bench, counter ? &*counter : nullptr);
+  TerminalOperator person(s, report ? &*report : nullptr);
+  form::ChipSeries series(s.form(), person, counter ? &*counter : nullptr);
   CommandResult result;
   try {
     result = series.run(report ? report->nextNumber() : 1);
   } catch (const std::exception&) {
-    s.out() << bench.count().text() << std::endl;
+    s.out() << person.count().text() << std::endl;
     throw;
   }
-  s.out() << bench.count().text() << std::endl;
+  s.out() << person.count().text() << std::endl;
   s.endUnlessDone(result);
-  if (bench.count().bad != 0) throw EarlyEnd(kFailed, bench.count().text());
+  if (person.count().bad != 0) throw EarlyEnd(kFailed, person.count().text());
 }
 
 }  // namespace

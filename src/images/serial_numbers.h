@@ -36,6 +36,9 @@ struct SerialPlan {
 /// The plan in full, but for the counter's name.
 [[nodiscard]] std::string textOf(const SerialPlan& plan);
 
+/// The numbers' place is in a chip of that size. Throws ImageError.
+void checkInside(const SerialPlan& plan, std::size_t chipBytes);
+
 /// How a number stands in the chip. Throws ImageError when it does not fit.
 [[nodiscard]] Bytes serialBytes(const SerialPlan& plan, std::string_view number);
 

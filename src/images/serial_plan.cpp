@@ -110,6 +110,12 @@ std::string textOf(const SerialPlan& plan) {
 }
 
 // Digits are filled up with zeros in front, a text with blanks behind.
+void checkInside(const SerialPlan& plan, std::size_t chipBytes) {
+  if (std::size_t{plan.at} + plan.bytes <= chipBytes) return;
+  throw ImageError("the serial number at " + addressText(plan.at) + " and its " +
+                   std::to_string(plan.bytes) + " bytes are not in the chip");
+}
+
 Bytes serialBytes(const SerialPlan& plan, std::string_view number) {
   if (plan.form == SerialPlan::Form::Binary) return binaryBytes(plan, number);
   if (number.size() > plan.bytes) refuseWidth(plan, number);

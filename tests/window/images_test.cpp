@@ -384,7 +384,7 @@ TEST(Several, chipsGetTheirNumbersTheBadOneNoneAndEscEnds) {
                                 },
                             .keepChip = [&] { chips.push_back(rig.chipContents()); }});
   const std::string table = (rig.folder / "t.csv").string();
-  QTimer bench;
+  QTimer poll;
   int pressed = 0;
   std::string told;
   const WithDialog series(
@@ -396,7 +396,7 @@ TEST(Several, chipsGetTheirNumbersTheBadOneNoneAndEscEnds) {
             ->setText(QString::fromStdString((rig.folder / "counter").string()));
         dialog.findChild<QLineEdit*>("seriesReport")->setText(QString::fromStdString(table));
         auto& next = *dialog.findChild<QPushButton*>("seriesNext");
-        QObject::connect(&bench, &QTimer::timeout, &dialog, [&] {
+        QObject::connect(&poll, &QTimer::timeout, &dialog, [&] {
           if (rig.form.runner().isRunning() || !next.isEnabled()) return;
           for (const char* const label : {"seriesPrompt", "seriesCount"}) {
             told += dialog.findChild<QLabel*>(label)->text().toStdString() + '\n';
@@ -407,7 +407,7 @@ TEST(Several, chipsGetTheirNumbersTheBadOneNoneAndEscEnds) {
               &dialog, [&, again = ++pressed <= 3] { again ? next.click() : dialog.reject(); },
               Qt::QueuedConnection);
         });
-        bench.start(20);
+        poll.start(20);
       },
       "seriesDialog");
   rig.trigger("programSeveral");

@@ -34,9 +34,9 @@ CommandResult ChipSeries::runChips(std::size_t firstNumber) {
   for (std::size_t number = firstNumber;; ++number) {
     const CommandResult released = form_.releaseSocket();
     if (released.ending != Ending::Done) return released;
-    if (!bench_.isNextChipIn(number)) return {};
+    if (!operator_.isNextChipIn(number)) return {};
     const SeriesChip chip = doChip(number);
-    bench_.chipDone(chip);
+    operator_.chipDone(chip);
     const bool isOver = chip.result.ending == Ending::Stopped ||
                         chip.result.ending == Ending::RunTimeError ||
                         chip.result.ending == Ending::Cancelled;
@@ -84,7 +84,7 @@ std::string ChipSeries::giveNumber() {
 CommandResult ChipSeries::checkSocket() {
   const devices::Family& family = devices::familyOf(form_.state().FamilyCode);
   const bool isSerial = family.bus == devices::BusKind::Serial;  // asks for an acknowledge itself
-  if (isSerial && !bench_.keepsContents()) return {};
+  if (isSerial && !operator_.keepsContents()) return {};
   if (isSerial) return checkContact();
   if (family.offersErase || !family.hasBlankCheck) return checkContact();
   CommandResult result = form_.runner().press(form_.controls().Blank_button);
@@ -103,7 +103,7 @@ CommandResult ChipSeries::checkContact() {
   if (result.ending == Ending::Done && isZero) {
     return {.ending = Ending::Failed, .reason = "every byte reads 00h: the chip has no contact"};
   }
-  if (result.ending == Ending::Done && bench_.keepsContents()) return bench_.keep(chip);
+  if (result.ending == Ending::Done && operator_.keepsContents()) return operator_.keep(chip);
   return result;
 }
 

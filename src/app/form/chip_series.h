@@ -22,9 +22,9 @@ struct SeriesChip {
 };
 
 /// The person at the bench, who takes one chip out and puts the next one in.
-class SeriesBench {
+class SeriesOperator {
  public:
-  virtual ~SeriesBench() = default;
+  virtual ~SeriesOperator() = default;
 
   /// Waits for the next chip in the socket; false ends the series. Called with the board idle and
   /// the socket without supply.
@@ -44,10 +44,10 @@ class SeriesBench {
 class ChipSeries {
  public:
   /// `counter` gives each chip its serial number; nullptr: none.
-  ChipSeries(frmMain& form, SeriesBench& bench, images::SerialCounter* counter)
-      : form_(form), bench_(bench), counter_(counter) {}
+  ChipSeries(frmMain& form, SeriesOperator& person, images::SerialCounter* counter)
+      : form_(form), operator_(person), counter_(counter) {}
 
-  /// Until the bench ends it or Stop does. How it ended: Done also after bad chips; what the
+  /// Until the operator ends it or Stop does. How it ended: Done also after bad chips; what the
   /// counter throws (ImageError, FileError) goes through, with the board idle.
   CommandResult run(std::size_t firstNumber);
 
@@ -63,7 +63,7 @@ class ChipSeries {
   void dismissAlert();
 
   frmMain& form_;
-  SeriesBench& bench_;
+  SeriesOperator& operator_;
   images::SerialCounter* counter_;
 };
 

@@ -27,12 +27,6 @@ constexpr int kListWidth = 560;
 constexpr int kListLines = 8;
 constexpr int kPromptLines = 1;
 
-void checkNumberFits(const images::SerialPlan& plan, const SelectionState& device) {
-  if (std::cmp_less_equal(std::size_t{plan.at} + plan.bytes, device.DeviceSizeBytes)) return;
-  throw images::ImageError("The serial number at " + images::addressText(plan.at) + " and its " +
-                           std::to_string(plan.bytes) + " bytes are not in the chip.");
-}
-
 }  // namespace
 
 SeriesDialog::SeriesDialog(const Parts& parts, const SeriesSettings& settings, QWidget* parent)
@@ -175,7 +169,7 @@ void SeriesDialog::start() {
 void SeriesDialog::runSeries() {
   std::optional<images::SerialCounter> counter;
   if (const auto plan = serial_->plan()) {
-    checkNumberFits(*plan, parts_.form.state());
+    images::checkInside(*plan, static_cast<std::size_t>(parts_.form.state().DeviceSizeBytes));
     counter.emplace(*plan);
   }
   table_.reset();

@@ -38,7 +38,7 @@ struct SimulatedSeries {
 
 /// Device > Program Several: one chip after another with the image in the buffer. Asks for serial
 /// numbers, backup and report, then for each next chip; Esc ends.
-class SeriesDialog final : public QDialog, private form::SeriesBench {
+class SeriesDialog final : public QDialog, private form::SeriesOperator {
  public:
   struct Parts {
     form::frmMain& form;
