@@ -40,7 +40,7 @@ SeriesReport::SeriesReport(std::filesystem::path file) : file_(std::move(file)) 
     const bool isReport = std::getline(text, line) && line == kHead;
     if (!isReport) {
       throw FileError("go on with the report", file_.string(),
-                      "it is another kind of file; give --report another name");
+                      "it is another kind of file; choose another name");
     }
     while (std::getline(text, line)) rows_.push_back(line);
   }

@@ -42,9 +42,9 @@ std::string wordOf(const CheckBox& box) { return box.isTicked() ? kYes : kNo; }
 /// The word of the button that is on.
 template <std::size_t count>
 std::optional<std::string> wordOf(const std::array<OptionButton, count>& buttons,
-                                  const std::array<const char*, count>& words) {
+                                  const std::array<std::string_view, count>& words) {
   for (std::size_t i = 0; i < count; ++i) {
-    if (buttons[i].value() && *words[i] != '\0') return words[i];
+    if (buttons[i].value() && !words[i].empty()) return std::string(words[i]);
   }
   return std::nullopt;
 }
@@ -124,12 +124,12 @@ ProjectItems itemsAtForm(form::frmMain& form) {
       {kAlgorithmsKey, wordOf(state.algorithms)},
       {"device", hasDevice ? std::optional<std::string>(trimmed(state.DeviceName)) : std::nullopt},
       {"speed", std::to_string(c.Slider1.value())},
-      {"vpp", wordOf(c.Voltage_button, {"", "12.5", "21", "25"})},
-      {"lane", wordOf(c.HiLow_button, {"all", "odd", "even"})},
+      {"vpp", wordOf(c.Voltage_button, kVoltageWords)},
+      {"lane", wordOf(c.HiLow_button, kLaneWords)},
       {"check", box(c.CheckChipFirst)},
       {"blank-check", box(c.CheckBlankPriorProgramming)},
       {"verify", box(c.VerifyAfterProgramming)},
-      {"protect", ifShown(c.FrameProtection, wordOf(c.ProtectionSelection, {"keep", "on", "off"}))},
+      {"protect", ifShown(c.FrameProtection, wordOf(c.ProtectionSelection, kProtectionWords))},
       {"force", box(c.AnyCode)},
       {"repeat", std::to_string(c.ReadTimes.value())}};
 }

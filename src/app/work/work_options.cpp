@@ -1,5 +1,6 @@
 #include "app/work/work_options.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <limits>
@@ -30,25 +31,12 @@ std::size_t slotOf(std::string_view option, const std::string& text) {
   return static_cast<std::size_t>(number(option, text, 1, 4, "is no setup slot; use 1 to 4"));
 }
 
-std::size_t voltageButton(const std::string& text) {
-  if (text == "12.5") return 1;
-  if (text == "21") return 2;
-  if (text == "25") return 3;
-  refuse("--vpp", text, "is no programming voltage; use 12.5, 21 or 25");
-}
-
-std::size_t laneButton(const std::string& text) {
-  if (text == "all") return 0;
-  if (text == "odd") return 1;
-  if (text == "even") return 2;
-  refuse("--lane", text, "is no byte lane; use all, odd or even");
-}
-
-std::size_t protectionButton(const std::string& text) {
-  if (text == "keep") return 0;
-  if (text == "on") return 1;
-  if (text == "off") return 2;
-  refuse("--protect", text, "is no protection; use on, off or keep");
+/// The button that the word stands for.
+std::size_t buttonOf(std::string_view option, const std::string& text,
+                     std::span<const std::string_view> words, std::string_view remedy) {
+  const auto found = std::ranges::find(words, text);
+  if (text.empty() || found == words.end()) refuse(option, text, remedy);
+  return static_cast<std::size_t>(found - words.begin());
 }
 
 std::size_t modelEntry(const std::string& text) {
@@ -112,9 +100,9 @@ constexpr std::array<WorkOption, 29> kWorkOptions{{
     {"--speed", "1..20", "program speed",
      [](auto& a, const auto& text) { a.speed = number("--speed", text, 1, 20, "is no program speed; use 1 (slow) to 20 (fast)"); }},
     {"--vpp", "12.5|21|25", "programming voltage",
-     [](auto& a, const auto& text) { a.voltage = voltageButton(text); }},
+     [](auto& a, const auto& text) { a.voltage = buttonOf("--vpp", text, kVoltageWords, "is no programming voltage; use 12.5, 21 or 25"); }},
     {"--lane", "all|odd|even", "bytes of the buffer to program and verify",
-     [](auto& a, const auto& text) { a.lane = laneButton(text); }},
+     [](auto& a, const auto& text) { a.lane = buttonOf("--lane", text, kLaneWords, "is no byte lane; use all, odd or even"); }},
     {"--check", "", "refuse an EPROM that cannot take the image",
      [](auto& a, const auto& text) { a.check = isYes(text); }},
     {"--blank-check", "", "check that it is blank before programming",
@@ -130,7 +118,7 @@ constexpr std::array<WorkOption, 29> kWorkOptions{{
     {"--backup", "DIR", "keep what a chip held before it is written",
      [](auto& a, const auto& text) { a.backup = named("--backup", text); }},
     {"--protect", "on|off|keep", "data sheet: a 28C256's protection afterwards",
-     [](auto& a, const auto& text) { a.protection = protectionButton(text); }},
+     [](auto& a, const auto& text) { a.protection = buttonOf("--protect", text, kProtectionWords, "is no protection; use on, off or keep"); }},
     {"--force", "", "data sheet: work on a flash of another code too",
      [](auto& a, const auto& text) { a.force = isYes(text); }},
     {"--repeat", "N", "with read: read N times, take the majority",

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,6 +23,12 @@ struct WorkOption {
 // The text of a flag; one that is given is yes.
 inline constexpr const char* kYes = "yes";
 inline constexpr const char* kNo = "no";
+
+// What the options call the buttons of Voltage_button, HiLow_button and ProtectionSelection, in
+// their order. The first voltage, none, cannot be asked for.
+inline constexpr std::array<std::string_view, 4> kVoltageWords{"", "12.5", "21", "25"};
+inline constexpr std::array<std::string_view, 3> kLaneWords{"all", "odd", "even"};
+inline constexpr std::array<std::string_view, 3> kProtectionWords{"keep", "on", "off"};
 
 /// The slot of a setup, 1 to 4. Throws UsageError that begins with the option.
 [[nodiscard]] std::size_t setupSlot(std::string_view option, const std::string& text);
