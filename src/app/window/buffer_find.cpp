@@ -12,8 +12,8 @@
 
 namespace kestrel::window {
 
-BufferFind::BufferFind(const ProgrammerState& state, QWidget* parent)
-    : QWidget(parent), state_(state) {
+BufferFind::BufferFind(const BufferState& buffers, const SelectionState& device, QWidget* parent)
+    : QWidget(parent), buffers_(buffers), device_(device) {
   auto* const row = new QHBoxLayout(this);
   row->setContentsMargins(0, 0, 0, 0);
   wanted_ = new QLineEdit(this);
@@ -44,8 +44,8 @@ void BufferFind::open() {
 void BufferFind::findNext() {
   const auto wanted = display::bytesOf(wanted_->text().toStdString());
   if (wanted.empty()) return open();
-  const int length = std::max(state_.CodeLength, state_.DeviceSizeBytes);
-  const auto memory = std::span(state_.CodeBuffer).first(static_cast<std::size_t>(length));
+  const int length = std::max(buffers_.CodeLength, device_.DeviceSizeBytes);
+  const auto memory = std::span(buffers_.CodeBuffer).first(static_cast<std::size_t>(length));
   last_ = display::findBytes(memory, wanted, last_ ? *last_ + 1 : 0);
   found_->setText(last_ ? QString() : QString("Not found"));
   if (last_ && show_) show_(*last_, static_cast<std::int32_t>(wanted.size()));

@@ -15,7 +15,7 @@ namespace kestrel::window {
 /// The line in which bytes or a text of the code buffer are looked for.
 class BufferFind final : public QWidget {
  public:
-  BufferFind(const ProgrammerState& state, QWidget* parent);
+  BufferFind(const BufferState& buffers, const SelectionState& device, QWidget* parent);
 
   /// So many bytes were found at the address.
   void onFound(std::function<void(std::int32_t address, std::int32_t count)> show);
@@ -30,7 +30,8 @@ class BufferFind final : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
 
  private:
-  const ProgrammerState& state_;
+  const BufferState& buffers_;
+  const SelectionState& device_;
   std::function<void(std::int32_t, std::int32_t)> show_;
   std::function<void()> closed_;
   QLineEdit* wanted_ = nullptr;

@@ -10,6 +10,7 @@
 #include "app/window/binder.h"
 #include "app/window/elided_label.h"
 #include "app/window/file_of.h"
+#include "app/window/menus.h"
 #include "images/ranges.h"
 
 namespace kestrel::window {
@@ -22,13 +23,11 @@ constexpr const char* kKey = "BackupFolder";
 
 ChipBackup::ChipBackup(const Parts& parts, QMenu& device, const char* before)
     : QObject(&parts.window), parts_(parts) {
-  entry_ = new QAction(this);
-  entry_->setObjectName("keepOldContents");
+  entry_ = insertEntry(parts.window, device, before, "", "keepOldContents");
   entry_->setCheckable(true);
   folder_ = toQString(parts.settings.value(kSection, kKey).value_or(""));
   showFolder();
   connect(entry_, &QAction::triggered, this, [this](bool on) { choose(on); });
-  device.insertAction(parts.window.findChild<QAction*>(before), entry_);
 }
 
 void ChipBackup::choose(bool on) {

@@ -27,9 +27,9 @@ bool isLeaving(const QFocusEvent& event) {
 
 }  // namespace
 
-DeviceBox::DeviceBox(DropDownList& control, const ProgrammerState& state, const Binder& binder,
+DeviceBox::DeviceBox(DropDownList& control, const SelectionState& selected, const Binder& binder,
                      QWidget* parent)
-    : QComboBox(parent), control_(control), state_(state), binder_(binder) {
+    : QComboBox(parent), control_(control), selected_(selected), binder_(binder) {
   setEditable(true);
   setInsertPolicy(QComboBox::NoInsert);
   setMaxVisibleItems(kVisibleEntries);
@@ -71,8 +71,8 @@ void DeviceBox::show() {
 
 // A refused choice leaves no entry selected and the device before it in force.
 QString DeviceBox::textInForce() const {
-  if (control_.position() != -1 || state_.DeviceName.empty()) return toQString(control_.text());
-  return toQString(state_.DeviceName);
+  if (control_.position() != -1 || selected_.DeviceName.empty()) return toQString(control_.text());
+  return toQString(selected_.DeviceName);
 }
 
 void DeviceBox::setTyping(bool isTyping) {
@@ -121,8 +121,9 @@ void DeviceBox::choose(int position) {
   tell(chosen +
        (hasDataSheet ? ": with the data sheet algorithms only; see Options."
                      : ": not with this program.") +
-       (state_.DeviceName.empty() ? QString()
-                                  : '\n' + toQString(state_.DeviceName) + " stays selected."));
+       (selected_.DeviceName.empty()
+            ? QString()
+            : '\n' + toQString(selected_.DeviceName) + " stays selected."));
 }
 
 void DeviceBox::tell(const QString& text) {

@@ -16,7 +16,7 @@ namespace kestrel::window {
 /// when the focus goes.
 class DeviceBox final : public QComboBox {
  public:
-  DeviceBox(DropDownList& control, const ProgrammerState& state, const Binder& binder,
+  DeviceBox(DropDownList& control, const SelectionState& selected, const Binder& binder,
             QWidget* parent);
 
   /// `changed` hears when the text becomes, or no longer is, one that names no device in force.
@@ -44,7 +44,7 @@ class DeviceBox final : public QComboBox {
   [[nodiscard]] int firstThat(const std::function<bool(const QString& name)>& fits) const;
 
   DropDownList& control_;
-  const ProgrammerState& state_;
+  const SelectionState& selected_;
   const Binder& binder_;
   std::function<void(bool)> typingChanged_;
   bool isTyping_ = false;

@@ -71,7 +71,7 @@ DisplayPanel::DisplayPanel(Controls& controls, const ProgrammerState& state, con
   column->setSizeConstraint(QLayout::SetMinAndMaxSize);
   buildHeader(*column);
   buildPage(*column);
-  find_ = new BufferFind(state, this);
+  find_ = new BufferFind(state, state, this);
   find_->onFound([this](std::int32_t address, std::int32_t count) { showAddress(address, count); });
   find_->onClosed([this] { page_->setFocus(); });
   column->addWidget(find_);

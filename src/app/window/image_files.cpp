@@ -13,6 +13,7 @@
 #include "app/window/elided_label.h"
 #include "app/window/file_of.h"
 #include "app/window/image_dialog.h"
+#include "app/window/menus.h"
 #include "images/image_file.h"
 #include "platform/runtime_error.h"
 
@@ -57,12 +58,9 @@ class FileReader {
 
 ImageFiles::ImageFiles(const Parts& parts, QMenu& file, const char* before)
     : QObject(&parts.window), parts_(parts) {
-  auto* const next = parts.window.findChild<QAction*>(before);
   const auto add = [&](const char* caption, const char* name, auto handler) {
-    auto* const entry = new QAction(caption, this);
-    entry->setObjectName(name);
-    connect(entry, &QAction::triggered, this, handler);
-    file.insertAction(next, entry);
+    connect(insertEntry(parts.window, file, before, caption, name), &QAction::triggered, this,
+            handler);
   };
   add("&Import Image...", "importImage", [this] { askForImport(); });
   add("Ex&port Image...", "exportImage", [this] { exportImage(); });

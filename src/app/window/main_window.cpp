@@ -120,7 +120,7 @@ void MainWindow::buildContent() {
   noticeBar_ = new NoticeBar(*display_->focusProxy(), work);
   notices_ = std::make_unique<Notices>(parts_.form, binder, *noticeBar_);
   right->addWidget(noticeBar_);
-  vppSign_ = new VppSign(parts_.form.state(), &display_->header());
+  vppSign_ = new VppSign(parts_.form.state(), parts_.form.state(), &display_->header());
   split_->addWidget(log_);
   split_->setStretchFactor(0, 3);
   split_->setStretchFactor(1, 2);
@@ -179,10 +179,9 @@ void MainWindow::buildImages() {
   binder.onGuard([this](const Control& control) {
     return (!replacesBuffer(control) || mayReplace()) && backup_->mayPress(control);
   });
-  auto* const several = new QAction("Program Se&veral...", this);
-  several->setObjectName("programSeveral");
-  connect(several, &QAction::triggered, this, [this] { programSeveral(); });
-  menus_->deviceMenu().insertAction(findChild<QAction*>("menuDisplayCode"), several);
+  connect(insertEntry(*this, menus_->deviceMenu(), "menuDisplayCode", "Program Se&veral...",
+                      "programSeveral"),
+          &QAction::triggered, this, [this] { programSeveral(); });
   options_->identity().lookAt(
       [this] {
         const bool isEmpty =

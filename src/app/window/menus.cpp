@@ -223,4 +223,12 @@ void Menus::buildToolbar() {
   }
 }
 
+QAction* insertEntry(QMainWindow& window, QMenu& menu, const char* before, const char* caption,
+                     const char* name) {
+  auto* const entry = new QAction(caption, &window);
+  entry->setObjectName(name);
+  menu.insertAction(window.findChild<QAction*>(before), entry);
+  return entry;
+}
+
 }  // namespace kestrel::window

@@ -67,4 +67,8 @@ class Menus final : public QObject {
   std::function<void(const std::filesystem::path&)> openRecent_;
 };
 
+/// A new entry of the menu, before the one of that name.
+QAction* insertEntry(QMainWindow& window, QMenu& menu, const char* before, const char* caption,
+                     const char* name);
+
 }  // namespace kestrel::window

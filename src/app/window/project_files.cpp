@@ -9,6 +9,7 @@
 #include "app/launch/option_values.h"
 #include "app/window/binder.h"
 #include "app/window/elided_label.h"
+#include "app/window/menus.h"
 #include "app/work/project.h"
 #include "app/work/work_at_form.h"
 #include "platform/atomic_file.h"
@@ -70,12 +71,9 @@ struct ProjectFiles::Checked {
 
 ProjectFiles::ProjectFiles(const Parts& parts, QMenu& file, const char* before)
     : QObject(&parts.window), parts_(parts) {
-  auto* const next = parts.window.findChild<QAction*>(before);
   const auto add = [&](const char* caption, const char* name, auto handler) {
-    auto* const entry = new QAction(caption, this);
-    entry->setObjectName(name);
-    connect(entry, &QAction::triggered, this, handler);
-    file.insertAction(next, entry);
+    connect(insertEntry(parts.window, file, before, caption, name), &QAction::triggered, this,
+            handler);
   };
   add("Open Pro&ject...", "openProject", [this] {
     const std::string name = parts_.dialogs.openFile("Open Project", kProjects);
@@ -85,7 +83,7 @@ ProjectFiles::ProjectFiles(const Parts& parts, QMenu& file, const char* before)
     const std::string name = parts_.dialogs.saveFile("Save Project", kProjects);
     if (!name.empty()) save(name);
   });
-  file.insertSeparator(next);
+  file.insertSeparator(parts.window.findChild<QAction*>(before));
 }
 
 void ProjectFiles::tell(const std::exception& error) {

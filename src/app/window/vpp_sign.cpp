@@ -18,7 +18,8 @@ QString textOf(const hardware::VppOutput& vpp) {
 
 }  // namespace
 
-VppSign::VppSign(const ProgrammerState& state, QWidget* ground) : QLabel(ground), state_(state) {
+VppSign::VppSign(const LatchState& latches, const PortState& port, QWidget* ground)
+    : QLabel(ground), latches_(latches), port_(port) {
   setObjectName("vppSign");
   setAlignment(Qt::AlignCenter);
   setAutoFillBackground(true);
@@ -38,7 +39,7 @@ VppSign::VppSign(const ProgrammerState& state, QWidget* ground) : QLabel(ground)
 }
 
 void VppSign::look() {
-  const auto vpp = hardware::vppOutput(state_.RegShadow0, state_.KestrelModel);
+  const auto vpp = hardware::vppOutput(latches_.RegShadow0, port_.KestrelModel);
   if (vpp) {
     sinceOn_.start();
     setOn(textOf(*vpp));
@@ -48,7 +49,7 @@ void VppSign::look() {
 }
 
 void VppSign::lookAtEnd() {
-  if (!hardware::vppOutput(state_.RegShadow0, state_.KestrelModel)) hide();
+  if (!hardware::vppOutput(latches_.RegShadow0, port_.KestrelModel)) hide();
 }
 
 void VppSign::setOn(const QString& text) {

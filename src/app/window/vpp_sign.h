@@ -12,7 +12,7 @@ namespace kestrel::window {
 /// the socket: by latch 0, whatever the buttons say.
 class VppSign final : public QLabel {
  public:
-  VppSign(const ProgrammerState& state, QWidget* ground);
+  VppSign(const LatchState& latches, const PortState& port, QWidget* ground);
 
   /// Looks at the latch; a voltage that comes and goes with each pulse keeps the sign up.
   void look();
@@ -25,7 +25,8 @@ class VppSign final : public QLabel {
  private:
   void setOn(const QString& text);
 
-  const ProgrammerState& state_;
+  const LatchState& latches_;
+  const PortState& port_;
   QTimer timer_;
   QElapsedTimer sinceOn_;
 };
