@@ -75,8 +75,7 @@ void DataSheetWay::erase() {
       report("Erasing", outcome);
     }
   } catch (const OperationStopped&) {
-    reporting_.LogMessage("Erasing was stopped, the chip is erased in part");
-    throw;
+    throw OperationStopped("Erasing was stopped, the chip is erased in part");
   }
   board_.bus.Reset();
   const bool isSerial = devices::familyOf(device_.FamilyCode).bus == devices::BusKind::Serial;

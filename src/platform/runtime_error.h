@@ -6,6 +6,7 @@
 #include <limits>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace kestrel {
@@ -45,9 +46,19 @@ class FileError : public RuntimeError {
 /// The person at the screen, or a signal, ended the running command.
 class OperationStopped : public std::exception {
  public:
+  OperationStopped() = default;
+
+  /// `remark` tells what the stop has left behind: a literal. It goes to the log before what(),
+  /// once the board is at rest.
+  explicit OperationStopped(const char* remark) : remark_(remark) {}
+
+  [[nodiscard]] std::string_view remark() const noexcept { return remark_; }
   [[nodiscard]] const char* what() const noexcept override {
     return "Operation stopped by operator";
   }
+
+ private:
+  std::string_view remark_;
 };
 
 [[noreturn]] void throwOverflow();

@@ -244,11 +244,18 @@ TEST(Stop, takesTheVoltageOffInTheMiddleOfARun) {
 TEST(Stop, ofAnEraseTakesTheVoltageOffAndSaysSo) {
   BySheet s(k28F010);
   s.board->loadChip(Bytes(0x20000, 0));
-  s.rig.screen.onTurn = [&] { s.rig.stop.stopCommand(); };
+  const std::string inPart = "Erasing was stopped, the chip is erased in part";
+  s.rig.screen.onTurn = [&] {
+    s.rig.stop.stopCommand();
+    EXPECT_TRUE(!s.rig.logged(inPart) || s.board->latch(0) == 0x40) << "at rest, then told";
+  };
   s.rig.press("EraseFlash_button");
   EXPECT_EQ(s.rig.result.ending, Ending::Stopped);
   EXPECT_TRUE(s.rig.logged("Erasing Device Flash Catalyst CAT28F010"));
-  EXPECT_TRUE(s.rig.logged("Erasing was stopped, the chip is erased in part"));
+  const auto log = s.rig.log();
+  ASSERT_GE(log.size(), 2U);
+  EXPECT_EQ(log[log.size() - 2], inPart);
+  EXPECT_EQ(log.back(), "Operation stopped by operator");
   s.expectRest();
 }
 

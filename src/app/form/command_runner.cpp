@@ -100,6 +100,7 @@ CommandResult CommandRunner::report(const std::exception_ptr& fault) {
   try {
     std::rethrow_exception(fault);
   } catch (const OperationStopped& stopped) {
+    if (!stopped.remark().empty()) reporting_.LogMessage(stopped.remark());
     reporting_.LogMessage(stopped.what());
     return {.ending = Ending::Stopped, .reason = stopped.what()};
   } catch (const RuntimeError& error) {
