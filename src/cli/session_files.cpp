@@ -108,10 +108,9 @@ void Session::tellLengths(const std::string& name) const {
 }
 
 std::string Session::shortFileText(const std::string& rest) const {
-  const bool byDataSheet = state().algorithms == Algorithms::DataSheet;
-  const devices::Family& family = devices::familyOf(state().FamilyCode);
   const std::int32_t kept =
-      byDataSheet ? 0 : devices::bytesKept(family, state().DeviceSizeBytes, state().CodeLength);
+      devices::bytesKept(devices::familyOf(state().FamilyCode), state().algorithms,
+                         state().DeviceSizeBytes, state().CodeLength);
   if (kept > 0) {
     return "the last " + std::to_string(kept) +
            " stay as they are; --algorithms datasheet writes them too";

@@ -138,11 +138,16 @@ const Family& familyOf(std::string_view code) {
   return found == kFamilies.end() ? kNoFamily : *found;
 }
 
-std::int32_t bytesKept(const Family& family, std::int32_t chipBytes, std::int32_t imageBytes) {
+std::int32_t wholePages(std::int32_t imageBytes, std::int32_t pageBytes) {
+  return roundedInt32(static_cast<double>(imageBytes) / pageBytes);
+}
+
+std::int32_t bytesKept(const Family& family, Algorithms algorithms, std::int32_t chipBytes,
+                       std::int32_t imageBytes) {
+  if (algorithms == Algorithms::DataSheet) return 0;
   if (family.program != ProgramRoutine::Write24C32) return 0;
   const std::int32_t pageBytes = family.serialWriter.pageBytes;
-  const std::int32_t pages = roundedInt32(static_cast<double>(imageBytes) / pageBytes);
-  return std::max(chipBytes - pages * pageBytes, 0);
+  return std::max(chipBytes - wholePages(imageBytes, pageBytes) * pageBytes, 0);
 }
 
 }  // namespace kestrel::devices

@@ -5,6 +5,8 @@
 #include <span>
 #include <string_view>
 
+#include "app/state/programmer_state.h"
+
 namespace kestrel::devices {
 
 /// How the chip is reached: by its address and data pins, or by the two wires SCL and SDA.
@@ -110,9 +112,12 @@ struct Family {
 /// The family of the code; for a code that is none a family that has no command.
 [[nodiscard]] const Family& familyOf(std::string_view code);
 
-/// How many bytes at the end of the chip the classic Program leaves as they are: a serial chip is
-/// written in whole pages, to the one that is nearest to the end of the image. Else none.
-[[nodiscard]] std::int32_t bytesKept(const Family& family, std::int32_t chipBytes,
-                                     std::int32_t imageBytes);
+/// How many pages of a serial chip the classic Program writes: whole ones, to the one that is
+/// nearest to the end of the image.
+[[nodiscard]] std::int32_t wholePages(std::int32_t imageBytes, std::int32_t pageBytes);
+
+/// How many bytes at the end of the chip Program leaves as they are; by the data sheet none.
+[[nodiscard]] std::int32_t bytesKept(const Family& family, Algorithms algorithms,
+                                     std::int32_t chipBytes, std::int32_t imageBytes);
 
 }  // namespace kestrel::devices

@@ -27,7 +27,8 @@ void ProgramCommand::ProgramData() {
 }
 
 bool ProgramCommand::isConfirmed(const std::optional<ImageCheck::Result>& check) {
-  std::vector<Fact> facts = programmingFacts(device_, buffers_, controls_, dataSheet_.isChosen());
+  const Algorithms algorithms = dataSheet_.isChosen() ? Algorithms::DataSheet : Algorithms::Classic;
+  std::vector<Fact> facts = programmingFacts(device_, buffers_, controls_, algorithms);
   if (check) facts.push_back(checkFact(*check));
   return dialogs_.messageBox({.text = "Program the Device?",
                               .title = "Safety Question",

@@ -49,7 +49,7 @@ Fact imageFact(const SelectionState& device, const BufferState& buffers) {
 }
 
 std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buffers,
-                            bool byDataSheet) {
+                            Algorithms algorithms) {
   const bool isFile =
       buffers.CodeFrom == CodeSource::File || buffers.CodeFrom == CodeSource::Import;
   if (!isFile) return {};
@@ -59,10 +59,8 @@ std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buf
              .isWarning = true}};
   }
   if (more == 0) return {};
-  const std::int32_t kept = byDataSheet
-                                ? 0
-                                : devices::bytesKept(devices::familyOf(device.FamilyCode),
-                                                     device.DeviceSizeBytes, buffers.CodeLength);
+  const std::int32_t kept = devices::bytesKept(devices::familyOf(device.FamilyCode), algorithms,
+                                               device.DeviceSizeBytes, buffers.CodeLength);
   const std::string last = "The file is shorter than the chip: the last ";
   return {{.text = kept > 0 ? last + bytes(kept) + " stay as they are"
                             : last + bytes(-more) + " get what stands in the buffer",
@@ -103,14 +101,15 @@ std::optional<double> voltageToApply(const SelectionState& device) {
 }
 
 std::vector<Fact> programmingFacts(const SelectionState& device, const BufferState& buffers,
-                                   const Controls& controls, bool byDataSheet) {
+                                   const Controls& controls, Algorithms algorithms) {
   std::vector<Fact> facts{{.text = "Device: " + std::string(trimmed(device.DeviceName)) + ", " +
                                    bytes(device.DeviceSizeBytes)},
                           imageFact(device, buffers)};
-  const std::vector<Fact> sizes = sizeFacts(device, buffers, byDataSheet);
+  const std::vector<Fact> sizes = sizeFacts(device, buffers, algorithms);
   facts.insert(facts.end(), sizes.begin(), sizes.end());
   facts.push_back(laneFact(controls));
   facts.push_back(voltageFact(device));
+  const bool byDataSheet = algorithms == Algorithms::DataSheet;
   facts.push_back({.text = byDataSheet ? "By the chip's data sheet" : "By the classic procedures"});
   const bool isVerified = controls.VerifyAfterProgramming.isTicked();
   facts.push_back({.text = isVerified ? "Verified afterwards" : "Not verified afterwards"});

@@ -18,7 +18,7 @@ namespace kestrel::operations {
 /// where something does not fit.
 [[nodiscard]] std::vector<Fact> programmingFacts(const SelectionState& device,
                                                  const BufferState& buffers,
-                                                 const Controls& controls, bool byDataSheet);
+                                                 const Controls& controls, Algorithms algorithms);
 
 /// What reading the chip before the question has shown.
 [[nodiscard]] Fact checkFact(const ImageCheck::Result& check);

@@ -3,7 +3,6 @@
 #include <string>
 #include <string_view>
 
-#include "app/state/text_format.h"
 #include "buffers/checksum.h"
 #include "devices/families.h"
 #include "platform/runtime_error.h"
@@ -56,8 +55,7 @@ void SerialEeprom::write(const Writer& writer) {
     reporting_.LogMessage("Erasing Device " + std::string(writer.chip));
     reporting_.LogMessage("Program Buffer will not be erased");
   }
-  const std::int32_t pages =
-      roundedInt32(static_cast<double>(buffers_.CodeLength) / writer.pageBytes);
+  const std::int32_t pages = devices::wholePages(buffers_.CodeLength, writer.pageBytes);
   board_.bus.OEOFF();
   board_.bus.sleepMs(kPowerUpMs);
   controls_.ProgressBar1.setMaximum(pages);
