@@ -86,13 +86,16 @@ void display(Session& s) {
   s.view().printPage(s.controls().BufferDisplay);
 }
 
-// The only thing that can fail here is the file.
+// A file that cannot be used is bad usage, as that of -i and -o is.
 void saveSetup(Session& s) {
   s.answerWith(s.arguments().setupName);
+  const CommandResult result =
+      s.tryToPress(s.controls().SaveSetup.at(s.arguments().saveSlot - 1), {});
   try {
-    s.press(s.controls().SaveSetup.at(s.arguments().saveSlot - 1), {});
+    s.endUnlessDone(result);
   } catch (const EarlyEnd& end) {
-    throw EarlyEnd(end.status() == kFailed ? kBadUsage : end.status(), end.what());
+    if (!result.isFileError || end.status() != kFailed) throw;
+    throw EarlyEnd(kBadUsage, end.what());
   }
 }
 

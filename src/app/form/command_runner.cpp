@@ -103,6 +103,10 @@ CommandResult CommandRunner::report(const std::exception_ptr& fault) {
     if (!stopped.remark().empty()) reporting_.LogMessage(stopped.remark());
     reporting_.LogMessage(stopped.what());
     return {.ending = Ending::Stopped, .reason = stopped.what()};
+  } catch (const FileError& error) {
+    CommandResult result = report(error);
+    result.isFileError = true;
+    return result;
   } catch (const RuntimeError& error) {
     return report(error);
   } catch (const std::bad_alloc&) {

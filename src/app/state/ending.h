@@ -22,6 +22,7 @@ struct CommandResult {
   Ending ending = Ending::Done;
   std::string reason = {};                   ///< in words; empty when done
   std::string remark = {};                   ///< what the person should know although it ended well
+  bool isFileError = false;                  ///< the error that ended it was a file's
   std::optional<std::int32_t> address = {};  ///< of the byte that the ending is about
 };
 
