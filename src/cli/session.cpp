@@ -125,7 +125,8 @@ bool Session::isReady() const { return p_.form.controls().Ready_label.caption() 
 
 void Session::applyOptions() {
   const Arguments& a = p_.arguments;
-  controls().CheckChipFirst.setValue(0);  // on at first in one way of working; here it is asked for
+  // On at first in one way of working; here it is asked for.
+  use([this] { controls().CheckChipFirst.setValue(0); });
   try {
     work::applyWork(p_.form, a, p_.device, [this](const auto& event) { use(event); });
   } catch (const launch::UsageError& error) {

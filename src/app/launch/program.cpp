@@ -66,7 +66,9 @@ LaunchedProgram::LaunchedProgram(const LaunchOptions& options, std::string_view 
                            : waveform::RecordingPort::Nanoseconds()},
                frontEnd, stop, time_, folders_, trace_.isOpen() ? &trace_.stream() : nullptr) {
   // Before the start-up, whose search for a board goes by it.
-  if (options.algorithms == Algorithms::DataSheet) form().controls().AlgorithmSelection[1].press();
+  if (options.algorithms == Algorithms::DataSheet) {
+    (void)form().runner().run([this] { form().controls().AlgorithmSelection[1].press(); });
+  }
   if (program_.recorder() == nullptr) return;
   waves_.emplace(*program_.recorder(), program_.form(), stop);
   if (!options.waves.empty()) waves_->begin(options.waves);

@@ -357,7 +357,7 @@ void MainWindow::start(int windowsBefore) {
 
 void MainWindow::restoreAlgorithms() {
   if (parts_.settings.value(kSection, "Algorithms") != "DataSheet") return;
-  controls_.AlgorithmSelection[1].press();
+  (void)parts_.form.runner().run([this] { controls_.AlgorithmSelection[1].press(); });
 }
 
 void MainWindow::offerSimulation(std::function<void()> simulate) {
