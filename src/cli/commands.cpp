@@ -18,7 +18,6 @@
 #include "cli/silent_parts.h"
 #include "devices/remarks.h"
 #include "platform/polled_io.h"
-#include "platform/runtime_error.h"
 
 namespace kestrel::cli {
 namespace {
@@ -147,17 +146,9 @@ int runAtForm(const Arguments& a, const std::vector<const Command*>& commands, S
   const std::string chip =
       device != nullptr ? launch::chipTypeForDevice(device->name) : std::string();
   std::optional<launch::LaunchedProgram> launched;
-  try {
-    launched.emplace(a.launch, chip,
-                     launch::FrontEnd{.sounds = sounds,
-                                      .settings = settings,
-                                      .help = help,
-                                      .dialogs = dialogs,
-                                      .screen = view},
-                     stop);
-  } catch (const OperationStopped&) {
-    return signals.exitStatus();  // at a pipe that was to be a file of the options
-  }
+  const launch::FrontEnd frontEnd{
+      .sounds = sounds, .settings = settings, .help = help, .dialogs = dialogs, .screen = view};
+  if (!launch::launchProgram(launched, a.launch, chip, frontEnd, stop)) return signals.exitStatus();
   launch::LaunchedProgram& program = *launched;
   form::frmMain& form = program.form();
   view.mirror(form.controls());

@@ -74,4 +74,14 @@ LaunchedProgram::LaunchedProgram(const LaunchOptions& options, std::string_view 
   if (!options.waves.empty()) waves_->begin(options.waves);
 }
 
+bool launchProgram(std::optional<LaunchedProgram>& program, const LaunchOptions& options,
+                   std::string_view defaultChip, const FrontEnd& frontEnd, StopSwitch& stop) {
+  try {
+    program.emplace(options, defaultChip, frontEnd, stop);
+    return true;
+  } catch (const OperationStopped&) {
+    return false;
+  }
+}
+
 }  // namespace kestrel::launch

@@ -122,4 +122,10 @@ class LaunchedProgram {
   std::optional<WaveFile> waves_;
 };
 
+/// Puts the program together in `program`; false when it was stopped while a pipe that was to be a
+/// file of the options kept it waiting. Throws the errors of LaunchedProgram.
+[[nodiscard]] bool launchProgram(std::optional<LaunchedProgram>& program,
+                                 const LaunchOptions& options, std::string_view defaultChip,
+                                 const FrontEnd& frontEnd, StopSwitch& stop);
+
 }  // namespace kestrel::launch

@@ -21,7 +21,6 @@
 #include "app/window/signal_end.h"
 #include "hardware/ports/signal_stop.h"
 #include "platform/file_names.h"
-#include "platform/runtime_error.h"
 
 namespace kestrel::window {
 namespace {
@@ -57,6 +56,23 @@ void changeToSimulation(form::frmMain& form, MainWindow& window) {
   if (QProcess::startDetached(QCoreApplication::applicationFilePath(), arguments)) window.close();
 }
 
+/// The simulated board's panel, and its socket wherever the window tells of the chip in it.
+void fitSimulation(launch::SimulatedBoard& simulated, form::CommandRunner& runner, HeldInput& input,
+                   MainWindow& window) {
+  auto* const panel = new SimulatedBoardPanel(simulated, runner, input, &window);
+  window.addSidePanel(*panel, "Simulated board");
+  window.changeChipsBy({.changeChip = [&simulated](std::size_t n) { simulated.changeChip(n); },
+                        .keepChip = [&simulated] { simulated.saveChip(); }});
+  watchSocket(simulated, window.deviceCard());
+  window.onLeaving([panel] { return panel->keepChip(); });
+}
+
+/// What helps where the board is not found at the ports of this computer.
+void fitRealPorts(launch::LaunchedProgram& program, SettingsStore& settings, MainWindow& window) {
+  window.addLinkEntry([&] { return askForLink(program, settings, window); });
+  window.offerSimulation([&] { changeToSimulation(program.form(), window); });
+}
+
 /// Puts the program together in the order of its layers and runs it until the window is closed.
 /// Returns the exit status.
 int runProgram(const Arguments& arguments) {
@@ -70,16 +86,11 @@ int runProgram(const Arguments& arguments) {
   QtSoundPlayer sounds;
   QtHelpViewer help(screen);
   std::optional<launch::LaunchedProgram> launched;
-  try {
-    launched.emplace(withKeptLink(arguments.launch, settings), kDefaultChip,
-                     launch::FrontEnd{.sounds = sounds,
-                                      .settings = settings,
-                                      .help = help,
-                                      .dialogs = dialogs,
-                                      .screen = screen},
-                     stop);
-  } catch (const OperationStopped&) {
-    return signalStop.exitStatus();  // at a pipe that was to be a file of the options
+  const launch::FrontEnd frontEnd{
+      .sounds = sounds, .settings = settings, .help = help, .dialogs = dialogs, .screen = screen};
+  const launch::LaunchOptions options = withKeptLink(arguments.launch, settings);
+  if (!launch::launchProgram(launched, options, kDefaultChip, frontEnd, stop)) {
+    return signalStop.exitStatus();
   }
   launch::LaunchedProgram& program = *launched;
   MainWindow window({.form = program.form(),
@@ -93,16 +104,9 @@ int runProgram(const Arguments& arguments) {
   help.setOwner(window);
   launch::SimulatedBoard* const simulated = program.simulated();
   if (simulated != nullptr) {
-    auto* const panel =
-        new SimulatedBoardPanel(*simulated, program.form().runner(), input, &window);
-    window.addSidePanel(*panel, "Simulated board");
-    window.changeChipsBy({.changeChip = [simulated](std::size_t n) { simulated->changeChip(n); },
-                          .keepChip = [simulated] { simulated->saveChip(); }});
-    watchSocket(*simulated, window.deviceCard());
-    window.onLeaving([panel] { return panel->keepChip(); });
+    fitSimulation(*simulated, program.form().runner(), input, window);
   } else {
-    window.addLinkEntry([&] { return askForLink(program, settings, window); });
-    window.offerSimulation([&] { changeToSimulation(program.form(), window); });
+    fitRealPorts(program, settings, window);
   }
   if (program.waves() != nullptr) window.offerWaves(*program.waves());
   if (!arguments.launch.algorithms) window.restoreAlgorithms();
