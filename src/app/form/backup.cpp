@@ -5,6 +5,7 @@
 
 #include "app/state/text_format.h"
 #include "images/checksums.h"
+#include "images/identity.h"
 
 namespace kestrel::form {
 namespace {
@@ -31,9 +32,7 @@ std::string dateAndTime() {
   return text;
 }
 
-bool isBlank(const std::vector<std::uint8_t>& chip) {
-  return std::ranges::all_of(chip, [](std::uint8_t byte) { return byte == kErased; });
-}
+bool isBlank(const std::vector<std::uint8_t>& chip) { return images::isAll(chip, kErased); }
 
 CommandResult keepContents(frmMain& form, const std::filesystem::path& folder,
                            const std::vector<std::uint8_t>& chip) {

@@ -6,6 +6,7 @@
 #include "app/state/text_format.h"
 #include "devices/families.h"
 #include "images/checksums.h"
+#include "images/identity.h"
 
 namespace kestrel::form {
 namespace {
@@ -83,10 +84,10 @@ std::string ChipSeries::giveNumber() {
 // An EEPROM may hold anything, but not 00h everywhere by chance: the pins are open there.
 CommandResult ChipSeries::checkSocket() {
   const devices::Family& family = devices::familyOf(form_.state().FamilyCode);
-  const bool isSerial = family.bus == devices::BusKind::Serial;  // asks for an acknowledge itself
-  if (isSerial && !operator_.keepsContents()) return {};
-  if (isSerial) return checkContact();
-  if (family.offersErase || !family.hasBlankCheck) return checkContact();
+  if (family.bus == devices::BusKind::Serial) {  // asks for an acknowledge by itself
+    return operator_.keepsContents() ? checkContents(true) : CommandResult();
+  }
+  if (family.offersErase || !family.hasBlankCheck) return checkContents(false);
   CommandResult result = form_.runner().press(form_.controls().Blank_button);
   if (result.ending == Ending::Differs && form_.state().ReadByte == 0) {
     result.reason = result.reason + " (it reads 00h there: look at the contact)";
@@ -94,17 +95,14 @@ CommandResult ChipSeries::checkSocket() {
   return result;
 }
 
-CommandResult ChipSeries::checkContact() {
+CommandResult ChipSeries::checkContents(bool mayBeZero) {
   std::vector<std::uint8_t> chip;
   CommandResult result = form_.readAside(chip);
-  const bool isSerial = devices::familyOf(form_.state().FamilyCode).bus == devices::BusKind::Serial;
-  const bool isZero =
-      !isSerial && std::ranges::all_of(chip, [](std::uint8_t byte) { return byte == 0; });
-  if (result.ending == Ending::Done && isZero) {
+  if (result.ending != Ending::Done) return result;
+  if (!mayBeZero && images::isAll(chip, 0)) {
     return {.ending = Ending::Failed, .reason = "every byte reads 00h: the chip has no contact"};
   }
-  if (result.ending == Ending::Done && operator_.keepsContents()) return operator_.keep(chip);
-  return result;
+  return operator_.keepsContents() ? operator_.keep(chip) : result;
 }
 
 CommandResult ChipSeries::program() {

@@ -57,7 +57,7 @@ class ChipSeries {
   [[nodiscard]] std::string giveNumber();
   void settleNumber(SeriesChip& chip);
   [[nodiscard]] CommandResult checkSocket();
-  [[nodiscard]] CommandResult checkContact();
+  [[nodiscard]] CommandResult checkContents(bool mayBeZero);
   [[nodiscard]] CommandResult program();
   [[nodiscard]] std::string sumOfImage();
   void dismissAlert();

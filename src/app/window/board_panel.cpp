@@ -15,12 +15,14 @@
 #include <algorithm>
 #include <utility>
 
+#include "app/state/programmer_state.h"
 #include "app/window/binder.h"
 #include "app/window/board_faults.h"
 #include "app/window/device_card.h"
 #include "app/window/elided_label.h"
 #include "app/window/file_of.h"
 #include "app/window/wheel_guard.h"
+#include "images/identity.h"
 #include "platform/atomic_file.h"
 #include "platform/runtime_error.h"
 #include "simulator/chip_factory.h"
@@ -306,8 +308,7 @@ void SimulatedBoardPanel::showState() {
   if (chip == nullptr) {
     chip_->setText("Empty");
   } else {
-    const bool blank =
-        std::ranges::all_of(chip->contents(), [](auto cell) { return cell == 0xFF; });
+    const bool blank = images::isAll(chip->contents(), kErased);
     const QString state = chip->isDamaged() ? "<b>damaged</b>: it does not answer any more"
                           : blank           ? "blank"
                                             : "holds data";
