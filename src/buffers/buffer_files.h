@@ -19,7 +19,7 @@
 namespace kestrel::buffers {
 
 /// Raw binary files into the code and the data buffer and out of them. A file that cannot be read
-/// or written is told in a message box and the log, and nothing else has changed then.
+/// or written is reported in a message box and the log, and nothing else has changed then.
 class BufferFiles {
  public:
   BufferFiles(BufferState& buffers, const SelectionState& device, Controls& controls,
@@ -77,7 +77,7 @@ class BufferFiles {
   void EraseDataBuffer();
 
  private:
-  /// Runs the steps; a FileError is told and gives false.
+  /// Runs the steps; a FileError is reported and gives false.
   bool tried(const char* title, const std::function<void()>& steps);
   void startOpening();
   void openDataFile(const std::string& name);

@@ -4,7 +4,7 @@ namespace kestrel::cli {
 
 class Session;
 
-/// `compare`: reads the chip and tells every difference from -i FILE and what they mean. Throws
+/// `compare`: reads the chip and reports every difference from -i FILE and what they mean. Throws
 /// EarlyEnd with kDiffers when there is one.
 void compareChip(Session& session);
 

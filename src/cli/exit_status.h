@@ -53,7 +53,7 @@ inline constexpr int kCancelled = 5;  ///< by the answer to a question
 }
 
 /// Ends the run before its last step. The text is for the person at the terminal; it is empty when
-/// the reason has been told already.
+/// the reason has been reported already.
 class EarlyEnd : public std::runtime_error {
  public:
   explicit EarlyEnd(int status, const std::string& text = {})

@@ -161,7 +161,7 @@ Bytes imageOf(const Arguments& a) {
   return images::place(records, a.image.placement, 0);
 }
 
-void tellResult(const Arguments& a, const Bytes& image) {
+void printResult(const Arguments& a, const Bytes& image) {
   const images::Identity identity = images::identify(image);
   if (a.json) {
     Json line = jsonEvent("image");
@@ -191,8 +191,8 @@ void printInfo(const std::string& name, const images::Records& records,
   }
 }
 
-// A file is told about by what it looks like unless the format is said; records wherever they lie.
-int tellAbout(const Arguments& a, const std::string& name) {
+// A file is described by what it looks like unless the format is said; records wherever they lie.
+int printAbout(const Arguments& a, const std::string& name) {
   const images::Format* const format = a.image.format ? a.image.formatToRead() : nullptr;
   const images::Records records = images::readImageFile(name, format);
   images::Placement placement = a.image.placement;
@@ -214,7 +214,7 @@ int run(const Arguments& a) {
   const Words words(a.words);
   if (words.front() == "info") {
     if (words.size() != 2) throw launch::UsageError("image info wants the name of one file");
-    return tellAbout(a, words[1] == "-" ? kStandardInput : words[1]);
+    return printAbout(a, words[1] == "-" ? kStandardInput : words[1]);
   }
   const Operation& operation = operationNamed(words.front());
   checkWords(operation, a, words.size() - 1);
@@ -223,7 +223,7 @@ int run(const Arguments& a) {
   const images::Placement placement = a.codeFile ? images::Placement{} : a.image.placement;
   writeFileAtomically(*a.saveFile,
                       images::exported(image, placement, a.image.formatToWrite(*a.saveFile)));
-  tellResult(a, image);
+  printResult(a, image);
   return kDone;
 }
 

@@ -4,7 +4,7 @@
 
 namespace kestrel::cli {
 
-/// `image OPERATION WORD...`: tells about a file or changes it, without a form and without a board.
+/// `image OPERATION WORD...`: describes a file or changes it, without a form and without a board.
 /// Throws UsageError, FileError.
 [[nodiscard]] int changeImage(const Arguments& arguments);
 

@@ -28,7 +28,7 @@ class JsonReport {
   /// An entry of the log: "HH:MM:SS>  TEXT".
   void log(std::string_view entry);
 
-  /// Of the running command; told once a percent.
+  /// Of the running command; written once a percent.
   void progress(std::int32_t value, std::int32_t maximum);
 
   void difference(const images::Comparison& comparison);

@@ -21,7 +21,7 @@ constexpr const char* kTestText =
 
 }  // namespace
 
-void tell(const std::string& text) {
+void printMessage(const std::string& text) {
   if (!text.empty()) std::cerr << "kestrel-cli: " << shownName(text) << std::endl;
 }
 
@@ -52,10 +52,10 @@ int Session::attempt(const std::vector<const Command*>& commands) {
   }
 }
 
-/// What ended a run before its first command is told as that command's end.
+/// What ended a run before its first command is reported as that command's end.
 int Session::ended(const Command& first, int status, const std::string& reason) {
   p_.view.clearProgress();
-  tell(reason);
+  printMessage(reason);
   if (!isReported_) {
     if (last_.reason.empty()) last_.reason = reason;
     reportResult(first, status, std::chrono::steady_clock::now());
@@ -115,7 +115,8 @@ void Session::checkBoard() const {
 // A setup may tick neither; the command would do nothing, and well.
 void Session::checkMemory(const Command& command) const {
   const Controls& c = p_.form.controls();
-  if (p_.device == nullptr && p_.form.state().FamilyCode.empty()) return;  // told by the command
+  if (p_.device == nullptr && p_.form.state().FamilyCode.empty())
+    return;  // reported by the command
   if (c.CheckCode.isTicked() || c.CheckData.isTicked()) return;
   throw EarlyEnd(kBadUsage, "neither the code nor the data memory is ticked: there is nothing to " +
                                 std::string(command.name) + "; -d NAME ticks the code");
@@ -162,11 +163,11 @@ void Session::use(const std::function<void()>& event) {
 void Session::endUnlessDone(const CommandResult& result) {
   last_ = result;
   if (p_.signals.isEndRequested()) throw EarlyEnd(p_.signals.exitStatus());
-  tell(result.remark);
-  // What a box or a question has told already is not told again.
-  const bool isTold = result.ending != Ending::Differs && result.ending != Ending::Failed;
+  printMessage(result.remark);
+  // What a box or a question has said already is not said again.
+  const bool isReported = result.ending != Ending::Differs && result.ending != Ending::Failed;
   if (result.ending != Ending::Done) {
-    throw EarlyEnd(statusOf(result.ending), isTold ? std::string() : result.reason);
+    throw EarlyEnd(statusOf(result.ending), isReported ? std::string() : result.reason);
   }
 }
 
@@ -182,7 +183,7 @@ void Session::finish(int& status, const char* option, const std::function<void()
   try {
     steps();
   } catch (const FileError& error) {
-    tell(std::string(option) + ": " + error.what());
+    printMessage(std::string(option) + ": " + error.what());
     if (status == kDone) status = kBadUsage;
   } catch (const OperationStopped&) {
     // By the signal that the status tells.
@@ -208,31 +209,32 @@ void Session::changeSimulatedChip(std::size_t number) {
 void Session::shutDown(int& status) {
   p_.form.Form_Unload();
   p_.view.clearProgress();
-  tellVoltage(status);
+  warnOfVoltage(status);
   finish(status, "--trace", [this] { p_.trace.finish(); });
   if (p_.waves != nullptr) {
     finish(status, "--waves", [this] {
       p_.waves->end();
-      tell("--waves: " + p_.waves->summary());
+      printMessage("--waves: " + p_.waves->summary());
     });
   }
   if (p_.simulated == nullptr) return;
-  tellFindings();
+  printFindings();
   p_.simulated->putChipBack();
   finish(status, "--chip", [this] { p_.simulated->saveChip(); });
 }
 
 // In the classic way the read-back lets two drivers meet on the data lines, which is known.
-void Session::tellFindings() const {
+void Session::printFindings() const {
   if (p_.arguments.launch.algorithms != Algorithms::DataSheet) return;
   for (const auto& finding : p_.simulated->bench().findings().all()) {
-    tell("simulated board: " + finding.text + " (" + std::to_string(finding.count) + " times)");
+    printMessage("simulated board: " + finding.text + " (" + std::to_string(finding.count) +
+                 " times)");
   }
 }
 
-void Session::tellVoltage(int& status) const {
+void Session::warnOfVoltage(int& status) const {
   if (!p_.form.mayVoltageBeOn()) return;
-  tell(form::kVoltageWarning);
+  printMessage(form::kVoltageWarning);
   if (status == kDone) status = kFailed;
 }
 

@@ -23,7 +23,7 @@
 namespace kestrel::cli {
 
 /// Says it on standard error; nothing for an empty text.
-void tell(const std::string& text);
+void printMessage(const std::string& text);
 
 /// One run at the form: start-up, the options, the command, saving, shut-down. Every step is the
 /// press of the control that a person would press; what was not asked for presses nothing.
@@ -47,7 +47,7 @@ class Session {
   explicit Session(const Parts& parts) : p_(parts) {}
 
   /// Runs it all and returns the exit status. A step that cannot be done ends the run before its
-  /// end, but never without shutting down. Reasons are told on standard error. Throws FileError,
+  /// end, but never without shutting down. Reasons are written to standard error. Throws FileError,
   /// before anything is begun, for a file that cannot be written.
   int run(const std::vector<const Command*>& commands);
 
@@ -118,13 +118,13 @@ class Session {
   void openCodeFile(const std::string& name);
   void importCodeFile(const std::string& name);
   void hintForRaw(const std::string& name) const;
-  void tellLengths(const std::string& name) const;
+  void printLengths(const std::string& name) const;
   [[nodiscard]] std::string shortFileText(const std::string& rest) const;
   void saveBuffer(const std::string& name);
   void exportBuffer(const std::string& name);
   void shutDown(int& status);
-  void tellFindings() const;
-  void tellVoltage(int& status) const;
+  void printFindings() const;
+  void warnOfVoltage(int& status) const;
   static void finish(int& status, const char* option, const std::function<void()>& steps);
 
   Parts p_;

@@ -45,7 +45,7 @@ void Session::keepChip() {
 void Session::openCodeFile(const std::string& name) {
   if (p_.arguments.image.isImport()) {
     importCodeFile(name);
-    tellLengths(name);
+    printLengths(name);
     return;
   }
   const auto open = [&] {
@@ -58,7 +58,7 @@ void Session::openCodeFile(const std::string& name) {
     press(controls().Erase_button, "--pad-ff: there is no buffer to fill");
     open();
   }
-  tellLengths(name);
+  printLengths(name);
   hintForRaw(name);
 }
 
@@ -81,11 +81,11 @@ void Session::hintForRaw(const std::string& name) const {
   const auto bytes =
       std::span(state().CodeBuffer).first(static_cast<std::size_t>(state().CodeLength));
   const std::string hint = images::hintForRaw(bytes);
-  if (!hint.empty()) tell(shownName(name) + ": " + hint);
+  if (!hint.empty()) printMessage(shownName(name) + ": " + hint);
 }
 
 // A file of another length than the chip's is no error.
-void Session::tellLengths(const std::string& name) const {
+void Session::printLengths(const std::string& name) const {
   const std::int64_t bytes = state().CodeLength;
   const std::int64_t size = state().DeviceSizeBytes;
   const bool programs = p_.arguments.runs("program");
@@ -99,11 +99,11 @@ void Session::tellLengths(const std::string& name) const {
                               std::to_string(size) + ": ";
   const auto last = [](std::int64_t count) { return "the last " + std::to_string(count); };
   if (bytes > size) {
-    tell(lengths + last(bytes - size) + " are left out");
+    printMessage(lengths + last(bytes - size) + " are left out");
   } else if (programs) {
-    tell(lengths + shortFileText(last(size - bytes)));
+    printMessage(lengths + shortFileText(last(size - bytes)));
   } else if (p_.arguments.runs("verify") || p_.arguments.runs("compare")) {
-    tell(lengths + "it is compared as far as the file goes");
+    printMessage(lengths + "it is compared as far as the file goes");
   }
 }
 

@@ -20,7 +20,7 @@ class FlashChip : public ParallelChip {
   /// Selects the chip and makes it take commands.
   virtual void powerUp() = 0;
 
-  /// Enters the mode in which the chip tells its codes, and leaves it.
+  /// Enters the mode in which the chip shows its codes, and leaves it.
   [[nodiscard]] virtual devices::ChipCodes readCodes() = 0;
   virtual void leaveCodes() = 0;
 

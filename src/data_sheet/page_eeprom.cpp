@@ -18,7 +18,7 @@ constexpr std::uint8_t kEndProtection = 0x20;
 
 // A load that the computer interrupts for longer than the window leaves half a page: it is sent
 // again. Two plain tries come before the chip is taken for a protected one.
-constexpr int kTries = 6;
+constexpr int kPageAttempts = 6;
 constexpr int kPlainTries = 2;
 
 constexpr std::size_t kFirstComparedBytes = 2;
@@ -77,7 +77,7 @@ Outcome PageEeprom::programPage(std::uint32_t first, Page page) {
   const bool mustBeSent = chip().protection == Protection::On && first == 0;
   Outcome outcome = compare(first, page);
   if (outcome.isDone() && !mustBeSent) return outcome;
-  for (int tries = 0; tries < kTries; ++tries) {
+  for (int tries = 0; tries < kPageAttempts; ++tries) {
     if (tries == kPlainTries && chip().protection == Protection::Keep) unlocksPages_ = true;
     outcome = writePage(first, page);
     if (!outcome.isDone()) return outcome;

@@ -7,7 +7,7 @@
 
 namespace kestrel::guard {
 
-/// What the guard is told on its command line:
+/// What the guard is given on its command line:
 ///
 ///   vpp-guard LINK MEMORY PORT ppdev            a port by the driver ppdev
 ///   vpp-guard LINK MEMORY PORT direct ADDRESS   by direct access, at an address in hex

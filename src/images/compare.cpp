@@ -146,7 +146,7 @@ void findCauses(const Pair& pair, std::vector<Finding>& found) {
   findSwappedLanes(pair, found);
 }
 
-void tellBits(const Comparison& result, std::vector<Finding>& found) {
+void noteBits(const Comparison& result, std::vector<Finding>& found) {
   if (result.bitsToErase == 0) {
     found.push_back({Meaning::Programmable,
                      "every difference is a 1 that has to be a 0: the chip "
@@ -191,7 +191,7 @@ Comparison compare(ImageSpan chip, ImageSpan image) {
   count(pair, result);
   if (result.isEqual()) return result;
   findCauses(pair, result.findings);
-  tellBits(result, result.findings);
+  noteBits(result, result.findings);
   return result;
 }
 

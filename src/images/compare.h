@@ -28,7 +28,7 @@ struct Finding {
 };
 
 /// All differences of two images, address by address. Where one is longer, its rest is not
-/// compared, but its length is told.
+/// compared, but its length is reported.
 struct Comparison {
   std::size_t comparedBytes = 0;
   std::size_t chipBytes = 0;

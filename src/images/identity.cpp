@@ -10,7 +10,7 @@ namespace {
 
 constexpr std::uint8_t kBlank = 0xFF;
 constexpr std::size_t kLeastText = 8;  // shorter runs are found in any code
-constexpr std::size_t kTextsTold = 4;
+constexpr std::size_t kShownTexts = 4;
 constexpr std::size_t kMostOfAText = 60;
 constexpr std::size_t kSmallestPeriod = 256;
 
@@ -31,21 +31,21 @@ std::size_t periodOf(ImageSpan image) {
   return period == image.size() ? 0 : period;
 }
 
-void tellUniform(ImageSpan image, std::vector<std::string>& told) {
+void noteUniform(ImageSpan image, std::vector<std::string>& notes) {
   if (isAll(image, kBlank)) {
-    told.emplace_back("a blank chip: every byte is FFh");
+    notes.emplace_back("a blank chip: every byte is FFh");
   } else if (isAll(image, 0)) {
-    told.emplace_back("every byte is 00h: a chip of another kind, or no contact");
+    notes.emplace_back("every byte is 00h: a chip of another kind, or no contact");
   } else if (isAll(image.subspan(image.size() / 2), kBlank)) {
-    told.emplace_back("the upper half is blank");
+    notes.emplace_back("the upper half is blank");
   }
 }
 
-void tellPeriod(const Identity& identity, std::vector<std::string>& told) {
+void notePeriod(const Identity& identity, std::vector<std::string>& notes) {
   if (identity.period == 0) return;
-  told.push_back("the same " + std::to_string(identity.period) + " bytes " +
-                 std::to_string(identity.bytes / identity.period) +
-                 " times: the image of a smaller chip");
+  notes.push_back("the same " + std::to_string(identity.period) + " bytes " +
+                  std::to_string(identity.bytes / identity.period) +
+                  " times: the image of a smaller chip");
 }
 
 }  // namespace
@@ -88,13 +88,13 @@ Identity identify(ImageSpan image) {
                     .blankBytes = static_cast<std::size_t>(std::ranges::count(image, kBlank)),
                     .period = periodOf(image)};
   if (image.empty()) return identity;
-  tellUniform(image, identity.looksLike);
-  tellPeriod(identity, identity.looksLike);
+  noteUniform(image, identity.looksLike);
+  notePeriod(identity, identity.looksLike);
   const Format& look = formatByLook(image);
   if (look.id != FormatId::Binary) {
     identity.looksLike.push_back(std::string(look.title) + " records as text");
   }
-  for (const FoundText& found : findTexts(image, kTextsTold)) {
+  for (const FoundText& found : findTexts(image, kShownTexts)) {
     identity.looksLike.push_back("text at " + addressText(found.address) + ": \"" +
                                  found.text.substr(0, kMostOfAText) + "\"");
   }

@@ -8,7 +8,7 @@
 
 namespace kestrel::images {
 
-/// What an image can be told by.
+/// What an image is known by.
 struct Identity {
   std::size_t bytes = 0;
   std::uint32_t sum = 0;

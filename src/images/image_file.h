@@ -20,7 +20,7 @@ struct Placement {
 /// The buffer's size: the longest image that there is.
 inline constexpr std::size_t kMostImageBytes = 2'100'001;
 
-/// Reads a file in this format, or in the one that it looks like. Throws FileError that tells the
+/// Reads a file in this format, or in the one that it looks like. Throws FileError that names the
 /// file, the line and the reason, OperationStopped at a pipe.
 [[nodiscard]] Records readImageFile(const std::filesystem::path& path, const Format* format,
                                     const StopSwitch* stop = nullptr);

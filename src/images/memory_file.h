@@ -10,7 +10,7 @@
 namespace kestrel::images {
 
 /// A file in memory with a name, for a library that opens files by their names alone. What could
-/// make such a file fail is found here, where it can be told, and not in the library.
+/// make such a file fail is found here, where it can be explained, and not in the library.
 class MemoryFile {
  public:
   /// Holds these bytes. Throws FileError.

@@ -6,7 +6,7 @@ namespace kestrel::images {
 namespace {
 
 constexpr int kHexadecimal = 16;
-constexpr std::size_t kRangesTold = 8;
+constexpr std::size_t kShownRanges = 8;
 
 }  // namespace
 
@@ -69,11 +69,11 @@ void addAddress(std::vector<Range>& ranges, std::uint32_t address) {
 
 std::string rangesText(const std::vector<Range>& ranges) {
   std::string text;
-  for (std::size_t i = 0; i < ranges.size() && i < kRangesTold; ++i) {
+  for (std::size_t i = 0; i < ranges.size() && i < kShownRanges; ++i) {
     text += (i == 0 ? "" : ", ") + rangeText(ranges[i]);
   }
-  if (ranges.size() > kRangesTold) {
-    text += " and " + std::to_string(ranges.size() - kRangesTold) + " more";
+  if (ranges.size() > kShownRanges) {
+    text += " and " + std::to_string(ranges.size() - kShownRanges) + " more";
   }
   return text;
 }

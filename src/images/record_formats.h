@@ -43,7 +43,7 @@ struct Format {
 [[nodiscard]] const Format& formatNamed(std::string_view name);
 
 /// What the first record says: its mark and the shape of the line behind it. Binary when it has
-/// the shape of none. A damaged record later on changes nothing: that is for the reader to tell.
+/// the shape of none. A damaged record later on changes nothing: that is for the reader to report.
 [[nodiscard]] const Format& formatByLook(std::span<const std::uint8_t> file);
 
 /// By the ending of a file's name; binary for one that is nobody's.

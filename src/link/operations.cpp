@@ -66,11 +66,11 @@ std::optional<LatchLoad> fastLoad(Operations o) {
 
 class Writer {
  public:
-  Writer(EncodedOperations& result, std::int64_t& toldDelayCounts)
-      : result_(result), toldDelayCounts_(toldDelayCounts) {}
+  Writer(EncodedOperations& result, std::int64_t& sentDelayCounts)
+      : result_(result), sentDelayCounts_(sentDelayCounts) {}
 
   void load(const LatchLoad& load) {
-    if (!load.isFast) tellDelay(load.delayCounts);
+    if (!load.isFast) encodeDelay(load.delayCounts);
     put((load.isFast ? kOpLoadLatchFast : kOpLoadLatch) | load.idle);
     put(load.value);
     result_.waitCounts += load.delayCounts;
@@ -121,9 +121,9 @@ class Writer {
     }
   }
 
-  void tellDelay(std::int64_t counts) {
-    if (counts == toldDelayCounts_) return;
-    toldDelayCounts_ = counts;
+  void encodeDelay(std::int64_t counts) {
+    if (counts == sentDelayCounts_) return;
+    sentDelayCounts_ = counts;
     put(kOpLoadDelay);
     putWord(counts);
   }
@@ -136,7 +136,7 @@ class Writer {
   }
 
   EncodedOperations& result_;
-  std::int64_t& toldDelayCounts_;
+  std::int64_t& sentDelayCounts_;
 };
 
 // Writes what stands first and says how many operations that were.
@@ -166,7 +166,7 @@ void OperationEncoder::add(const Operation& operation) {
 }
 
 void OperationEncoder::encodeFirst() {
-  Writer writer(encoded_, toldDelayCounts_);
+  Writer writer(encoded_, sentDelayCounts_);
   const auto count = static_cast<std::ptrdiff_t>(writeFirst(ahead_, writer));
   ahead_.erase(ahead_.begin(), ahead_.begin() + count);
 }

@@ -26,7 +26,7 @@ struct EncodedOperations {
 ///
 /// What the program does to load a latch (data, idle code, delay, strobe code, idle code) becomes
 /// one operation of two bytes; the strobe code is the idle code with bit 0 turned over. The delay
-/// stands in the adapter from block to block, so the encoder remembers which one it has told.
+/// stands in the adapter from block to block, so the encoder remembers which one it has sent.
 class OperationEncoder {
  public:
   void add(const Operation& operation);
@@ -46,7 +46,7 @@ class OperationEncoder {
   EncodedOperations encoded_;
   std::vector<Operation> ahead_;  // not encoded yet: they may begin a latch load
   std::size_t reads_ = 0;
-  std::int64_t toldDelayCounts_ = 0;
+  std::int64_t sentDelayCounts_ = 0;
 };
 
 }  // namespace kestrel::link

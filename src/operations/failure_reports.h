@@ -12,7 +12,7 @@
 
 namespace kestrel::operations {
 
-/// What the operator is told when an operation fails. Each report raises the error alert.
+/// What the operator sees when an operation fails. Each report raises the error alert.
 class FailureReports {
  public:
   FailureReports(LatchState& latches, OperationState& operation, const BufferState& buffers,

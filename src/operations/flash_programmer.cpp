@@ -11,7 +11,7 @@ constexpr std::int16_t kMakerAmd = 0x01;
 constexpr std::int16_t kMakerEon = 0x1C;
 constexpr std::int16_t kMakerAtmel = 0x1F;
 
-constexpr int kTries = 50;
+constexpr int kByteAttempts = 50;
 constexpr std::int32_t kAtmelByteMs = 1;
 constexpr std::int64_t kLoopTestCounts = 10000;
 constexpr std::int32_t kLoopTestRounds = 1000;
@@ -62,7 +62,7 @@ bool FlashProgrammer::programPage() {
 }
 
 bool FlashProgrammer::programByte() {
-  int tries = kTries;
+  int tries = kByteAttempts;
   do {
     if (--tries == 0) {
       reports_.ProgramFailureReport();

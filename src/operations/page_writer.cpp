@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::int32_t kPages = 512;
 constexpr std::int32_t kWritePageBytes = 64;
-constexpr int kTries = 80;
+constexpr int kPageAttempts = 79;
 constexpr std::int32_t kBeforePageMs = 1;
 constexpr std::int32_t kWriteCycleMs = 3;
 constexpr std::int32_t kBlinkMask = 7;
@@ -90,7 +90,7 @@ void PageWriter::finish(const char* message) {
 }
 
 bool PageWriter::programPage(const devices::PageWritePins& pins, std::int32_t page) {
-  for (int tries = kTries - 1; tries > 0; --tries) {
+  for (int left = kPageAttempts; left > 0; --left) {
     protection_.speedDelay(kBeforePageMs);
     board_.registers.REG4ON();
     latchPageAddress(pins, page);

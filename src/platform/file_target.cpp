@@ -85,7 +85,7 @@ void FileTarget::commit(std::span<const std::uint8_t> bytes, const StopSwitch* s
   if (error != 0) fail(error);
 }
 
-// A name that leads nowhere or to a folder is told as it was given; of any other the folder may be
+// A name that leads nowhere or to a folder is shown as it was given; of any other the folder may be
 // the reason.
 void FileTarget::fail(int error) const {
   const bool isAsGiven = error == ENOENT || error == EISDIR;

@@ -20,7 +20,7 @@ class OutputBuffer final : public std::streambuf {
   /// a pipe has no reader. The switch outlives this.
   OutputBuffer(const std::filesystem::path& path, const StopSwitch& stop);
 
-  /// An open file under the name that an error tells.
+  /// An open file under the name that an error names.
   OutputBuffer(Descriptor file, std::string name, const StopSwitch& stop);
 
   ~OutputBuffer() override;

@@ -53,7 +53,7 @@ Descriptor another(int standard) {
 /// After a read or a write: the file was not ready after all, or a network disk was interrupted.
 bool isToBeTriedAgain() { return errno == EAGAIN || errno == EINTR; }
 
-/// True when the file is ready, or has an end or an error to tell.
+/// True when the file is ready, or is at its end or in error.
 bool isReady(const Descriptor& file, short event, const StopSwitch* stop) {
   pollfd waited{.fd = file.number(), .events = event, .revents = 0};
   while (waited.revents == 0) {

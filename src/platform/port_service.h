@@ -18,7 +18,7 @@ class PortService {
   virtual void endOperation() {}
 
   /// When a command has come to its end: throws RuntimeError when the port did not do all that it
-  /// was asked for. A port that does everything at once has told already.
+  /// was asked for. A port that does everything at once has reported already.
   virtual void settle() {}
 
   /// Before a hardware test: tries again to take a port that was missing, busy or has vanished.

@@ -8,6 +8,8 @@ namespace kestrel {
 /// program speed a 2764 pulse of 40,002 counts then lasts 1.0 ms, its data-sheet pulse.
 inline constexpr std::int64_t kDefaultCountNs = 25;
 
+inline constexpr std::int64_t kNsPerMs = 1'000'000;
+
 /// How the procedures let time pass. An implementation over a device that can vanish, or that was
 /// asked to stop, throws as the port does.
 class Waits {

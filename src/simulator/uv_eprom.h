@@ -11,7 +11,7 @@
 
 namespace kestrel::sim {
 
-// UV-erasable EPROMs, 2732 to 27C801, as their data sheets tell.
+// UV-erasable EPROMs, 2732 to 27C801, as their data sheets describe them.
 //
 //   mode               /CE   /OE   /PGM   VPP pin
 //   read               low   low   -      5 V (NMOS) or any level
@@ -26,7 +26,7 @@ namespace kestrel::sim {
 // written. A run of programming ends when VPP stays away from its pin for half a second. Not
 // modelled: access times, cells half programmed, supply current, electronic signature (A9 at 12 V).
 
-/// How a part is told to program, and so where its VPP pin is.
+/// How a part is made to program, and so where its VPP pin is.
 enum class ProgramControl { pgmPin, cePulse, vppOnOe };
 
 /// A programming voltage with the limits of the data sheets, in millivolts.

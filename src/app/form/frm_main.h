@@ -34,7 +34,7 @@ class frmMain {
   /// The shut-down sequence: idle board, other windows closed, window place saved. Does not throw.
   void Form_Unload();
 
-  /// Loads an image that was imported from the file; `found` tells of it in the log.
+  /// Loads an image that was imported from the file; `found` says so in the log.
   CommandResult loadImage(const std::string& name, std::vector<std::uint8_t> image,
                           const std::string& found);
 

@@ -48,7 +48,7 @@ void frmMain::Units::showNoBoardYet() {
   for (OptionButton& button : controls.LPTSelection) button.setValue(false);
 }
 
-// The window always comes up: an error in kestrel6.ini or of the port is told, and the board is
+// The window always comes up: an error in kestrel6.ini or of the port is reported, and the board is
 // looked for as if there were no file.
 void frmMain::Units::findBoard() {
   const auto testIfNoPort = [this] {
@@ -74,7 +74,7 @@ void frmMain::Units::findBoard() {
   }
 }
 
-// A board that was addressed already goes to rest before the person is told of the fault.
+// A board that was addressed already goes to rest before the fault is shown.
 void frmMain::Units::restAfterFault() {
   try {
     if (state.ControlPort != 0) runner.resetBoard();
@@ -125,7 +125,7 @@ void frmMain::Form_Unload() {
   try {
     u.runner.resetBoard();
   } catch (const std::exception&) {
-    // There is nothing left to switch off, and nobody to tell.
+    // There is nothing left to switch off, and nobody to show it to.
   }
   while (u.machine.screen.openWindows() > 1) u.machine.screen.closeLastWindow();
   saveWindowPlace(u.controls.frmMain, u.machine.settings);

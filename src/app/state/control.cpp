@@ -15,7 +15,7 @@ Control::Control(ControlRegistry& registry, std::string name)
 }
 
 void Control::changed() const {
-  if (ControlListener* const told = listener()) told->controlChanged(*this);
+  if (ControlListener* const heard = listener()) heard->controlChanged(*this);
 }
 
 }  // namespace kestrel

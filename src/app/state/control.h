@@ -29,7 +29,7 @@ class ControlListener {
   /// Something that a person can see of the control has changed.
   virtual void controlChanged(const Control& control) = 0;
 
-  /// The text of the box has grown at its end by the piece; told instead of controlChanged, so
+  /// The text of the box has grown at its end by the piece; called instead of controlChanged, so
   /// that a long log costs no more per line than a short one.
   virtual void textAppended(const TextBox& box, std::string_view piece) = 0;
 };
@@ -75,7 +75,7 @@ class Control {
   void changed() const;
   [[nodiscard]] ControlListener* listener() const { return registry_.listener(); }
 
-  /// Stores the value and tells the listener if it is a new one.
+  /// Stores the value and notifies the listener if it is a new one.
   template <typename T>
   bool assign(T& field, T value) {
     if (field == value) return false;

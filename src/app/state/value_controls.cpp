@@ -8,7 +8,7 @@ namespace kestrel {
 
 void TextBox::append(std::string_view piece) {
   text_.append(piece);
-  if (ControlListener* const told = listener()) told->textAppended(*this, piece);
+  if (ControlListener* const heard = listener()) heard->textAppended(*this, piece);
 }
 
 RangeControl::RangeControl(ControlRegistry& registry, std::string name, std::int32_t minimum,

@@ -13,12 +13,9 @@
 #include "app/form/command_runner.h"
 #include "app/state/controls.h"
 #include "app/window/mirror.h"
+#include "app/window/texts.h"
 
 namespace kestrel::window {
-
-[[nodiscard]] inline QString toQString(std::string_view utf8) {
-  return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-}
 
 /// Joins one widget to one control: the widget takes the control's name as its object name, shows
 /// what the control is, and reports its presses through the runner.

@@ -16,11 +16,10 @@
 #include <utility>
 
 #include "app/state/programmer_state.h"
-#include "app/window/binder.h"
 #include "app/window/board_faults.h"
 #include "app/window/device_card.h"
-#include "app/window/elided_label.h"
 #include "app/window/file_of.h"
+#include "app/window/texts.h"
 #include "app/window/wheel_guard.h"
 #include "images/identity.h"
 #include "platform/atomic_file.h"
@@ -171,7 +170,7 @@ void SimulatedBoardPanel::buildFindings(QBoxLayout& column) {
   column.addWidget(group, 1);
 }
 
-// Hands off the board while a command runs; a file that cannot be used is told here.
+// Hands off the board while a command runs; a file that cannot be used is reported here.
 void SimulatedBoardPanel::act(const std::function<void()>& handler) {
   if (runner_.isRunning()) return;
   try {

@@ -68,7 +68,7 @@ class SimulatedBoardPanel final : public QScrollArea {
   BoardFaults* faults_ = nullptr;
   QListWidget* findings_ = nullptr;
   QTimer running_;  // until the panel looks as if a command ran
-  QTimer look_;     // the board does not tell when something happens on it
+  QTimer look_;     // the board gives no signal when something happens on it
 };
 
 /// The card shows what stands in the simulated socket.

@@ -7,7 +7,7 @@
 #include <sstream>
 
 #include "app/window/change_dialog.h"
-#include "app/window/elided_label.h"
+#include "app/window/texts.h"
 #include "images/changes.h"
 #include "images/image_file.h"
 #include "platform/atomic_file.h"

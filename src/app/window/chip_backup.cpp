@@ -7,17 +7,16 @@
 #include <QMenu>
 
 #include "app/form/backup.h"
-#include "app/window/binder.h"
-#include "app/window/elided_label.h"
 #include "app/window/file_of.h"
 #include "app/window/menus.h"
+#include "app/window/texts.h"
+#include "app/window/window_settings.h"
 #include "images/ranges.h"
 
 namespace kestrel::window {
 namespace {
 
-constexpr const char* kSection = "Window";
-constexpr const char* kKey = "BackupFolder";
+constexpr const char* kBackupFolder = "BackupFolder";
 
 }  // namespace
 
@@ -25,7 +24,7 @@ ChipBackup::ChipBackup(const Parts& parts, QMenu& device, const char* before)
     : QObject(&parts.window), parts_(parts) {
   entry_ = insertEntry(parts.window, device, before, "", "keepOldContents");
   entry_->setCheckable(true);
-  folder_ = toQString(parts.settings.value(kSection, kKey).value_or(""));
+  folder_ = toQString(parts.settings.value(kWindowSection, kBackupFolder).value_or(""));
   showFolder();
   connect(entry_, &QAction::triggered, this, [this](bool on) { choose(on); });
 }
@@ -36,7 +35,7 @@ void ChipBackup::choose(bool on) {
 
 void ChipBackup::setFolder(const QString& folder) {
   folder_ = folder;
-  parts_.settings.setValue(kSection, kKey, folder_.toStdString());
+  parts_.settings.setValue(kWindowSection, kBackupFolder, folder_.toStdString());
   showFolder();
 }
 
@@ -57,8 +56,8 @@ bool ChipBackup::mayPress(const Control& control) {
   CommandResult result = parts_.form.readAside(chip);
   if (result.ending == Ending::Done) result = keep(folder_, chip);
   if (result.ending == Ending::Done) return true;
-  parts_.outcome.tell("The old contents could not be kept, the chip is left as it is: " +
-                      onOneLine(QString::fromStdString(result.reason)));
+  parts_.outcome.showMessage("The old contents could not be kept, the chip is left as it is: " +
+                             onOneLine(QString::fromStdString(result.reason)));
   return false;
 }
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "app/window/elided_label.h"
+#include "app/window/texts.h"
 #include "app/work/image_options.h"
 
 namespace kestrel::window {
@@ -17,7 +17,7 @@ struct ImageSource {
   work::ImageOptions options = {};
 };
 
-/// Where the bytes of the code buffer come from, as far as the window's commands tell, and whether
+/// Where the bytes of the code buffer come from, as far as the window's commands know, and whether
 /// they stand in a file.
 class CodeOrigin {
  public:

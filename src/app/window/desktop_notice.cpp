@@ -14,7 +14,7 @@ constexpr int kDesktopsTime = -1;  // as long as the desktop shows any
 }  // namespace
 
 // The text may hold a file's name; the service takes it for a kind of HTML.
-void DesktopNotice::tell(const QString& summary, const QString& text) {
+void DesktopNotice::send(const QString& summary, const QString& text) {
   const QString service = "org.freedesktop.Notifications";
   QDBusMessage call =
       QDBusMessage::createMethodCall(service, "/org/freedesktop/Notifications", service, "Notify");

@@ -13,7 +13,7 @@ class DesktopNotice final : public QObject {
   explicit DesktopNotice(QWidget& window) : window_(window) {}
 
   /// Does not wait for an answer. The notice takes the place of the one before it.
-  void tell(const QString& summary, const QString& text);
+  void send(const QString& summary, const QString& text);
 
  private:
   QWidget& window_;

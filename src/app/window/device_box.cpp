@@ -9,6 +9,7 @@
 #include <QToolTip>
 #include <QWheelEvent>
 
+#include "app/window/texts.h"
 #include "app/window/theme.h"
 #include "devices/data_sheets.h"
 #include "devices/part_marking.h"
@@ -118,15 +119,15 @@ void DeviceBox::choose(int position) {
   if (available) return;
   const std::string name = chosen.mid(kNotAvailable.size() + 3).trimmed().toStdString();
   const bool hasDataSheet = devices::isOffered(devices::dataSheetOf(name));
-  tell(chosen +
-       (hasDataSheet ? ": with the data sheet algorithms only; see Options."
-                     : ": not with this program.") +
-       (selected_.DeviceName.empty()
-            ? QString()
-            : '\n' + toQString(selected_.DeviceName) + " stays selected."));
+  showHint(chosen +
+           (hasDataSheet ? ": with the data sheet algorithms only; see Options."
+                         : ": not with this program.") +
+           (selected_.DeviceName.empty()
+                ? QString()
+                : '\n' + toQString(selected_.DeviceName) + " stays selected."));
 }
 
-void DeviceBox::tell(const QString& text) {
+void DeviceBox::showHint(const QString& text) {
   QToolTip::showText(mapToGlobal(QPoint(0, height())), text, this);
 }
 
@@ -171,7 +172,7 @@ void DeviceBox::takeTypedText() {
     binder_.mirror().touch(control_);
   } else {
     lineEdit()->selectAll();
-    tell("No device of this name");
+    showHint("No device of this name");
   }
 }
 

@@ -37,7 +37,7 @@ class DeviceBox final : public QComboBox {
   void setTyping(bool isTyping);
   void choose(int position);
   void takeTypedText();
-  void tell(const QString& text);
+  void showHint(const QString& text);
   [[nodiscard]] QString textInForce() const;
   [[nodiscard]] bool isAvailable(int position) const;
   [[nodiscard]] int bestMatch(const QString& typed) const;

@@ -23,6 +23,7 @@
 #include "app/window/hex_cursor.h"
 #include "app/window/memory_map_strip.h"
 #include "app/window/range_reporter.h"
+#include "app/window/texts.h"
 #include "app/window/theme.h"
 #include "display/byte_search.h"
 #include "display/hex_line.h"
@@ -148,7 +149,7 @@ void DisplayPanel::buildScrollBar(QBoxLayout& row) {
   bar->setAccessibleName("Page of the display");
   scroll_ = new RangeReporter(controls_.VScroll1, *bar, binder_);
   QObject::connect(bar, &QScrollBar::sliderMoved, bar, [bar](int pageNumber) {
-    const QString address = QString("%1").arg(pageNumber * kPageBytes, 6, 16, QChar('0')).toUpper();
+    const QString address = toQString(hexText(pageNumber * kPageBytes, 6));
     QToolTip::showText(QCursor::pos(), address, bar);
   });
   row.addWidget(bar);
@@ -246,18 +247,18 @@ void DisplayPanel::copyAddressAt(const QPoint& place) {
 
 void DisplayPanel::askForAddress() {
   const int last = (scroll_->slider().maximum() + 1) * kPageBytes - 1;
-  const QString to = QString("%1h").arg(last, 5, 16, QChar('0')).toUpper();
   bool isAccepted = false;
-  const QString typed =
-      QInputDialog::getText(window(), "Go to Address", "Address, hexadecimal, up to " + to + ":",
-                            QLineEdit::Normal, QString(), &isAccepted);
+  const QString typed = QInputDialog::getText(
+      window(), "Go to Address", "Address, hexadecimal, up to " + addressText(last) + ":",
+      QLineEdit::Normal, QString(), &isAccepted);
   if (!isAccepted || typed.trimmed().isEmpty()) return;
   const auto address = display::addressOf(typed.toStdString());
   if (address && *address <= last) {
     showAddress(*address);
   } else {
-    QMessageBox::warning(window(), "Kestrel",
-                         "Address " + onOneLine(typed) + " is none of those up to " + to + ".");
+    QMessageBox::warning(
+        window(), "Kestrel",
+        "Address " + onOneLine(typed) + " is none of those up to " + addressText(last) + ".");
   }
 }
 

@@ -4,14 +4,9 @@
 #include <QPainter>
 #include <QResizeEvent>
 
-#include "platform/file_names.h"
+#include "app/window/texts.h"
 
 namespace kestrel::window {
-
-/// A text on one line: what would break it is shown as an escape.
-[[nodiscard]] inline QString onOneLine(const QString& text) {
-  return QString::fromStdString(shownName(text.toStdString()));
-}
 
 /// A line of text of any length in the room that there is: shortened in the middle or at the end,
 /// whole in its tool tip.

@@ -11,8 +11,8 @@
 
 namespace kestrel::window {
 
-/// Looks after one file: tells when somebody else has changed it on the disk, also by putting a new
-/// one in its place, as editors do.
+/// Looks after one file: reports when somebody else has changed it on the disk, also by putting a
+/// new one in its place, as editors do.
 class FileWatch final : public QObject {
  public:
   FileWatch(QObject* parent, std::function<void()> changed);

@@ -17,7 +17,7 @@ namespace kestrel::window {
 class VerdictLabel;
 
 /// Asks for the format of an image file, which of its addresses are taken and where they go, and
-/// tells at every change what would come of it.
+/// shows at every change what would come of it.
 class ImageDialog final : public QDialog {
  public:
   struct Texts {

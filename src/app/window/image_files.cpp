@@ -9,11 +9,10 @@
 #include <span>
 #include <utility>
 
-#include "app/window/binder.h"
-#include "app/window/elided_label.h"
 #include "app/window/file_of.h"
 #include "app/window/image_dialog.h"
 #include "app/window/menus.h"
+#include "app/window/texts.h"
 #include "images/image_file.h"
 #include "platform/runtime_error.h"
 
@@ -30,10 +29,6 @@ std::vector<FormatId> idsOf(bool written) {
     if (!written || format.isWritten) ids.push_back(format.id);
   }
   return ids;
-}
-
-std::string shortName(const std::string& file) {
-  return QFileInfo(toQString(file)).fileName().toStdString();
 }
 
 /// The records of a file; read again only when the format is another one.
@@ -125,15 +120,15 @@ void ImageFiles::load(Image image) {
   const CommandResult result = parts_.form.loadImage(name, std::move(image.bytes), image.found);
   if (result.ending != Ending::Done) return;
   if (imported_) imported_(image.source);
-  parts_.outcome.tell(
-      onOneLine(QString::fromStdString("Imported " + shortName(name) + ": " + image.found)));
+  parts_.outcome.showMessage(
+      onOneLine("Imported " + fileNameOf(name) + ": " + toQString(image.found)));
 }
 
 // The part of the buffer that Save writes.
 void ImageFiles::exportImage() {
   const ProgrammerState& state = parts_.form.state();
   if (state.CodeLength <= 0) {
-    parts_.outcome.tell("Export: the buffer holds nothing yet; open a file or read a chip.");
+    parts_.outcome.showMessage("Export: the buffer holds nothing yet; open a file or read a chip.");
     return;
   }
   const std::string name = parts_.dialogs.saveFile("Export Image", kAllFiles);
@@ -161,8 +156,7 @@ void ImageFiles::exportImage() {
   const CommandResult result = parts_.form.exportImage(name, file);
   if (result.ending != Ending::Done) return;
   if (exported_) exported_();
-  parts_.outcome.tell(onOneLine(
-      QString::fromStdString("Exported to " + shortName(name) + " as " + dialog.format().title)));
+  parts_.outcome.showMessage("Exported to " + fileNameOf(name) + " as " + dialog.format().title);
 }
 
 void ImageFiles::lookAtOpened() {
@@ -171,9 +165,9 @@ void ImageFiles::lookAtOpened() {
       std::span(state.CodeBuffer).first(static_cast<std::size_t>(state.CodeLength)));
   if (look == nullptr) return;
   const std::string file = state.CodeFileName;
-  parts_.outcome.offer(toQString(shortName(file) + " has the look of " + look->title +
-                                 " and was taken byte by byte."),
-                       "import it", [this, file] { importFile(file); });
+  parts_.outcome.offer(
+      fileNameOf(file) + " has the look of " + look->title + " and was taken byte by byte.",
+      "import it", [this, file] { importFile(file); });
 }
 
 }  // namespace kestrel::window

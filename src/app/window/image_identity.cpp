@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "app/state/text_format.h"
-#include "app/window/binder.h"
 #include "app/window/elided_label.h"
+#include "app/window/texts.h"
 
 namespace kestrel::window {
 namespace {

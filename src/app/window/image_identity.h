@@ -12,7 +12,7 @@ class QLabel;
 
 namespace kestrel::window {
 
-/// Under the code file: what the image in the buffer can be told by. It is worked out beside the
+/// Under the code file: what the image in the buffer is known by. It is worked out beside the
 /// window, once the buffer rests: two megabytes must not hold up a typed byte or a pulse.
 class ImageIdentity final : public QWidget {
  public:

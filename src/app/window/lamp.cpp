@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include "app/window/texts.h"
 #include "app/window/theme.h"
 
 namespace kestrel::window {

@@ -47,7 +47,7 @@ class ErrorLamp final : public QPushButton {
 
   [[nodiscard]] bool isAlert() const { return alert_; }
   [[nodiscard]] QSize sizeHint() const override;
-  /// Without the words that tell what to do.
+  /// Without the words that say what to do.
   [[nodiscard]] QSize minimumSizeHint() const override;
 
  protected:

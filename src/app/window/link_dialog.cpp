@@ -10,8 +10,8 @@
 namespace kestrel::window {
 namespace {
 
-constexpr const char* kSection = "Link";
-constexpr const char* kKey = "Port";
+constexpr const char* kLinkSection = "Link";
+constexpr const char* kPortKey = "Port";
 constexpr const char* kLinkMark = "=link:";
 
 QString lineText(const link::SerialDevice& device) {
@@ -92,7 +92,7 @@ void LinkDialog::use() {
 }
 
 launch::LaunchOptions withKeptLink(launch::LaunchOptions options, const SettingsStore& settings) {
-  const std::string kept = settings.value(kSection, kKey).value_or("");
+  const std::string kept = settings.value(kLinkSection, kPortKey).value_or("");
   if (options.simulate || !options.ports.empty() || kept.empty()) return options;
   try {
     options.ports.push_back(launch::parsePort(kept));
@@ -103,9 +103,10 @@ launch::LaunchOptions withKeptLink(launch::LaunchOptions options, const Settings
 }
 
 bool askForLink(launch::LaunchedProgram& program, SettingsStore& settings, QWidget& owner) {
-  LinkDialog dialog(settings.value(kSection, kKey).value_or(""), link::listSerialDevices(), &owner);
+  LinkDialog dialog(settings.value(kLinkSection, kPortKey).value_or(""), link::listSerialDevices(),
+                    &owner);
   if (dialog.exec() != QDialog::Accepted) return false;
-  settings.setValue(kSection, kKey, dialog.choice());
+  settings.setValue(kLinkSection, kPortKey, dialog.choice());
   std::optional<ports::PortChoice> choice;
   if (!dialog.choice().empty()) choice = launch::parsePort(dialog.choice());
   program.chooseLink(choice);

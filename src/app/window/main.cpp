@@ -27,7 +27,7 @@ namespace {
 
 constexpr const char* kDefaultChip = "27C256";
 
-/// The configuration file of this simulated board must not tell of another one that was plugged in
+/// The configuration file of this simulated board must not name another one that was plugged in
 /// its place.
 void putAway(launch::SimulatedBoard& simulated, const Folders& folders) {
   std::error_code ignored;
@@ -56,7 +56,7 @@ void changeToSimulation(form::frmMain& form, MainWindow& window) {
   if (QProcess::startDetached(QCoreApplication::applicationFilePath(), arguments)) window.close();
 }
 
-/// The simulated board's panel, and its socket wherever the window tells of the chip in it.
+/// The simulated board's panel, and its socket wherever the window shows the chip in it.
 void fitSimulation(launch::SimulatedBoard& simulated, form::CommandRunner& runner, HeldInput& input,
                    MainWindow& window) {
   auto* const panel = new SimulatedBoardPanel(simulated, runner, input, &window);

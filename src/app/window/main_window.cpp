@@ -20,7 +20,6 @@
 #include "app/window/device_box.h"
 #include "app/window/device_card.h"
 #include "app/window/display_panel.h"
-#include "app/window/elided_label.h"
 #include "app/window/file_watch.h"
 #include "app/window/fitting_area.h"
 #include "app/window/image_files.h"
@@ -37,7 +36,9 @@
 #include "app/window/running_look.h"
 #include "app/window/second_display.h"
 #include "app/window/status_strip.h"
+#include "app/window/texts.h"
 #include "app/window/vpp_sign.h"
+#include "app/window/window_settings.h"
 
 namespace kestrel::window {
 namespace {
@@ -45,7 +46,6 @@ namespace {
 constexpr int kPlaceRestsMs = 200;
 constexpr int kBesideOthers = 32;                     // pixels from one window to the next
 constexpr std::array<int, 2> kFrameKnownMs{50, 400};  // looked at twice: some desktops are slow
-constexpr const char* kSection = "Window";
 
 bool isPageKey(const QEvent& event) {
   if (event.type() != QEvent::KeyPress) return false;
@@ -293,8 +293,8 @@ void MainWindow::commandEnded() {
 
 void MainWindow::warnOfVoltage() {
   const bool mayBeOn = parts_.form.mayVoltageBeOn();
-  const bool wasToldOf = std::exchange(isVoltageToldOf_, mayBeOn);
-  if (!mayBeOn || wasToldOf || parts_.stop.isEnding()) return;
+  const bool wasWarned = std::exchange(isVoltageWarned_, mayBeOn);
+  if (!mayBeOn || wasWarned || parts_.stop.isEnding()) return;
   QMessageBox box(QMessageBox::Critical, "Kestrel", toQString(std::string(form::kVoltageWarning)),
                   QMessageBox::Ok, this);
   box.setObjectName("voltageWarning");
@@ -350,13 +350,13 @@ void MainWindow::start(int windowsBefore) {
   restoreLook();
   fitToScreen();
   placed_ = true;
-  const bool wasMaximised = parts_.settings.value(kSection, "Maximised") == "1";
+  const bool wasMaximised = parts_.settings.value(kWindowSection, "Maximised") == "1";
   wasMaximised ? showMaximized() : show();
   for (const int wait : kFrameKnownMs) QTimer::singleShot(wait, this, [this] { fitToScreen(); });
 }
 
 void MainWindow::restoreAlgorithms() {
-  if (parts_.settings.value(kSection, "Algorithms") != "DataSheet") return;
+  if (parts_.settings.value(kWindowSection, "Algorithms") != "DataSheet") return;
   (void)parts_.form.runner().run([this] { controls_.AlgorithmSelection[1].press(); });
 }
 

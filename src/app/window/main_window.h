@@ -186,7 +186,7 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   bool looksRunning_ = false;
   bool isTypingDevice_ = false;
   bool closeWanted_ = false;
-  bool isVoltageToldOf_ = false;
+  bool isVoltageWarned_ = false;
   bool mayReplace_ = false;  // the person has been asked
   bool unloaded_ = false;
 };

@@ -7,12 +7,12 @@
 #include <utility>
 
 #include "app/window/display_panel.h"
-#include "app/window/elided_label.h"
 #include "app/window/lamp.h"
 #include "app/window/main_window.h"
 #include "app/window/menus.h"
 #include "app/window/outcome_line.h"
 #include "app/window/status_strip.h"
+#include "app/window/texts.h"
 #include "images/changes.h"
 #include "images/image_file.h"
 #include "platform/atomic_file.h"
@@ -27,7 +27,7 @@ void MainWindow::offerWaves(launch::WaveFile& waves) {
   entry->setChecked(waves.isOpen());
   connect(entry, &QAction::triggered, this, [this, &waves, entry] { recordWaves(waves, *entry); });
   waves.whenOver([this, &waves, entry] {
-    outcome_->tell("Another device: the waveform ends here. " + toQString(waves.summary()));
+    outcome_->showMessage("Another device: the waveform ends here. " + toQString(waves.summary()));
     entry->setChecked(false);
   });
 }
@@ -45,13 +45,13 @@ images::Bytes MainWindow::imageForChip() const {
 void MainWindow::compareWithChip() {
   if (strip_->errorLamp().isAlert()) binder.press(controls_.Error_label);
   if (!controls_.Read_button.enabled()) {
-    outcome_->tell("Compare: choose a device first.");
+    outcome_->showMessage("Compare: choose a device first.");
     return;
   }
   images::Bytes chip;
   const CommandResult result = parts_.form.readAside(chip);
   if (result.ending != Ending::Done) {
-    outcome_->tell("Compare: " + QString::fromStdString(result.reason));
+    outcome_->showMessage("Compare: " + QString::fromStdString(result.reason));
     return;
   }
   comparedDevice_ = parts_.form.state().DeviceName;
@@ -74,7 +74,7 @@ void MainWindow::compareWithFile() {
 void MainWindow::programSeveral() {
   if (strip_->errorLamp().isAlert()) binder.press(controls_.Error_label);
   if (!controls_.Program_button.enabled()) {
-    outcome_->tell("Program Several: choose a device and open a file first.");
+    outcome_->showMessage("Program Several: choose a device and open a file first.");
     return;
   }
   SeriesDialog dialog({.form = parts_.form,
@@ -93,13 +93,13 @@ void MainWindow::recordWaves(launch::WaveFile& waves, QAction& entry) {
   try {
     if (waves.isOpen()) {
       waves.end();
-      outcome_->tell("Waveform: " + QString::fromStdString(waves.summary()));
+      outcome_->showMessage("Waveform: " + QString::fromStdString(waves.summary()));
     } else {
       const std::string file =
           parts_.dialogs.saveFile("Record Waveform", "Wave files (*.vcd)|*.vcd");
       if (!file.empty()) {
         waves.begin(file);
-        outcome_->tell(
+        outcome_->showMessage(
             "The next commands are recorded; Hardware > Record Waveform ends the record.");
       }
     }

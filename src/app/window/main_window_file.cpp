@@ -11,13 +11,13 @@
 #include <utility>
 
 #include "app/window/buffer_changes.h"
-#include "app/window/elided_label.h"
 #include "app/window/file_of.h"
 #include "app/window/file_watch.h"
 #include "app/window/image_files.h"
 #include "app/window/main_window.h"
 #include "app/window/notice_bar.h"
 #include "app/window/project_files.h"
+#include "app/window/texts.h"
 #include "images/checksums.h"
 #include "platform/runtime_error.h"
 
@@ -130,7 +130,7 @@ void MainWindow::offerFileAgain() {
   if (!source) return;
   const QString name = onOneLine(QFileInfo(toQString(source->file)).fileName());
   noticeBar_->withdraw(kFileNotice);
-  noticeBar_->tell({.about = kFileNotice,
+  noticeBar_->post({.about = kFileNotice,
                     .text = name + " changed on the disk. The buffer holds what was in it before.",
                     .actions = {{.caption = "Read Again", .name = "readAgain", .act = [this] {
                                    readFileAgain();

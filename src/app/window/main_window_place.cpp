@@ -8,12 +8,12 @@
 #include "app/window/main_window.h"
 #include "app/window/screen_place.h"
 #include "app/window/twips.h"
+#include "app/window/window_settings.h"
 
 namespace kestrel::window {
 namespace {
 
 constexpr QMargins kUsualFrame(4, 32, 4, 4);  // until the desktop has drawn the real one
-constexpr const char* kSection = "Window";
 
 std::string toText(const QByteArray& bytes) { return bytes.toBase64().toStdString(); }
 
@@ -77,7 +77,7 @@ void MainWindow::fitToScreen() {
 
 void MainWindow::restoreLook() {
   const auto stored = [this](const char* key) {
-    return fromText(parts_.settings.value(kSection, key));
+    return fromText(parts_.settings.value(kWindowSection, key));
   };
   split_->restoreState(stored("Splitter"));
   const bool isKnown = side_ != nullptr && restoreState(stored("Panels"));
@@ -87,11 +87,11 @@ void MainWindow::restoreLook() {
 }
 
 void MainWindow::saveLook() {
-  parts_.settings.setValue(kSection, "Maximised", isMaximized() ? "1" : "0");
+  parts_.settings.setValue(kWindowSection, "Maximised", isMaximized() ? "1" : "0");
   const bool isByDataSheet = controls_.AlgorithmSelection[1].value();
-  parts_.settings.setValue(kSection, "Algorithms", isByDataSheet ? "DataSheet" : "Classic");
-  parts_.settings.setValue(kSection, "Splitter", toText(split_->saveState()));
-  if (side_ != nullptr) parts_.settings.setValue(kSection, "Panels", toText(saveState()));
+  parts_.settings.setValue(kWindowSection, "Algorithms", isByDataSheet ? "DataSheet" : "Classic");
+  parts_.settings.setValue(kWindowSection, "Splitter", toText(split_->saveState()));
+  if (side_ != nullptr) parts_.settings.setValue(kWindowSection, "Panels", toText(saveState()));
 }
 
 void MainWindow::moveEvent(QMoveEvent* event) {

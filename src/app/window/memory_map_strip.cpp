@@ -6,6 +6,7 @@
 #include <QToolTip>
 #include <algorithm>
 
+#include "app/window/texts.h"
 #include "app/window/theme.h"
 
 namespace kestrel::window {
@@ -14,12 +15,6 @@ namespace {
 constexpr int kColumns = 16;  // pieces in a row
 constexpr int kPiece = 3;     // pixels of a piece, each way
 constexpr int kFrame = 2;     // around the pieces, for the mark of the shown page
-
-QString mapAddress(std::int32_t address) {
-  constexpr int kDigits = 5;
-  constexpr int kHex = 16;
-  return QString("%1").arg(address, kDigits, kHex, QChar('0')).toUpper() + "h";
-}
 
 }  // namespace
 
@@ -85,12 +80,12 @@ void MemoryMapStrip::draw() {
     const std::size_t last = std::min(pieceOf(range.end - 1), map_.size() - 1);
     for (std::size_t piece = pieceOf(range.begin); piece <= last; ++piece) paint(piece, red);
   }
-  tell();
+  describe();
   update();
 }
 
 // The meaning of the picture for those who hear it.
-void MemoryMapStrip::tell() {
+void MemoryMapStrip::describe() {
   const QString differing =
       differences_.empty() ? QString() : QString("; %1 ranges differ").arg(differences_.size());
   setAccessibleDescription(QString::fromStdString(display::memoryMapText(memory_)) + differing);
@@ -142,7 +137,8 @@ bool MemoryMapStrip::event(QEvent* event) {
                                                                     : "blank";
   QToolTip::showText(
       help.globalPos(),
-      QString("%1 to %2: %3").arg(mapAddress(range.begin), mapAddress(range.end - 1), what), this);
+      QString("%1 to %2: %3").arg(addressText(range.begin), addressText(range.end - 1), what),
+      this);
   return true;
 }
 

@@ -38,7 +38,7 @@ class MemoryMapStrip final : public QWidget {
 
  private:
   void draw();
-  void tell();
+  void describe();
   [[nodiscard]] int rows() const;
   [[nodiscard]] std::size_t pieces() const;
   [[nodiscard]] std::size_t pieceAt(const QPoint& place) const;

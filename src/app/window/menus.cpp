@@ -5,8 +5,8 @@
 #include <QToolButton>
 #include <utility>
 
-#include "app/window/elided_label.h"
 #include "app/window/file_of.h"
+#include "app/window/texts.h"
 
 namespace kestrel::window {
 namespace {

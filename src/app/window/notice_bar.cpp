@@ -20,7 +20,7 @@ NoticeBar::NoticeBar(QWidget& focusHome, QWidget* parent)
   hide();
 }
 
-void NoticeBar::tell(const Notice& notice) {
+void NoticeBar::post(const Notice& notice) {
   Shown& shown = shown_[notice.about];
   if (shown.text == notice.text) return;
   putAway(shown);

@@ -31,9 +31,9 @@ class NoticeBar final : public QWidget {
   NoticeBar(QWidget& focusHome, QWidget* parent);
 
   /// Shows it in place of the one about the same thing, unless just this was put away.
-  void tell(const Notice& notice);
+  void post(const Notice& notice);
 
-  /// What it was about is over: told anew when it comes again.
+  /// What it was about is over: shown anew when it comes again.
   void withdraw(const std::string& about);
 
  protected:

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/window/notice_bar.h"
+#include "app/window/texts.h"
 #include "devices/remarks.h"
 
 namespace kestrel::window {
@@ -49,12 +50,12 @@ void Notices::lookAtBoard() {
     notice.actions.push_back(
         {.caption = "Use the Simulated Board", .name = "useSimulated", .act = simulate_});
   }
-  bar_.tell(notice);
+  bar_.post(notice);
 }
 
 void Notices::commandEnded(const CommandResult& result) {
   if (result.remark.empty() || hasNoBoard()) return bar_.withdraw(kSame);
-  bar_.tell({.about = kSame,
+  bar_.post({.about = kSame,
              .text = "All bytes are the same. A chip that holds nothing else reads so, and so do "
                      "an empty socket and a board without its supply or cable.",
              .actions = {{.caption = "Test Hardware", .name = "testBoard", .act = [this] {
@@ -67,7 +68,7 @@ void Notices::lookAtLimit() {
   const bool isClassic = state.algorithms == Algorithms::Classic;
   const std::string limit(isClassic ? devices::classicLimit(state.DeviceName) : "");
   if (limit.empty()) return bar_.withdraw(kLimit);
-  bar_.tell({.about = kLimit,
+  bar_.post({.about = kLimit,
              .text = toQString(state.DeviceName + ", classic algorithms: " + limit + "."),
              .actions = {{.caption = "Use Data Sheet", .name = "useDataSheet", .act = [this] {
                             (void)binder_.runner().run(

@@ -20,6 +20,7 @@
 #include "app/window/lamp.h"
 #include "app/window/range_reporter.h"
 #include "app/window/step_label.h"
+#include "app/window/texts.h"
 #include "app/window/wheel_guard.h"
 
 namespace kestrel::window {

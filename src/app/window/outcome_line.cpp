@@ -5,6 +5,7 @@
 #include <span>
 #include <utility>
 
+#include "app/window/texts.h"
 #include "app/window/theme.h"
 #include "images/checksums.h"
 
@@ -17,12 +18,6 @@ constexpr qint64 kLongMs = 5'000;  // who waits longer may look elsewhere: the d
 constexpr const char* kCompare = "compare";
 constexpr const char* kHardwareTest = "Hardware test";
 constexpr const char* kOffered = "offered";
-
-QString hexAddress(std::int32_t address) {
-  constexpr int kDigits = 5;
-  constexpr int kHex = 16;
-  return QString("%1h").arg(address, kDigits, kHex, QChar('0')).toUpper().replace('H', 'h');
-}
 
 }  // namespace
 
@@ -81,7 +76,7 @@ void OutcomeLine::begin(const Control& control) {
 void OutcomeLine::showRunning() {
   const std::int32_t address = state_.LinearAddress;
   const bool isWalking = controls_.ProgressBar1.value() > 0 && address < state_.DeviceSizeBytes;
-  const QString where = isWalking ? " at " + hexAddress(address) : QString();
+  const QString where = isWalking ? " at " + addressText(address) : QString();
   showText(running_ + " is running" + where, Colour::ButtonText);
 }
 
@@ -96,7 +91,7 @@ void OutcomeLine::end(const Control& control, const CommandResult& result, qint6
   }
   showEnd(command, result);
   if (lasted_ >= kLongMs && !isActiveWindow()) {
-    desktop_.tell(result.ending == Ending::Done ? command + " is done" : command + " has ended",
+    desktop_.send(result.ending == Ending::Done ? command + " is done" : command + " has ended",
                   accessibleDescription());
   }
 }
@@ -141,14 +136,16 @@ QString OutcomeLine::failedText(const QString& command, const CommandResult& res
   if (result.address) {
     reason += QString(" <a href=\"%1\">show %2</a>")
                   .arg(*result.address)
-                  .arg(hexAddress(*result.address));
+                  .arg(addressText(*result.address));
   }
   const bool isOfChip = result.address && (command == "Verify" || command == "Program");
   if (isOfChip) reason += QString(", <a href=\"%1\">compare all</a>").arg(kCompare);
   return command + ": " + reason;
 }
 
-void OutcomeLine::tell(const QString& text) { showText(text.toHtmlEscaped(), Colour::ButtonText); }
+void OutcomeLine::showMessage(const QString& text) {
+  showText(text.toHtmlEscaped(), Colour::ButtonText);
+}
 
 void OutcomeLine::offer(const QString& text, const QString& link, std::function<void()> action) {
   offered_ = std::move(action);

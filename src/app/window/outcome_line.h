@@ -13,7 +13,7 @@
 
 namespace kestrel::window {
 
-/// One line that tells which command runs and at which address, and afterwards what came of it.
+/// One line that shows which command runs and at which address, and afterwards what came of it.
 class OutcomeLine final : public QLabel {
  public:
   OutcomeLine(const Controls& controls, const ProgrammerState& state, QWidget* parent);
@@ -30,7 +30,7 @@ class OutcomeLine final : public QLabel {
   void end(const Control& control, const CommandResult& result, qint64 asked);
 
   /// Something else that came of it.
-  void tell(const QString& text);
+  void showMessage(const QString& text);
 
   /// The same, with a link behind it that does something about it.
   void offer(const QString& text, const QString& link, std::function<void()> action);

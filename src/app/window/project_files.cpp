@@ -7,9 +7,8 @@
 #include <utility>
 
 #include "app/launch/option_values.h"
-#include "app/window/binder.h"
-#include "app/window/elided_label.h"
 #include "app/window/menus.h"
+#include "app/window/texts.h"
 #include "app/work/project.h"
 #include "app/work/work_at_form.h"
 #include "platform/atomic_file.h"
@@ -33,10 +32,6 @@ SelectionState selectionOf(const DeviceCatalogue::Device& device) {
   selection.VppClass = device.vppClass;
   selection.DeviceSizeBytes = device.sizeKB * kBytesPerKB;
   return selection;
-}
-
-QString shortName(const std::filesystem::path& file) {
-  return onOneLine(toQString(file.filename().string()));
 }
 
 std::string wholePlan(const images::SerialPlan& plan) {
@@ -86,7 +81,7 @@ ProjectFiles::ProjectFiles(const Parts& parts, QMenu& file, const char* before)
   file.insertSeparator(parts.window.findChild<QAction*>(before));
 }
 
-void ProjectFiles::tell(const std::exception& error) {
+void ProjectFiles::showProblem(const std::exception& error) {
   const std::string text = work::inKeys(error.what());
   if (!text.empty()) QMessageBox::warning(&parts_.window, "Kestrel", onOneLine(toQString(text)));
 }
@@ -98,21 +93,21 @@ void ProjectFiles::open(const std::filesystem::path& file) {
     const bool isReplaced = project.work.codeFile || project.work.setup;
     if (isReplaced && !parts_.mayReplace()) return;
     apply(project);
-    parts_.outcome.tell("Project opened: " + shortName(file));
+    parts_.outcome.showMessage("Project opened: " + fileNameOf(file));
     loadFile(project);
     QStringList unknown;
     for (const std::string& key : project.unknown) unknown << onOneLine(toQString(key));
     parts_.notices.withdraw(kNotice);
     if (unknown.isEmpty()) return;
-    parts_.notices.tell({.about = kNotice,
-                         .text = shortName(file) +
+    parts_.notices.post({.about = kNotice,
+                         .text = fileNameOf(file) +
                                  " has keys that this version does not know; they "
                                  "were passed over and stay in the file: " +
                                  unknown.join(", ")});
   } catch (const FileError& error) {
-    tell(error);
+    showProblem(error);
   } catch (const launch::UsageError& error) {
-    tell(error);
+    showProblem(error);
   }
 }
 
@@ -151,7 +146,7 @@ void ProjectFiles::check(Checked& project) const {
   }
 }
 
-// An empty text: the form has told it already.
+// An empty text: the form has shown it already.
 void ProjectFiles::use(const std::function<void()>& event) {
   const CommandResult result = parts_.form.runner().run(event);
   if (result.ending == Ending::Done) return;
@@ -202,13 +197,13 @@ void ProjectFiles::save(const std::filesystem::path& file) {
     items.emplace_back("backup", unlessEmpty(parts_.backup.folder().toStdString()));
     work::writeProject(file, items);
     const bool isInFile = source && !parts_.form.state().CodeChanged;
-    parts_.outcome.tell(
-        "Project saved as " + shortName(file) +
+    parts_.outcome.showMessage(
+        "Project saved as " + fileNameOf(file) +
         (isInFile ? "." : "; what is in the buffer is in no file yet: save it too."));
   } catch (const FileError& error) {
-    tell(error);
+    showProblem(error);
   } catch (const images::ImageError& error) {
-    tell(error);
+    showProblem(error);
   }
 }
 

@@ -57,7 +57,7 @@ class ProjectFiles final : public QObject {
   void apply(const Checked& project);
   void loadFile(Checked& project);
   void chooseAlgorithms(const Checked& project);
-  void tell(const std::exception& error);
+  void showProblem(const std::exception& error);
 
   Parts parts_;
 };

@@ -10,6 +10,7 @@
 #include "app/window/about_box.h"
 #include "app/window/file_of.h"
 #include "app/window/theme.h"
+#include "app/window/window_settings.h"
 
 namespace kestrel::window {
 namespace {
@@ -54,7 +55,6 @@ void setFilter(QFileDialog& dialog, const std::string& filter) {
   dialog.setNameFilter(shown + " (*)");
 }
 
-constexpr const char* kSection = "Window";
 constexpr const char* kFolder = "Folder";
 
 /// Opens also what Qt cannot name: a file whose name is no UTF-8 is there for all that it says.
@@ -138,12 +138,13 @@ std::string QtDialogs::saveFile(const std::string& title, const std::string& fil
 std::string QtDialogs::choose(QFileDialog& dialog, const std::string& filter) {
   mirror_.refresh();
   setFilter(dialog, filter);
-  const QString folder = QString::fromStdString(settings_.value(kSection, kFolder).value_or(""));
+  const QString folder =
+      QString::fromStdString(settings_.value(kWindowSection, kFolder).value_or(""));
   if (!folder.isEmpty() && QDir(folder).exists()) dialog.setDirectory(folder);
   const bool isChosen = ask(dialog) == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
   fileCancelled_ = !isChosen;
   if (!isChosen) return {};
-  settings_.setValue(kSection, kFolder, dialog.directory().absolutePath().toStdString());
+  settings_.setValue(kWindowSection, kFolder, dialog.directory().absolutePath().toStdString());
   return fileOf(dialog.selectedFiles().first()).string();
 }
 

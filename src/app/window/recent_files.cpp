@@ -6,7 +6,7 @@ namespace kestrel::window {
 namespace {
 
 constexpr int kMost = 8;
-const std::string kSection = "RecentFiles";
+const std::string kRecentSection = "RecentFiles";
 
 std::string key(qsizetype index) { return "File" + std::to_string(index + 1); }
 
@@ -14,7 +14,7 @@ std::string key(qsizetype index) { return "File" + std::to_string(index + 1); }
 
 RecentFiles::RecentFiles(SettingsStore& settings) : settings_(settings) {
   for (qsizetype index = 0; index < kMost; ++index) {
-    const auto path = settings.value(kSection, key(index));
+    const auto path = settings.value(kRecentSection, key(index));
     if (path && !path->empty()) paths_.append(QString::fromStdString(*path));
   }
 }
@@ -26,7 +26,7 @@ void RecentFiles::add(const QString& path) {
   paths_.prepend(absolute);
   if (paths_.size() > kMost) paths_.removeLast();
   for (qsizetype index = 0; index < paths_.size(); ++index) {
-    settings_.setValue(kSection, key(index), paths_[index].toStdString());
+    settings_.setValue(kRecentSection, key(index), paths_[index].toStdString());
   }
 }
 

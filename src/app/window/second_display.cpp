@@ -9,6 +9,7 @@
 
 #include "app/window/display_panel.h"
 #include "app/window/range_reporter.h"
+#include "app/window/texts.h"
 #include "app/window/theme.h"
 
 namespace kestrel::window {

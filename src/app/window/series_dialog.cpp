@@ -11,9 +11,9 @@
 
 #include "app/form/backup.h"
 #include "app/state/text_format.h"
-#include "app/window/binder.h"
 #include "app/window/file_of.h"
 #include "app/window/serial_fields.h"
+#include "app/window/texts.h"
 #include "app/window/verdict_label.h"
 #include "platform/atomic_file.h"
 #include "platform/file_names.h"
@@ -38,7 +38,7 @@ SeriesDialog::SeriesDialog(const Parts& parts, const SeriesSettings& settings, Q
   buildProgress(*column);
   parts.input.letThrough(*end_);
   showRunning(false);
-  prompt_->tell(
+  prompt_->showVerdict(
       "Each chip is blank checked, programmed and verified. Put the first one in, then Start.",
       false);
 }
@@ -151,9 +151,9 @@ void SeriesDialog::start() {
   try {
     runSeries();
   } catch (const images::ImageError& error) {
-    prompt_->tell(error.what(), true);
+    prompt_->showVerdict(error.what(), true);
   } catch (const FileError& error) {
-    prompt_->tell(error.what(), true);
+    prompt_->showVerdict(error.what(), true);
   }
   parts_.dialogs.answerAll(false);
   parts_.form.state().CodeBuffer.swap(image);  // without the last serial number
@@ -183,14 +183,14 @@ void SeriesDialog::runSeries() {
   const CommandResult result = series.run(table_ ? table_->nextNumber() : 1);
   const std::string all = "The series has ended: " + good_.text() + ".";
   const bool isWhole = result.ending == Ending::Done;
-  prompt_->tell(isWhole ? all : all + " " + result.reason, !isWhole);
+  prompt_->showVerdict(isWhole ? all : all + " " + result.reason, !isWhole);
 }
 
 bool SeriesDialog::isNextChipIn(std::size_t number) {
   parts_.dialogs.answerAll(false);
   if (parts_.stop.isEnding()) return false;
   if (done_ != 0) {
-    prompt_->tell(
+    prompt_->showVerdict(
         "Chip " + std::to_string(number) + ": put it in, then Next Chip. Esc ends the series.",
         false);
     next_->setEnabled(true);
@@ -199,7 +199,8 @@ bool SeriesDialog::isNextChipIn(std::size_t number) {
     if (parts_.simulated.changeChip) parts_.simulated.changeChip(number);
   }
   next_->setEnabled(false);
-  prompt_->tell("Chip " + std::to_string(number) + " is being programmed. Esc stops it.", false);
+  prompt_->showVerdict("Chip " + std::to_string(number) + " is being programmed. Esc stops it.",
+                       false);
   parts_.dialogs.answerAll(true);
   return true;
 }
@@ -230,7 +231,7 @@ void SeriesDialog::saveText() {
     const QString text = chips_->toPlainText() + "\n" + count_->text() + "\n";
     writeFileAtomically(name, text.toStdString());
   } catch (const FileError& error) {
-    prompt_->tell(error.what(), true);
+    prompt_->showVerdict(error.what(), true);
   }
 }
 

@@ -1,6 +1,6 @@
 #include "app/window/verdict_label.h"
 
-#include "app/window/elided_label.h"
+#include "app/window/texts.h"
 #include "app/window/theme.h"
 #include "images/ranges.h"
 #include "platform/runtime_error.h"
@@ -18,17 +18,17 @@ VerdictLabel::VerdictLabel(const char* name, int width, int lines, QWidget* pare
 
 bool VerdictLabel::judge(const std::function<std::string()>& look) {
   try {
-    tell(look(), false);
+    showVerdict(look(), false);
     return true;
   } catch (const images::ImageError& error) {
-    tell(error.what(), true);
+    showVerdict(error.what(), true);
   } catch (const FileError& error) {
-    tell(error.what(), true);
+    showVerdict(error.what(), true);
   }
   return false;
 }
 
-void VerdictLabel::tell(const std::string& text, bool isWrong) {
+void VerdictLabel::showVerdict(const std::string& text, bool isWrong) {
   QPalette own = parentWidget()->palette();
   if (isWrong) own.setColor(QPalette::WindowText, inkColour(Colour::Red, own));
   setPalette(own);

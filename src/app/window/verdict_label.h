@@ -16,7 +16,7 @@ class VerdictLabel final : public QLabel {
   /// it throws; true when all is well.
   bool judge(const std::function<std::string()>& look);
 
-  void tell(const std::string& text, bool isWrong);
+  void showVerdict(const std::string& text, bool isWrong);
 };
 
 }  // namespace kestrel::window

@@ -7,7 +7,7 @@ namespace {
 
 constexpr const char* kAuto = "auto";
 
-/// Runs the steps; what is wrong with a value is told with the option's name.
+/// Runs the steps; what is wrong with a value is reported with the option's name.
 template <typename Steps>
 auto asOption(const char* option, Steps steps) {
   try {

@@ -10,7 +10,6 @@ namespace {
 // What a status read stands for in the count towards the next turn: with the latch loads before
 // it, about twenty accesses of 1 us. A count of the time itself would cost more than the read.
 constexpr std::int64_t kReadNs = 20'000;
-constexpr std::int64_t kNsPerMs = 1'000'000;
 
 }  // namespace
 

@@ -11,7 +11,6 @@ namespace kestrel::ports {
 namespace {
 
 constexpr std::int64_t kNsPerSecond = 1'000'000'000;
-constexpr std::int64_t kNsPerMs = 1'000'000;
 
 std::int64_t timeNs(clockid_t clock) {
   std::timespec now{};

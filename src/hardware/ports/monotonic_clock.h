@@ -30,7 +30,7 @@ class MonotonicClock final : public Waits {
   void Spin(std::int64_t counts) override;
 
   /// Pulses so far that lasted more than twice as long as asked for, because the machine gave the
-  /// processor to something else meanwhile. They are told once at the end of a command.
+  /// processor to something else meanwhile. They are reported once at the end of a command.
   [[nodiscard]] std::uint64_t stretchedPulses() const { return stretchedPulses_; }
   void resetStretchedPulses() { stretchedPulses_ = 0; }
 

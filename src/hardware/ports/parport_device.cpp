@@ -46,11 +46,9 @@ PortProblem problemOfClaim(int errorNumber) {
 // Read and written for its lines, never as a file; a device that is no port must not wait either.
 constexpr int kOpenFlags = O_RDWR | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
-constexpr int kMostInterruptions = 1000;
-
 int openDevice(SystemCalls& calls, const std::string& path) {
   int descriptor = -1;
-  for (int i = 0; i < kMostInterruptions && descriptor < 0; ++i) {
+  for (int i = 0; i < SystemCalls::kMostInterruptions && descriptor < 0; ++i) {
     descriptor = calls.open(path.c_str(), kOpenFlags);
     if (descriptor < 0 && errno != EINTR) break;
   }

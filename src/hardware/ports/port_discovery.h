@@ -8,7 +8,7 @@
 
 namespace kestrel::ports {
 
-// What the kernel tells about the machine's parallel ports. `root` is "/" but in tests.
+// What the kernel knows of the machine's parallel ports. `root` is "/" but in tests.
 
 /// A port that the kernel knows.
 struct ListedPort {

@@ -6,13 +6,6 @@
 #include <cerrno>
 
 namespace kestrel::ports {
-namespace {
-
-// A timer may interrupt a call now and then; what is interrupted this often never gets through.
-constexpr int kMostInterruptions = 1000;
-
-}  // namespace
-
 bool PortLines::switchOff() noexcept {
   bool written = true;
   for (const PortWrite& each : kSafeOff) written = write(each.target, each.value) && written;
@@ -21,7 +14,7 @@ bool PortLines::switchOff() noexcept {
 
 int PpdevLines::call(unsigned long request, void* argument) noexcept {
   int result = 0;
-  for (int i = 0; i < kMostInterruptions; ++i) {
+  for (int i = 0; i < SystemCalls::kMostInterruptions; ++i) {
     result = calls_.ioctl(descriptor_, request, argument);
     if (result >= 0 || errno != EINTR) break;
   }

@@ -55,7 +55,7 @@ class RealPort : public HeldPort {
   /// The open file, for the guard to inherit.
   [[nodiscard]] virtual int descriptor() const noexcept = 0;
 
-  /// What the guard is told of the port on its command line.
+  /// What the guard learns of the port on its command line.
   [[nodiscard]] virtual std::vector<std::string> guardArguments() const = 0;
 
   [[nodiscard]] bool isGone() const noexcept final { return loss_ != Loss::None; }

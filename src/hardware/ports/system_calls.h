@@ -8,6 +8,9 @@ namespace kestrel::ports {
 /// the kernel. Results are the kernel's: -1 and errno on failure. All are async-signal-safe.
 class SystemCalls {
  public:
+  /// A timer may interrupt a call now and then; what is interrupted this often never gets through.
+  static constexpr int kMostInterruptions = 1000;
+
   virtual ~SystemCalls() = default;
 
   virtual int open(const char* path, int flags) noexcept = 0;
