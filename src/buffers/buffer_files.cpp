@@ -87,7 +87,7 @@ bool BufferFiles::ReadBinaryFile() {
     buffers_.FileBytes = readWholeFile(name, kCodeBufferBytes, &stop_);
   });
   if (!isRead) return false;
-  showCode(name);
+  showCode(CodeSource::File, name);
   return true;
 }
 
@@ -97,17 +97,15 @@ void BufferFiles::loadImage(const std::string& name, std::vector<std::uint8_t> i
   reporting_.LogMessage(found);
   buffers_.FileBytes = std::move(image);
   buffers_.CodeFileName.clear();
-  showCode(name);
-  buffers_.CodeFrom = CodeSource::Import;
-  buffers_.CodeMadeOf = name;
+  showCode(CodeSource::Import, name);
 }
 
-void BufferFiles::showCode(const std::string& name) {
+void BufferFiles::showCode(CodeSource source, const std::string& name) {
   controls_.FileNameCodeText.setCaption(upperCase(name));
   controls_.BufferDisplay.setText(kReadingText);
   lamps_.DataFlowLampOn();
   controls_.StatusBar.setText("Reading Code File " + shownName(name) + " into Buffer... Wait");
-  storeCode();
+  storeCode(source, name);
   lamps_.DataFlowLampOff();
   const std::string length = std::to_string(buffers_.CodeLength);
   reporting_.LogMessage("File " + name + " - was read into Buffer. " + length + " bytes long.");
@@ -119,11 +117,11 @@ void BufferFiles::showCode(const std::string& name) {
 }
 
 // Bytes beyond the file keep what the buffer held before.
-void BufferFiles::storeCode() {
+void BufferFiles::storeCode(CodeSource source, const std::string& name) {
   buffers_.CodeLength = narrowed<std::int32_t>(buffers_.FileBytes.size());
   buffers_.CodeImageBytes = buffers_.CodeLength;
   std::ranges::copy(buffers_.FileBytes, buffers_.CodeBuffer.begin());
-  buffers_.CodeFrom = CodeSource::File;
+  buffers_.CodeFrom = {.source = source, .name = name};
   buffers_.CodeChanged = false;
   ++buffers_.CodeLoads;
   buffers_.FileChecksum = narrowed<std::int32_t>(images::sum16(buffers_.FileBytes));
@@ -285,6 +283,8 @@ bool BufferFiles::writeCode() {
     writeFileAtomically(name, firstBytes(buffers_.CodeBuffer, buffers_.CodeLength), &stop_);
     reporting_.LogMessage("File Sucessfully Saved as " + name);
     controls_.StatusBar.setText("");
+    buffers_.CodeFrom = {.source = CodeSource::File, .name = name};
+    buffers_.CodeImageBytes = buffers_.CodeLength;
     buffers_.CodeChanged = false;
   });
 }
@@ -336,7 +336,7 @@ void BufferFiles::Erase_button_Click() {
 
 void BufferFiles::EraseCodeBuffer() {
   std::fill_n(buffers_.CodeBuffer.begin(), kErasedCodeBytes, kErased);
-  buffers_.CodeFrom = CodeSource::Erased;
+  buffers_.CodeFrom = {.source = CodeSource::Erased};
   buffers_.CodeChanged = false;
   ++buffers_.CodeLoads;
   disableForErased(controls_.menuVerifyCode, controls_.menuProgramCode);

@@ -81,8 +81,8 @@ class BufferFiles {
   bool tried(const char* title, const std::function<void()>& steps);
   void startOpening();
   void openDataFile(const std::string& name);
-  void showCode(const std::string& name);
-  void storeCode();
+  void showCode(CodeSource source, const std::string& name);
+  void storeCode(CodeSource source, const std::string& name);
   void showChanged(std::int32_t length);
   void enableForCode();
   void showCodeLoaded();

@@ -23,17 +23,19 @@ std::string bytes(std::int32_t count) {
 }
 
 Fact sourceFact(const SelectionState& device, const BufferState& buffers) {
-  const std::string name = std::filesystem::path(buffers.CodeFileName).filename().string();
-  switch (buffers.CodeFrom) {
+  const CodeOrigin& from = buffers.CodeFrom;
+  const auto file = [&] {
+    return shownName(std::filesystem::path(from.name).filename().string()) + ", " +
+           bytes(buffers.CodeImageBytes);
+  };
+  switch (from.source) {
     case CodeSource::File:
-      return {.text = "Image: " + shownName(name) + ", " + bytes(buffers.CodeImageBytes)};
+      return {.text = "Image: " + file()};
     case CodeSource::Import:
-      return {.text = "Image: imported from " +
-                      shownName(std::filesystem::path(buffers.CodeMadeOf).filename().string()) +
-                      ", " + bytes(buffers.CodeImageBytes)};
+      return {.text = "Image: imported from " + file()};
     case CodeSource::Chip:
-      return {.text = "Image: read from " + buffers.CodeReadFrom,
-              .isWarning = buffers.CodeReadFrom != trimmed(device.DeviceName)};
+      return {.text = "Image: read from " + from.name,
+              .isWarning = from.name != trimmed(device.DeviceName)};
     case CodeSource::Erased:
       return {.text = "Image: the erased buffer", .isWarning = true};
     case CodeSource::Start:
@@ -50,9 +52,8 @@ Fact imageFact(const SelectionState& device, const BufferState& buffers) {
 
 std::vector<Fact> sizeFacts(const SelectionState& device, const BufferState& buffers,
                             Algorithms algorithms) {
-  const bool isFile =
-      buffers.CodeFrom == CodeSource::File || buffers.CodeFrom == CodeSource::Import;
-  if (!isFile) return {};
+  const CodeSource source = buffers.CodeFrom.source;
+  if (source != CodeSource::File && source != CodeSource::Import) return {};
   const std::int32_t more = buffers.CodeImageBytes - device.DeviceSizeBytes;
   if (more > 0) {
     return {{.text = "The file is longer than the chip: the last " + bytes(more) + " are left out",

@@ -118,8 +118,8 @@ void ReadDevice::noteUniform() {
 }
 
 void ReadDevice::showBuffer() {
-  buffers_.CodeFrom = CodeSource::Chip;
-  buffers_.CodeReadFrom = trimmed(device_.DeviceName);
+  buffers_.CodeFrom = {.source = CodeSource::Chip,
+                       .name = std::string(trimmed(device_.DeviceName))};
   buffers_.CodeChanged = false;
   ++buffers_.CodeLoads;
   controls_.VScroll1.setMaximum(buffers_.CodeLength / 256 - 1);

@@ -245,17 +245,18 @@ TEST(Buffer, anEditedOneIsReplacedOnlyWhenThePersonSaysSo) {
   EXPECT_EQ(buffer[1], 0xFF);
 }
 
-TEST(Buffer, thatIsNoLongerErasedIsTheFileAgain) {
+TEST(Buffer, isTheFileAgainWhenAnEraseIsTakenBackOrSaved) {
   StartedRig rig("27C256");
   rig.openFile("game.bin", countingBytes(0x8000));
-  const QString title = rig.window.windowTitle();
-  rig.click("Erase_button");
-  EXPECT_THAT(rig.window.windowTitle().toStdString(), HasSubstr("buffer erased"));
-  rig.trigger("bufferUndo");
-  EXPECT_EQ(rig.window.windowTitle(), title);
-  EXPECT_EQ(rig.form.state().CodeFrom, CodeSource::File) << "the safety question tells it";
-  rig.trigger("bufferRedo");
-  EXPECT_THAT(rig.window.windowTitle().toStdString(), HasSubstr("buffer erased"));
+  const WithDialog overwrite = pressing("Overwrite");
+  using Step = std::pair<const char*, const char*>;
+  for (const auto& [entry, title] :
+       {Step("menuEraseCode", "buffer erased"), Step("bufferUndo", "game.bin - "),
+        Step("bufferRedo", "buffer erased"), Step("mnuFileSaveCode", "game.bin - "),
+        Step("bufferUndo", "game.bin (changed)"), Step("bufferRedo", "game.bin - ")}) {
+    rig.trigger(entry);
+    EXPECT_THAT(rig.window.windowTitle().toStdString(), HasSubstr(title)) << entry;
+  }
 }
 
 TEST(FileOnTheDisk, changedByAnotherIsOfferedAgainOnesOwnSaveIsNot) {

@@ -97,10 +97,20 @@ void BufferEditor::took(const std::optional<images::EditHistory::Step>& step, im
   const char* const what = isMadeAgain ? "Made again: " : "Taken back: ";
   const std::size_t length = step->length.value_or(lengthOf(form_.state()));
   (void)form_.changeCode(std::move(buffer), narrowed<std::int32_t>(length), what + step->name);
-  form_.state().CodeChanged = wasChanged_ = history_.isChanged();
-  if (step->name != kErase) return;
-  erases_ += isMadeAgain ? 1 : -1;
-  form_.state().CodeFrom = erases_ == 0 ? loadedFrom_ : CodeSource::Erased;
+  BufferState& buffers = form_.state();
+  buffers.CodeChanged = wasChanged_ = history_.isChanged();
+  if (step->name == kErase) tookErase(buffers.CodeFrom, isMadeAgain);
+  if (!buffers.CodeChanged) buffers.CodeFrom = unchangedFrom_;
+  lastFrom_ = buffers.CodeFrom;
+}
+
+void BufferEditor::tookErase(CodeOrigin& from, bool isMadeAgain) {
+  if (isMadeAgain) {
+    fromBeforeErases_.push_back(std::exchange(from, {.source = CodeSource::Erased}));
+  } else if (!fromBeforeErases_.empty()) {
+    from = std::move(fromBeforeErases_.back());
+    fromBeforeErases_.pop_back();
+  }
 }
 
 void BufferEditor::keepBeforeErase() { beforeErase_ = form_.state().CodeBuffer; }
@@ -110,19 +120,21 @@ void BufferEditor::lookAtBuffer() {
   const images::Bytes before = std::exchange(beforeErase_, {});
   if (buffers.CodeLoads != loads_) {
     loads_ = buffers.CodeLoads;
-    const bool isErased = buffers.CodeFrom == CodeSource::Erased && !before.empty();
+    const bool isErased = buffers.CodeFrom.source == CodeSource::Erased && !before.empty();
     if (isErased) {
-      if (before != buffers.CodeBuffer) ++erases_;
+      if (before != buffers.CodeBuffer) fromBeforeErases_.push_back(lastFrom_);
       history_.note(kErase, before, buffers.CodeBuffer,
                     {.before = lengthOf(buffers), .after = lengthOf(buffers)});
     } else {
-      erases_ = 0;
-      loadedFrom_ = buffers.CodeFrom;
+      fromBeforeErases_.clear();
+      unchangedFrom_ = buffers.CodeFrom;
       history_.clear();
     }
-  } else if (wasChanged_ && !buffers.CodeChanged) {
+  } else if (buffers.CodeFrom != lastFrom_ || (wasChanged_ && !buffers.CodeChanged)) {
+    unchangedFrom_ = buffers.CodeFrom;
     history_.markSaved();
   }
+  lastFrom_ = buffers.CodeFrom;
   wasChanged_ = buffers.CodeChanged;
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "app/form/frm_main.h"
 #include "images/edit_history.h"
@@ -46,13 +47,15 @@ class BufferEditor {
   void put(const std::string& name, images::Bytes buffer, std::size_t length);
   void took(const std::optional<images::EditHistory::Step>& step, images::Bytes buffer,
             bool isMadeAgain);
+  void tookErase(CodeOrigin& from, bool isMadeAgain);
 
   frmMain& form_;
   images::EditHistory history_;
-  std::int32_t loads_ = 0;  // of the buffer that the history is about
-  CodeSource loadedFrom_ = CodeSource::Start;
-  int erases_ = 0;             // of the buffer since then, but for those taken back
-  bool wasChanged_ = false;    // at the last look
+  std::int32_t loads_ = 0;                    // of the buffer that the history is about
+  CodeOrigin unchangedFrom_;                  // where it came from, or was saved to
+  std::vector<CodeOrigin> fromBeforeErases_;  // of each erase that is not taken back
+  CodeOrigin lastFrom_;                       // at the last look, as the next
+  bool wasChanged_ = false;
   images::Bytes beforeErase_;  // empty: no erase is going on
 };
 

@@ -113,8 +113,16 @@ struct SelectionState {
   bool operator==(const SelectionState&) const = default;
 };
 
-/// Where the bytes of the code buffer come from.
+/// How the bytes of the code buffer came into it. A file that they were saved to is one like any.
 enum class CodeSource { Start, File, Import, Chip, Erased };
+
+/// Where the bytes of the code buffer come from: its title and every question about it go by this.
+struct CodeOrigin {
+  CodeSource source = CodeSource::Start;
+  std::string name = {};  ///< the file, or the device that was read
+
+  bool operator==(const CodeOrigin&) const = default;
+};
 
 /// Buffers and files: buffers/.
 struct BufferState {
@@ -126,9 +134,7 @@ struct BufferState {
   std::int16_t DataBufferValid = 0;
   std::string CodeFileName;
   std::string DataFileName;
-  CodeSource CodeFrom = CodeSource::Start;
-  std::string CodeReadFrom;         ///< the device that CodeBuffer was read from last
-  std::string CodeMadeOf;           ///< the file that it was imported from last
+  CodeOrigin CodeFrom;
   std::int32_t CodeImageBytes = 0;  ///< of that file; CodeLength is the chip's once one is chosen
   std::int32_t CodeLoads = 0;       ///< how often it was loaded, read or erased as a whole
   bool CodeChanged = false;         ///< bytes of it were changed since, and not saved

@@ -119,7 +119,8 @@ void ImageFiles::load(Image image) {
   const std::string& name = image.source.file;
   const CommandResult result = parts_.form.loadImage(name, std::move(image.bytes), image.found);
   if (result.ending != Ending::Done) return;
-  if (imported_) imported_(image.source);
+  options_ = image.source.options;
+  if (imported_) imported_();
   parts_.outcome.showMessage(
       onOneLine("Imported " + fileNameOf(name) + ": " + toQString(image.found)));
 }

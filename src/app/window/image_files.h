@@ -7,15 +7,21 @@
 #include <string>
 
 #include "app/form/frm_main.h"
-#include "app/window/code_origin.h"
 #include "app/window/outcome_line.h"
 #include "app/window/qt_dialogs.h"
+#include "app/work/image_options.h"
 #include "images/ranges.h"
 
 class QMainWindow;
 class QMenu;
 
 namespace kestrel::window {
+
+/// A file and how the image is made of it; without options byte by byte.
+struct ImageSource {
+  std::string file;
+  work::ImageOptions options = {};
+};
 
 /// File > Import Image and Export Image: image files of every format, into the buffer and out.
 class ImageFiles final : public QObject {
@@ -32,10 +38,11 @@ class ImageFiles final : public QObject {
   /// The entries stand before the one that is named.
   ImageFiles(const Parts& parts, QMenu& file, const char* before);
 
-  /// The buffer holds what was imported so.
-  void onImported(std::function<void(const ImageSource&)> imported) {
-    imported_ = std::move(imported);
-  }
+  /// A file was imported into the buffer.
+  void onImported(std::function<void()> imported) { imported_ = std::move(imported); }
+
+  /// How the last one was.
+  [[nodiscard]] const work::ImageOptions& importedBy() const { return options_; }
 
   /// A file was written.
   void onExported(std::function<void()> exported) { exported_ = std::move(exported); }
@@ -62,7 +69,8 @@ class ImageFiles final : public QObject {
   void exportImage();
 
   Parts parts_;
-  std::function<void(const ImageSource&)> imported_;
+  work::ImageOptions options_;
+  std::function<void()> imported_;
   std::function<void()> exported_;
 };
 

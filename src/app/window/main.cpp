@@ -52,7 +52,8 @@ void changeToSimulation(form::frmMain& form, MainWindow& window) {
   QStringList arguments{"--simulate", "--algorithms", isByDataSheet ? "datasheet" : "classic"};
   const std::string chip = launch::chipTypeForDevice(state.DeviceName);
   if (!chip.empty()) arguments << "--chip" << QString::fromStdString(chip);
-  if (state.CodeFrom == CodeSource::File) arguments << QString::fromStdString(state.CodeFileName);
+  const CodeOrigin& from = state.CodeFrom;
+  if (from.source == CodeSource::File) arguments << QString::fromStdString(from.name);
   if (QProcess::startDetached(QCoreApplication::applicationFilePath(), arguments)) window.close();
 }
 

@@ -22,7 +22,6 @@
 #include "app/window/display_panel.h"
 #include "app/window/file_watch.h"
 #include "app/window/fitting_area.h"
-#include "app/window/image_files.h"
 #include "app/window/image_identity.h"
 #include "app/window/lamp.h"
 #include "app/window/log_panel.h"
@@ -159,16 +158,11 @@ void MainWindow::buildImages() {
                            .outcome = *outcome_,
                            .mayReplace = [this] { return mayReplace(); }},
                           menus_->fileMenu(), "mnuFileClose");
-  files_->onImported([this](const ImageSource& source) {
-    origin_.importedFrom(source);
-    followFile();
-    showTitle();
-  });
+  files_->onImported([this] { followFile(); });
   files_->onExported([this] { watch_->takeAsKnown(); });
   watch_ = new FileWatch(this, [this] { offerFileAgain(); });
   changes_ = new BufferChanges(*this, editor_, menus_->bufferMenu());
   changes_->onChanged([this](std::int32_t address) {
-    origin_.follow(parts_.form.state().CodeFrom == CodeSource::Erased, isBufferChanged());
     parts_.mirror.refresh();
     display_->showAddress(address, 0);
     showTitle();
@@ -184,8 +178,7 @@ void MainWindow::buildImages() {
           &QAction::triggered, this, [this] { programSeveral(); });
   options_->identity().lookAt(
       [this] {
-        const bool isEmpty =
-            parts_.form.state().CodeFrom == CodeSource::Start && !isBufferChanged();
+        const bool isEmpty = origin().source == CodeSource::Start && !isBufferChanged();
         return isEmpty ? images::Bytes() : editor_.image();
       },
       [this] { return parts_.form.runner().isRunning(); });
@@ -317,16 +310,12 @@ void MainWindow::pressed(const Control& control, const CommandResult& result) {
     return std::ranges::find(some, &control) != some.end();
   };
   const auto isSetup = [&](const Button& entry) { return &entry == &control; };
-  if (isOneOf({&controls_.Read_button, &controls_.menuReadCode})) origin_.readFromChip();
-  if (isOneOf({&controls_.Erase_button, &controls_.menuEraseCode})) origin_.erased();
   const bool isFile =
       isOneOf({&controls_.mnuFileOpenCode, &controls_.toolbarButton(1), &controls_.mnuFileSaveCode,
                &controls_.mnuFileSaveCodeAs, &controls_.toolbarButton(2)});
-  const bool isLoaded = std::ranges::any_of(controls_.LoadSetup, isSetup) && holdsLoadedFile();
-  if (isFile || isLoaded) bufferIsInFile();
+  if (isFile || std::ranges::any_of(controls_.LoadSetup, isSetup)) codeFileIsKnown();
   const bool isOpened = isOneOf({&controls_.mnuFileOpenCode, &controls_.toolbarButton(1)});
   if (isOpened && !parts_.dialogs.wasFileCancelled()) files_->lookAtOpened();
-  showTitle();
 }
 
 void MainWindow::showCommandsOff() {

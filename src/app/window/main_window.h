@@ -11,7 +11,7 @@
 #include "app/form/frm_main.h"
 #include "app/launch/wave_file.h"
 #include "app/window/binder.h"
-#include "app/window/code_origin.h"
+#include "app/window/image_files.h"
 #include "app/window/qt_dialogs.h"
 #include "app/window/qt_screen.h"
 #include "app/window/recent_files.h"
@@ -31,7 +31,6 @@ class CommandBar;
 class DeviceCard;
 class DisplayPanel;
 class FileWatch;
-class ImageFiles;
 class LogPanel;
 class Menus;
 class NoticeBar;
@@ -125,10 +124,10 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   void pressed(const Control& control, const CommandResult& result);
   void showCommandsOff();
 
-  void bufferIsInFile();
-  [[nodiscard]] bool holdsLoadedFile() const;
+  void codeFileIsKnown();
   void showTitle();
   [[nodiscard]] bool isBufferChanged() const;
+  [[nodiscard]] const CodeOrigin& origin() const;
   [[nodiscard]] QString codeFileName() const;
   [[nodiscard]] std::optional<ImageSource> imageSource() const;
   [[nodiscard]] bool maySaveOverFile();
@@ -155,7 +154,6 @@ class MainWindow final : private WidgetServices, public QMainWindow {
 
   WindowParts parts_;
   Controls& controls_;
-  CodeOrigin origin_;
   form::BufferEditor editor_;
   Ending ending_ = Ending::Done;  // of the last command
   Menus* menus_ = nullptr;

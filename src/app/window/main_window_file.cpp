@@ -7,18 +7,15 @@
 #include <QPushButton>
 #include <QTimer>
 #include <algorithm>
-#include <span>
 #include <utility>
 
 #include "app/window/buffer_changes.h"
 #include "app/window/file_of.h"
 #include "app/window/file_watch.h"
-#include "app/window/image_files.h"
 #include "app/window/main_window.h"
 #include "app/window/notice_bar.h"
 #include "app/window/project_files.h"
 #include "app/window/texts.h"
-#include "images/checksums.h"
 #include "platform/runtime_error.h"
 
 namespace kestrel::window {
@@ -26,30 +23,52 @@ namespace {
 
 constexpr const char* kFileNotice = "file";
 
+/// "game.bin", or what stands in its place; empty before the first file.
+QString shownOrigin(const CodeOrigin& from) {
+  const auto file = [&] { return onOneLine(QFileInfo(toQString(from.name)).fileName()); };
+  switch (from.source) {
+    case CodeSource::Start:
+      return {};
+    case CodeSource::File:
+      return file();
+    case CodeSource::Import:
+      return file() + " (imported)";
+    case CodeSource::Chip:
+      return "read from chip";
+    case CodeSource::Erased:
+      return "buffer erased";
+  }
+  return {};
+}
+
+/// It holds what may exist nowhere else.
+bool isUnsavedRead(const CodeOrigin& from) { return from.source == CodeSource::Chip; }
+
+/// It is not what the open file holds.
+bool isOther(const CodeOrigin& from) {
+  return isUnsavedRead(from) || from.source == CodeSource::Erased;
+}
+
 }  // namespace
 
-void MainWindow::bufferIsInFile() {
-  if (parts_.dialogs.wasFileCancelled() || codeFileName().isEmpty()) return;
-  origin_.isInFile();
+// The open file was loaded or saved; a setup may name none and leave the buffer.
+void MainWindow::codeFileIsKnown() {
+  const bool isInIt =
+      origin().source == CodeSource::File && origin().name == parts_.form.state().CodeFileName;
+  if (parts_.dialogs.wasFileCancelled() || !isInIt) return;
   followFile();
   recent.add(codeFileName());
 }
 
-// A setup may name a file or none: by the sum of its bytes the buffer tells which it was.
-bool MainWindow::holdsLoadedFile() const {
-  const ProgrammerState& state = parts_.form.state();
-  const int length = std::clamp(state.CodeLength, 0, static_cast<int>(state.CodeBuffer.size()));
-  const auto image = std::span(state.CodeBuffer).first(static_cast<std::size_t>(length));
-  return std::cmp_equal(images::sum16(image), state.FileChecksum);
-}
+const CodeOrigin& MainWindow::origin() const { return parts_.form.state().CodeFrom; }
 
 QString MainWindow::codeFileName() const { return toQString(parts_.form.state().CodeFileName); }
 
 void MainWindow::showTitle() {
   const QString name = toQString(controls_.frmMain.caption());
-  QString shown = origin_.title(parts_.form.state().CodeFileName);
+  QString shown = shownOrigin(origin());
   if (isBufferChanged()) shown += shown.isEmpty() ? "buffer changed" : " (changed)";
-  const bool isModified = origin_.isChanged() || isBufferChanged();
+  const bool isModified = isOther(origin()) || isBufferChanged();
   if (!isModified) setWindowModified(false);
   setWindowTitle((shown.isEmpty() ? QString() : shown + (isModified ? "[*] - " : " - ")) + name);
   setWindowModified(isModified);
@@ -60,16 +79,16 @@ bool MainWindow::isBufferChanged() const { return parts_.form.state().CodeChange
 
 bool MainWindow::saveCodeAs() {
   binder.press(controls_.mnuFileSaveCodeAs);
-  return !origin_.isUnsavedRead() && !isBufferChanged();
+  return !isUnsavedRead(origin()) && !isBufferChanged();
 }
 
 // Behind the first file that was opened, Save writes over it without a word, whatever the buffer
 // holds since then.
 bool MainWindow::maySaveOverFile() {
-  if (!origin_.isChanged() || codeFileName().isEmpty()) return true;
+  if (!isOther(origin()) || codeFileName().isEmpty()) return true;
   const QString file = onOneLine(QFileInfo(codeFileName()).fileName());
   QMessageBox box(QMessageBox::Question, "Kestrel",
-                  origin_.isUnsavedRead() ? "The buffer holds what was read from the chip."
+                  isUnsavedRead(origin()) ? "The buffer holds what was read from the chip."
                                           : "The buffer has been erased.",
                   QMessageBox::Cancel, this);
   box.setObjectName("overwriteQuestion");
@@ -85,9 +104,9 @@ bool MainWindow::maySaveOverFile() {
 
 // `otherwise`: the button that goes on without saving.
 bool MainWindow::mayLose(const char* otherwise) {
-  if (!origin_.isUnsavedRead() && !isBufferChanged()) return true;
+  if (!isUnsavedRead(origin()) && !isBufferChanged()) return true;
   QMessageBox box(QMessageBox::Question, "Kestrel",
-                  origin_.isUnsavedRead() ? "What was read from the chip has not been saved."
+                  isUnsavedRead(origin()) ? "What was read from the chip has not been saved."
                                           : "The buffer was changed and has not been saved.",
                   QMessageBox::Cancel, this);
   box.setObjectName("unsavedQuestion");
@@ -112,7 +131,11 @@ bool MainWindow::replacesBuffer(const Control& control) const {
 }
 
 std::optional<ImageSource> MainWindow::imageSource() const {
-  return origin_.source(parts_.form.state().CodeFileName);
+  const auto& [source, name] = origin();
+  if (source == CodeSource::Import)
+    return ImageSource{.file = name, .options = files_->importedBy()};
+  if (source == CodeSource::File) return ImageSource{.file = name};
+  return std::nullopt;
 }
 
 // What is in the file now is what the buffer was loaded from, or saved as.

@@ -9,7 +9,6 @@
 
 #include "app/form/frm_main.h"
 #include "app/window/chip_backup.h"
-#include "app/window/code_origin.h"
 #include "app/window/image_files.h"
 #include "app/window/notice_bar.h"
 #include "app/window/outcome_line.h"
