@@ -1,4 +1,4 @@
-// Texts and numbers; what the controls do by themselves, and the state in which the form starts.
+// Texts and numbers; what the controls do by themselves.
 
 #include <gtest/gtest.h>
 
@@ -99,26 +99,6 @@ TEST(RangesAndList, runTheirHandlersForANewValueAloneAndAtEverySetting) {
   for (const int position : {2, 2, 1, -1}) c.Device.setPosition(position);
   EXPECT_EQ(seen, (std::vector<int>{2, 2, 1, -1}));
   EXPECT_THROW(c.Device.setPosition(3), RuntimeError);
-}
-
-TEST(FormAtStart, whatAProcedureEnablesIsDisabledAndWhatOneShowsIsHidden) {
-  Controls c;
-  EXPECT_EQ(test::namesOf(c, [](const Control& control) { return !control.enabled(); }),
-            "Voltage_button(0) Voltage_button(1) Voltage_button(2) Voltage_button(3) CheckCode "
-            "CheckData Read_button Blank_button Verify_button Program_button EraseFlash_button "
-            "Display_button Erase_button Show_button tbToolBar(2) tbToolBar(4) tbToolBar(5) "
-            "mnuFileOpenData mnuFileSaveCode mnuFileSaveCodeAs mnuFileSaveData mnuFileSaveDataAs "
-            "menuReadCode menuBlankCheck menuVerifyCode menuProgramCode menuEraseCode "
-            "menuDisplayCode menuReadData menuVerifyData menuProgramData menuEraseData "
-            "menuDisplayData menuEraseFlash menuFlashShowCodeID LoadSetup1 LoadSetup2 LoadSetup3 "
-            "LoadSetup4");
-  EXPECT_EQ(
-      test::namesOf(c, [](const Control& control) { return !control.visible(); }),
-      "Frame5 FrameVoltageSelection FrameProtection CheckBlankPriorProgramming "
-      "VerifyAfterProgramming "
-      "CheckChipFirst AnyCode frmDisplay1 FileNameDataLabel FileNameDataSize FileNameDataText "
-      "tbToolBar(3) tbToolBar(4) tbToolBar(5)");
-  EXPECT_EQ(c.Slider1.value(), 18);
 }
 
 }  // namespace
