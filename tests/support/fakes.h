@@ -9,11 +9,15 @@
 #include <vector>
 
 #include "platform/dialogs.h"
+#include "platform/folders.h"
 #include "platform/help_viewer.h"
+#include "platform/port_service.h"
 #include "platform/screen.h"
 #include "platform/settings_store.h"
 #include "platform/sound_player.h"
+#include "platform/stop_switch.h"
 #include "platform/time_of_day.h"
+#include "support/temporary_folder.h"
 
 namespace kestrel::test {
 
@@ -105,6 +109,23 @@ class FakeScreen final : public Screen {
   int repaints = 0;
   std::size_t windows = 1;
   bool mainClosed = false;
+};
+
+/// All that a program speaks to but its port, in a folder of its own.
+struct Surroundings {
+  [[nodiscard]] Folders folders() const {
+    return {.configuration = folder / "config", .data = folder / "data", .working = folder.path()};
+  }
+
+  TemporaryFolder folder;
+  FixedTime time;
+  PortService noService;
+  RecordingSounds sounds;
+  MemorySettings settings;
+  RecordingHelp help;
+  ScriptedDialogs dialogs;
+  FakeScreen screen;
+  StopSwitch ownStop;
 };
 
 }  // namespace kestrel::test

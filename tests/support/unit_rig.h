@@ -1,21 +1,16 @@
 #pragma once
 
+#include <algorithm>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "data_sheet/drivers.h"
-#include "hardware/board.h"
-#include "hardware/chip_bus.h"
+#include "app/form/units.h"
 #include "hardware/decode_tables.h"
-#include "hardware/error_alert.h"
 #include "hardware/ports/tracing_port.h"
-#include "operations/eprom_programmer.h"
-#include "operations/flash_programmer.h"
-#include "operations/page_writer.h"
-#include "operations/serial_eeprom.h"
 #include "support/board_trace.h"
 #include "support/control_names.h"
 #include "support/fakes.h"
@@ -68,28 +63,41 @@ class ScriptedPort final : public PortAccess, public Waits {
   std::uint8_t control_ = 0;
 };
 
-/// The device procedures over a scripted port on 378h, without the form's commands. No speed is
-/// set, so that latch loads have no wait of their own.
-struct UnitRig {
-  explicit UnitRig(int model = 5) : port(model) {
+/// What the form's units are put together over.
+struct ScriptedMachine : Surroundings {
+  explicit ScriptedMachine(int model) : port(model) {}
+
+  [[nodiscard]] Machine parts() {
+    return {traced, traced,  noService, time,    sounds,   settings,
+            help,   dialogs, screen,    ownStop, folders()};
+  }
+
+  ScriptedPort port;
+  std::ostringstream trace;
+  ports::TracingPort traced{port, port, trace};
+};
+
+/// The form's own composition over a scripted port on 378h, without its commands and start-up. No
+/// speed is set, so that latch loads have no wait of their own.
+struct UnitRig : ScriptedMachine, form::Units {
+  explicit UnitRig(int model = 5) : ScriptedMachine(model), Units(parts()) {
     hardware::BuildDecodeTables(state);
-    registers.InitControlTables();
+    board.registers.InitControlTables();
     state.PortBase = 0x378;
     state.KestrelModel = static_cast<std::int16_t>(model);
-    registers.ApplyPortAndModel();
+    board.registers.ApplyPortAndModel();
   }
 
   /// The state in which a program command starts a routine, for a device with these fixed bits.
   void start(std::int16_t reg1Fixed, std::int16_t reg3Fixed) {
     state.Reg1Fixed = reg1Fixed;
     state.Reg3Fixed = reg3Fixed;
-    bus.Reset();
-    bus.SETADR();
+    board.bus.Reset();
+    board.bus.SETADR();
     trace.str("");
   }
-  /// The image to program.
-  void image(const std::vector<std::uint8_t>& bytes) {
-    std::copy(bytes.begin(), bytes.end(), state.ProgramBuffer.begin());
+  void setImage(const std::vector<std::uint8_t>& bytes) {
+    std::ranges::copy(bytes, state.ProgramBuffer.begin());
     state.ProgramLength = static_cast<std::int32_t>(bytes.size());
   }
   [[nodiscard]] std::vector<BoardEvent> events() const {
@@ -97,37 +105,6 @@ struct UnitRig {
   }
   [[nodiscard]] std::string traffic() const { return textOf(events()); }
   [[nodiscard]] std::vector<std::string> log() const { return logMessages(controls); }
-
-  ScriptedPort port;
-  std::ostringstream trace;
-  ports::TracingPort traced{port, port, trace};
-  RecordingSounds sounds;
-  FakeScreen screen;
-  Folders folders;
-  ProgrammerState state;
-  Controls controls;
-  FixedTime time;
-  Reporting reporting{state, controls, time, sounds, screen, folders};
-  PortService service;
-  hardware::Board board{state, controls, reporting, traced, traced, service, screen};
-  hardware::Registers& registers = board.registers;
-  hardware::BusPrimitives& bus = board.bus;
-  hardware::Lamps& lamps = board.lamps;
-  hardware::ErrorAlert alert{state, controls, reporting, lamps, bus};
-  operations::FailureReports reports{state, state, state, controls, reporting, board, alert};
-  operations::ProgramImage programImage{state, state, state, controls};
-  operations::EpromProgrammer eprom{state, state,     state, state,  state,
-                                    state, reporting, board, reports};
-  operations::ProtectionSequences protection{state, state, state, controls, board};
-  operations::PageWriter pages{state,     state, state,      state,        controls,
-                               reporting, board, protection, programImage, reports};
-  hardware::ChipBus chipBus{state, state, state, traced, traced};
-  data_sheet::Drivers drivers{state, state, controls.AnyCode, chipBus};
-  operations::FlashIdentification identification{state, state,      state,  reporting,
-                                                 board, protection, drivers};
-  operations::FlashProgrammer flash{state,     state, state,          state,   state, controls,
-                                    reporting, board, identification, reports, screen};
-  operations::SerialEeprom serial{state, state, state, state, controls, reporting, board, reports};
 };
 
 }  // namespace kestrel::test

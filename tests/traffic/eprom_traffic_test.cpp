@@ -23,7 +23,7 @@ struct EpromRig : UnitRig {
   EpromRig(const Bytes& bytes, std::int16_t reg1Fixed, std::int16_t reg3Fixed) {
     state.DelayCountB = 700;
     state.DelayCountA = 3000;
-    image(bytes);
+    setImage(bytes);
     start(reg1Fixed, reg3Fixed);
   }
 };

@@ -26,7 +26,7 @@ struct FlashRig : UnitRig {
 TEST(FlashCommand, loadsWithoutAWaitAndLeavesTheShadowsAlone) {
   FlashRig rig;
   rig.state.BusDelayCount = 12;
-  rig.identification.FlashCommand();
+  rig.flashIdentification.FlashCommand();
   EXPECT_THAT(rig.trace.str(),
               testing::StartsWith("out 378 40\nout 37A 05\nspin 12\nout 37A 04\nout 37A 05\n"
                                   "out 378 84\nout 37A 0E\nout 37A 0F\n"
@@ -36,7 +36,7 @@ TEST(FlashCommand, loadsWithoutAWaitAndLeavesTheShadowsAlone) {
 
 TEST(FlashId, isReadBetweenIdentifyAndReset) {
   FlashRig rig({0x01, 0x20, 0xFF, 0xFF});
-  rig.identification.ReadFlashID();
+  rig.flashIdentification.ReadFlashID();
   const std::string read = "1=00 2=00 3=44 lo hi 1=00 2=01 3=44 lo hi ";
   EXPECT_EQ(rig.traffic(), "0=40 1=00 2=00 3=C4 0=48 0=48 0=48 " + kUnlock +
                                "4=90 1=05 2=55 3=04 3=00 3=04 3=84 3=44 0=08 3=44 " + read +
@@ -47,28 +47,28 @@ TEST(FlashId, isReadBetweenIdentifyAndReset) {
 
 TEST(FlashId, ofWhatIsNoFlashIsSaidSo) {
   FlashRig rig({0xFF, 0xFF, 0xFF, 0xFF});
-  rig.identification.menuFlashShowCodeID_Click();
+  rig.flashIdentification.menuFlashShowCodeID_Click();
   EXPECT_THAT(rig.log(), ElementsAre("Reading Flash Code ID_________________ wait",
                                      "*** Not a Flash Unit, Address 00&01 = FlashCode ***",
                                      "Device ID# FFFF -  Not Valid!!!"));
   rig.trace.str("");
   rig.state.FamilyCode = "EN";
-  rig.identification.menuFlashShowCodeID_Click();
+  rig.flashIdentification.menuFlashShowCodeID_Click();
   EXPECT_EQ(rig.traffic(), "");
 }
 
 TEST(ResetFlash, writesF0hOnce) {
   FlashRig rig;
-  rig.identification.ResetFlash_Click();
+  rig.flashIdentification.ResetFlash_Click();
   EXPECT_EQ(rig.traffic(), "3=C4 0=40 4=F0 3=C0 3=40 3=C0 3=C4");
 }
 
 TEST(ProgramFlash, pollsAByte49TimesAndReports) {
   FlashRig rig({0x01, 0x20, 0xFF, 0xFF, 0x11});
   rig.state.CodeLength = 512;
-  rig.image({0x11, 0x22});
+  rig.setImage({0x11, 0x22});
   rig.port.thereafter = 0x23;
-  rig.flash.ProgramFlash();
+  rig.flashProgrammer.ProgramFlash();
   EXPECT_EQ(rig.state.FlashPollMisses, 49);
   EXPECT_EQ(rig.log()[1], "Device ID# 0120 - Start programming");
   EXPECT_EQ(rig.log()[3], "*** Address:1h, Programming BYTE:22h, Read BYTE:23h");
@@ -80,8 +80,8 @@ TEST(ProgramFlash, pollsAByte49TimesAndReports) {
 TEST(ProgramFlash, waits1msForEachByteOfAnAtmelAndReadsNothing) {
   FlashRig rig({0x1F, 0xD5, 0xFF, 0xFF});  // one more read would end the script
   rig.state.CodeLength = 256;
-  rig.image({0x11, 0x22});
-  EXPECT_NO_THROW(rig.flash.ProgramFlash());
+  rig.setImage({0x11, 0x22});
+  EXPECT_NO_THROW(rig.flashProgrammer.ProgramFlash());
   EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 1, rig.events()), 256);
   EXPECT_EQ(rig.state.ProgramFailed, 0);
 }
@@ -91,7 +91,7 @@ TEST(ProgramFlash, takesAmicAndEonToo) {
     FlashRig rig({maker, 0x04, 0xFF, 0xFF});
     rig.state.CodeLength = 1;
     rig.port.thereafter = 0;
-    rig.flash.ProgramFlash();
+    rig.flashProgrammer.ProgramFlash();
     EXPECT_TRUE(rig.log().back().ends_with("Start programming"));
     EXPECT_NE(rig.traffic().find("3=C4 0=48 0=40 3=84 0=40 3=84 3=84 1=00 2=00 3=C4"),
               std::string::npos);
@@ -101,7 +101,7 @@ TEST(ProgramFlash, takesAmicAndEonToo) {
 TEST(ProgramFlash, refusesAnUnknownMaker) {
   FlashRig rig({0xC2, 0x13, 0xFF, 0xFF});
   rig.state.ProgramStatus = 1;
-  rig.flash.ProgramFlash();
+  rig.flashProgrammer.ProgramFlash();
   EXPECT_EQ(rig.log().back(), "Device ID# C213 - Not Supported");
   EXPECT_EQ(rig.state.ProgramStatus, 0);
 }

@@ -55,7 +55,7 @@ TEST(FlashId, isProbedOnceForTheAT29C256) {
   rig.state.FamilyCode = "FA";
   rig.start(0x80, 0x02);
   rig.port.answer({0x1F, 0xDC});
-  rig.identification.ProbeFlashID();
+  rig.flashIdentification.ProbeFlashID();
   EXPECT_EQ(rig.traffic(), sequence(kAtmel, {"AA", "55", "90"}) +
                                " 3=02 0=00 3=42 1=80 2=00 3=42 lo hi 1=80 2=01 3=42 lo hi 0=40 " +
                                sequence(kAtmel, {"AA", "55", "F0"}) + " sleep=20");
@@ -82,7 +82,7 @@ struct PageRig : UnitRig {
   explicit PageRig(const PageChip& chip) {
     std::vector<std::uint8_t> bytes(32768, 0xFF);
     for (unsigned i = 0; i < 128; ++i) bytes[i] = static_cast<std::uint8_t>(i + 1);
-    image(bytes);
+    setImage(bytes);
     start(chip.reg1Fixed, 0x02);
     port.answer({1, 0});
     for (std::uint8_t i = 1; i <= 64; ++i) port.answer({i});
@@ -113,7 +113,7 @@ TEST(PageWriter, writesAnAT29C256PageByBit7) {
 
 TEST(PageWriter, givesUpAPageAfter79Attempts) {
   UnitRig rig;
-  rig.image(std::vector<std::uint8_t>(32768, 0x5A));
+  rig.setImage(std::vector<std::uint8_t>(32768, 0x5A));
   rig.start(0x80, 0x02);
   rig.controls.Slider1.setValue(20);
   rig.port.answer(std::vector<std::uint8_t>(66, 0x5A));

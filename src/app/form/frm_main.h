@@ -13,6 +13,8 @@
 
 namespace kestrel::form {
 
+struct Units;
+
 /// The main window's logic without a toolkit. It owns the one ProgrammerState and the Controls for
 /// the life of the process, puts the procedures together and routes every control's event to its
 /// handler. A front end presses them through the one command runner.
@@ -72,8 +74,6 @@ class frmMain {
   [[nodiscard]] CommandRunner& runner();
 
  private:
-  struct Units;
-
   std::unique_ptr<Units> units_;
 };
 

@@ -3,7 +3,7 @@
 
 namespace kestrel::form {
 
-void frmMain::Units::connectAll() {
+void Units::connectAll() {
   connectButtons();
   connectMenus();
   connectHardwareMenu();
@@ -14,13 +14,13 @@ void frmMain::Units::connectAll() {
 
 // By its data sheet a serial chip has its supply, which is the /OE line, while a command runs
 // alone.
-void frmMain::Units::takeSupplyFromSerialChip() {
+void Units::takeSupplyFromSerialChip() {
   const bool isSerial = devices::familyOf(state.FamilyCode).bus == devices::BusKind::Serial;
   const bool hasSupply = (state.RegShadow0 & hardware::kOutputDisable) != 0;
   if (isSerial && hasSupply && drivers.areChosen()) board.leaveSerialChip();
 }
 
-void frmMain::Units::connectButtons() {
+void Units::connectButtons() {
   Controls& c = controls;
   c.Read_button.onPress([this] { read.Read_button_Click(); });
   c.Blank_button.onPress([this] { blank.Blank_button_Click(); });
@@ -37,7 +37,7 @@ void frmMain::Units::connectButtons() {
 }
 
 // A menu entry carries no logic of its own: it runs its button's handler.
-void frmMain::Units::connectMenus() {
+void Units::connectMenus() {
   Controls& c = controls;
   c.mnuFileOpenCode.onPress([this] { files.mnuFileOpenCode_Click(); });
   c.mnuFileOpenData.onPress([this] { files.mnuFileOpenData_Click(); });
@@ -71,7 +71,7 @@ void frmMain::Units::connectMenus() {
   c.mnuToolsOptions.onPress([this] { help.mnuToolsOptions_Click(); });
 }
 
-void frmMain::Units::connectHardwareMenu() {
+void Units::connectHardwareMenu() {
   Controls& c = controls;
   for (Button* const test : {&c.TestHardware_button, &c.menuTestHardware}) {
     test->onPress([this] { testHardware(); });
@@ -89,7 +89,7 @@ void frmMain::Units::connectHardwareMenu() {
   }
 }
 
-void frmMain::Units::connectValues() {
+void Units::connectValues() {
   Controls& c = controls;
   c.Device.onClick([this] { devices.Device_Click(); });
   c.Slider1.onChange([this] { devices.Slider1_Change(); });
@@ -112,30 +112,30 @@ void frmMain::Units::connectValues() {
 }
 
 // Beside the choice, which stays the person's: only a real port can be missing.
-void frmMain::Units::reportPortNotHeld() {
+void Units::reportPortNotHeld() {
   if (machine.portService.holdsPort(state.PortBase)) return;
   reporting.noteRemark(whyNoBoard());
   logDiagnosis();
 }
 
-void frmMain::Units::testHardware() {
+void Units::testHardware() {
   machine.portService.takeMissing();
   detection.TestHardware_button_Click();
   reportDiagnosis();
 }
 
-void frmMain::Units::VScroll1_Change() {
+void Units::VScroll1_Change() {
   if (state.DisplayMode == "Read") memoryDisplay.DisplayPageMemory();
   if (state.DisplayMode == "DisplayEprom") deviceDisplay.DisplayEprom();
 }
 
-void frmMain::Units::connectToolbar() {
+void Units::connectToolbar() {
   for (ToolButton& button : controls.tbToolBar) {
     button.onPress([this, &button] { tbToolBar_ButtonClick(button.key()); });
   }
 }
 
-void frmMain::Units::tbToolBar_ButtonClick(const std::string& key) {
+void Units::tbToolBar_ButtonClick(const std::string& key) {
   if (key == "OpenCode") files.mnuFileOpenCode_Click();
   if (key == "OpenData") files.mnuFileOpenData_Click();
   if (key == "SaveCode") files.mnuFileSaveCode_Click();

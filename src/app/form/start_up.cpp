@@ -1,3 +1,4 @@
+#include "app/form/frm_main.h"
 #include "app/form/units.h"
 #include "app/form/window_place.h"
 #include "app/state/text_format.h"
@@ -40,7 +41,7 @@ void frmMain::Form_Load() {
   u.reporting.PlaySoundEvent("INIT");
 }
 
-void frmMain::Units::showNoBoardYet() {
+void Units::showNoBoardYet() {
   controls.KestrelHardwareFound.setCaption("NO HARDWARE FOUND !!!");
   controls.Ready_label.setColour(Colour::Red);
   controls.Ready_label.setCaption("NotReady");
@@ -50,7 +51,7 @@ void frmMain::Units::showNoBoardYet() {
 
 // The window always comes up: an error in kestrel6.ini or of the port is reported, and the board is
 // looked for as if there were no file.
-void frmMain::Units::findBoard() {
+void Units::findBoard() {
   const auto testIfNoPort = [this] {
     if (state.PortBase == 0) detection.TestHardware_button_Click();
   };
@@ -75,7 +76,7 @@ void frmMain::Units::findBoard() {
 }
 
 // A board that was addressed already goes to rest before the fault is shown.
-void frmMain::Units::restAfterFault() {
+void Units::restAfterFault() {
   try {
     if (state.ControlPort != 0) runner.resetBoard();
   } catch (const std::exception&) {
@@ -85,13 +86,13 @@ void frmMain::Units::restAfterFault() {
 
 // kestrel6.ini may name a port that the program could not take, or half of what is needed: then no
 // board is there, whatever the procedures have shown.
-void frmMain::Units::checkPortInForce() {
+void Units::checkPortInForce() {
   if (whyNoBoard().empty()) return;
   controls.Ready_label.setColour(Colour::Red);
   controls.Ready_label.setCaption("NotReady");
 }
 
-std::string frmMain::Units::whyNoBoard() const {
+std::string Units::whyNoBoard() const {
   const std::int16_t base = state.PortBase;
   const std::int16_t model = state.KestrelModel;
   if (base == 0) return {};
@@ -102,7 +103,7 @@ std::string frmMain::Units::whyNoBoard() const {
 }
 
 // The log has been emptied since the board was looked for; it opens with what is wrong.
-void frmMain::Units::reportPortInForce() {
+void Units::reportPortInForce() {
   const std::string reason = whyNoBoard();
   if (!reason.empty()) {
     reporting.LogMessage(reason + ": press the hardware test, which writes that file anew");
@@ -111,11 +112,11 @@ void frmMain::Units::reportPortInForce() {
 }
 
 // Why a real port may have no board behind it.
-void frmMain::Units::logDiagnosis() {
+void Units::logDiagnosis() {
   for (const std::string& line : machine.portService.diagnosis()) reporting.LogMessage(line);
 }
 
-void frmMain::Units::reportDiagnosis() {
+void Units::reportDiagnosis() {
   if (state.KestrelModel == 0) logDiagnosis();
 }
 

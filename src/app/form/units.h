@@ -1,9 +1,10 @@
 #pragma once
 
 #include "app/form/command_runner.h"
-#include "app/form/frm_main.h"
 #include "app/form/help_commands.h"
+#include "app/state/controls.h"
 #include "app/state/error_report.h"
+#include "app/state/programmer_state.h"
 #include "buffers/buffer_files.h"
 #include "data_sheet/drivers.h"
 #include "display/device_display.h"
@@ -29,14 +30,16 @@
 #include "operations/routines.h"
 #include "operations/serial_eeprom.h"
 #include "operations/verify.h"
+#include "platform/machine.h"
 #include "selection/device_selection.h"
 #include "selection/kept_selection.h"
 #include "setups/named_setups.h"
 
 namespace kestrel::form {
 
-/// The composition: every unit with references to what it uses, in the order of the layers.
-struct frmMain::Units {
+/// The composition: every unit with references to what it uses, in the order of the layers. No
+/// control leads anywhere until connectAll.
+struct Units {
   explicit Units(const Machine& given) : machine(given) {}
 
   Machine machine;
