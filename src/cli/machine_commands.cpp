@@ -52,12 +52,12 @@ int switchOffReal(const Arguments& arguments) {
   ports::LinuxCalls calls;
   ports::PortOptions options;
   options.choices = arguments.launch.ports;
-  const auto ports = ports::openRealPorts(calls, std::move(options));
-  if (ports->switchOff()) {
-    for (const std::uint16_t base : ports->taken()) reportSwitchedOff(arguments, base);
+  ports::RealPorts real(calls, std::move(options));
+  if (real.switchOff()) {
+    for (const std::uint16_t base : real.taken()) reportSwitchedOff(arguments, base);
     return kDone;
   }
-  for (const std::string& line : ports->diagnosis()) std::cerr << "kestrel-cli: " << line << '\n';
+  for (const std::string& line : real.diagnosis()) std::cerr << "kestrel-cli: " << line << '\n';
   return kNoBoard;
 }
 

@@ -5,8 +5,6 @@
 
 namespace kestrel::test {
 
-using Bytes = std::vector<std::uint8_t>;
-
 constexpr sim::Model kModels[]{sim::Model::kestrel4, sim::Model::kestrel5, sim::Model::kestrel6};
 
 /// All set up as a person would before Program: the chip in its socket, blank or with contents, the

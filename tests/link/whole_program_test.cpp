@@ -110,7 +110,7 @@ TEST(HardwareTest, findsTheBoardWhereTheAdapterIsChosenToBe) {
   f.start();
   for (const char* const choice : {"", "278=link:/dev/adapter"}) {
     const bool isThere = *choice != '\0';
-    f.ports->chooseLink(isThere ? std::optional(ports::parsePortChoice(choice)) : std::nullopt);
+    f.ports.chooseLink(isThere ? std::optional(ports::parsePortChoice(choice)) : std::nullopt);
     f.rig.press("TestHardware_button");
     EXPECT_EQ(f.rig.controls.Ready_label.caption(), isThere ? "Ready" : "NotReady");
   }

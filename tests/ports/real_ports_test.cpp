@@ -35,7 +35,7 @@ struct RealPortsTest : testing::Test {
     ports::PortOptions options{
         .choices = {}, .root = root.path(), .lockFolder = root.path(), .guard = TAPE_GUARD};
     for (const std::string& each : choices) options.choices.push_back(ports::parsePortChoice(each));
-    return ports::openRealPorts(kernel, options);
+    return std::make_unique<ports::RealPorts>(kernel, options);
   }
 
   test::TemporaryFolder root;

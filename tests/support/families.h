@@ -12,8 +12,6 @@
 
 namespace kestrel::test {
 
-using Bytes = std::vector<std::uint8_t>;
-
 /// A device of each family, to be handled by the whole program.
 struct Family {
   const char *code, *device, *chip;

@@ -12,9 +12,10 @@
 #include "simulator/simulated_port.h"
 #include "support/control_names.h"
 #include "support/fakes.h"
-#include "support/temporary_folder.h"
 
 namespace kestrel::test {
+
+using Bytes = std::vector<std::uint8_t>;
 
 /// What a rig may be given from outside: a stop switch that layers below share, the service of real
 /// ports, the port's time.
@@ -25,23 +26,20 @@ struct RigParts {
   waveform::RecordingPort::Nanoseconds now = {};
 };
 
-/// The program over any port and waits, with scripted surroundings and its own folders.
-struct FormRig {
+/// The program over any port and waits.
+struct FormRig : Surroundings {
   FormRig(PortAccess& port, Waits& waits, const RigParts& given = {})
       : stop(given.stop != nullptr ? *given.stop : ownStop),
-        parts(
-            {.port = port,
-             .waits = waits,
-             .service = given.service != nullptr ? *given.service : noService,
-             .now = given.now},
-            {.sounds = sounds,
-             .settings = settings,
-             .help = help,
-             .dialogs = dialogs,
-             .screen = screen},
-            stop, time,
-            {.configuration = folder / "config", .data = folder / "data", .working = folder.path()},
-            given.trace),
+        parts({.port = port,
+               .waits = waits,
+               .service = given.service != nullptr ? *given.service : noService,
+               .now = given.now},
+              {.sounds = sounds,
+               .settings = settings,
+               .help = help,
+               .dialogs = dialogs,
+               .screen = screen},
+              stop, time, folders(), given.trace),
         form(parts.form()),
         controls(form.controls()),
         state(form.state()) {}
@@ -67,7 +65,7 @@ struct FormRig {
   }
 
   /// Opens a code file with these contents.
-  void openImage(const std::vector<std::uint8_t>& image) {
+  void openImage(const Bytes& image) {
     const std::string name = (folder / "image.bin").string();
     std::ofstream(name, std::ios::binary)
         .write(reinterpret_cast<const char*>(image.data()), std::ssize(image));
@@ -90,15 +88,6 @@ struct FormRig {
     return isEnabled;
   }
 
-  TemporaryFolder folder;
-  FixedTime time;
-  PortService noService;
-  RecordingSounds sounds;
-  MemorySettings settings;
-  RecordingHelp help;
-  ScriptedDialogs dialogs;
-  FakeScreen screen;
-  StopSwitch ownStop;
   StopSwitch& stop;
   launch::Program parts;
   form::frmMain& form;
@@ -107,12 +96,19 @@ struct FormRig {
   CommandResult result;
 };
 
-/// A bench with one board, and the trace of what a form asks of it.
+/// A bench with one board, and the trace of what a form asks of it: that of a whole chip would be
+/// very long.
 struct BoardOnBench {
-  explicit BoardOnBench(sim::Model model) : board(&bench.plug(model, 0x378)) {}
+  enum class Trace { On, Off };
+
+  explicit BoardOnBench(sim::Model model, Trace tracing = Trace::On)
+      : board(&bench.plug(model, 0x378)), isTraced(tracing == Trace::On) {}
+
+  [[nodiscard]] std::ostream* traced() { return isTraced ? &trace : nullptr; }
 
   sim::Bench bench;
   sim::Board* board;
+  bool isTraced;
   sim::SimulatedPort port{bench};
   std::ostringstream trace;
 
@@ -125,7 +121,7 @@ struct BoardOnBench {
     trace.str("");
   }
   /// A chip of the type with the contents, or a blank one.
-  void insert(const std::string& type, const std::vector<std::uint8_t>& contents = {}) {
+  void insert(const std::string& type, const Bytes& contents = {}) {
     board->insert(sim::makeChip(type));
     if (contents.empty()) {
       board->blankChip();
@@ -133,20 +129,17 @@ struct BoardOnBench {
       board->loadChip(contents);
     }
   }
-  [[nodiscard]] std::vector<std::uint8_t> chipContents() {
+  [[nodiscard]] Bytes chipContents() {
     if (board->chip() == nullptr) return {};
     const auto cells = board->chip()->contents();
     return {cells.begin(), cells.end()};
   }
 };
 
-/// The form on such a bench, traced or, as a trace of a whole chip would be very long, not. start()
-/// runs the start-up.
+/// The form on such a bench. start() runs the start-up.
 struct SimulatedForm : BoardOnBench {
-  enum class Trace { On, Off };
-
   explicit SimulatedForm(sim::Model model = sim::Model::kestrel5, Trace tracing = Trace::On)
-      : BoardOnBench(model), rig(port, port, {.trace = tracing == Trace::On ? &trace : nullptr}) {}
+      : BoardOnBench(model, tracing), rig(port, port, {.trace = traced()}) {}
 
   void start() { BoardOnBench::start(rig); }
 
@@ -154,8 +147,8 @@ struct SimulatedForm : BoardOnBench {
 };
 
 /// Bytes that look random and are the same in every run.
-[[nodiscard]] inline std::vector<std::uint8_t> randomBytes(std::size_t count, std::uint32_t seed) {
-  std::vector<std::uint8_t> bytes(count);
+[[nodiscard]] inline Bytes randomBytes(std::size_t count, std::uint32_t seed) {
+  Bytes bytes(count);
   for (std::uint8_t& byte : bytes) {
     seed = seed * 1664525U + 1013904223U;
     byte = static_cast<std::uint8_t>(seed >> 24U);

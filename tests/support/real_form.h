@@ -6,38 +6,39 @@
 
 namespace kestrel::test {
 
-/// Looks after real ports as the programs do.
-struct ServiceOf final : PortService {
-  explicit ServiceOf(ports::RealPorts& given) : ports(given) {}
-  void beginOperation() override { ports.beginOperation(); }
-  void endOperation() override { ports.endOperation(); }
-  void settle() override { ports.settle(); }
-  void takeMissing() override { ports.takeMissing(); }
-  [[nodiscard]] std::vector<std::string> diagnosis() const override { return ports.diagnosis(); }
-
-  ports::RealPorts& ports;
-};
-
 /// The form over the whole code of the real ports, in the layers of the programs: trace,
-/// interruptible port, filter, ppdev. The kernel is stood in for; behind it are a simulated board
-/// and its time.
-struct RealForm : BoardOnBench {
-  explicit RealForm(sim::Model model = sim::Model::kestrel5) : BoardOnBench(model) {
+/// interruptible port, filter, port. The kernel is stood in for. What is connected is a
+/// BoardOnBench that says how its port is chosen and the line to an adapter opened.
+template <typename Connected>
+struct FormOnPort : Connected {
+  template <typename... Given>
+  explicit FormOnPort(sim::Model model = sim::Model::kestrel5, Given... given)
+      : Connected(model, given...) {
     kernel.takesNotes = false;
-    kernel.devices["/dev/parport0"].lines = &port;
-    ports->takeMissing();
+    kernel.devices["/dev/parport0"].lines = &this->port;
+    ports.takeMissing();
   }
 
   void start() { BoardOnBench::start(rig); }
 
   TemporaryFolder root;
   StandInKernel kernel;
-  std::unique_ptr<ports::RealPorts> ports = ports::openRealPorts(
-      kernel,
-      {{ports::parsePortChoice("378=/dev/parport0")}, root.path(), root.path(), TAPE_GUARD});
-  ServiceOf service{*ports};
   StopSwitch stop;
-  FormRig rig{ports->port(), port, {.trace = &trace, .stop = &stop, .service = &service}};
+  ports::RealPorts ports{kernel,
+                         {.choices = {ports::parsePortChoice(Connected::kChoice)},
+                          .root = root.path(),
+                          .lockFolder = root.path(),
+                          .guard = TAPE_GUARD,
+                          .link = this->linkUntil(stop)}};
+  ports::PortWaits waits{ports, this->port};
+  FormRig rig{ports.port(), waits, {.trace = this->traced(), .stop = &stop, .service = &ports}};
 };
+
+struct ParportBoard : BoardOnBench {
+  using BoardOnBench::BoardOnBench;
+  static constexpr auto kChoice = "378=/dev/parport0";
+  [[nodiscard]] static ports::LinkOptions linkUntil(const StopSwitch&) { return {}; }
+};
+using RealForm = FormOnPort<ParportBoard>;
 
 }  // namespace kestrel::test

@@ -69,10 +69,12 @@ Program& readyProgram(sim::Model model) {
   StandInKernel kernel;
   kernel.takesNotes = false;
   kernel.devices["/dev/parport0"] = {.lines = &lines, .file = tapeFile};
-  auto ports = ports::openRealPorts(
-      kernel, {{ports::parsePortChoice("378=/dev/parport0")}, "/nowhere", "/nowhere", TAPE_GUARD});
+  auto ports = std::make_unique<ports::RealPorts>(
+      kernel,
+      ports::PortOptions{
+          {ports::parsePortChoice("378=/dev/parport0")}, "/nowhere", "/nowhere", TAPE_GUARD});
   // On a busy machine the guard may not be ready within its limit, and the port is refused.
-  while (!ports->holds(0x378)) ports->takeMissing();
+  while (!ports->holdsPort(0x378)) ports->takeMissing();
   program.turnout.connect(0x378, ports->port());
   tape.isRunning = true;
   const auto endsAt = Time::now() + (end ? runsFor : 10s);

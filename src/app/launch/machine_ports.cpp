@@ -31,7 +31,7 @@ MachinePorts::MachinePorts(const LaunchOptions& options, std::string_view defaul
   portOptions.choices = options.ports;
   portOptions.link.countNs = options.countNs;
   portOptions.link.stop = &stop;
-  realPorts_ = ports::openRealPorts(calls_, std::move(portOptions));
+  realPorts_ = std::make_unique<ports::RealPorts>(calls_, std::move(portOptions));
   realWaits_.emplace(*realPorts_, monotonic_);
 }
 
@@ -72,9 +72,8 @@ void MachinePorts::settle() {
 }
 
 bool MachinePorts::holdsPort(std::int16_t base) const {
-  const auto number = static_cast<std::uint16_t>(base);
-  if (realPorts_) return realPorts_->holds(number);
-  return std::ranges::find(sim::kPortBases, number) != sim::kPortBases.end();
+  if (realPorts_) return realPorts_->holdsPort(base);
+  return std::ranges::count(sim::kPortBases, static_cast<std::uint16_t>(base)) != 0;
 }
 
 bool MachinePorts::mayVoltageBeOn() const { return realPorts_ && realPorts_->mayVoltageBeOn(); }

@@ -140,9 +140,9 @@ std::vector<std::uint16_t> RealPorts::taken() const {
   return bases;
 }
 
-bool RealPorts::holds(std::uint16_t base) const {
+bool RealPorts::holdsPort(std::int16_t base) const {
   return std::any_of(slots_.begin(), slots_.end(), [base](const Slot& each) {
-    return each.base == base && each.port && !each.port->isGone();
+    return each.base == static_cast<std::uint16_t>(base) && each.port && !each.port->isGone();
   });
 }
 
@@ -158,7 +158,7 @@ void RealPorts::beginOperation() {
   }
 }
 
-void RealPorts::endOperation() noexcept {
+void RealPorts::endOperation() {
   for (Slot& each : slots_) {
     if (each.link != nullptr) each.link->endOperation();
   }
@@ -209,10 +209,6 @@ std::vector<std::string> RealPorts::diagnosis() const {
     if (!each.device.empty()) survey.findings.push_back(findingOf(each));
   }
   return diagnose(survey);
-}
-
-std::unique_ptr<RealPorts> openRealPorts(SystemCalls& calls, PortOptions options) {
-  return std::make_unique<RealPorts>(calls, std::move(options));
 }
 
 }  // namespace kestrel::ports

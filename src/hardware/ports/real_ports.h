@@ -15,6 +15,7 @@
 #include "hardware/ports/port_diagnosis.h"
 #include "hardware/ports/real_port.h"
 #include "hardware/ports/system_calls.h"
+#include "platform/port_service.h"
 
 namespace kestrel::ports {
 
@@ -30,11 +31,11 @@ struct PortOptions {
 /// program alone, with its voltages switched off and a guard beside it: a process, or the adapter
 /// itself. They are given back, switched off again, when this
 /// ends. A port that cannot be taken is as if it were not there; diagnosis() tells why.
-class RealPorts {
+class RealPorts final : public PortService {
  public:
   /// The calls outlive the ports. Does not throw for a port that cannot be taken.
   RealPorts(SystemCalls& calls, PortOptions options);
-  ~RealPorts();
+  ~RealPorts() override;
   RealPorts(const RealPorts&) = delete;
   RealPorts& operator=(const RealPorts&) = delete;
 
@@ -45,23 +46,17 @@ class RealPorts {
   /// Who keeps the time of the port that was addressed last; nullptr for the machine's clock.
   [[nodiscard]] Waits* timeOfLast() const { return filter_.timeOfLast(); }
 
-  /// For the adapters (LinkPort): an operation, and the end of a command.
-  void beginOperation();
-  void endOperation() noexcept;
-  void settle();
+  // For the adapters (LinkPort): an operation, and the end of a command.
+  void beginOperation() override;
+  void endOperation() override;
+  void settle() override;
 
   /// The bases behind which a port works.
   [[nodiscard]] std::vector<std::uint16_t> taken() const;
 
-  /// Whether a port works behind this base.
-  [[nodiscard]] bool holds(std::uint16_t base) const;
-
-  /// True when a programming voltage was on and could not be switched off.
-  [[nodiscard]] bool mayVoltageBeOn() const;
-
-  /// Tries once more what could not be taken, and takes anew what has vanished: before a hardware
-  /// test, so that a port that was plugged in or freed meanwhile is found.
-  void takeMissing();
+  [[nodiscard]] bool holdsPort(std::int16_t base) const override;
+  [[nodiscard]] bool mayVoltageBeOn() const override;
+  void takeMissing() override;
 
   /// Another adapter, or none, from now on; whatever stood at its base is given back. To be taken
   /// by takeMissing.
@@ -70,8 +65,7 @@ class RealPorts {
   /// Switches every port off by hand; true if there was one and it worked on all.
   bool switchOff() noexcept;
 
-  /// What was found and what helps, one line for each finding, for when no board answers.
-  [[nodiscard]] std::vector<std::string> diagnosis() const;
+  [[nodiscard]] std::vector<std::string> diagnosis() const override;
 
  private:
   struct Slot {
@@ -123,8 +117,5 @@ class PortWaits final : public Waits {
   RealPorts& ports_;
   Waits& clock_;
 };
-
-/// Finds and takes the machine's ports.
-[[nodiscard]] std::unique_ptr<RealPorts> openRealPorts(SystemCalls& calls, PortOptions options);
 
 }  // namespace kestrel::ports
