@@ -1,59 +1,56 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "link/connection.h"
 #include "link/emulated_adapter.h"
 #include "simulator/bench.h"
 #include "simulator/chip_factory.h"
+#include "simulator/rig.h"
 
 namespace kestrel::test {
-
-/// Codes of the control register, from the table of docs/board.md.
-struct ModelCodes {
-  std::array<std::uint8_t, 5> idle;
-  std::uint8_t lowHalf;
-  std::uint8_t highHalf;
-};
-inline constexpr ModelCodes kCodesOf4{{0x0A, 0x02, 0x08, 0x00, 0x0E}, 0x00, 0x04};
-inline constexpr ModelCodes kCodesOf56{{0x05, 0x0D, 0x07, 0x0F, 0x01}, 0x05, 0x01};
 
 /// A board as a program reaches it through a connection.
 struct LinkedBoard {
   LinkedBoard(link::LinkConnection& itsConnection, sim::Model itsModel)
-      : connection(itsConnection),
-        codes(itsModel == sim::Model::kestrel4 ? kCodesOf4 : kCodesOf56),
-        model(itsModel) {}
+      : connection(itsConnection), is4(itsModel == sim::Model::kestrel4) {}
+
+  /// The control register for levels of a model 4's lines; the others invert all four.
+  [[nodiscard]] std::uint8_t control(unsigned lines) const {
+    return static_cast<std::uint8_t>(is4 ? lines : lines ^ 0x0FU);
+  }
+  [[nodiscard]] std::uint8_t strobe(std::size_t latch) const {
+    return control(sim::test::kStrobes[latch]);
+  }
+  [[nodiscard]] std::uint8_t idle(std::size_t latch) const { return strobe(latch) ^ 1U; }
 
   void load(std::size_t latch, std::uint8_t value, std::int64_t delayCounts = 42) {
     connection.writeData(value);
-    connection.writeControl(codes.idle.at(latch));
-    connection.waitCounts(delayCounts);
-    connection.writeControl(codes.idle.at(latch) ^ 1U);
-    connection.writeControl(codes.idle.at(latch));
+    if (delayCounts > 0) {
+      connection.writeControl(idle(latch));
+      connection.waitCounts(delayCounts);
+    }
+    connection.writeControl(strobe(latch));
+    connection.writeControl(idle(latch));
   }
 
   /// The byte on the data bus, in one round trip.
   [[nodiscard]] std::uint8_t readByte() {
-    connection.writeControl(codes.lowHalf);
+    connection.writeControl(control(sim::test::kLowHalf));
     const auto low = connection.askStatus();
-    connection.writeControl(codes.highHalf);
+    connection.writeControl(control(sim::test::kHighHalf));
     const auto high = connection.askStatus();
     return static_cast<std::uint8_t>(half(connection.statusOf(low)) |
                                      half(connection.statusOf(high)) << 4);
   }
 
   link::LinkConnection& connection;
-  ModelCodes codes;
-  sim::Model model;
+  bool is4;
 
  private:
   // Half a byte from a status byte: bits 3 to 6, or on a model 4 bits 6, NOT 7, 5, 4.
   [[nodiscard]] unsigned half(unsigned status) const {
-    if (model != sim::Model::kestrel4) return status >> 3U & 0x0FU;
+    if (!is4) return status >> 3U & 0x0FU;
     return (status >> 6U & 1U) | (~status >> 7U & 1U) << 1U | (status >> 5U & 1U) << 2U |
            (status >> 4U & 1U) << 3U;
   }
@@ -94,10 +91,8 @@ class AdapterRig : public LinkedBoard {
  private:
   // As a program that died on a parallel port would leave it.
   const char* withVoltagesOn() {
-    board.writeControl(codes.idle[0]);
     board.writeData(kAllVoltages);
-    board.writeControl(codes.idle[0] ^ 1U);
-    board.writeControl(codes.idle[0]);
+    for (const std::uint8_t code : {idle(0), strobe(0), idle(0)}) board.writeControl(code);
     return KESTREL_LINK_PROGRAM;
   }
 };

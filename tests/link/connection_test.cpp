@@ -1,13 +1,10 @@
 #include "link/connection.h"
 
-#include <gmock/gmock.h>
-
 #include <algorithm>
 #include <deque>
-#include <functional>
 #include <vector>
 
-#include "link/link_error.h"
+#include "link/link_failure.h"
 
 namespace kestrel::link {
 namespace {
@@ -54,16 +51,6 @@ class ScriptedLine final : public ByteLine {
   std::string name_ = "/dev/ttyTEST";
 };
 
-LinkProblem problemOf(const std::function<void()>& action) {
-  try {
-    action();
-  } catch (const LinkError& error) {
-    return error.problem();
-  }
-  ADD_FAILURE() << "no LinkError";
-  return {};
-}
-
 struct Connected : testing::Test {
   Connected() {
     line.welcome(0);
@@ -76,14 +63,14 @@ struct Connected : testing::Test {
 
 TEST(Connect, tellsWhyItFailed) {
   ScriptedLine silent;
-  EXPECT_EQ(problemOf([&] { LinkConnection(silent).connect(); }), LinkProblem::NoAnswer);
+  EXPECT_THAT([&] { LinkConnection(silent).connect(); }, failsWith(LinkProblem::NoAnswer));
   EXPECT_GE(silent.passed.count(), 2500);  // longer than a boot loader takes
   ScriptedLine modem;
   modem.noise({'A', 'T', '\r', '\n', 'O', 'K'});
-  EXPECT_EQ(problemOf([&] { LinkConnection(modem).connect(); }), LinkProblem::NotAnAdapter);
+  EXPECT_THAT([&] { LinkConnection(modem).connect(); }, failsWith(LinkProblem::NotAnAdapter));
   ScriptedLine newer;
   newer.welcome(0, 2);
-  EXPECT_EQ(problemOf([&] { LinkConnection(newer).connect(); }), LinkProblem::OtherVersion);
+  EXPECT_THAT([&] { LinkConnection(newer).connect(); }, failsWith(LinkProblem::OtherVersion));
 }
 
 TEST_F(Connected, sendsNothingUntilAStatusIsAskedFor) {
@@ -126,7 +113,7 @@ TEST_F(Connected, splitsWhatDoesNotFitIntoABlock) {
 
 TEST_F(Connected, livesOnWhileALongWaitLasts) {
   connection.waitCounts(50 * 40'000);
-  EXPECT_EQ(problemOf([&] { connection.finish(); }), LinkProblem::NoAnswer);
+  EXPECT_THAT([&] { connection.finish(); }, failsWith(LinkProblem::NoAnswer));
   EXPECT_THAT(line.writes.back(), ElementsAre(0x7F));
   EXPECT_GE(line.writes.size(), 10U);
 }
@@ -134,20 +121,17 @@ TEST_F(Connected, livesOnWhileALongWaitLasts) {
 TEST_F(Connected, endsWithTheCauseThatTheAdapterTells) {
   connection.writeData(1);
   line.answer(AnswerKind::Trouble, 1, {4});
-  try {
-    static_cast<void>(connection.readStatus());
-    FAIL();
-  } catch (const LinkError& error) {
-    EXPECT_EQ(error.problem(), LinkProblem::SwitchedOff);
-    EXPECT_EQ(error.cause(), SwitchOffCause::Silent);
-  }
+  EXPECT_THAT([&] { (void)connection.readStatus(); },
+              testing::Throws<LinkError>(
+                  testing::AllOf(testing::Property(&LinkError::problem, LinkProblem::SwitchedOff),
+                                 testing::Property(&LinkError::cause, SwitchOffCause::Silent))));
   connection.writeData(1);
   EXPECT_THROW(connection.flush(), LinkError);  // until the next connect
 }
 
 TEST_F(Connected, takesNoAnswerToAnotherBlock) {
   line.answer(AnswerKind::Done, 2, {0x38});
-  EXPECT_EQ(problemOf([&] { static_cast<void>(connection.readStatus()); }), LinkProblem::NoAnswer);
+  EXPECT_THAT([&] { (void)connection.readStatus(); }, failsWith(LinkProblem::NoAnswer));
 }
 
 }  // namespace

@@ -50,7 +50,29 @@ void startPulse(AdapterRig& rig, std::mt19937& random) {
   rig.adapter.runFor(random() % (60 * kMs));
 }
 
-void expectOffAfter(const std::function<void(AdapterRig&)>& mishap, double limitMs) {
+void sendWrongCheckValue(AdapterRig& rig) {
+  auto block = frameBlock(BlockKind::Operations, 3, Bytes{0x05});
+  block.back() ^= 0x01;
+  rig.line.write(block);
+}
+
+struct Mishap {
+  const char* name;
+  void (*happens)(AdapterRig&);
+  double offWithinMs;
+};
+constexpr Mishap kMishaps[]{
+    {"theProgramIsGone", [](AdapterRig&) {}, 600},
+    {"theLineIsPulled", [](AdapterRig& rig) { rig.adapter.pullLine(); }, 600},
+    {"aReset", [](AdapterRig& rig) { rig.adapter.reset(); }, 0.2},
+    {"aStop", [](AdapterRig& rig) { rig.connection.stop(); }, 0.2},
+    {"aWrongCheckValue", sendWrongCheckValue, 600},
+    {"itsProgramHangs", [](AdapterRig& rig) { rig.adapter.hang(); }, 300},
+};
+
+class GuardAfter : public testing::TestWithParam<Mishap> {};
+
+TEST_P(GuardAfter, switchesOffInTime) {
   std::mt19937 random(20261121);
   double longest = 0;
   for (int i = 0; i < moments(); ++i) {
@@ -58,14 +80,16 @@ void expectOffAfter(const std::function<void(AdapterRig&)>& mishap, double limit
     rig.connect();
     startPulse(rig, random);
     ASSERT_TRUE(rig.isAnyVoltageOn());
-    mishap(rig);
+    GetParam().happens(rig);
     const double ms = msUntilOff(rig);
-    EXPECT_LE(ms, limitMs) << "moment " << i;
+    EXPECT_LE(ms, GetParam().offWithinMs) << "moment " << i;
     EXPECT_TRUE(rig.isOff());
     longest = std::max(longest, ms);
   }
-  testing::Test::RecordProperty("longestMs", std::to_string(longest));
+  RecordProperty("longestMs", std::to_string(longest));
 }
+INSTANTIATE_TEST_SUITE_P(Mishaps, GuardAfter, testing::ValuesIn(kMishaps),
+                         [](const auto& mishap) { return mishap.param.name; });
 
 TEST(Guard, switchesOffAtPowerUp) {
   for (const sim::Model model : kModels) {
@@ -76,42 +100,12 @@ TEST(Guard, switchesOffAtPowerUp) {
   }
 }
 
-TEST(Guard, switchesOffWhenTheProgramIsGone) {
-  expectOffAfter([](AdapterRig&) {}, 600);
-}
-
-TEST(Guard, switchesOffWhenTheLineIsPulled) {
-  expectOffAfter([](AdapterRig& rig) { rig.adapter.pullLine(); }, 600);
-}
-
-TEST(Guard, switchesOffAtAReset) {
-  expectOffAfter([](AdapterRig& rig) { rig.adapter.reset(); }, 0.2);
-}
-
-TEST(Guard, switchesOffAtAStop) {
-  expectOffAfter([](AdapterRig& rig) { rig.connection.stop(); }, 0.2);
-}
-
-TEST(Guard, switchesOffAtAWrongCheckValue) {
-  expectOffAfter(
-      [](AdapterRig& rig) {
-        auto block = frameBlock(BlockKind::Operations, 3, Bytes{0x05});
-        block.back() ^= 0x01;
-        rig.line.write(block);
-      },
-      600);
-}
-
-TEST(Guard, switchesOffWhenItsProgramHangs) {
-  expectOffAfter([](AdapterRig& rig) { rig.adapter.hang(); }, 300);
-}
-
 void sendDamagedBlock(sim::Model model, std::size_t place, unsigned bit) {
   AdapterRig rig(model);
   rig.connect();
   rig.load(2, 0x11);
   rig.switchVoltagesOn();
-  const auto load2 = static_cast<std::uint8_t>(0x20 | rig.codes.idle[2]);
+  const auto load2 = static_cast<std::uint8_t>(0x20 | rig.idle(2));
   Bytes block = frameBlock(BlockKind::Operations, 2, Bytes{load2, 0x22, load2, 0x11});
   rig.line.write(block);
   rig.adapter.runFor(kMs);
@@ -194,33 +188,25 @@ TEST(Guard, keepsTheVoltageWhileTheProgramLives) {
   EXPECT_LE(ms, 510);
 }
 
-SwitchOffCause causeOf(AdapterRig& rig) {
-  try {
-    rig.connection.writeControl(5);
-    static_cast<void>(rig.connection.readStatus());
-  } catch (const LinkError& error) {
-    return error.cause().value_or(SwitchOffCause::Ended);
-  }
-  return SwitchOffCause::Ended;
-}
-
 TEST(Guard, tellsWhyAndConnectsAgain) {
   AdapterRig rig(sim::Model::kestrel5);
   rig.connect();
-  const std::vector<std::pair<SwitchOffCause, std::function<void()>>> mishaps{
+  const auto resetAndRun = [&] {
+    rig.adapter.reset();
+    rig.adapter.runFor(kMs);
+  };
+  const std::pair<SwitchOffCause, std::function<void()>> mishaps[]{
       {SwitchOffCause::Silent, [&] { rig.adapter.runFor(510 * kMs); }},
       {SwitchOffCause::Stopped, [&] { rig.connection.stop(); }},
       {SwitchOffCause::Broken, [&] { rig.line.damageNextByte(0x10); }},
-      {SwitchOffCause::SwitchedOn,
-       [&] {
-         rig.adapter.reset();
-         rig.adapter.runFor(kMs);
-       }},
+      {SwitchOffCause::SwitchedOn, resetAndRun},
   };
   for (const auto& [cause, mishap] : mishaps) {
     rig.switchVoltagesOn();
     mishap();
-    EXPECT_EQ(causeOf(rig), cause);
+    rig.connection.writeControl(5);
+    EXPECT_THAT([&] { (void)rig.connection.readStatus(); },
+                testing::Throws<LinkError>(testing::Property(&LinkError::cause, cause)));
     EXPECT_TRUE(rig.isOff());
     rig.connection.connect();
     rig.load(2, 0x5A);

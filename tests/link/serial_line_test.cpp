@@ -1,14 +1,14 @@
 #include "link/serial_line.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <stdlib.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <array>
+#include <thread>
 
-#include "link/link_error.h"
+#include "link/link_failure.h"
 
 namespace kestrel::link {
 namespace {
@@ -30,15 +30,10 @@ struct Terminal {
   std::string name;
 };
 
-LinkProblem problemOfOpening(const std::string& name) {
-  try {
-    const SerialLine line(name);
-  } catch (const LinkError& error) {
-    EXPECT_NE(std::string(error.what()).find(name), std::string::npos);
-    return error.problem();
-  }
-  ADD_FAILURE() << "no LinkError";
-  return {};
+void expectRefused(const std::string& name, LinkProblem problem) {
+  EXPECT_THAT([&] { SerialLine{name}; }, failsWith(problem));
+  EXPECT_THAT([&] { SerialLine{name}; },
+              testing::ThrowsMessage<LinkError>(testing::HasSubstr(name)));
 }
 
 TEST(SerialLine, carriesEveryByteUnchanged) {
@@ -71,12 +66,12 @@ TEST(SerialLine, isSetTo1MbaudWithoutModemLines) {
 }
 
 TEST(SerialLine, tellsWhyItCannotBeTaken) {
-  EXPECT_EQ(problemOfOpening("/dev/ttyNONE"), LinkProblem::NoDevice);
-  EXPECT_EQ(problemOfOpening("/dev/null"), LinkProblem::NotASerialLine);
+  expectRefused("/dev/ttyNONE", LinkProblem::NoDevice);
+  expectRefused("/dev/null", LinkProblem::NotASerialLine);
   Terminal terminal;
   {
     const SerialLine first(terminal.name);
-    EXPECT_EQ(problemOfOpening(terminal.name), LinkProblem::Taken);
+    expectRefused(terminal.name, LinkProblem::Taken);
   }
   const SerialLine again(terminal.name);
 }
@@ -87,12 +82,23 @@ TEST(SerialLine, noticesThatTheAdapterIsGone) {
   std::array<std::uint8_t, 4> bytes{};
   EXPECT_EQ(line.read(bytes, milliseconds(1)), 0U);
   terminal.unplug();
-  try {
-    static_cast<void>(line.read(bytes, milliseconds(1000)));
-    FAIL();
-  } catch (const LinkError& error) {
-    EXPECT_EQ(error.problem(), LinkProblem::Gone);
-  }
+  EXPECT_THAT([&] { (void)line.read(bytes, milliseconds(1000)); }, failsWith(LinkProblem::Gone));
+}
+
+// A stop: written while another thread waits for an answer, and answered at once.
+TEST(SerialLine, takesAnUrgentByteInTheMiddleOfARead) {
+  Terminal terminal;
+  SerialLine line(terminal.name);
+  std::array<std::uint8_t, 1> mark{};
+  const std::jthread other([&] {
+    std::this_thread::sleep_for(milliseconds(50));
+    line.writeUrgently(kStopMark);
+    EXPECT_EQ(::read(terminal.end, mark.data(), 1), 1);
+    EXPECT_EQ(::write(terminal.end, mark.data(), 1), 1);
+  });
+  std::array<std::uint8_t, 1> answer{};
+  EXPECT_EQ(line.read(answer, milliseconds(5000)), 1U);
+  EXPECT_EQ(answer[0], kStopMark);
 }
 
 }  // namespace

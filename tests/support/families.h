@@ -68,6 +68,7 @@ FamilyTrace traceOf(const Family& family) {
   if (!family.isProgrammed) f.insert(family.chip, padded(image, f.chipContents().size()));
   f.rig.select(family.device);
   EXPECT_EQ(f.rig.state.FamilyCode, family.code);
+  EXPECT_EQ(f.rig.state.KestrelModel, static_cast<int>(family.model)) << "told apart by its port";
   f.rig.openImage(image);
   if (family.voltage != 0) f.rig.controls.Voltage_button[family.voltage].press();
   f.rig.state.DeviceSizeBytes = family.bytes;
