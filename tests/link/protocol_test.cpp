@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "link/crc16.h"
@@ -79,7 +80,6 @@ TEST(AnswerReader, refusesEveryDamagedByte) {
   }
 }
 
-using testing::IsEmpty;
 using Kind = Operation::Kind;
 
 Operation data(unsigned value) {
@@ -96,58 +96,46 @@ EncodedOperations encode(OperationEncoder& encoder, const std::vector<Operation>
   return encoder.take();
 }
 
-Bytes encoded(const std::vector<Operation>& operations) {
-  OperationEncoder encoder;
-  return encode(encoder, operations).bytes;
-}
-
-TEST(OperationEncoder, makesOneOperationOfALatchLoad) {
-  EXPECT_THAT(encoded({data(0xA5), control(0x07), control(0x06), control(0x07)}),
-              ElementsAre(0x27, 0xA5));
-  EXPECT_THAT(encoded({data(0xA5), control(0x08), control(0x09), control(0x08)}),
-              ElementsAre(0x28, 0xA5));
-  EXPECT_THAT(encoded({data(0xA5), control(0x0C), control(0x0D)}), ElementsAre(0x3D, 0xA5));
+TEST(OperationEncoder, gathersLatchLoadsAndReadsAndSplitsWaits) {
+  const struct {
+    const char* what;
+    std::vector<Operation> operations;
+    Bytes bytes;
+  } cases[]{
+      {"a latch load", {data(0xA5), control(7), control(6), control(7)}, {0x27, 0xA5}},
+      {"of a model 4", {data(0xA5), control(8), control(9), control(8)}, {0x28, 0xA5}},
+      {"without idle code before", {data(0xA5), control(0x0C), control(0x0D)}, {0x3D, 0xA5}},
+      {"a strobe that stays", {data(0x9F), control(0x0E), control(0)}, {0x40, 0x9F, 0x0E, 0x00}},
+      {"another latch", {data(1), control(7), control(1), control(6)}, {0x40, 1, 7, 1, 6}},
+      {"another code after the wait",
+       {data(1), control(7), wait(9), control(7), control(7)},
+       {0x40, 1, 7, 0x42, 9, 7, 7}},
+      {"a half select and its read, and what is not one",
+       {control(5), kRead, control(1), kRead, kRead, control(1), wait(40), kRead},
+       {0x15, 0x11, 0x41, 1, 0x42, 40, 0x41}},
+      {"no time", {wait(0), wait(-5)}, {}},
+      {"short waits", {wait(255), wait(256)}, {0x42, 255, 0x43, 0, 1}},
+      {"the longest in counts", {wait(65'535)}, {0x43, 0xFF, 0xFF}},
+      {"2 ms and 2 counts", {wait(80'002)}, {0x44, 2, 0x42, 2}},
+      {"100 ms, at most 64 in one", {wait(4'000'000)}, {0x44, 64, 0x44, 36}}};
+  for (const auto& [what, operations, bytes] : cases) {
+    OperationEncoder encoder;
+    const EncodedOperations result = encode(encoder, operations);
+    EXPECT_EQ(result.bytes, bytes) << what;
+    EXPECT_EQ(result.reads, std::ranges::count(operations, Kind::Read, &Operation::kind)) << what;
+  }
 }
 
 TEST(OperationEncoder, tellsTheDelayOnceAndAgainWhenItChanges) {
   OperationEncoder encoder;
-  const std::vector<Operation> load{data(1), control(0x0D), wait(42), control(0x0C), control(0x0D)};
-  std::vector<Operation> two = load;
-  two.insert(two.end(), load.begin(), load.end());
-  EXPECT_THAT(encode(encoder, two).bytes, ElementsAre(0x45, 42, 0, 0x2D, 1, 0x2D, 1));
-  EXPECT_THAT(encode(encoder, load).bytes, ElementsAre(0x2D, 1));
-  EXPECT_THAT(
-      encode(encoder, {data(1), control(0x0D), wait(0x1234), control(0x0C), control(0x0D)}).bytes,
-      ElementsAre(0x45, 0x34, 0x12, 0x2D, 1));
-  EXPECT_THAT(encode(encoder, {data(1), control(0x0D), control(0x0C), control(0x0D)}).bytes,
-              ElementsAre(0x45, 0, 0, 0x2D, 1));
-}
-
-// Another latch is addressed in the middle, the strobe stays, or another code comes after it.
-TEST(OperationEncoder, leavesWhatIsNoLatchLoadAsItIs) {
-  EXPECT_THAT(encoded({data(0x9F), control(0x0E), control(0x00)}),
-              ElementsAre(0x40, 0x9F, 0x0E, 0x00));
-  EXPECT_THAT(encoded({data(1), control(0x07), control(0x01), control(0x06)}),
-              ElementsAre(0x40, 1, 0x07, 0x01, 0x06));
-  EXPECT_THAT(encoded({data(1), control(0x07), wait(9), control(0x07), control(0x07)}),
-              ElementsAre(0x40, 1, 0x07, 0x42, 9, 0x07, 0x07));
-}
-
-TEST(OperationEncoder, joinsAHalfSelectWithItsRead) {
-  OperationEncoder encoder;
-  const EncodedOperations result = encode(
-      encoder, {control(0x05), kRead, control(0x01), kRead, kRead, control(0x01), wait(40), kRead});
-  EXPECT_THAT(result.bytes, ElementsAre(0x15, 0x11, 0x41, 0x01, 0x42, 40, 0x41));
-  EXPECT_EQ(result.reads, 4U);
-}
-
-TEST(OperationEncoder, splitsWaits) {
-  EXPECT_THAT(encoded({wait(0), wait(-5)}), IsEmpty());
-  EXPECT_THAT(encoded({wait(255), wait(256)}), ElementsAre(0x42, 255, 0x43, 0, 1));
-  EXPECT_THAT(encoded({wait(65'535)}), ElementsAre(0x43, 0xFF, 0xFF));
-  // 2 ms and 2 counts; 100 ms, of which one operation takes at most 64.
-  EXPECT_THAT(encoded({wait(80'002)}), ElementsAre(0x44, 2, 0x42, 2));
-  EXPECT_THAT(encoded({wait(4'000'000)}), ElementsAre(0x44, 64, 0x44, 36));
+  const auto load = [](std::int64_t delay) -> std::vector<Operation> {
+    return {data(1), control(0x0D), wait(delay), control(0x0C), control(0x0D)};
+  };
+  const std::pair<std::int64_t, Bytes> loads[]{{42, {0x45, 42, 0, 0x2D, 1}},
+                                               {42, {0x2D, 1}},
+                                               {0x1234, {0x45, 0x34, 0x12, 0x2D, 1}},
+                                               {0, {0x45, 0, 0, 0x2D, 1}}};
+  for (const auto& [delay, bytes] : loads) EXPECT_EQ(encode(encoder, load(delay)).bytes, bytes);
 }
 
 }  // namespace

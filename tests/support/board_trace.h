@@ -13,9 +13,8 @@ namespace kestrel::test {
 struct BoardEvent {
   enum class Kind { Load, Low, High, Spin, Sleep };
   Kind kind{};
-  int latch = 0;     ///< Load: 0 to 4
-  long value = 0;    ///< Load: the byte; Low, High: the status byte; Spin, Sleep: how long
-  bool sda = false;  ///< High: data line 7
+  int latch = 0;   ///< Load: 0 to 4
+  long value = 0;  ///< Load: the byte; Low, High: the status byte; Spin, Sleep: how long
 };
 
 /// Latch loads are the data that stands when a strobe goes active; `busDelay` is the wait within
@@ -41,8 +40,7 @@ inline std::vector<BoardEvent> boardEvents(const std::string& trace, int model, 
     const long value = std::strtol(rest, nullptr, 16);
     if (line[0] == 'i') {
       const bool isHigh = ((control & 4U) != 0) == (model == 4);
-      const bool sda = (value & (model == 4 ? 0x10 : 0x40)) != 0;
-      events.push_back({.kind = isHigh ? Kind::High : Kind::Low, .value = value, .sda = sda});
+      events.push_back({.kind = isHigh ? Kind::High : Kind::Low, .value = value});
     } else if (port == 0x378) {
       data = value;
     } else {
@@ -88,72 +86,5 @@ inline int countOf(BoardEvent::Kind kind, long value, const std::vector<BoardEve
   for (const BoardEvent& event : events) count += event.kind == kind && event.value == value;
   return count;
 }
-
-/// The two-wire bus of the serial chips, seen by the edges of its lines: SCL is latch 3 bit 7, SDA
-/// latch 4 bit 7 while latch 3 bit 6 is 0 and otherwise what the last read of it showed.
-///
-///   S start, P stop; a byte with its ninth clock: "A0a" acknowledged by the chip, "A0n" not,
-///   "5AA" acknowledged by the board, "A0" cut off after eight clocks, "+3" after three
-class TwoWireDecoder {
- public:
-  std::string decode(const std::vector<BoardEvent>& events) {
-    for (const BoardEvent& event : events) {
-      if (event.kind == BoardEvent::Kind::High) {
-        level_ = event.sda;
-        if (scl_ && !bits_.empty() && !bits_.back().driven) bits_.back().level = level_;
-      } else if (event.kind == BoardEvent::Kind::Load && event.latch >= 3) {
-        (event.latch == 3 ? latch3_ : latch4_) = event.value;
-        follow();
-      }
-    }
-    cutOff();
-    return text_;
-  }
-
- private:
-  struct Bit {
-    bool level = false, driven = false;
-  };
-
-  void follow() {
-    const bool scl = (latch3_ & 0x80) != 0;
-    const bool driven = (latch3_ & 0x40) == 0;
-    if (driven != driven_) level_ = true;  // released: the pull-up, until it is read
-    const bool sda = driven ? (latch4_ & 0x80) != 0 : level_;
-    if (scl && !scl_) bits_.push_back({sda, driven});
-    if (!scl && scl_ && bits_.size() == 9) giveByte();
-    if (scl && scl_ && sda != sda_) {
-      if (!bits_.empty()) bits_.pop_back();  // the rise before a start or stop carries no bit
-      cutOff();
-      put(sda ? "P" : "S");
-    }
-    scl_ = scl;
-    driven_ = driven;
-    sda_ = sda;
-  }
-  void giveByte() {
-    const Bit ninth = bits_.back();
-    const char* const letters = ninth.driven ? "AN" : "an";
-    put(hexOfEight() + letters[ninth.level ? 1 : 0]);
-    bits_.clear();
-  }
-  void cutOff() {
-    if (bits_.size() == 8) put(hexOfEight());
-    if (!bits_.empty() && bits_.size() != 8) put("+" + std::to_string(bits_.size()));
-    bits_.clear();
-  }
-  [[nodiscard]] std::string hexOfEight() const {
-    long byte = 0;
-    for (std::size_t i = 0; i < 8; ++i) byte = byte * 2 + (bits_[i].level ? 1 : 0);
-    return hexByte(byte);
-  }
-  void put(const std::string& piece) { text_ += (text_.empty() ? "" : " ") + piece; }
-
-  long latch3_ = 0;  // the board at rest on a serial chip: clock low, data driven low
-  long latch4_ = 0;
-  bool scl_ = false, driven_ = true, sda_ = false, level_ = true;
-  std::vector<Bit> bits_;
-  std::string text_;
-};
 
 }  // namespace kestrel::test
