@@ -1,90 +1,53 @@
 #pragma once
 
 #include <array>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
+#include <cstdint>
+#include <sstream>
 #include <string>
 #include <vector>
 
 namespace kestrel::test {
 
-/// What a trace of the port says to the board on 378h, worked out from its wiring alone.
-struct BoardEvent {
-  enum class Kind { Load, Low, High, Spin, Sleep };
-  Kind kind{};
-  int latch = 0;   ///< Load: 0 to 4
-  long value = 0;  ///< Load: the byte; Low, High: the status byte; Spin, Sleep: how long
-};
-
-/// Latch loads are the data that stands when a strobe goes active; `busDelay` is the wait within
-/// each load, which is left out.
-inline std::vector<BoardEvent> boardEvents(const std::string& trace, int model, long busDelay = 0) {
-  using Kind = BoardEvent::Kind;
+/// What the accesses of a PortScript mean to the board on 378h, worked out from its wiring alone:
+/// "3=86" a latch load, the data that stand when its strobe goes active; "lo" and "hi" the reads of
+/// a half; "spin=20" and "sleep=5".
+inline std::vector<std::string> boardEvents(const std::string& accesses, int model) {
   constexpr std::array<int, 8> kLatchOfCode{3, 1, -1, -1, 2, 0, -1, 4};
-  std::vector<BoardEvent> events;
-  long data = 0;
+  std::vector<std::string> events;
+  std::string data;
   unsigned control = 0;
-  const char* line = trace.c_str();
-  for (; *line != '\0'; line = std::strchr(line, '\n') + 1) {
-    char* rest = nullptr;
-    const char* const number = std::strchr(line, ' ') + 1;
-    if (line[0] == 's') {  // "spin 12", "sleep 500"
-      const bool isSpin = line[1] == 'p';
-      const long length = std::strtol(number, nullptr, 10);
-      if (isSpin && length == busDelay) continue;
-      events.push_back({.kind = isSpin ? Kind::Spin : Kind::Sleep, .value = length});
-      continue;
-    }
-    const long port = std::strtol(number, &rest, 16);  // "in 379 78", "out 378 5A"
-    const long value = std::strtol(rest, nullptr, 16);
-    if (line[0] == 'i') {
-      const bool isHigh = ((control & 4U) != 0) == (model == 4);
-      events.push_back({.kind = isHigh ? Kind::High : Kind::Low, .value = value});
-    } else if (port == 0x378) {
-      data = value;
+  std::istringstream list(accesses);
+  for (std::string access; list >> access;) {
+    if (access[0] == 's') {  // "spin20", "sleep5"
+      events.push_back(access.insert(access.find_first_of("0123456789"), "="));
+    } else if (access.ends_with('?')) {
+      events.emplace_back(((control & 4U) != 0) == (model == 4) ? "hi" : "lo");
+    } else if (access.starts_with("378=")) {
+      data = access.substr(4);
     } else {
-      control = static_cast<unsigned>(value);
+      control = static_cast<unsigned>(std::stoul(access.substr(4), nullptr, 16));
       const unsigned nibble = model == 4 ? control : control ^ 0x0FU;
       const int latch = (nibble & 1U) != 0 ? kLatchOfCode[nibble >> 1U & 7U] : -1;
-      if (latch >= 0) events.push_back({.kind = Kind::Load, .latch = latch, .value = data});
+      if (latch >= 0) events.push_back(std::to_string(latch) + "=" + data);
     }
   }
   return events;
 }
 
-inline std::string hexByte(long value) {
-  std::array<char, 20> text{};
-  std::snprintf(text.data(), text.size(), "%02lX", value);
-  return text.data();
-}
-
-/// The events as a short text: "3=86 0=40 spin=20 sleep=5 lo hi".
-inline std::string textOf(const std::vector<BoardEvent>& events) {
-  std::string text;
-  for (const BoardEvent& event : events) {
-    const std::array<std::string, 5> pieces{
-        std::to_string(event.latch) + "=" + hexByte(event.value), "lo", "hi",
-        "spin=" + std::to_string(event.value), "sleep=" + std::to_string(event.value)};
-    text += (text.empty() ? "" : " ") + pieces.at(static_cast<std::size_t>(event.kind));
+/// What follows the equals sign of all events that begin so: the loads of latch 0 by "0=".
+inline std::vector<std::string> valuesOf(const std::string& begin,
+                                         const std::vector<std::string>& events) {
+  std::vector<std::string> values;
+  for (const std::string& event : events) {
+    if (event.starts_with(begin)) values.push_back(event.substr(begin.size()));
   }
-  return text;
+  return values;
 }
 
-/// The values loaded into one latch, such as "40 5C".
-inline std::string loadsOf(int latch, const std::vector<BoardEvent>& events) {
+inline std::string joined(const std::vector<std::string>& words) {
   std::string text;
-  for (const BoardEvent& event : events) {
-    if (event.kind != BoardEvent::Kind::Load || event.latch != latch) continue;
-    text += (text.empty() ? "" : " ") + hexByte(event.value);
-  }
+  for (const std::string& word : words) text += (text.empty() ? "" : " ") + word;
   return text;
-}
-
-inline int countOf(BoardEvent::Kind kind, long value, const std::vector<BoardEvent>& events) {
-  int count = 0;
-  for (const BoardEvent& event : events) count += event.kind == kind && event.value == value;
-  return count;
 }
 
 }  // namespace kestrel::test

@@ -14,7 +14,7 @@ namespace kestrel::test {
 /// A port and a clock that answer reads from a script (FFh when it is empty) and write down what is
 /// asked of them in one line: a write "378=5A", a read "379?", a busy loop "spin12", a wait
 /// "sleep200".
-class PortScript final : public PortAccess, public Waits {
+class PortScript : public PortAccess, public Waits {
  public:
   void PortOut(std::int16_t port, std::uint8_t value) override {
     note(hexText(port) + "=" + hexText(value, 2));
@@ -37,6 +37,8 @@ class PortScript final : public PortAccess, public Waits {
   void Spin(std::int64_t counts) override {
     if (counts > 0) note("spin" + std::to_string(counts));
   }
+
+  [[nodiscard]] const std::string& accesses() const { return line_; }
 
   /// What was written down since the last call.
   [[nodiscard]] std::string taken() { return std::exchange(line_, std::string()); }

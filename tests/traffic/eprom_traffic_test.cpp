@@ -104,8 +104,8 @@ TEST(EpromSetUp, loadsLatch0ByModelAndVoltage) {
     rig.port.onSleep = [&rig] { EXPECT_EQ(rig.log().size(), 1U) << "the wait is announced"; };
     (rig.eprom.*c.routine)();
     const auto events = rig.events();
-    EXPECT_EQ(loadsOf(0, events), c.latch0) << c.subCode << " on model " << c.model;
-    EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 1500, events), c.waits ? 1 : 0);
+    EXPECT_EQ(joined(valuesOf("0=", events)), c.latch0) << c.subCode << " on model " << c.model;
+    EXPECT_EQ(std::ranges::count(events, "sleep=1500"), c.waits ? 1 : 0);
     EXPECT_EQ(rig.log().front(),
               c.waits ? "Wait 1500ms second VPP Settling" : "Programming Started... Wait ");
   }
@@ -130,8 +130,8 @@ TEST(EpromSkipRules, passOverErasedBytesAndWhatIsThere) {
     EpromRig rig(c.image, 0, 0x0E);
     rig.port.answer(c.answers);
     (rig.eprom.*c.routine)();
-    EXPECT_EQ(loadsOf(2, rig.events()), c.latch2);
-    EXPECT_EQ(loadsOf(4, rig.events()), c.latch4);
+    EXPECT_EQ(joined(valuesOf("2=", rig.events())), c.latch2);
+    EXPECT_EQ(joined(valuesOf("4=", rig.events())), c.latch4);
   }
 }
 
@@ -142,11 +142,10 @@ TEST(EpromLamp, blinksAt64Or512Or1024Addresses) {
     rig.port.thereafter = 0xFF;
     (rig.eprom.*routine)();
     int changes = -1;  // the set-up switches the lamp on
-    long lamp = 0;
-    for (const BoardEvent& event : rig.events()) {
-      if (event.kind != BoardEvent::Kind::Load || event.latch != 0) continue;
-      changes += (event.value & 0x08) != lamp;
-      lamp = event.value & 0x08;
+    int lamp = 0;
+    for (const std::string& load : valuesOf("0=", rig.events())) {
+      const int bit = std::stoi(load, nullptr, 16) & 0x08;
+      changes += std::exchange(lamp, bit) != bit;
     }
     EXPECT_EQ(changes, blinks);
     EXPECT_EQ(rig.controls.Program_label.colour(), Colour::Green);
@@ -159,10 +158,9 @@ TEST(EpromPulses, are55ShortAnd199LongOnAByteThatNeverTakes) {
     rig.port.thereafter = 0x7B;
     (rig.eprom.*routine)();
     std::string widths;
-    for (const BoardEvent& event : rig.events()) {
-      if (event.kind != BoardEvent::Kind::Spin) continue;
-      if (event.value == 700) widths += 's';
-      if (event.value == 3000) widths.back() = 'L';  // on top of the short one
+    for (const std::string& counts : valuesOf("spin=", rig.events())) {
+      if (counts == "700") widths += 's';
+      if (counts == "3000") widths.back() = 'L';  // on top of the short one
     }
     EXPECT_EQ(widths, std::string(55, 's') + std::string(199, 'L'));
     EXPECT_EQ(rig.log()[2], "*** Address:0h, Programming BYTE:5Ah, Read BYTE:7Bh");

@@ -119,7 +119,7 @@ TEST(PageWriter, givesUpAPageAfter79Attempts) {
   rig.port.answer(std::vector<std::uint8_t>(66, 0x5A));
   rig.port.thereafter = 0x12;
   rig.pages.ProgramAT29C256();
-  EXPECT_EQ(countOf(BoardEvent::Kind::Sleep, 3, rig.events()), 80);  // one page and 79 attempts
+  EXPECT_EQ(std::ranges::count(rig.events(), "sleep=3"), 80);  // one page and 79 attempts
   EXPECT_EQ(rig.log()[2], "*** Address:40h, Programming BYTE:5Ah, Read BYTE:12h");
   EXPECT_TRUE(rig.traffic().ends_with("0=48 0=00"));
 }

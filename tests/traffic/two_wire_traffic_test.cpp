@@ -16,17 +16,17 @@ TEST(TwoWireBus, movesTheLinesInTheOrderOfTheConditions) {
   rig.start(0, 0);
   bus.I2CStart();
   EXPECT_EQ(rig.traffic(), "3=40 4=80 3=00 3=80 4=00 3=00");
-  rig.trace.str("");
+  (void)rig.port.taken();
   rig.state.ByteToWrite = 0xA5;
   rig.port.answer({kNo, kYes});
   bus.I2CSendByte();
   EXPECT_EQ(rig.traffic(),
             "3=00 4=A5 3=80 3=00 4=4A 3=80 3=00 4=94 3=80 3=00 4=28 3=80 3=00 4=50 3=80 3=00 "
             "4=A0 3=80 3=00 4=40 3=80 3=00 4=80 3=80 3=00 3=40 hi sleep=1 hi 3=C0 3=40");
-  rig.trace.str("");
+  (void)rig.port.taken();
   bus.I2CStop();
   EXPECT_EQ(rig.traffic(), "3=40 4=00 3=00 3=80 4=80 3=00");
-  rig.trace.str("");
+  (void)rig.port.taken();
   rig.port.answerBits(0xC3);
   bus.I2CReadByte();
   EXPECT_EQ(rig.traffic(),
@@ -45,7 +45,8 @@ const std::string kAcknowledge = "3=00 3=80 3=00 ";
 
 std::string sent(unsigned byte) {
   std::string text = "3=00 ";
-  for (int bit = 0; bit < 8; ++bit) text += "4=" + hexByte(byte << bit & 0xFF) + " 3=80 3=00 ";
+  for (int bit = 0; bit < 8; ++bit)
+    text += "4=" + hexText(static_cast<int>(byte << bit), 2) + " 3=80 3=00 ";
   return text + "3=40 ";
 }
 std::string acknowledged(const std::vector<unsigned>& bytes) {
