@@ -2,11 +2,8 @@
 #include <pwd.h>
 #include <sched.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <array>
 #include <fstream>
 #include <vector>
 
@@ -17,6 +14,7 @@
 #include "app/launch/separate_files.h"
 #include "app/launch/simulated_board.h"
 #include "hardware/ports/real_time.h"
+#include "support/child.h"
 #include "support/temporary_folder.h"
 
 namespace kestrel {
@@ -48,27 +46,19 @@ TEST(ProgramFolders, everySimulatedBoardHasItsOwn) {
   EXPECT_TRUE(std::filesystem::exists(launch::programFolders({}).data / "sounds" / "init.wav"));
 }
 
-/// Where the files of this user are without XDG_CONFIG_HOME; "usage" when nobody knows.
-std::string configurationOf(uid_t user, const char* home) {
-  std::array<int, 2> answer{};
-  if (::pipe(answer.data()) != 0) return "no pipe";
-  if (::fork() == 0) {
+/// Whether the files of this user are there without XDG_CONFIG_HOME; "usage": nobody knows where.
+bool isConfigurationOf(uid_t user, const char* home, const std::string& expected) {
+  return test::holdsInChild([&] {
     ::unsetenv("XDG_CONFIG_HOME");
     ::unsetenv("HOME");
     if (home != nullptr) ::setenv("HOME", home, 1);
-    std::string found = "usage";
+    if (::setuid(user) != 0) return false;
     try {
-      if (::setuid(user) == 0) found = launch::programFolders({}).configuration;
+      return launch::programFolders({}).configuration == expected;
     } catch (const launch::UsageError&) {
+      return expected == "usage";
     }
-    ::_exit(::write(answer[1], found.data(), found.size()) > 0 ? 0 : 1);
-  }
-  ::close(answer[1]);
-  std::string told(4096, ' ');
-  told.resize(static_cast<std::size_t>(std::max<ssize_t>(::read(answer[0], told.data(), 4096), 0)));
-  ::close(answer[0]);
-  ::wait(nullptr);
-  return told;
+  });
 }
 
 TEST(ProgramFolders, areFoundWithoutHomeAndBelongToTheOwnerOfTheHome) {
@@ -78,13 +68,14 @@ TEST(ProgramFolders, areFoundWithoutHomeAndBelongToTheOwnerOfTheHome) {
     GTEST_SKIP() << "needs a user with and one without a password entry";
   }
   for (const char* const unset : {static_cast<const char*>(nullptr), ""}) {
-    EXPECT_EQ(configurationOf(::getpwnam("nobody")->pw_uid, unset),
-              std::string(::getpwnam("nobody")->pw_dir) + "/.config/kestrel");
-    EXPECT_EQ(configurationOf(kSomeUser, unset), "usage");
+    const passwd& user = *::getpwnam("nobody");
+    EXPECT_TRUE(
+        isConfigurationOf(user.pw_uid, unset, user.pw_dir + std::string("/.config/kestrel")));
+    EXPECT_TRUE(isConfigurationOf(kSomeUser, unset, "usage"));
   }
   const test::TemporaryFolder home;
   ASSERT_EQ(::chown(home.path().c_str(), kSomeUser, kSomeUser), 0);
-  EXPECT_EQ(configurationOf(0, home.path().c_str()), home / ".config/kestrel");
+  EXPECT_TRUE(isConfigurationOf(0, home.path().c_str(), home / ".config/kestrel"));
   for (const char* const made : {".config", ".config/kestrel"}) {
     struct stat status {};
     ASSERT_EQ(::stat((home / made).c_str(), &status), 0);

@@ -1,6 +1,6 @@
 #include "hardware/ports/guard.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -17,6 +17,7 @@
 
 #include "hardware/ports/parport_device.h"
 #include "hardware/ports/signal_stop.h"
+#include "support/child.h"
 #include "support/port_script.h"
 #include "support/stand_in_kernel.h"
 #include "support/temporary_folder.h"
@@ -140,27 +141,18 @@ TEST(Guard, thatIsKilledOrDoesNotWorkIsNoticed) {
   for (const auto& [program, reason] : {std::pair(silent, "not ready within 2 s"),
                                         {"/bin/true", "ended at once"},
                                         {"/nowhere", "No such file"}}) {
-    try {
-      const ports::Guard guard(port, program);
-      ADD_FAILURE() << program;
-    } catch (const RuntimeError& error) {
-      EXPECT_NE(std::string(error.what()).find(reason), std::string::npos) << error.what();
-    }
+    EXPECT_THAT([&] { ports::Guard(port, program); },
+                testing::ThrowsMessage<RuntimeError>(testing::HasSubstr(reason)));
     EXPECT_NE(::waitpid(-1, nullptr, WNOHANG), 0) << "a guard was left behind";
   }
 }
 
-// What a program of its own ends with: its exit status, or the signal as a negative number.
 int endOf(const std::function<int(const StopSwitch&, const ports::SignalStop&)>& program) {
-  const pid_t process = fork();
-  if (process == 0) {
+  return test::endOf([&] {
     StopSwitch stop;
     const ports::SignalStop signals(stop);
-    _exit(program(stop, signals));
-  }
-  int status = 0;
-  waitpid(process, &status, 0);
-  return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+    return program(stop, signals);
+  });
 }
 
 TEST(SignalStop, throwsTheSwitchFirstAndEndsTheProgramThen) {

@@ -1,6 +1,6 @@
 #include "hardware/ports/parport_device.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <optional>
 
@@ -34,13 +34,9 @@ struct Parport : testing::Test {
     EXPECT_EQ(port.PortIn(0x378), 0xFF);
   }
   [[nodiscard]] std::string calls() { return std::exchange(kernel.calls, {}); }
-  static void expectRefused(ports::PortProblem problem, const std::function<void()>& action) {
-    try {
-      action();
-      ADD_FAILURE() << "not refused";
-    } catch (const ports::PortError& error) {
-      EXPECT_EQ(error.problem(), problem);
-    }
+  static auto refuses(ports::PortProblem problem) {
+    return testing::Throws<ports::PortError>(
+        testing::Property(&ports::PortError::problem, problem));
   }
 
   test::PortScript lines;
@@ -74,7 +70,7 @@ TEST_F(Parport, thatIsRefusedSaysWhyAndIsNotTouched) {
       {"PPCLAIM", ENOMEM, ports::PortProblem::Other}};
   for (const auto& [call, error, problem] : refusals) {
     kernel.failures[call] = {error};
-    expectRefused(problem, [this] { take(); });
+    EXPECT_THAT([this] { take(); }, refuses(problem));
     port.reset();
     EXPECT_EQ(lines.taken(), "");
     EXPECT_EQ(calls().ends_with(" close, "), std::string(call) != "open");
@@ -122,7 +118,7 @@ TEST_F(Parport, reachedDirectlyIsForOneProgramWithPermission) {
   {
     ports::DirectPort direct = open(0xD010);
     direct.take();
-    expectRefused(ports::PortProblem::Taken, [&] { open(0xD010); });
+    EXPECT_THAT([&] { open(0xD010); }, refuses(ports::PortProblem::Taken));
     lines.answers = {0x78};
     use(direct);
   }
@@ -131,9 +127,9 @@ TEST_F(Parport, reachedDirectlyIsForOneProgramWithPermission) {
       "D012 0A, ";
   EXPECT_EQ(calls(), "permit D010, " + off + "outb D010 5A, outb D012 07, inb D011, " + off +
                          "forbid D010, ");
-  expectRefused(ports::PortProblem::NotAPort, [&] { open(0x60); });
+  EXPECT_THAT([&] { open(0x60); }, refuses(ports::PortProblem::NotAPort));
   kernel.isIoPermitted = false;
-  expectRefused(ports::PortProblem::NotPermitted, [&] { open(0xD010); });
+  EXPECT_THAT([&] { open(0xD010); }, refuses(ports::PortProblem::NotPermitted));
 }
 
 }  // namespace

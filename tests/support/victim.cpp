@@ -13,6 +13,7 @@
 #include "hardware/ports/lpt_filter.h"
 #include "hardware/ports/real_ports.h"
 #include "hardware/ports/signal_stop.h"
+#include "support/child.h"
 #include "support/form_rig.h"
 #include "support/stand_in_kernel.h"
 
@@ -138,10 +139,8 @@ Death dieWhileProgramming(sim::Model model, std::chrono::microseconds runsFor,
   const std::size_t moment = tape->written;
   if (kill) kill(program);
   const auto killed = Time::now();
-  int status = 0;
-  waitpid(program, &status, 0);
   Death death;
-  death.end = WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
+  death.end = endOf(program);
   death.endedInTime = awaitAll(1s);
   death.guardTook = std::chrono::duration_cast<std::chrono::microseconds>(Time::now() - killed);
   sim::Bench bench;

@@ -7,7 +7,6 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/time.h>
-#include <sys/wait.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -18,12 +17,14 @@
 
 #include "platform/file_target.h"
 #include "platform/runtime_error.h"
+#include "support/child.h"
 #include "support/temporary_folder.h"
 
 namespace kestrel {
 namespace {
 
 namespace fs = std::filesystem;
+using test::holdsForUser, test::holdsInChild;
 
 constexpr uid_t kSomeUser = 4711;
 constexpr uid_t kOtherUser = 4712;
@@ -46,28 +47,6 @@ std::string failureOf(const std::function<void()>& steps) {
 
 std::string failureOfWriting(const fs::path& path) {
   return failureOf([&] { writeFileAtomically(path, "new"); });
-}
-
-/// Runs the check in a process of its own, which may change what it is and ignores a full file
-/// size limit as the programs do.
-bool holdsInChild(const std::function<bool()>& check) {
-  const pid_t child = ::fork();
-  if (child == 0) {
-    std::signal(SIGXFSZ, SIG_IGN);
-    bool holds = false;
-    const std::string failure = failureOf([&] { holds = check(); });
-    if (!failure.empty()) ADD_FAILURE() << failure;
-    ::_exit(holds ? 0 : 1);
-  }
-  int status = -1;
-  ::waitpid(child, &status, 0);
-  return status == 0;
-}
-
-bool holdsForUser(uid_t user, const std::function<bool()>& check) {
-  return holdsInChild([&] {
-    return ::setresgid(user, user, user) == 0 && ::setresuid(user, user, user) == 0 && check();
-  });
 }
 
 std::size_t entriesOf(const fs::path& folder) {
@@ -197,6 +176,7 @@ TEST(AtomicFile, aFullDiskLeavesTheEarlierContentsAndNothingElse) {
     return entriesOf(folder.path()) == 3;
   };
   EXPECT_TRUE(holdsInChild([&] {
+    std::signal(SIGXFSZ, SIG_IGN);  // as the programs do
     const rlimit limit{.rlim_cur = 100'000, .rlim_max = 100'000};
     return ::setrlimit(RLIMIT_FSIZE, &limit) == 0 && keepsOldFiles();
   })) << "a limit of the file size";
