@@ -14,6 +14,7 @@
 #include <sstream>
 
 #include "app/state/text_format.h"
+#include "devices/device_table.h"
 #include "support/form_rig.h"
 
 namespace kestrel::test {
@@ -116,6 +117,7 @@ class Walk final : ControlListener {
     if (verb == "weak")
       return board_.fitWeakCell(static_cast<std::uint32_t>(std::stoul(name, nullptr, 16)));
     if (verb == "pull") return (void)board_.takeOut();
+    if (verb == "offer") return offer(name);
     if (verb == "set") {
       auto& range = dynamic_cast<RangeControl&>(*rig_.controls.find(name));
       rig_.result = rig_.form.runner().run([&] { range.setValue(std::stoi(rest)); });
@@ -158,6 +160,15 @@ class Walk final : ControlListener {
   }
 
  private:
+  /// Puts the rows of a family, such as "FL", on the list that calls them not available.
+  void offer(const std::string& family) {
+    for (auto& row : rig_.state.DeviceTable) {
+      const std::string code = row[devices::kLetterColumn] + row[devices::kSubCodeColumn];
+      if (code == family) row[devices::kListedColumn] = "Y";
+    }
+    devices::FillDeviceList(rig_.state, rig_.state.algorithms, rig_.controls.Device);
+  }
+
   /// On one line and with DIR for the folder, which has another name in each run.
   [[nodiscard]] std::string masked(std::string text) const {
     for (const std::string& folder : {folder_, upperCase(folder_)}) {

@@ -126,10 +126,12 @@ TEST(OperationEncoder, gathersLatchLoadsAndReadsAndSplitsWaits) {
   }
 }
 
-TEST(OperationEncoder, tellsTheDelayOnceAndAgainWhenItChanges) {
+TEST(OperationEncoder, sendsTheDelayOnceAndAgainWhenItChanges) {
   OperationEncoder encoder;
-  const auto load = [](std::int64_t delay) -> std::vector<Operation> {
-    return {data(1), control(0x0D), wait(delay), control(0x0C), control(0x0D)};
+  const auto load = [](std::int64_t delay) {
+    std::vector<Operation> steps{data(1), control(0x0D), control(0x0C), control(0x0D)};
+    if (delay > 0) steps.insert(steps.begin() + 2, wait(delay));
+    return steps;
   };
   const std::pair<std::int64_t, Bytes> loads[]{{42, {0x45, 42, 0, 0x2D, 1}},
                                                {42, {0x2D, 1}},
