@@ -6,9 +6,13 @@
 #include <unistd.h>
 
 #include <array>
+#include <filesystem>
+#include <fstream>
 #include <thread>
 
 #include "link/link_failure.h"
+#include "link/serial_devices.h"
+#include "support/temporary_folder.h"
 
 namespace kestrel::link {
 namespace {
@@ -99,6 +103,28 @@ TEST(SerialLine, takesAnUrgentByteInTheMiddleOfARead) {
   std::array<std::uint8_t, 1> answer{};
   EXPECT_EQ(line.read(answer, milliseconds(5000)), 1U);
   EXPECT_EQ(answer[0], kStopMark);
+}
+
+// As the kernel and udev lay them out: the product stands above the interface, and only lines over
+// USB can be an adapter.
+TEST(SerialDevices, areTheUsbLinesWithProductAndTheNameThatLasts) {
+  const test::TemporaryFolder root;
+  const auto at = [&](const std::string& name) { return root.path() / name; };
+  for (const char* const folder :
+       {"sys/usb/1-1/1-1:1.0", "sys/class/tty/ttyACM0", "sys/class/tty/ttyUSB3",
+        "sys/class/tty/ttyS0", "dev/serial/by-id"}) {
+    std::filesystem::create_directories(at(folder));
+  }
+  std::ofstream(at("sys/usb/1-1/product")) << "Adapter 1\n";
+  std::filesystem::create_symlink(at("sys/usb/1-1/1-1:1.0"), at("sys/class/tty/ttyACM0/device"));
+  std::filesystem::create_symlink("../../ttyACM0", at("dev/serial/by-id/usb-adapter"));
+  std::string found;
+  for (const SerialDevice& each : listSerialDevices(root.path())) {
+    found += each.device + " " + each.name + " " + each.product + "\n";
+  }
+  EXPECT_EQ(found,
+            "/dev/ttyACM0 /dev/serial/by-id/usb-adapter Adapter 1\n"
+            "/dev/ttyUSB3 /dev/ttyUSB3 \n");
 }
 
 }  // namespace

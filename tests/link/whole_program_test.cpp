@@ -114,6 +114,7 @@ TEST(HardwareTest, findsTheBoardWhereTheAdapterIsChosenToBe) {
     f.ports.chooseLink(isThere ? std::optional(ports::parsePortChoice(choice)) : std::nullopt);
     f.rig.press("TestHardware_button");
     EXPECT_EQ(f.rig.controls.Ready_label.caption(), isThere ? "Ready" : "NotReady");
+    EXPECT_EQ(f.ports.taken().size(), isThere ? 1U : 0U) << "the one before is given back";
   }
   EXPECT_EQ(f.rig.state.PortBase, 0x278);
 }

@@ -57,6 +57,9 @@ TEST_F(Attended, givesTheScreenATurnInLongWaitsOfTheExactSumAndAtReadsNowAndThen
   for (const std::int32_t milliseconds : {19, 20, 25}) port.Sleep(milliseconds);
   EXPECT_EQ(machine.taken(),
             "378=01 spin3200000 sleep19 sleep10 turn sleep10 sleep10 turn sleep10 turn sleep5");
+  port.Spin(160'000);
+  static_cast<void>(port.PortIn(0x379));
+  EXPECT_EQ(machine.taken(), "spin160000 turn 379?");
 }
 
 TEST_F(Attended, passesNothingOnWhileTheSwitchIsThrown) {
