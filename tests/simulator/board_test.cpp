@@ -55,26 +55,6 @@ TEST(Board, undrivenDataLinesFloatHighAndOnlyModel6PullsD4Low) {
   }
 }
 
-TEST(Board, latchBitsReachTheirSocketPins) {
-  struct Wire {
-    test::Load load;
-    PinLevels pins;
-  };
-  // clang-format off
-  const Wire wires[]{{{0, 0x40}, pin(24)}, {{0, 0x0F}, 0},       {{1, 0x01}, pin(27)}, {{1, 0x02}, pin(26)},
-                     {{1, 0x04}, pin(23)}, {{1, 0x08}, pin(25)}, {{1, 0x10}, pin(4)},  {{1, 0x20}, pin(28)},
-                     {{1, 0x40}, pin(29)}, {{1, 0x80}, pin(3)},  {{2, 0x01}, pin(12)}, {{2, 0x80}, pin(5)},
-                     {{2, 0x18}, pin(8) | pin(9)},               {{3, 0x01}, pin(2)},  {{3, 0x02}, pin(30)},
-                     {{3, 0x04}, pin(31)}, {{3, 0x08}, pin(1)},  {{3, 0x30}, 0},       {{3, 0x80}, pin(22)},
-                     {{4, 0x09}, pin(13) | pin(17)},             {{4, 0x80}, pin(21)}};
-  // clang-format on
-  for (const auto& [load, pins] : wires) {
-    Rig rig;
-    rig.load({load});
-    EXPECT_EQ(rig.board.socketLevels(), pins | pin(32)) << "latch " << load.latch;
-  }
-}
-
 TEST(Board, model4SwitchesAVoltageSetByHand) {
   Rig rig(Model::kestrel4);
   rig.load(0, 0x23);

@@ -115,18 +115,6 @@ TEST(SerialEeprom, pinsForbidWritingAndChooseTheSelectByte) {
   EXPECT_EQ(rig.finishedCell(0), 0xFF);
 }
 
-TEST(SerialEeprom, writesNothingWhenProtectedAndAnswersNoMoreWhenItsCycleNeverEnds) {
-  WireRig rig("24C256");
-  rig.board.setChip({.writeProtected = true});
-  EXPECT_EQ(rig.bus("S A0 00 3F 11 P S A0 00 3F"), "+++++++");
-  EXPECT_EQ(rig.finishedCell(0x3F), 0xFF);
-  rig.board.setChip({.writeProtected = false, .writeNeverEnds = true});
-  EXPECT_EQ(rig.bus("S A0 00 3F 11 P w w w S A0"), "++++-");
-  EXPECT_EQ(rig.finishedCell(0x3F), 0xFF);
-  rig.load({{0, 0x00}, {0, 0x40}});
-  EXPECT_EQ(rig.bus("S A0 00 3F S A1 r-"), "++++ 255");
-}
-
 TEST(SerialEeprom, losesItsWriteCycleWithItsSupply) {
   WireRig rig("24C08");
   for (const test::Load& off : {test::Load{0, 0x00}, {2, 0x01}}) {  // VCC goes low, GND high
