@@ -32,8 +32,8 @@ struct DisturbedPort final : PortAccess, Waits {
   std::function<void()> whenAsleep;
 };
 
-struct Disturbed {
-  Disturbed() {
+struct Disturbed : BoardOnBench {
+  Disturbed() : BoardOnBench(sim::Model::kestrel5) {
     rig.form.Form_Load();
     rig.select("Eprom 27C256");
     rig.state.CodeBuffer[0] = 0xC0;
@@ -41,10 +41,10 @@ struct Disturbed {
   }
   /// Reads the empty socket; the 20,000th status read is disturbed. The board is at rest then.
   void read(std::function<void()> disturb) {
-    port.readsLeft = 20'000;
-    port.disturb = std::move(disturb);
+    lines.readsLeft = 20'000;
+    lines.disturb = std::move(disturb);
     EXPECT_NO_THROW(rig.press("Read_button"));
-    EXPECT_EQ(port.readsLeft, 0);
+    EXPECT_EQ(lines.readsLeft, 0);
     EXPECT_EQ(rig.state.CodeBuffer[0], 0xC0);
     EXPECT_EQ(rig.state.CodeBufferValid, 0);
     for (const auto* label : {&rig.controls.DataFlow_label, &rig.controls.Program_label})
@@ -53,24 +53,21 @@ struct Disturbed {
     EXPECT_EQ(rig.controls.StatusBar.text(), "");
     EXPECT_FALSE(rig.form.runner().isRunning());
     const bool isGone = rig.state.CtlIdle[0] > 0xFF;
-    EXPECT_TRUE(isGone || (board.latch(0) == 0x40 && board.latch(3) == 0xC6));
+    EXPECT_TRUE(isGone || (board->latch(0) == 0x40 && board->latch(3) == 0xC6));
   }
 
-  sim::Bench bench;
-  sim::Board& board = bench.plug(sim::Model::kestrel5, 0x378);
-  sim::SimulatedPort simulated{bench};
-  DisturbedPort port{simulated};
-  FormRig rig{port, port};
+  DisturbedPort lines{port};
+  FormRig rig{lines, lines};
 };
 
 TEST(CommandRunner, errorsAndStopAreReportedOnceAndTheBoardIsAtRestBeforeThat) {
   Disturbed d;
   // Nothing comes between the fault and the idle board: no box, no log line.
-  d.rig.dialogs.onBox = [&d] { EXPECT_EQ(d.board.latch(0), 0x40); };
+  d.rig.dialogs.onBox = [&d] { EXPECT_EQ(d.board->latch(0), 0x40); };
   d.rig.screen.onTurn = [&d, lines = std::size_t{0}]() mutable {
     if (d.rig.log().size() == lines) return;
     lines = d.rig.log().size();
-    EXPECT_EQ(d.board.latch(0), 0x40);
+    EXPECT_EQ(d.board->latch(0), 0x40);
   };
   d.read([] { throw RuntimeError(57, "The port has gone"); });
   EXPECT_EQ(d.rig.result.ending, Ending::RunTimeError);
@@ -94,18 +91,16 @@ TEST(CommandRunner, errorsAndStopAreReportedOnceAndTheBoardIsAtRestBeforeThat) {
 }
 
 TEST(StartUp, aBoardWhosePortFailsIsAtRestBeforeThatIsReported) {
-  sim::Bench bench;
-  const sim::Board& board = bench.plug(sim::Model::kestrel5, 0x378);
-  sim::SimulatedPort simulated{bench};
-  DisturbedPort port{simulated};
+  BoardOnBench b(sim::Model::kestrel5);
+  DisturbedPort port{b.port};
   FormRig rig{port, port};
   // The board has just been found and its lamp is lit.
   port.whenAsleep = [&] {
-    if (rig.state.DetectedPort == 0 || board.latch(0) == 0x40) return;
+    if (rig.state.DetectedPort == 0 || b.board->latch(0) == 0x40) return;
     port.whenAsleep = nullptr;
     throw RuntimeError(57, "The port has gone");
   };
-  rig.dialogs.onBox = [&board] { EXPECT_EQ(board.latch(0), 0x40); };
+  rig.dialogs.onBox = [&b] { EXPECT_EQ(b.board->latch(0), 0x40); };
   rig.form.Form_Load();
   EXPECT_EQ(rig.dialogs.boxes.size(), 1U);
   EXPECT_EQ(rig.controls.Ready_label.caption(), "Ready") << "found by the second search";
@@ -114,11 +109,10 @@ TEST(StartUp, aBoardWhosePortFailsIsAtRestBeforeThatIsReported) {
 TEST(CommandRunner, anAlertThatWasUpStaysUpUntilTheHardwareTest) {
   Disturbed d;
   Controls& c = d.rig.controls;
-  d.board.insert(sim::makeChip("27C256"));
-  d.board.loadChip(std::vector<std::uint8_t>(32768, 0x00));
+  d.insert("27C256", Bytes(32768, 0x00));
   d.rig.press("Blank_button");
-  d.port.readsLeft = 100;
-  d.port.disturb = [] { throw RuntimeError(57, "The port has gone"); };
+  d.lines.readsLeft = 100;
+  d.lines.disturb = [] { throw RuntimeError(57, "The port has gone"); };
   d.rig.press("menuReadCode");
   EXPECT_EQ(c.Error_label.colour(), Colour::Red);
   EXPECT_FALSE(c.Read_button.enabled());
@@ -260,7 +254,7 @@ TEST(Form, everyButtonLeadsSomewhere) {
   }
   std::string silent;
   for (const std::string& name : names) {
-    PreparedForm s("24C08", "Eeprom 24C08 Serial", Bytes(0x400, 0x5A));
+    PreparedForm s("24C08", Bytes(0x400, 0x5A));
     writeFileAtomically(s.rig.folder / "KSSetup1.INI", "SetupName = lot\r\n");
     s.rig.controls.find(name)->setEnabled(true);
     const std::string before = seenOf(s);

@@ -12,22 +12,22 @@ using testing::ElementsAre;
 
 TEST(FlashIdentification, namesTrueChipsInTheSocket) {
   struct Case {
-    const char *chip, *device, *name, *rawCode;
+    const char *chip, *name, *rawCode;
   };
   // clang-format off
   constexpr Case kCases[]{
-      {"AM29F010", "AMD AM29F010", "0120 - AMD am29F010 Flash Memory", "FFFF"},
-      {"AM29F040", "AMD AM29F040", "01A4 - AMD am29F040 Flash Memory", "FFFF"},
-      {"A29040", "AMIC A29040", "3786 - AMIC A29040 Flash Memory", "FFFF"},
+      {"AM29F010", "0120 - AMD am29F010 Flash Memory", "FFFF"},
+      {"AM29F040", "01A4 - AMD am29F040 Flash Memory", "FFFF"},
+      {"A29040", "3786 - AMIC A29040 Flash Memory", "FFFF"},
       // Answers 1C04h only with A8 high, which identification leaves low: the continuation code.
-      {"EN29F040", "EON EN29F040", "7F7F -  Not Valid!!!", "FFFF"},
+      {"EN29F040", "7F7F -  Not Valid!!!", "FFFF"},
       // Its command leaves the data latch on the bus, so that F0h stands there in the second read.
-      {"AT29C256", "Atmel AT29C256", "1FDC - ATMEL 29C256 Flash Memory", "F0F0"},
+      {"AT29C256", "1FDC - ATMEL 29C256 Flash Memory", "F0F0"},
   };
   // clang-format on
   for (const Case& c : kCases) {
     for (const sim::Model model : {sim::Model::kestrel4, sim::Model::kestrel5}) {
-      PreparedForm s(c.chip, std::string("Flash ") + c.device, {}, {}, model);
+      PreparedForm s(c.chip, {}, model);
       ASSERT_TRUE(s.rig.press("menuFlashShowCodeID"));
       EXPECT_EQ(s.rig.log().back(), std::string("Device ID# ") + c.name);
       EXPECT_EQ(s.rig.state.FlashRawCode, c.rawCode);
@@ -51,10 +51,9 @@ std::string digitsOf(const std::string& page) {
 }
 
 TEST(DeviceDisplay, drawsTheBytesThatAReadGives) {
-  for (const auto& [chip, device, bytes] : {std::tuple{"2732A", "Eprom 2732A", 4096U},
-                                            {"27C020", "Eprom 27C020", 262144U},
-                                            {"28C256", "Eeprom XICOR X28C256", 32768U}}) {
-    PreparedForm s(chip, device, {}, randomBytes(bytes, 71));
+  for (const auto& [chip, bytes] :
+       {std::pair{"2732A", 4096U}, {"27C020", 262144U}, {"28C256", 32768U}}) {
+    PreparedForm s(chip, {}, sim::Model::kestrel5, randomBytes(bytes, 71));
     const Bytes contents = s.chipContents();
     s.rig.press("Display_button");
     for (const std::size_t page : {0U, bytes / 256 - 1, bytes / 512 + 3}) {
@@ -75,7 +74,7 @@ TEST(DeviceDisplay, hasItsOwnCharactersAndDrawsPage0) {
       "A \"`z{~\x1F"
       "01234567";
   std::copy(text.begin(), text.end(), contents.begin() + 0x10);
-  PreparedForm s("27C64", "Eprom 27C64", {}, contents);
+  PreparedForm s("27C64", {}, sim::Model::kestrel5, contents);
   s.rig.controls.VScroll1.setValue(3);
   const auto before = s.bench.now();
   s.rig.press("Display_button");
@@ -92,19 +91,13 @@ TEST(DeviceDisplay, hasItsOwnCharactersAndDrawsPage0) {
   EXPECT_EQ(s.board->latch(2), 0xFF);
 }
 
-struct PageForm : PreparedForm {
-  PageForm(const std::string& chip, sim::Model model)
-      : PreparedForm(chip, chip == "28C256" ? "Eeprom XICOR X28C256" : "Flash Atmel AT29C256",
-                     randomBytes(32768, 51), {}, model) {}
-};
-
 class PageWriteChips : public testing::TestWithParam<sim::Model> {};
 
 TEST_P(PageWriteChips, areProgrammedVerifiedReadBackAndErased) {
   for (const auto& [chip, success] :
        {std::pair{"28C256", "XICOR 28C256 Programmed Sucessfully"},
         std::pair{"AT29C256", "FLASH Atmel AT29C256 Programmed Sucessfully"}}) {
-    PageForm s(chip, GetParam());
+    PreparedForm s(chip, randomBytes(32768, 51), GetParam());
     s.board->setChip({.softwareProtection = GetParam() != sim::Model::kestrel5});
     s.rig.controls.VerifyAfterProgramming.press();
     ASSERT_TRUE(s.rig.program());
@@ -138,7 +131,7 @@ INSTANTIATE_TEST_SUITE_P(Models, PageWriteChips, testing::ValuesIn(kModels));
 TEST(PageWriteSpeed, hasToFitTheChipsLoadWindowAndWriteCycle) {
   for (const auto& [slider, writeCycleMs, succeeds] :
        {std::tuple{18, 7, false}, {12, 10, true}, {1, 3, false}}) {
-    PageForm s("28C256", sim::Model::kestrel5);
+    PreparedForm s("28C256", randomBytes(32768, 51));
     s.rig.controls.Slider1.setValue(slider);
     s.board->setChip({.writeCycle = sim::milliseconds(writeCycleMs)});
     s.rig.program();
@@ -168,15 +161,15 @@ struct Watched final : ControlListener {
 // a 28C256 in eight of its pages, a serial chip in pages of 32.
 TEST(Progress, goesToItsEndAndBackWhateverTheCommand) {
   struct Row {
-    const char *chip, *device;
+    const char* chip;
     std::size_t bytes;
     std::vector<std::int32_t> steps;  // of read, blank check, verify, program and erase
   };
-  for (const Row& row : {Row{"27C64", "Eprom 27C64", 0x2000, {32, 32, 32, 100}},
-                         {"X28C256", "Eeprom XICOR X28C256", 0x8000, {128, 128, 128, 64, 64}},
-                         {"24C32", "Eeprom 24C32 Serial", 0x1000, {4096, 0, 100, 128, 128}},
-                         {"AM29F010", "Flash AMD AM29F010", 0x20000, {512, 512, 512, 512}}}) {
-    PreparedForm s(row.chip, row.device, Bytes(row.bytes, 0xFF));
+  for (const Row& row : {Row{"27C64", 0x2000, {32, 32, 32, 100}},
+                         {"X28C256", 0x8000, {128, 128, 128, 64, 64}},
+                         {"24C32", 0x1000, {4096, 0, 100, 128, 128}},
+                         {"AM29F010", 0x20000, {512, 512, 512, 512}}}) {
+    PreparedForm s(row.chip, Bytes(row.bytes, 0xFF));
     const char* const commands[]{"Read_button", "Blank_button", "Verify_button", "Program_button",
                                  "EraseFlash_button"};
     for (std::size_t i = 0; i < row.steps.size(); ++i) {

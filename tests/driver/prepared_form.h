@@ -10,8 +10,8 @@ constexpr sim::Model kModels[]{sim::Model::kestrel4, sim::Model::kestrel5, sim::
 /// All set up as a person would before Program: the chip in its socket, blank or with contents, the
 /// device chosen, the image open. The flash rows, which the list calls not available, are opened.
 struct PreparedForm : SimulatedForm {
-  PreparedForm(const std::string& chip, const std::string& device, Bytes givenImage,
-               const Bytes& contents = {}, sim::Model model = sim::Model::kestrel5)
+  PreparedForm(const std::string& chip, Bytes givenImage, sim::Model model = sim::Model::kestrel5,
+               const Bytes& contents = {})
       : SimulatedForm(model, Trace::Off), image(std::move(givenImage)) {
     start();
     insert(chip, contents);
@@ -19,7 +19,7 @@ struct PreparedForm : SimulatedForm {
       if (row[devices::kLetterColumn] == "F") row[devices::kListedColumn] = "Y";
     }
     devices::FillDeviceList(rig.state, rig.state.algorithms, rig.controls.Device);
-    rig.select(device);
+    rig.select(chip);  // the first device that is named for it
     if (!image.empty()) rig.openImage(image);
     rig.clearLog();
     bench.findings().clear();
