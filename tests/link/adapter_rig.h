@@ -10,11 +10,25 @@
 
 namespace kestrel::test {
 
-/// A board as a program reaches it through a connection.
-struct LinkedBoard {
-  LinkedBoard(link::LinkConnection& itsConnection, sim::Model itsModel)
-      : connection(itsConnection), is4(itsModel == sim::Model::kestrel4) {}
+/// A board with a voltage on, an adapter that has just been switched on in front of it, and a
+/// connection.
+class AdapterRig {
+ public:
+  /// /OE high, VPP on pins 1, 3 and 24; bit 2 switches it on where the board is a model 4.
+  static constexpr std::uint8_t kAllVoltages = 0xF4;
 
+  explicit AdapterRig(sim::Model its, std::uint64_t latencyCycles = 0)
+      : is4(its == sim::Model::kestrel4),
+        board(bench.plug(its, 0x378)),
+        adapter(withVoltagesOn(), bench),
+        line(adapter, latencyCycles),
+        connection(line) {}
+
+  /// Connected, with the time of the start passed.
+  void connect() {
+    adapter.runFor(2 * EmulatedAdapter::kCyclesPerMs);
+    connection.connect();
+  }
   /// The control register for levels of a model 4's lines; the others invert all four.
   [[nodiscard]] std::uint8_t control(unsigned lines) const {
     return static_cast<std::uint8_t>(is4 ? lines : lines ^ 0x0FU);
@@ -44,8 +58,19 @@ struct LinkedBoard {
                                      half(connection.statusOf(high)) << 4);
   }
 
-  link::LinkConnection& connection;
+  void switchVoltagesOn() {
+    load(0, kAllVoltages);
+    connection.finish();
+  }
+  [[nodiscard]] bool isAnyVoltageOn() const { return board.vppPins() != 0; }
+  [[nodiscard]] bool isOff() const { return board.latch(0) == 0x40 && !isAnyVoltageOn(); }
+
   bool is4;
+  sim::Bench bench;
+  sim::Board& board;
+  EmulatedAdapter adapter;
+  EmulatedLine line;
+  link::LinkConnection connection;
 
  private:
   // Half a byte from a status byte: bits 3 to 6, or on a model 4 bits 6, NOT 7, 5, 4.
@@ -54,45 +79,13 @@ struct LinkedBoard {
     return (status >> 6U & 1U) | (~status >> 7U & 1U) << 1U | (status >> 5U & 1U) << 2U |
            (status >> 4U & 1U) << 3U;
   }
-};
 
-/// A board with a voltage on, an adapter that has just been switched on in front of it, and a
-/// connection.
-class AdapterRig : public LinkedBoard {
- public:
-  /// /OE high, VPP on pins 1, 3 and 24; bit 2 switches it on where the board is a model 4.
-  static constexpr std::uint8_t kAllVoltages = 0xF4;
-
-  explicit AdapterRig(sim::Model its, std::uint64_t latencyCycles = 0)
-      : LinkedBoard(connection, its),
-        board(bench.plug(its, 0x378)),
-        adapter(withVoltagesOn(), bench),
-        line(adapter, latencyCycles),
-        connection(line) {}
-
-  /// Connected, with the time of the start passed.
-  void connect() {
-    adapter.runFor(2 * EmulatedAdapter::kCyclesPerMs);
-    connection.connect();
-  }
-  void switchVoltagesOn() {
-    load(0, kAllVoltages);
-    connection.finish();
-  }
-  [[nodiscard]] bool isAnyVoltageOn() const { return board.vppPins() != 0; }
-  [[nodiscard]] bool isOff() const { return board.latch(0) == 0x40 && !isAnyVoltageOn(); }
-
-  sim::Bench bench;
-  sim::Board& board;
-  EmulatedAdapter adapter;
-  EmulatedLine line;
-  link::LinkConnection connection;
-
- private:
   // As a program that died on a parallel port would leave it.
   const char* withVoltagesOn() {
+    board.writeControl(idle(0));
     board.writeData(kAllVoltages);
-    for (const std::uint8_t code : {idle(0), strobe(0), idle(0)}) board.writeControl(code);
+    board.writeControl(strobe(0));
+    board.writeControl(idle(0));
     return KESTREL_LINK_PROGRAM;
   }
 };

@@ -118,17 +118,6 @@ TEST_F(Connected, livesOnWhileALongWaitLasts) {
   EXPECT_GE(line.writes.size(), 10U);
 }
 
-TEST_F(Connected, endsWithTheCauseThatTheAdapterTells) {
-  connection.writeData(1);
-  line.answer(AnswerKind::Trouble, 1, {4});
-  EXPECT_THAT([&] { (void)connection.readStatus(); },
-              testing::Throws<LinkError>(
-                  testing::AllOf(testing::Property(&LinkError::problem, LinkProblem::SwitchedOff),
-                                 testing::Property(&LinkError::cause, SwitchOffCause::Silent))));
-  connection.writeData(1);
-  EXPECT_THROW(connection.flush(), LinkError);  // until the next connect
-}
-
 TEST_F(Connected, takesNoAnswerToAnotherBlock) {
   line.answer(AnswerKind::Done, 2, {0x38});
   EXPECT_THAT([&] { (void)connection.readStatus(); }, failsWith(LinkProblem::NoAnswer));

@@ -65,8 +65,8 @@ avr_uart_t* findUart(avr_t* processor) {
   throw std::runtime_error("no serial line in this simavr");
 }
 
-// Endless loop: rjmp to itself.
-constexpr std::uint16_t kJumpToItself = 0xCFFF;
+// The last word of the flash, which the program does not reach.
+avr_flashaddr_t endlessLoop(const avr_t& processor) { return processor.flashend - 1; }
 
 constexpr std::uint32_t ioportRequest(char port) {
   return AVR_IOCTL_DEF('i', 'o', 'g', static_cast<std::uint32_t>(port));
@@ -90,6 +90,7 @@ void load(avr_t* processor, const std::filesystem::path& program) {
   if (code == nullptr) throw std::runtime_error("cannot read " + name);
   avr_loadcode(processor, code, size, start);
   processor->codeend = processor->flashend;
+  std::memcpy(processor->flash + endlessLoop(*processor), "\xFF\xCF", 2);  // rjmp to itself
   std::free(code);
 }
 
@@ -167,7 +168,6 @@ void EmulatedAdapter::runUntil(Cycles moment) {
     isRunning_ = false;
     if (state == cpu_Crashed) throw std::runtime_error("the adapter has crashed");
     if (std::exchange(isResetAsked_, false)) reset();
-    if (isHung_ && processor_->pc == 0) endHang();
   }
   avr_cycle_timer_cancel(processor_, wakeUp, this);
   letTimePass();
@@ -293,25 +293,7 @@ void EmulatedAdapter::pullLine() {
   incoming_.clear();
 }
 
-void EmulatedAdapter::hang() {
-  hungAt_ = processor_->pc;
-  hungInstruction_ = patchProgram(hungAt_, kJumpToItself);
-  isHung_ = true;
-}
-
-// The watchdog has made the processor start anew; its program is whole again.
-void EmulatedAdapter::endHang() {
-  static_cast<void>(patchProgram(hungAt_, hungInstruction_));
-  isHung_ = false;
-}
-
-std::uint16_t EmulatedAdapter::patchProgram(std::uint32_t place, std::uint16_t instruction) {
-  std::uint8_t* const code = processor_->flash + place;
-  const auto before = static_cast<std::uint16_t>(code[0] | code[1] << 8);
-  code[0] = static_cast<std::uint8_t>(instruction);
-  code[1] = static_cast<std::uint8_t>(instruction >> 8);
-  return before;
-}
+void EmulatedAdapter::hang() { processor_->pc = endlessLoop(*processor_); }
 
 EmulatedLine::EmulatedLine(EmulatedAdapter& adapter, Cycles latency)
     : adapter_(adapter), latency_(latency) {

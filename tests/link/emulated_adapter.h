@@ -67,7 +67,7 @@ class EmulatedAdapter {
   /// The line is cut in both directions.
   void pullLine();
 
-  /// The processor runs into an endless loop where it is, until its watchdog resets it.
+  /// The processor runs into an endless loop until its watchdog resets it; not in onChange.
   void hang();
 
  private:
@@ -86,8 +86,6 @@ class EmulatedAdapter {
   void driveStatus();
   [[nodiscard]] unsigned statusOfConnector() const;
   [[nodiscard]] unsigned statusOfPlug() const;
-  void endHang();
-  [[nodiscard]] std::uint16_t patchProgram(std::uint32_t place, std::uint16_t instruction);
   [[nodiscard]] bool pin(std::size_t db25) const { return connector_.at(db25); }
   [[nodiscard]] std::uint8_t dataRegister() const;
   [[nodiscard]] std::uint8_t controlRegister() const;
@@ -109,9 +107,6 @@ class EmulatedAdapter {
   bool isLinePulled_ = false;
   bool isPlugFitted_ = false;
   std::size_t cutPin_ = 0;
-  std::uint32_t hungAt_ = 0;
-  std::uint16_t hungInstruction_ = 0;
-  bool isHung_ = false;
   std::function<void(std::uint8_t, Cycles)> byteSent_;
   std::function<void()> changed_;
 };

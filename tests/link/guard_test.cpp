@@ -129,26 +129,22 @@ TEST(Guard, executesNothingOfADamagedBlock) {
 }
 
 TEST(Guard, refusesBlocksThatCannotBeExecuted) {
-  const std::vector<Bytes> contents{
-      {0x46},  // no such operation
-      {0x2D},  // operand missing
-      {0x44, 0},
-      {0x44, 65},         // no time, too long
-      Bytes(129, 0x41),   // too many reads
-      Bytes(1401, 0x05),  // too long
+  const std::pair<unsigned, Bytes> blocks[]{
+      {2, {0x46}},             // no such operation
+      {2, {0x2D}},             // operand missing
+      {2, {0x44, 0}},          // no time
+      {2, {0x44, 65}},         // too long
+      {2, Bytes(129, 0x41)},   // too many reads
+      {2, Bytes(1401, 0x05)},  // too many bytes
+      {3, {0x05}},             // 2 is missing
   };
-  for (const Bytes& wrong : contents) {
+  for (const auto& [sequence, wrong] : blocks) {
     AdapterRig rig(sim::Model::kestrel5);
     rig.connect();
     rig.switchVoltagesOn();
-    rig.line.write(frameBlock(BlockKind::Operations, 2, wrong));
+    rig.line.write(frameBlock(BlockKind::Operations, sequence, wrong));
     EXPECT_LE(msUntilOff(rig), 20) << wrong.size();
   }
-  AdapterRig rig(sim::Model::kestrel5);
-  rig.connect();
-  rig.switchVoltagesOn();
-  rig.line.write(frameBlock(BlockKind::Operations, 3, Bytes{0x05}));  // 2 is missing
-  EXPECT_LE(msUntilOff(rig), 1);
 }
 
 // Blocks that are right in everything but their sense, and bytes without any: the adapter stays the
@@ -207,6 +203,8 @@ TEST(Guard, tellsWhyAndConnectsAgain) {
     rig.connection.writeControl(5);
     EXPECT_THAT([&] { (void)rig.connection.readStatus(); },
                 testing::Throws<LinkError>(testing::Property(&LinkError::cause, cause)));
+    rig.connection.writeControl(5);
+    EXPECT_THROW(rig.connection.flush(), LinkError) << "until the next connect";
     EXPECT_TRUE(rig.isOff());
     rig.connection.connect();
     rig.load(2, 0x5A);

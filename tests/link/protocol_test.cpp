@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "link/crc16.h"
 #include "link/frame.h"
 #include "link/operations.h"
 
@@ -24,11 +23,6 @@ std::vector<Answer> answersIn(const Bytes& line, AnswerReader& reader) {
 // The check values were computed apart from this program.
 const Bytes kTwoHalves{0x7E, 0x00, 0x02, 0x15, 0x11, 0xB8, 0x5C};
 const Bytes kSilent{0x7E, 0x81, 0x01, 0x04, 0xFF, 0x30};
-
-TEST(Crc16, givesTheStandardCheckValue) {
-  const Bytes digits{'1', '2', '3', '4', '5', '6', '7', '8', '9'};
-  EXPECT_EQ(crc16(digits), 0x6F91);
-}
 
 TEST(Frame, hasStartHeadLengthContentsAndCheck) {
   EXPECT_THAT(frameBlock(BlockKind::Hello, 0, Bytes{1}),
