@@ -103,7 +103,7 @@ TEST_F(Parport, isSwitchedOffWhenItWorksAgainAndTellsWhenItNeverDoes) {
   EXPECT_FALSE(port->mayVoltageBeOn());
   switchOn();
   kernel.takesNotes = false;  // of the many tries
-  kernel.broken["control"] = EINTR;
+  kernel.failures["control"].assign(10'000'000, EINTR);
   EXPECT_THROW(port->PortOut(0x37A, 7), RuntimeError);
   EXPECT_FALSE(port->giveBack());
   EXPECT_TRUE(port->mayVoltageBeOn());

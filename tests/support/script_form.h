@@ -1,7 +1,5 @@
 #pragma once
 
-#include <unistd.h>
-
 #include "platform/atomic_file.h"
 #include "support/form_rig.h"
 #include "support/port_script.h"
@@ -37,28 +35,6 @@ struct ScriptForm {
     rig.dialogs.files = {path};
     if (!rig.press(entry)) throw std::logic_error(entry + " is disabled");
   }
-};
-
-/// A folder in which nothing can be created as long as this lives, not even by root.
-class ReadOnlyFolder {
- public:
-  explicit ReadOnlyFolder(const std::filesystem::path& folder) : folder_(folder) {
-    using std::filesystem::perms;
-    std::filesystem::permissions(
-        folder_, perms::owner_read | perms::owner_exec | perms::others_read | perms::others_exec);
-    changed_ = ::geteuid() == 0 && ::seteuid(kNobody) == 0;
-  }
-  ~ReadOnlyFolder() {
-    if (changed_ && ::seteuid(0) != 0) std::abort();
-    std::filesystem::permissions(folder_, std::filesystem::perms::owner_all);
-  }
-  ReadOnlyFolder(const ReadOnlyFolder&) = delete;
-  ReadOnlyFolder& operator=(const ReadOnlyFolder&) = delete;
-
- private:
-  static constexpr uid_t kNobody = 65534;
-  std::filesystem::path folder_;
-  bool changed_ = false;
 };
 
 }  // namespace kestrel::test

@@ -8,10 +8,10 @@
 #include <cerrno>
 #include <cstdint>
 #include <cstdio>
+#include <deque>
 #include <functional>
 #include <map>
 #include <string>
-#include <vector>
 
 #include "hardware/ports/system_calls.h"
 #include "platform/port_access.h"
@@ -34,9 +34,7 @@ class StandInKernel final : public ports::SystemCalls {
 
   std::map<std::string, Device> devices;
   /// The next calls of this name fail with these errors, in order; 0 lets one pass.
-  std::map<std::string, std::vector<int>> failures;
-  /// Every call of this name fails with this error.
-  std::map<std::string, int> broken;
+  std::map<std::string, std::deque<int>> failures;
   std::string calls;       // each with a comma and a space after it
   bool takesNotes = true;  // not for whole commands: they are millions of calls
   std::function<void()> onAccess;
@@ -118,14 +116,10 @@ class StandInKernel final : public ports::SystemCalls {
   }
   bool passes(const std::string& name, const std::string& detail = {}) {
     if (takesNotes) calls += name + (detail.empty() ? "" : " ") + detail + ", ";
-    if (const auto found = broken.find(name); found != broken.end()) {
-      errno = found->second;
-      return false;
-    }
-    std::vector<int>& planned = failures[name];
+    std::deque<int>& planned = failures[name];
     if (planned.empty()) return true;
     errno = planned.front();
-    planned.erase(planned.begin());
+    planned.pop_front();
     return errno == 0;
   }
   static int claim(const File& file, int descriptor) {

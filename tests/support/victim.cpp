@@ -108,18 +108,12 @@ bool awaitAll(std::chrono::milliseconds limit) {
 
 int Tape::switchOffsAtEnd() const {
   constexpr std::array<std::uint16_t, 7> kSequence{0x040, 0x205, 0x204, 0x205, 0x20A, 0x20B, 0x20A};
-  std::size_t end = written;
   int found = 0;
-  const auto endsWithSequence = [&] {
-    if (end < oldest() + kSequence.size()) return false;
-    for (std::size_t i = 0; i < kSequence.size(); ++i) {
-      if (entry(end - kSequence.size() + i) != kSequence.at(i)) return false;
-    }
-    return true;
-  };
-  while (endsWithSequence()) {
+  for (std::size_t end = written; end >= oldest() + kSequence.size(); ++found) {
     end -= kSequence.size();
-    ++found;
+    for (std::size_t i = 0; i < kSequence.size(); ++i) {
+      if (entry(end + i) != kSequence.at(i)) return found;
+    }
   }
   return found;
 }

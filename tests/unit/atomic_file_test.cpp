@@ -1,7 +1,7 @@
 #include "platform/atomic_file.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <sys/resource.h>
@@ -152,13 +152,12 @@ TEST(AtomicFile, refusesWhatCannotBeReadOrWrittenAndWhatIsTooLong) {
   EXPECT_TRUE(failureOfWriting(folder / std::string(256, 'n')).ends_with("File name too long"));
   EXPECT_TRUE(failureOfWriting(folder.path()).ends_with("Is a directory"));
   EXPECT_TRUE(failureOfWriting(folder / "ten/").ends_with("Not a directory"));
-  try {
-    writeFileAtomically("/dev/full", "content");
-    FAIL() << "a write to a full device went through";
-  } catch (const FileError& error) {
-    EXPECT_EQ(error.number(), kDiskFullError);
-    EXPECT_EQ(std::string(error.what()), "Cannot write /dev/full: No space left on device");
-  }
+  using testing::Property, testing::StrEq;
+  EXPECT_THAT(
+      [] { writeFileAtomically("/dev/full", "content"); },
+      testing::Throws<FileError>(testing::AllOf(
+          Property(&FileError::number, kDiskFullError),
+          Property(&FileError::what, StrEq("Cannot write /dev/full: No space left on device")))));
 }
 
 // The second file has another name, so that it is written in place.
