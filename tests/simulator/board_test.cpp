@@ -1,11 +1,10 @@
-// The connector, the latches, the socket's wires, the data lines, virtual time.
+// The connector, the latches, the data lines, the voltage of a model 4.
 
 #include "simulator/board.h"
 
 #include <gtest/gtest.h>
 
 #include "simulator/rig.h"
-#include "simulator/simulated_port.h"
 
 namespace kestrel::sim {
 namespace {
@@ -22,26 +21,6 @@ TEST(Board, everyLatchHasItsOwnControlCodeAndOtherCodesLoadNothing) {
     for (std::uint8_t latch = 0; latch < 5; ++latch)
       EXPECT_EQ(rig.board.latch(latch), 0x40 | latch);
   }
-}
-
-TEST(Board, latchFollowsTheDataLinesUnderAStandingStrobeAndKeepsTheLast) {
-  Rig rig;  // latch 4 drives the data lines
-  rig.data(0x11);
-  rig.control(0xF);  // strobe of latch 4: status shows the high half
-  EXPECT_EQ(rig.status(), 0x8F);
-  rig.data(0xA5);
-  EXPECT_EQ(rig.status(), 0xD7);
-  rig.control(0x0);
-  rig.data(0x00);
-  EXPECT_EQ(rig.status(), 0xAF);
-}
-
-TEST(Board, model4ShowsTheHalvesOnOtherStatusLines) {
-  Rig four(Model::kestrel4);
-  four.load(4, 0xA5);
-  EXPECT_EQ(four.status(), 0xEF);  // bit 0 on 6, bit 1 inverted on 7, bit 2 on 5, bit 3 on 4
-  four.control(0x4);
-  EXPECT_EQ(four.status(), 0x1F);
 }
 
 TEST(Board, undrivenDataLinesFloatHighAndOnlyModel6PullsD4Low) {
@@ -66,18 +45,6 @@ TEST(Board, model4SwitchesAVoltageSetByHand) {
   EXPECT_EQ(rig.board.vppMillivolts(), 21000);
   rig.board.setVppByHand(25000);
   EXPECT_EQ(rig.board.vppMillivolts(), 25000);
-}
-
-TEST(SimulatedPort, accessesLoopsAndSleepsTakeVirtualTime) {
-  Bench bench;
-  SimulatedPort port(bench);
-  port.PortOut(0x37A, 0x0F);
-  (void)port.PortIn(0x379);
-  EXPECT_EQ(bench.now(), 2'000);
-  port.Spin(40'002);
-  EXPECT_EQ(bench.now(), 1'002'050);
-  port.Sleep(3);
-  EXPECT_EQ(bench.now(), 4'002'050);
 }
 
 TEST(Findings, twoDriversThatDisagreeAreWiredAnd) {

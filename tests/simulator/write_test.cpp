@@ -106,16 +106,6 @@ TEST_P(PageWrite, losesWhatComesAfterTheLoadWindow) {
   }
 }
 
-TEST_P(PageWrite, answersReadsWithDataPollingUntilTheCycleEnds) {
-  write(0x0040, 0x3C);
-  EXPECT_EQ(readAt(0x0040) & 0x80, 0x80);  // in the load window
-  waitUs(2000);
-  EXPECT_EQ((readAt(0x0040) ^ readAt(0x0040)) & 0xC0, 0x40);
-  load({{3, 0x46}, {0, 0x00}});
-  waitUs(2000);  // /OE stays low
-  EXPECT_EQ(read(), 0x3C);
-}
-
 TEST_P(PageWrite, nothingIsWrittenWithoutSupplyOrWithOutputsOn) {
   write(0x0000, 0x11);
   load({{3, 0x04}, {3, 0x46}, {0, 0x00}});  // the supply goes during the load
@@ -159,6 +149,17 @@ class FlashRig : public WriteRig {
 // The rig holds pin 30 high: A17 of the AM29F020.
 constexpr std::uint32_t kA17 = 0x20000;
 
+TEST(ParallelFlash, thatIsProtectedIsBusyForAMomentAndKeepsWhatItHolds) {
+  FlashRig rig("AM29F020");
+  rig.board.setChip({.writeProtected = true});
+  rig.erase();
+  EXPECT_EQ(rig.readAt(0) & 0x80, 0x00);  // busy for 100 us
+  rig.board.blankChip();
+  rig.program(0, 0x11);
+  rig.waitUs(100);
+  EXPECT_EQ(rig.readAt(0), 0xFF);
+}
+
 TEST(ParallelFlash, pulsesACellUntilItHasItsDataOrTheLimitIsReached) {
   FlashRig rig("AM29F020");
   rig.board.blankChip();
@@ -169,6 +170,9 @@ TEST(ParallelFlash, pulsesACellUntilItHasItsDataOrTheLimitIsReached) {
   EXPECT_EQ(rig.cell(kA17 | 0x1234), 0xFF);
   rig.waitUs(1);
   EXPECT_EQ(rig.cell(kA17 | 0x1234), 0x3C);
+  rig.program(0x1234, 0xF0);  // no reset, and from one to zero alone
+  rig.waitUs(20);
+  EXPECT_EQ(rig.cell(kA17 | 0x1234), 0x30);
   rig.program(0x1235, 0x3C);
   rig.load({{3, 0x46}, {0, 0x00}});  // /OE low
   rig.waitUs(192);
