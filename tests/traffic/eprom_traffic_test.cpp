@@ -135,23 +135,6 @@ TEST(EpromSkipRules, passOverErasedBytesAndWhatIsThere) {
   }
 }
 
-TEST(EpromLamp, blinksAt64Or512Or1024Addresses) {
-  for (const auto& [routine, blinks] :
-       {std::pair{k2732, 33}, {k2764, 5}, {k27256, 5}, {k27080, 3}, {k27010, 5}}) {
-    EpromRig rig(Bytes(2049, 0xFF), 0, 0x0C);
-    rig.port.thereafter = 0xFF;
-    (rig.eprom.*routine)();
-    int changes = -1;  // the set-up switches the lamp on
-    int lamp = 0;
-    for (const std::string& load : valuesOf("0=", rig.events())) {
-      const int bit = std::stoi(load, nullptr, 16) & 0x08;
-      changes += std::exchange(lamp, bit) != bit;
-    }
-    EXPECT_EQ(changes, blinks);
-    EXPECT_EQ(rig.controls.Program_label.colour(), Colour::Green);
-  }
-}
-
 TEST(EpromPulses, are55ShortAnd199LongOnAByteThatNeverTakes) {
   for (const Routine routine : {k2764, k27256, k27080, k27010}) {
     EpromRig rig({0x5A, 0x5B}, 0, 0x0E);

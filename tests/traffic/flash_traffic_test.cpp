@@ -1,15 +1,12 @@
 // Flash commands and identification, from the wiring of a 32-pin flash: latch 3 bit 7 /CE, bit 6
 // data latch off, bit 2 /WE (pin 31).
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "support/unit_rig.h"
 
 namespace kestrel::test {
 namespace {
-
-using testing::ElementsAre;
 
 const std::string kUnlock =
     "3=84 4=AA 1=05 2=55 3=04 3=00 3=04 3=84 4=55 1=02 2=AA 3=04 3=00 3=04 3=84 ";
@@ -41,18 +38,6 @@ TEST(FlashId, isReadBetweenIdentifyAndReset) {
                                "0=48 0=48 " + kUnlock +
                                "4=F0 1=05 2=55 3=04 3=00 3=04 3=84 sleep=20 sleep=20 3=44 0=08 " +
                                read + "3=C4 0=48 0=40");
-}
-
-TEST(FlashId, ofWhatIsNoFlashIsSaidSo) {
-  FlashRig rig({0xFF, 0xFF, 0xFF, 0xFF});
-  rig.flashIdentification.menuFlashShowCodeID_Click();
-  EXPECT_THAT(rig.log(), ElementsAre("Reading Flash Code ID_________________ wait",
-                                     "*** Not a Flash Unit, Address 00&01 = FlashCode ***",
-                                     "Device ID# FFFF -  Not Valid!!!"));
-  (void)rig.port.taken();
-  rig.state.FamilyCode = "EN";
-  rig.flashIdentification.menuFlashShowCodeID_Click();
-  EXPECT_EQ(rig.traffic(), "");
 }
 
 TEST(ResetFlash, writesF0hOnce) {

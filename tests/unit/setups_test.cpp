@@ -45,8 +45,6 @@ TEST(SaveSetup, writesNineteenLines) {
                 "HiLow_button(0).Value = False\r\nHiLow_button(1).Value = False\r\n"
                 "HiLow_button(2).Value = True\r\nSlider1.Value = 7\r\n"
                 "CheckCode.Value = 1\r\nCheckData.Value = 0\r\n");
-  EXPECT_EQ(f.rig.dialogs.asked.back(), "Saving Name Input|Please input a NAME for this Setup");
-  EXPECT_EQ(f.rig.log().back(), "Setup Saved as KSSetup2.INI, named:Lab 2");
 }
 
 TEST(SaveSetup, withoutANameTakesTheSlotsAndWritesTheFileThatIsThere) {
@@ -80,16 +78,6 @@ TEST(RestoreSetup, appliesAWrittenFileButForVoltagesAndBlankCheck) {
   EXPECT_TRUE(f.c.HiLow_button[1].value());
   EXPECT_EQ(f.c.Slider1.value(), 12);
   EXPECT_EQ(f.c.CheckCode.value(), 1);  // the code file that is loaded last ticks it again
-  EXPECT_EQ(f.rig.log(),
-            (std::vector<std::string>{
-                ">>>>>>>>>>>>", "RESTORING SETUP FROM KSSetup1.INI",
-                "Most Common Programming Voltage Selected: 12.5 Volts!!!",
-                "Device Eprom 27256 was Selected",
-                "Device Size is: 32768 Bytes, Initial VPP suggested: 12.5V",
-                "Port Selection changed to 3BCh", "Program Speed Slider set to: 12",
-                "File " + code + " - was read into Buffer. 3 bytes long.", "Read File CRC = $0126",
-                "You can Install a Blank Eprom for Programming", "SETUP RESTORED FROM KSSetup1.INI",
-                ">>>>>>>>>>>>"}));
 }
 
 TEST(RestoreSetup, readsValuesAsFarAsTheyGoAndSkipsWhatIsNoLineOfItsOwn) {
