@@ -53,6 +53,7 @@ TEST(ProgramFlash, pollsAByte49TimesAndReports) {
   rig.port.thereafter = 0x23;
   rig.flashProgrammer.ProgramFlash();
   EXPECT_EQ(rig.state.FlashPollMisses, 49);
+  EXPECT_EQ(rig.controls.ProgressBar1.maximum(), 2) << "a step for 256 bytes";
   EXPECT_EQ(rig.log()[1], "Device ID# 0120 - Start programming");
   EXPECT_EQ(rig.log()[3], "*** Address:1h, Programming BYTE:22h, Read BYTE:23h");
   // Bus released, chip read, bus driven again: one poll of the first byte.
