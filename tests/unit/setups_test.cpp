@@ -78,6 +78,16 @@ TEST(RestoreSetup, appliesAWrittenFileButForVoltagesAndBlankCheck) {
   EXPECT_TRUE(f.c.HiLow_button[1].value());
   EXPECT_EQ(f.c.Slider1.value(), 12);
   EXPECT_EQ(f.c.CheckCode.value(), 1);  // the code file that is loaded last ticks it again
+  EXPECT_EQ(f.rig.log(),
+            (std::vector<std::string>{
+                ">>>>>>>>>>>>", "RESTORING SETUP FROM KSSetup1.INI",
+                "Most Common Programming Voltage Selected: 12.5 Volts!!!",
+                "Device Eprom 27256 was Selected",
+                "Device Size is: 32768 Bytes, Initial VPP suggested: 12.5V",
+                "Port Selection changed to 3BCh", "Program Speed Slider set to: 12",
+                "File " + code + " - was read into Buffer. 3 bytes long.", "Read File CRC = $0126",
+                "You can Install a Blank Eprom for Programming", "SETUP RESTORED FROM KSSetup1.INI",
+                ">>>>>>>>>>>>"}));
 }
 
 TEST(RestoreSetup, readsValuesAsFarAsTheyGoAndSkipsWhatIsNoLineOfItsOwn) {
