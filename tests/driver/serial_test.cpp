@@ -22,6 +22,7 @@ TEST_P(Serial24C32, isProgrammedVerifiedReadAndErased) {
   EXPECT_TRUE(unopened.read(4096) == s.image);
   EXPECT_TRUE(unopened.rig.controls.Program_button.enabled()) << "what was read is an image too";
   s.rig.press("EraseFlash_button");
+  EXPECT_TRUE(s.rig.logged("Erasing Device 24C32"));
   EXPECT_THAT(s.chipContents(), testing::Each(0xFF));
   EXPECT_TRUE(std::equal(s.image.begin(), s.image.end(), s.rig.state.CodeBuffer.begin()));
   // The chip's supply is /OE: it is left off, so that the chip can be taken out.
