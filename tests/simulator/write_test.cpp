@@ -106,6 +106,16 @@ TEST_P(PageWrite, losesWhatComesAfterTheLoadWindow) {
   }
 }
 
+TEST_P(PageWrite, protectionRefusesALoadThatNoCommandOpened) {
+  command(0x5555, 0x5555, 0xA0);
+  write(0x0100, 0x11);
+  EXPECT_EQ(finishedCell(0x0100), 0x11);
+  write(0x0101, 0x22);
+  waitUs(1000);
+  EXPECT_EQ(readAt(0x0101) & 0x80, 0x80) << "busy all the same: the complement";
+  EXPECT_EQ(finishedCell(0x0101), GetParam().notLoaded);
+}
+
 TEST_P(PageWrite, nothingIsWrittenWithoutSupplyOrWithOutputsOn) {
   write(0x0000, 0x11);
   load({{3, 0x04}, {3, 0x46}, {0, 0x00}});  // the supply goes during the load
