@@ -7,11 +7,7 @@
 #include "app/state/controls.h"
 #include "app/state/text_format.h"
 #include "buffers/checksum.h"
-#include "display/hex_line.h"
-#include "hardware/decode_tables.h"
-#include "hardware/error_alert.h"
 #include "platform/runtime_error.h"
-#include "support/control_names.h"
 
 namespace kestrel {
 namespace {
@@ -41,19 +37,6 @@ TEST(LeadingNumbers, areReadAsFarAsTheyGoAndStayInRange) {
   EXPECT_EQ(clampedInt32(1e300), 2147483647);
   EXPECT_EQ(leadingHex16("ffff"), -1);
   EXPECT_EQ(leadingHex16("-378"), 0);
-}
-
-TEST(HexLine, hasSixDigitsFourGroupsAndTheCharactersOfItsDisplay) {
-  ProgrammerState state;
-  hardware::BuildDecodeTables(state);
-  const display::ShownCharacters buffer = display::charactersIn(state.PrintableChars);
-  EXPECT_EQ(buffer.count(), 91U);
-  const std::vector<std::uint8_t> bytes{' ', '"', '`',  '~', 0x7F, 0x80, 0xFF, 0x00,
-                                        'z', '{', '\\', '|', '<',  0x1F, 0x0F, '9'};
-  EXPECT_EQ(display::hexLine(0x1FFFF0, bytes, buffer),
-            "\r\n1FFFF0| 2022607E 7F80FF00 7A7B5C7C 3C1F0F39 | ........z{\\|<..9");
-  EXPECT_EQ(display::hexLine(0, bytes, display::deviceCharacters()),
-            "\r\n000000| 2022607E 7F80FF00 7A7B5C7C 3C1F0F39 |  \"`.....z.\\.<..9");
 }
 
 TEST(Buttons, ofAGroupGoOffBeforeTheHandlerRunsAndDisabledOnesCannotBePressed) {

@@ -73,23 +73,6 @@ TEST(Catalogue, givesEachChipSupplyIdleLevelsAndVoltagesOfItsDataSheet) {
   }
 }
 
-// A saved setup names its device by its place in the list.
-TEST(Catalogue, keepsTheDevicesInTheirPlaces) {
-  ProgrammerState s;
-  Controls c;
-  devices::BuildDeviceTable(s, s);
-  c.Device.addItem("of an earlier filling");
-  devices::FillDeviceList(s, Algorithms::Classic, c.Device);
-  const auto& items = c.Device.items();
-  EXPECT_EQ(items.at(0), "N/A - ");
-  EXPECT_EQ(items.at(2), "Eprom 2732A                   ");
-  EXPECT_EQ(trimmed(items.at(13)), "Eprom 27C512");
-  EXPECT_EQ(trimmed(items.at(23)), "N/A - Flash Atmel AT29C256");
-  EXPECT_EQ(trimmed(items.at(38)), "Eeprom 24C32 Serial (8 pins)");
-  EXPECT_EQ(trimmed(items.at(40)), "N/A - uC Atmel AT90S2313 Micro");
-  EXPECT_NE(items.back(), "N/A - ") << "no empty rows behind the last device";
-}
-
 using devices::hasPart;
 using devices::partNames;
 using testing::ElementsAre;
