@@ -27,6 +27,7 @@ OutputBuffer::OutputBuffer(Descriptor file, std::string name, const StopSwitch& 
     : name_(std::move(name)), file_(std::move(file)), stop_(stop) {
   setp(text_.data(), text_.data() + text_.size());
   struct stat status {};
+  if (!file_.isOpen()) return;  // errno tells why and has to last
   isRegular_ = ::fstat(file_.number(), &status) == 0 && S_ISREG(status.st_mode);
 }
 
