@@ -29,15 +29,6 @@ struct LargeChip : StartedRig {
   }
 };
 
-TEST(Running, stopAndEscapeEndTheCommand) {
-  LargeChip rig;
-  QWidget& stop = rig.find("Stop");
-  EXPECT_EQ(rig.read([&] { QTest::mouseClick(&stop, Qt::LeftButton); }), Ending::Stopped);
-  EXPECT_FALSE(stop.isEnabled());
-  EXPECT_EQ(rig.read(), Ending::Done) << "the switch is back";
-  EXPECT_EQ(rig.read([&] { QTest::keyClick(&rig.window, Qt::Key_Escape); }), Ending::Stopped);
-}
-
 TEST(Running, whatIsPressedMeanwhileIsDroppedAndLooksOff) {
   LargeChip rig("27C801");
   QWidget& box = rig.find("VerifyAfterProgramming");
@@ -129,33 +120,6 @@ TEST(Running, theWindowIsSeenToMoveOn) {
   EXPECT_LE(*shares.rbegin(), 100);
 }
 
-TEST(Running, closingAsksWhetherToStopAndTheCommandGoesOnMeanwhile) {
-  const auto closing = [](const char* answer) {
-    return [answer](LargeChip& rig) {
-      EXPECT_FALSE(rig.window.close());
-      auto& question = rig.find<QMessageBox>("stopQuestion");
-      for (QAbstractButton* const button : question.buttons()) {
-        if (button->text().remove('&') != answer) continue;
-        const QPoint place = button->mapTo(&question, button->rect().center());
-        QTest::mouseClick(question.windowHandle(), Qt::LeftButton, Qt::NoModifier, place);
-      }
-    };
-  };
-  LargeChip kept;
-  EXPECT_EQ(kept.read([&] { closing("Keep On")(kept); }), Ending::Done);
-  kept.turn();
-  EXPECT_TRUE(kept.window.isVisible());
-  LargeChip unanswered;
-  EXPECT_EQ(unanswered.read([&] { unanswered.window.close(); }), Ending::Done);
-  unanswered.turn();
-  EXPECT_TRUE(unanswered.window.isVisible());
-  EXPECT_EQ(unanswered.window.findChild<QMessageBox*>("stopQuestion"), nullptr);
-  LargeChip stopped;
-  EXPECT_EQ(stopped.read([&] { closing("Stop and Close")(stopped); }), Ending::Stopped);
-  stopped.turn();
-  EXPECT_FALSE(stopped.window.isVisible());
-}
-
 TEST(Running, aSignalStopsTheCommandAndClosesTheWindow) {
   LargeChip rig;
   const ports::SignalStop signalStop(rig.stop);
@@ -210,26 +174,6 @@ TEST(Place, ofThePanelAtTheSideIsKept) {
   EXPECT_GT(rig.settings.texts["Window/Splitter"].size(), 20U);
 }
 
-TEST(Waves, areRecordedFromOnePressToTheNext) {
-  launch::LaunchOptions options = simulatedOptions("27C256");
-  options.mayRecord = true;
-  WindowRig rig(options);
-  rig.start();
-  rig.select("27C256");
-  rig.window.offerWaves(*rig.program.waves());
-  auto& entry = rig.find<QAction>("recordWaves");
-  {
-    const WithDialog file = choosing(rig.folder / "w.vcd");
-    rig.trigger("recordWaves");
-  }
-  EXPECT_TRUE(entry.isChecked());
-  rig.click("Read_button");
-  rig.trigger("recordWaves");
-  EXPECT_FALSE(entry.isChecked());
-  const auto size = std::filesystem::file_size(rig.folder / "w.vcd");
-  EXPECT_TRUE(rig.find<QLabel>("outcome").text().endsWith(QString("w.vcd: %1 bytes").arg(size)));
-}
-
 TEST(Place, comesUpWhollyOnAScreenWhateverWasStored) {
   const QList<QRect> screens{{0, 30, 1024, 738}, {1024, 0, 1920, 1080}};
   using window::placeOnScreen;
@@ -260,43 +204,6 @@ TEST(Place, ofAMaximisedWindowIsItsNormalOne) {
   EXPECT_EQ(rig.settings.texts["Window/Maximised"], "1");
 }
 
-TEST(Files, aReadDoesNotGoOverTheOpenFileUnasked) {
-  StartedRig rig("2764");
-  rig.openFile("mine.bin", {1, 2, 3});
-  rig.board().loadChip(std::vector<std::uint8_t>(8192, 0x00));
-  rig.click("Read_button");
-  EXPECT_TRUE(rig.find<QLabel>("outcome").text().contains("but every byte read is 00h"));
-  EXPECT_EQ(rig.window.windowTitle(), "read from chip[*] - Kestrel");
-  EXPECT_TRUE(rig.window.isWindowModified());
-  {
-    const WithDialog asked = pressing("Cancel");
-    rig.trigger("mnuFileSaveCode");
-    EXPECT_THAT(asked.said(), testing::HasSubstr("read from the chip"));
-  }
-  EXPECT_EQ(std::filesystem::file_size(rig.folder / "mine.bin"), 3U);
-  {
-    const WithDialog asked = pressing("Cancel");
-    EXPECT_FALSE(rig.window.close());
-    EXPECT_THAT(asked.said(), testing::HasSubstr("has not been saved"));
-  }
-  std::optional<WithDialog> told;
-  const WithDialog save([&](QDialog& dialog) {
-    const auto nowhere = QString::fromStdString((rig.folder / "missing" / "x.bin").string());
-    dialog.findChild<QLineEdit*>("fileNameEdit")->setText(nowhere);
-    dialog.accept();
-    told.emplace([](QDialog& box) { box.accept(); });
-  });
-  rig.trigger("mnuFileSaveCodeAs");
-  EXPECT_TRUE(rig.window.isWindowModified()) << "it could not be saved";
-  EXPECT_TRUE(window::RecentFiles(rig.settings).all().first().endsWith("mine.bin"));
-  const WithDialog overwrite = pressing("Overwrite");
-  rig.trigger("tbToolBar(2)");
-  EXPECT_EQ(readWholeTextFile(rig.folder / "mine.bin"), std::string(3, '\0'))
-      << "as long as the file was";
-  EXPECT_EQ(rig.window.windowTitle(), "mine.bin - Kestrel");
-  EXPECT_TRUE(rig.window.close());
-}
-
 TEST(Files, aNameThatIsNoUtf8IsOpenedAndComesBack) {
   StartedRig rig;
   const std::string name = "r\xF6m\nA.bin";
@@ -309,15 +216,6 @@ TEST(Files, aNameThatIsNoUtf8IsOpenedAndComesBack) {
   EXPECT_FALSE(rig.find<QMenu>("recentFiles").actions().first()->text().contains('\n'));
   writeFileAtomically(rig.folder / "r\xFCm\nA.bin", std::string_view("EFGH"));
   EXPECT_FALSE(std::filesystem::exists(window::fileOf(kept))) << "two would fit";
-}
-
-TEST(Files, oneThatAnotherProgramChangesIsOfferedAgain) {
-  StartedRig rig("27C256");
-  rig.openFile("a.bin", {1, 2, 3});
-  const auto isOffered = [&] { return rig.shown("notice-file") != nullptr; };
-  EXPECT_FALSE(isOffered());
-  writeFileAtomically(rig.folder / "a.bin", std::string_view("another"));
-  EXPECT_TRUE(QTest::qWaitFor(isOffered, 5'000));
 }
 
 TEST(Files, aFileDroppedOnTheWindowIsOpened) {
@@ -344,25 +242,6 @@ TEST(Files, aPipeThatNobodyWritesIsLeftByStop) {
                      [&] { QTest::mouseClick(&rig.find("Stop"), Qt::LeftButton); });
   rig.window.openCodeFile(pipe);
   EXPECT_TRUE(rig.logged("stopped by operator"));
-}
-
-TEST(Files, recentOnesAreListedTheNewestFirst) {
-  StartedRig rig;
-  rig.openFile("one.bin", {1});
-  rig.openFile("two.bin", {2});
-  rig.openFile("one.bin", {1, 1});
-  emit rig.find<QMenu>("mnuFile").aboutToShow();
-  const auto recent = rig.find<QMenu>("recentFiles").actions();
-  ASSERT_EQ(recent.size(), 2);
-  EXPECT_TRUE(recent[0]->text().endsWith("one.bin"));
-  recent[1]->trigger();
-  rig.turn();
-  EXPECT_EQ(rig.window.windowTitle(), "two.bin - Kestrel");
-  const WithDialog told = answering(QMessageBox::Ok);
-  rig.window.openCodeFile(rig.folder / "missing.bin");
-  EXPECT_THAT(told.said(), testing::HasSubstr("missing.bin"));
-  EXPECT_EQ(rig.window.windowTitle(), "two.bin - Kestrel");
-  EXPECT_TRUE(window::RecentFiles(rig.settings).all().first().endsWith("two.bin"));
 }
 
 }  // namespace

@@ -1,9 +1,7 @@
 #include <gmock/gmock.h>
 
-#include <QFileDialog>
 #include <QListWidget>
 #include <QPainter>
-#include <QPushButton>
 #include <QStyleFactory>
 #include <QStyleOptionButton>
 #include <QTextBrowser>
@@ -19,28 +17,6 @@
 
 namespace kestrel::test {
 namespace {
-
-TEST(DialogBoxes, keepTheirFilterTheirDefaultAndAnAnswerGivenBeforehand) {
-  window::Mirror mirror;
-  MemorySettings settings;
-  window::QtDialogs dialogs(mirror, settings);
-  dialogs.answerNextOpen("/a/b.bin");
-  EXPECT_EQ(dialogs.openFile("t", "f|*"), "/a/b.bin");
-  QStringList patterns;
-  const WithDialog dialog([&](QDialog& shown) {
-    patterns = dynamic_cast<QFileDialog&>(shown).nameFilters();
-    shown.reject();
-  });
-  EXPECT_EQ(dialogs.openFile("Open Code File", "All Files (*.*)|*.*"), "");
-  EXPECT_EQ(patterns, QStringList{"All Files (*.*) (*)"}) << "names without a dot are files too";
-  const WithDialog enter([](QDialog& shown) { QTest::keyClick(&shown, Qt::Key_Return); });
-  EXPECT_EQ(dialogs.messageBox({.text = "Sure?",
-                                .title = "T",
-                                .icon = MessageIcon::Question,
-                                .buttons = MessageButtons::OkCancel,
-                                .defaultAnswer = Answer::Cancel}),
-            Answer::Cancel);
-}
 
 TEST(Settings, textsAreKeptBySectionAndKey) {
   const TemporaryFolder folder;
@@ -136,167 +112,12 @@ TEST(Arguments, areThoseOfTheCommandLine) {
   EXPECT_THROW((void)window::readArguments({"kestrel", "--nonsense"}), launch::UsageError);
 }
 
-struct BoardPanelRig : StartedRig {
-  BoardPanelRig() : panel(*program.simulated(), form.runner(), input, nullptr) { panel.show(); }
-  template <typename T>
-  T& part(const char* name) {
-    return *panel.findChild<T*>(name);
-  }
-  void press(const char* name) {
-    QTest::mouseClick(&part<QAbstractButton>(name), Qt::LeftButton);
-    turn();
-  }
-  void choose(const char* name, const QString& entry) {
-    auto& box = part<QComboBox>(name);
-    box.setCurrentText(entry);
-    emit box.activated(box.currentIndex());
-    turn();
-  }
-
-  window::SimulatedBoardPanel panel;
-};
-
-TEST(Link, isAskedForTestedAndKeptFromStartToStart) {
-  WindowRig rig;
-  rig.start();
-  rig.window.addLinkEntry(
-      [&] { return window::askForLink(rig.program, rig.settings, rig.window); });
-  const auto keptAfter = [&](const std::function<void(QDialog&)>& act) {
-    rig.controls().SystemLog.setText("");
-    const WithDialog dialog(act);
-    rig.find<QAction>("mnuLink").trigger();
-    return rig.settings.value("Link", "Port").value_or("none");
-  };
-  const auto press = [](QDialog& dialog, const char* button) {
-    dialog.findChild<QPushButton*>(button)->click();
-  };
-  EXPECT_EQ(keptAfter([&](QDialog& dialog) {
-              EXPECT_EQ(misplacedIn(dialog), "");
-              dialog.findChild<QComboBox*>("linkLine")->setEditText("/dev/ttyX9");
-              dialog.findChild<QComboBox*>("linkBase")->setCurrentIndex(1);
-              press(dialog, "linkUse");
-            }),
-            "278=link:/dev/ttyX9");
-  EXPECT_NE(rig.controls().SystemLog.text().find("FOUND at Port"), std::string::npos);
-  EXPECT_TRUE(window::withKeptLink({}, rig.settings).ports.at(0).isLink);
-  EXPECT_TRUE(window::withKeptLink(simulatedOptions("27C256"), rig.settings).ports.empty());
-  EXPECT_EQ(keptAfter([&](QDialog& dialog) { press(dialog, "linkUse"); }), "278=link:/dev/ttyX9");
-  EXPECT_EQ(keptAfter([&](QDialog& dialog) { press(dialog, "linkNone"); }), "");
-  EXPECT_TRUE(window::withKeptLink({}, rig.settings).ports.empty());
-}
-
-TEST(SimulatedBoardPanel, chipsGoInAreErasedAndComeOut) {
-  BoardPanelRig rig;
-  rig.choose("chipType", "2764");
-  rig.press("insertBlank");
-  EXPECT_EQ(rig.board().chip()->typeName(), "2764");
-  EXPECT_TRUE(rig.part<QLabel>("chipInSocket").text().contains("8 KB, blank"));
-  rig.board().loadChip(std::vector<std::uint8_t>(8192, 1));
-  rig.press("eraseUnderLamp");
-  EXPECT_EQ(rig.board().chip()->contents()[0], 0xFF);
-  rig.press("takeOut");
-  EXPECT_EQ(rig.board().chip(), nullptr);
-}
-
-TEST(SimulatedBoardPanel, aChipComesFromAFileAndGoesIntoOne) {
-  BoardPanelRig rig;
-  const auto& shown = rig.part<QLabel>("chipInSocket");
-  const auto fromFile = [&](const char* button, const std::string& file) {
-    const WithDialog name = choosing(rig.folder / file);
-    rig.press(button);
-  };
-  writeFileAtomically(rig.folder / "short.bin", "abc");
-  writeFileAtomically(rig.folder / "whole.bin", std::string(8192, 'w'));
-  rig.choose("chipType", "2764");
-  std::string told;
-  std::optional<WithDialog> box;
-  {
-    const WithDialog name([&](QDialog& dialog) {
-      dialog.findChild<QLineEdit*>("fileNameEdit")
-          ->setText(QString::fromStdString(rig.folder / "short.bin"));
-      dialog.accept();
-      box.emplace([](QDialog& shownBox) { shownBox.accept(); });
-    });
-    rig.press("insertFromFile");
-    told = box->said();
-  }
-  EXPECT_EQ(told, "The file holds 3 bytes, a 2764 has 8192.");
-  EXPECT_TRUE(shown.text().startsWith("<b>27C256</b>, 32 KB"));
-  fromFile("insertFromFile", "whole.bin");
-  EXPECT_EQ(shown.text(), "<b>2764</b>, 8 KB, holds data");
-  fromFile("saveContents", "kept.bin");
-  EXPECT_EQ(readWholeTextFile(rig.folder / "kept.bin"), std::string(8192, 'w'));
-  rig.choose("chipType", "28C256");
-  rig.press("insertBlank");
-  {
-    const WithDialog lamp = answering(QMessageBox::Ok);
-    rig.press("eraseUnderLamp");
-    EXPECT_THAT(lamp.said(), testing::HasSubstr("the lamp does not erase it"));
-  }
-  rig.press("takeOut");
-  EXPECT_EQ(shown.text(), "Empty");
-  for (const char* const name : {"takeOut", "eraseUnderLamp", "saveContents"}) {
-    EXPECT_FALSE(rig.part<QPushButton>(name).isEnabled()) << name;
-  }
-  EXPECT_FALSE(rig.part<QComboBox>("boardVoltage").isEnabled());
-  rig.choose("boardModel", "KESTREL-4");
-  EXPECT_TRUE(rig.part<QComboBox>("boardVoltage").isEnabled());
-  rig.press("plugBoard");
-  EXPECT_EQ(rig.part<QPushButton>("plugBoard").text(), "Plug In");
-}
-
-TEST(SimulatedBoardPanel, faultsAreFittedListedAndMended) {
-  BoardPanelRig rig;
-  const auto& list = rig.part<QListWidget>("faults");
-  const auto fit = [&](const char* kind, const char* value) {
-    rig.choose("faultKind", kind);
-    rig.part<QLineEdit>("faultValue").setText(value);
-    rig.press("fitFault");
-    return list.count() == 0 ? "" : list.item(list.count() - 1)->text().toStdString();
-  };
-  const auto mendLast = [&] {
-    rig.part<QListWidget>("faults").setCurrentRow(list.count() - 1);
-    rig.press("mendFault");
-  };
-  EXPECT_EQ(fit("Weak cell", "1f0"), "Weak cell at 1F0h");
-  EXPECT_EQ(fit("Line low", "3"), "D3 is stuck low");
-  EXPECT_EQ(rig.board().dataBus() & 0x08, 0);
-  EXPECT_EQ(fit("Unplug after", "5000"), "Unplug after 5000 accesses");
-  mendLast();
-  mendLast();
-  EXPECT_NE(rig.board().dataBus() & 0x08, 0);
-  EXPECT_EQ(list.count(), 1);
-  {
-    const WithDialog told = answering(QMessageBox::Ok);
-    EXPECT_EQ(fit("No ACK after", "9"), "Weak cell at 1F0h") << "an EPROM acknowledges nothing";
-  }
-  mendLast();
-  EXPECT_TRUE(rig.board().chip()->weakCells().empty());
-  rig.choose("chipType", "24C32");
-  rig.press("insertBlank");
-  EXPECT_EQ(fit("No ACK after", "9"), "No ACK after 9 bytes");
-}
-
-TEST(SimulatedBoardPanel, aDamagedChipIsSeenAndKnownContentionStandsApart) {
-  BoardPanelRig rig;
-  rig.select("27C256");
-  rig.openFile("image.bin", {0});
-  const auto program = [&] {
-    const WithDialog question = answering(QMessageBox::Ok);
-    rig.click("Program_button");
-  };
-  program();
-  const auto& findings = rig.part<QListWidget>("findings");
-  ASSERT_EQ(findings.count(), 1);
-  EXPECT_TRUE(findings.item(0)->text().startsWith("Known of the classic procedures: "));
-  rig.choose("chipType", "28C256");
-  rig.press("insertBlank");
-  program();
-  EXPECT_TRUE(rig.part<QLabel>("chipInSocket").text().contains("damaged"));
-  EXPECT_TRUE(findings.item(0)->text().contains("damaged")) << "before what is known";
-  EXPECT_NE(findings.item(0)->foreground(), findings.item(1)->foreground());
-  rig.press("clearFindings");
-  EXPECT_EQ(findings.count(), 0);
+TEST(Link, thatWasKeptIsTakenWhereNoOtherPortIsNamed) {
+  MemorySettings settings;
+  EXPECT_TRUE(window::withKeptLink({}, settings).ports.empty());
+  settings.setValue("Link", "Port", "278=link:/dev/ttyX9");
+  EXPECT_TRUE(window::withKeptLink({}, settings).ports.at(0).isLink);
+  EXPECT_TRUE(window::withKeptLink(simulatedOptions("27C256"), settings).ports.empty());
 }
 
 TEST(SimulatedBoardPanel, aChipThatCannotBeKeptIsOfferedAnotherPlace) {
@@ -314,19 +135,6 @@ TEST(SimulatedBoardPanel, aChipThatCannotBeKeptIsOfferedAnotherPlace) {
   const WithDialog elsewhere = pressing("Close Without");
   EXPECT_TRUE(panel.keepChip());
   EXPECT_NO_THROW(simulated.saveChip()) << "nobody tries the first place again";
-}
-
-TEST(SimulatedBoardPanel, anotherBoardIsFoundByTheHardwareTest) {
-  BoardPanelRig rig;
-  const auto found = [&] {
-    rig.click("TestHardware_button");
-    return rig.find<QLabel>("KestrelHardwareFound").text().toStdString();
-  };
-  rig.choose("boardModel", "KESTREL-4");
-  rig.choose("boardPort", "278h");
-  EXPECT_EQ(found(), "MODEL 4 - PC port 278h");
-  rig.press("plugBoard");
-  EXPECT_EQ(found(), "NO HARDWARE FOUND");
 }
 
 }  // namespace

@@ -124,6 +124,8 @@ struct WindowRig {
     return {cells.begin(), cells.end()};
   }
 
+  /// Somebody is still at it.
+  void restartWatch() { watchdog_.start(); }
   /// A dialog that nobody answers fails the test instead of stopping it.
   static void closeForgottenDialog() {
     auto* const dialog = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
@@ -221,14 +223,6 @@ class WithDialog {
 [[nodiscard]] inline WithDialog answering(QMessageBox::StandardButton answer) {
   return WithDialog([answer](QDialog& dialog) {
     QTest::mouseClick(dynamic_cast<QMessageBox&>(dialog).button(answer), Qt::LeftButton);
-  });
-}
-
-/// Answers a file dialog.
-[[nodiscard]] inline WithDialog choosing(const std::string& file) {
-  return WithDialog([file](QDialog& dialog) {
-    dialog.findChild<QLineEdit*>("fileNameEdit")->setText(QString::fromStdString(file));
-    dialog.accept();
   });
 }
 
