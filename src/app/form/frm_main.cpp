@@ -39,23 +39,27 @@ CommandResult frmMain::exportImage(const std::string& name,
   return runner().run([&] { units_->files.exportImage(name, contents); });
 }
 
+// The buffer is given back in the same run: nobody who looks behind a command sees another one.
 CommandResult frmMain::readAside(std::vector<std::uint8_t>& chip) {
   Units& u = *units_;
-  const BufferState before = u.state;
+  Button& read = u.controls.Read_button;
   RangeControl& scroll = u.controls.VScroll1;
-  const auto kept = std::pair(scroll.maximum(), scroll.value());
-  u.state.CodeLength = u.state.DeviceSizeBytes;  // a short file must not shorten what is read
-  const CommandResult result = u.runner.press(u.controls.Read_button);
-  const auto size = static_cast<std::ptrdiff_t>(u.state.DeviceSizeBytes);
-  chip.assign(u.state.CodeBuffer.begin(), u.state.CodeBuffer.begin() + size);
-  static_cast<BufferState&>(u.state) = before;
-  u.state.DisplayMode = "Read";
-  (void)u.runner.run([&] {
+  const auto giveBack = [&, before = BufferState(u.state),
+                         kept = std::pair(scroll.maximum(), scroll.value())] {
+    const auto size = static_cast<std::ptrdiff_t>(u.state.DeviceSizeBytes);
+    chip.assign(u.state.CodeBuffer.begin(), u.state.CodeBuffer.begin() + size);
+    static_cast<BufferState&>(u.state) = before;
+    u.state.DisplayMode = "Read";
     scroll.setMaximum(kept.first);
     scroll.setValue(kept.second);
     u.memoryDisplay.DisplayPageMemory();
+  };
+  if (!read.enabled()) return u.runner.press(read);
+  return u.runner.run([&] {
+    u.runner.runWhenIdle(giveBack);
+    u.state.CodeLength = u.state.DeviceSizeBytes;  // a short file must not shorten what is read
+    read.press();
   });
-  return result;
 }
 
 std::string frmMain::whyNoBoard() const { return units_->whyNoBoard(); }
