@@ -24,7 +24,7 @@ namespace {
 
 void detect(Session& s) {
   s.press(s.controls().TestHardware_button, {});
-  if (!s.isReady()) throw EarlyEnd(kNoBoard, "detect: no board answers at any port");
+  if (!s.form().hasBoard()) throw EarlyEnd(kNoBoard, "detect: no board answers at any port");
 }
 
 void read(Session& s) {

@@ -109,7 +109,7 @@ void Session::startUp(const std::vector<const Command*>& commands) {
 void Session::checkBoard() const {
   const std::string reason = p_.form.whyNoBoard();
   if (!reason.empty()) throw EarlyEnd(kNoBoard, reason + kTestText);
-  if (!isReady()) throw EarlyEnd(kNoBoard, kNoBoardText);
+  if (!p_.form.hasBoard()) throw EarlyEnd(kNoBoard, kNoBoardText);
 }
 
 // A setup may tick neither; the command would do nothing, and well.
@@ -121,8 +121,6 @@ void Session::checkMemory(const Command& command) const {
   throw EarlyEnd(kBadUsage, "neither the code nor the data memory is ticked: there is nothing to " +
                                 std::string(command.name) + "; -d NAME ticks the code");
 }
-
-bool Session::isReady() const { return p_.form.controls().Ready_label.caption() == "Ready"; }
 
 void Session::applyOptions() {
   const Arguments& a = p_.arguments;

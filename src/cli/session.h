@@ -76,7 +76,6 @@ class Session {
 
   /// Writes its file now, as a chip on the table keeps what it holds whatever ends the program.
   void keepSimulatedChip();
-  [[nodiscard]] bool isReady() const;
 
   /// What the next dialog is answered with.
   void answerWith(std::string text) { p_.dialogs.answerWith(std::move(text)); }

@@ -32,7 +32,7 @@ class BoardDetection {
         board_(board),
         alert_(alert),
         time_(time),
-        captions_(controls),
+        captions_(portState, controls),
         config_(folders.configuration),
         probe_(portState, chosen, latches, reporting, board, port) {}
 

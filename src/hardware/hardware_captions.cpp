@@ -2,16 +2,34 @@
 
 namespace kestrel::hardware {
 
+void HardwareCaptions::showNoBoardYet() {
+  controls_.KestrelHardwareFound.setCaption("NO HARDWARE FOUND !!!");
+  showNotReady();
+  showNoPort();
+}
+
 void HardwareCaptions::showNoHardware() {
   controls_.KestrelHardwareFound.setColour(Colour::Red);
   controls_.KestrelHardwareFound.setCaption("NO HARDWARE FOUND");
-  controls_.PortSelected.setText("None");
-  for (OptionButton& button : controls_.LPTSelection) button.setValue(false);
+  showNoPort();
+  port_.BoardReady = false;
   controls_.Ready_label.setCaption("NotReady");
   controls_.Ready_label.setColour(Colour::Red);
 }
 
+void HardwareCaptions::showNoPort() {
+  controls_.PortSelected.setText("None");
+  for (OptionButton& button : controls_.LPTSelection) button.setValue(false);
+}
+
+void HardwareCaptions::showNotReady() {
+  port_.BoardReady = false;
+  controls_.Ready_label.setColour(Colour::Red);
+  controls_.Ready_label.setCaption("NotReady");
+}
+
 void HardwareCaptions::showReady() {
+  port_.BoardReady = true;
   controls_.Ready_label.setColour(Colour::Green);
   controls_.Ready_label.setCaption("Ready");
 }

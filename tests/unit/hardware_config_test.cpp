@@ -40,6 +40,7 @@ TEST(KestrelIni, isReadAsFarAsItCanBe) {
     EXPECT_EQ(f.s.KestrelModel, model) << ini;
     EXPECT_EQ(f.s.DetectedPort, detected) << ini;
     EXPECT_EQ(f.c.Ready_label.caption(), detected != 0 ? "Ready" : "NotReady") << ini;
+    EXPECT_EQ(f.rig.form.hasBoard(), detected != 0) << ini;
     ASSERT_EQ(f.rig.dialogs.boxes.size(), overflows) << ini;
     for (const MessageBox& box : f.rig.dialogs.boxes)
       EXPECT_EQ(box.text, "Run-time error 6: Overflow");

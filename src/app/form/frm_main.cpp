@@ -62,6 +62,11 @@ CommandResult frmMain::readAside(std::vector<std::uint8_t>& chip) {
   });
 }
 
+bool frmMain::hasBoard() const {
+  const PortState& port = units_->state;
+  return port.BoardReady && port.PortBase != 0 && whyNoBoard().empty();
+}
+
 std::string frmMain::whyNoBoard() const { return units_->whyNoBoard(); }
 
 std::vector<std::string> frmMain::diagnosis() const {

@@ -52,8 +52,11 @@ class frmMain {
   /// Writes the contents of an exported file.
   CommandResult exportImage(const std::string& name, std::span<const std::uint8_t> contents);
 
+  /// Whether a board is there to be used: one that was found or forced, at a port that is held.
+  [[nodiscard]] bool hasBoard() const;
+
   /// What makes the port in force one without a board: kestrel6.ini, or a port chosen since. Empty
-  /// when nothing does; a board may be missing all the same (Ready_label).
+  /// when nothing does; a board may be missing all the same (hasBoard).
   [[nodiscard]] std::string whyNoBoard() const;
 
   /// What was found at the real ports and what helps, one line for each finding; empty on a

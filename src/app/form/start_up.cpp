@@ -21,7 +21,7 @@ void frmMain::Form_Load() {
   s.SpeedFactorA = 500;
   u.memoryDisplay.DisplayPageMemory();
   hardware::BuildDecodeTables(s);
-  u.showNoBoardYet();
+  u.captions.showNoBoardYet();
   s.DetectedPort = 0;
   s.PortBase = 0;
   u.board.registers.InitControlTables();
@@ -39,14 +39,6 @@ void frmMain::Form_Load() {
   devices::FillDeviceList(s, s.algorithms, u.controls.Device);
   u.runner.runStep([&u] { u.board.bus.Reset(); });
   u.reporting.PlaySoundEvent("INIT");
-}
-
-void Units::showNoBoardYet() {
-  controls.KestrelHardwareFound.setCaption("NO HARDWARE FOUND !!!");
-  controls.Ready_label.setColour(Colour::Red);
-  controls.Ready_label.setCaption("NotReady");
-  controls.PortSelected.setText("None");
-  for (OptionButton& button : controls.LPTSelection) button.setValue(false);
 }
 
 // The window always comes up: an error in kestrel6.ini or of the port is reported, and the board is
@@ -67,12 +59,12 @@ void Units::findBoard() {
     runner.runStep(testIfNoPort);
     runner.runStep([this] { board.registers.ApplyPortAndModel(); });
   }
-  checkPortInForce();
   // The start-up caption stays when nothing answers; a later hardware test words it without the
   // exclamation marks.
-  if (controls.KestrelHardwareFound.caption() == "NO HARDWARE FOUND") {
-    controls.KestrelHardwareFound.setCaption("NO HARDWARE FOUND !!!");
-  }
+  if (!state.BoardReady) captions.showNoBoardYet();
+  // kestrel6.ini may name a port that the program could not take, or half of what is needed: then
+  // no board is there, whatever the procedures have shown.
+  if (!whyNoBoard().empty()) captions.showNotReady();
 }
 
 // A board that was addressed already goes to rest before the fault is shown.
@@ -82,14 +74,6 @@ void Units::restAfterFault() {
   } catch (const std::exception&) {
     // The fault that is reported is the port's: nobody is there to be reset.
   }
-}
-
-// kestrel6.ini may name a port that the program could not take, or half of what is needed: then no
-// board is there, whatever the procedures have shown.
-void Units::checkPortInForce() {
-  if (whyNoBoard().empty()) return;
-  controls.Ready_label.setColour(Colour::Red);
-  controls.Ready_label.setCaption("NotReady");
 }
 
 std::string Units::whyNoBoard() const {

@@ -14,6 +14,7 @@
 #include "hardware/board_detection.h"
 #include "hardware/chip_bus.h"
 #include "hardware/error_alert.h"
+#include "hardware/hardware_captions.h"
 #include "operations/blank_check.h"
 #include "operations/data_sheet_way.h"
 #include "operations/eprom_programmer.h"
@@ -55,6 +56,7 @@ struct Units {
   hardware::ChipBus chipBus{state, state, state, machine.port, machine.waits};
   data_sheet::Drivers drivers{state, state, controls.AnyCode, chipBus};
   hardware::ErrorAlert alert{state, controls, reporting, board.lamps, board.bus};
+  hardware::HardwareCaptions captions{state, controls};
   hardware::BoardDetection detection{state,        state,        state,          controls,
                                      reporting,    errors,       board,          alert,
                                      machine.port, machine.time, machine.folders};
@@ -118,10 +120,8 @@ struct Units {
                        machine.stop, machine.portService};
 
   // Start-up and shut-down.
-  void showNoBoardYet();
   void findBoard();
   void restAfterFault();
-  void checkPortInForce();
   void reportPortInForce();
   [[nodiscard]] std::string whyNoBoard() const;
 

@@ -34,6 +34,7 @@ struct PortState {
   std::int16_t ControlPort = 0;   ///< PortBase + 2
   std::int16_t KestrelModel = 0;  ///< 4, 5 or 6; 0 until detected
   std::int16_t DetectedPort = 0;  ///< where the last probe found a board; 0 = nowhere
+  bool BoardReady = false;  ///< a board was found, or a model forced, and nothing since says no
   ControlCodes CtlTable4{};
   ControlCodes CtlTable56{};
   std::array<std::int16_t, kLatchCount> CtlIdle{};    ///< latch addressed, strobe inactive

@@ -25,14 +25,10 @@ void Notices::look() {
   lookAtLimit();
 }
 
-bool Notices::hasNoBoard() const {
-  return form_.state().KestrelModel == 0 || !form_.whyNoBoard().empty();
-}
-
 QString Notices::whatWasFound() const {
   const bool isModelKnown = form_.state().KestrelModel != 0;
-  const std::string why = isModelKnown ? form_.whyNoBoard() : "No board answers";
-  QStringList lines{toQString(why + ".")};
+  const std::string why = isModelKnown ? form_.whyNoBoard() : "";
+  QStringList lines{toQString((why.empty() ? "No board answers" : why) + ".")};
   const std::vector<std::string> found = form_.diagnosis();
   // The command stands on a line of its own, ready to be copied.
   for (const std::string& line : found) lines << toQString(line).replace(" Cure: ", "\nCure: ");
@@ -41,7 +37,7 @@ QString Notices::whatWasFound() const {
 }
 
 void Notices::lookAtBoard() {
-  if (!hasNoBoard()) return bar_.withdraw(kBoard);
+  if (form_.hasBoard()) return bar_.withdraw(kBoard);
   Notice notice{.about = kBoard, .text = whatWasFound()};
   notice.actions.push_back({.caption = "Test Again", .name = "testAgain", .act = [this] {
                               binder_.press(form_.controls().TestHardware_button);
@@ -54,7 +50,7 @@ void Notices::lookAtBoard() {
 }
 
 void Notices::commandEnded(const CommandResult& result) {
-  if (result.remark.empty() || hasNoBoard()) return bar_.withdraw(kSame);
+  if (result.remark.empty() || !form_.hasBoard()) return bar_.withdraw(kSame);
   bar_.post({.about = kSame,
              .text = "All bytes are the same. A chip that holds nothing else reads so, and so do "
                      "an empty socket and a board without its supply or cable.",

@@ -28,7 +28,6 @@ class Notices final {
  private:
   void lookAtBoard();
   void lookAtLimit();
-  [[nodiscard]] bool hasNoBoard() const;
   [[nodiscard]] QString whatWasFound() const;
 
   form::frmMain& form_;

@@ -292,9 +292,9 @@ void OptionsPanel::buildHardware(QBoxLayout& column) {
   // Red too is a colour of this lamp: lit it says "NotReady".
   bindLamp(controls_.Ready_label, *ready, binder_, {});
   binder_.mirror().bind(controls_.Ready_label, *ready, [this, ready] {
-    ready->setToolTip(controls_.Ready_label.colour() == Colour::Red
-                          ? "No board was found: check its supply and cable, then Test Hardware"
-                          : "A board was found and is at rest");
+    ready->setToolTip(state_.BoardReady
+                          ? "A board was found and is at rest"
+                          : "No board was found: check its supply and cable, then Test Hardware");
   });
   top->addWidget(ready);
   QHBoxLayout* const line = row(column);
