@@ -10,8 +10,8 @@ namespace {
 constexpr std::string_view kMark = ">  ";  // between time and text of a log entry
 constexpr std::size_t kTimeLength = 8;
 
-Json addressesOf(const ProgrammerState& state) {
-  return {{"first", 0}, {"last", state.CodeLength > 0 ? state.CodeLength - 1 : 0}};
+Json addressesOf(const BufferState& buffers) {
+  return {{"first", 0}, {"last", buffers.CodeLength > 0 ? buffers.CodeLength - 1 : 0}};
 }
 
 }  // namespace

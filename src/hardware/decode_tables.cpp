@@ -33,14 +33,14 @@ void resetAddressMaps(SelectionState& device) {
   }
 }
 
-void BuildDecodeTables(ProgrammerState& state) {
+void BuildDecodeTables(LatchState& latches, SelectionState& device, ShellState& shell) {
   for (unsigned i = 0; i < 256; ++i) {
-    state.StatusDecodeLow[i] = static_cast<std::uint8_t>(nibbleOf(i));
-    state.StatusDecodeHigh[i] = static_cast<std::uint8_t>(nibbleOf(i) << 4U);
-    state.StatusDecode4[i] = decodeModel4(i);
+    latches.StatusDecodeLow[i] = static_cast<std::uint8_t>(nibbleOf(i));
+    latches.StatusDecodeHigh[i] = static_cast<std::uint8_t>(nibbleOf(i) << 4U);
+    latches.StatusDecode4[i] = decodeModel4(i);
   }
-  resetAddressMaps(state);
-  state.PrintableChars =
+  resetAddressMaps(device);
+  shell.PrintableChars =
       "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz1234567890-=\\!@#$%^&*()_+|[]}{;:'/"
       "?.>,<";
 }

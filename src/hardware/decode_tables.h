@@ -6,7 +6,7 @@ namespace kestrel::hardware {
 
 /// Start-up tables: the status-port decoding of each board family, the identity address maps and
 /// the characters that the hex/ASCII display shows as themselves.
-void BuildDecodeTables(ProgrammerState& state);
+void BuildDecodeTables(LatchState& latches, SelectionState& device, ShellState& shell);
 
 /// Both address maps: entry i = i.
 void resetAddressMaps(SelectionState& device);

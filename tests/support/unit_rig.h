@@ -78,7 +78,7 @@ struct ScriptedMachine : Surroundings {
 /// speed is set, so that latch loads have no wait of their own.
 struct UnitRig : ScriptedMachine, form::Units {
   explicit UnitRig(int model = 5) : ScriptedMachine(model), Units(parts()) {
-    hardware::BuildDecodeTables(state);
+    hardware::BuildDecodeTables(state, state, state);
     board.registers.InitControlTables();
     state.PortBase = 0x378;
     state.KestrelModel = static_cast<std::int16_t>(model);

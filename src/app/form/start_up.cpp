@@ -20,7 +20,7 @@ void frmMain::Form_Load() {
   s.SpeedFactorB = 100;
   s.SpeedFactorA = 500;
   u.memoryDisplay.DisplayPageMemory();
-  hardware::BuildDecodeTables(s);
+  hardware::BuildDecodeTables(s, s, s);
   u.captions.showNoBoardYet();
   s.DetectedPort = 0;
   s.PortBase = 0;

@@ -7,6 +7,7 @@
 #include <QMenu>
 
 #include "app/form/backup.h"
+#include "app/state/command_kind.h"
 #include "app/window/file_of.h"
 #include "app/window/menus.h"
 #include "app/window/texts.h"
@@ -48,9 +49,9 @@ void ChipBackup::showFolder() {
 }
 
 bool ChipBackup::mayPress(const Control& control) {
-  Controls& c = parts_.form.controls();
-  const bool destroys = &control == &c.Program_button || &control == &c.menuProgramCode ||
-                        &control == &c.EraseFlash_button || &control == &c.menuEraseFlash;
+  const Controls& c = parts_.form.controls();
+  const CommandKind command = commandKind(c, control);
+  const bool destroys = command == CommandKind::Program || command == CommandKind::EraseChip;
   if (folder_.isEmpty() || !destroys || !c.CheckCode.isTicked()) return true;
   images::Bytes chip;
   CommandResult result = parts_.form.readAside(chip);

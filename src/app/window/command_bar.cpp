@@ -23,9 +23,14 @@ QWidget* newGroup(QWidget* parent) {
 
 }  // namespace
 
-CommandBar::CommandBar(Controls& controls, const ProgrammerState& state, const Binder& binder,
-                       IconSet& icons, QWidget* parent)
-    : QWidget(parent), controls_(controls), state_(state), binder_(binder), icons_(icons) {
+CommandBar::CommandBar(Controls& controls, const PortState& port, const SelectionState& device,
+                       const Binder& binder, IconSet& icons, QWidget* parent)
+    : QWidget(parent),
+      controls_(controls),
+      port_(port),
+      device_(device),
+      binder_(binder),
+      icons_(icons) {
   setObjectName("commandBar");
   rows_ = new QBoxLayout(QBoxLayout::LeftToRight, this);
   rows_->setContentsMargins(0, 6, 8, 2);
@@ -79,11 +84,11 @@ void CommandBar::addVoltage() {
 
 // Amber for the common 12.5 V, red for the two that destroy most chips.
 void CommandBar::showVoltage() {
-  const std::optional<double> volts = operations::voltageToApply(state_);
+  const std::optional<double> volts = operations::voltageToApply(device_);
   voltage_->setVisible(volts.has_value());
   if (!volts) return;
   voltage_->setCaption(QString("%1 V").arg(*volts));
-  voltage_->setToolTip(state_.KestrelModel == kModelSetByHand
+  voltage_->setToolTip(port_.KestrelModel == kModelSetByHand
                            ? "Program expects this voltage, set by hand on the board"
                            : "Program applies this voltage to the chip");
   voltage_->setGround(*volts > kUsualVolts ? groundColour(Colour::Red, palette())

@@ -18,8 +18,8 @@ class Lamp;
 /// erases; in one row, or in two where that is too wide.
 class CommandBar final : public QWidget {
  public:
-  CommandBar(Controls& controls, const ProgrammerState& state, const Binder& binder, IconSet& icons,
-             QWidget* parent);
+  CommandBar(Controls& controls, const PortState& port, const SelectionState& device,
+             const Binder& binder, IconSet& icons, QWidget* parent);
 
   /// Shows the voltage that will be applied now.
   void showVoltage();
@@ -37,7 +37,8 @@ class CommandBar final : public QWidget {
   void fitRows();
 
   Controls& controls_;
-  const ProgrammerState& state_;
+  const PortState& port_;
+  const SelectionState& device_;
   const Binder& binder_;
   IconSet& icons_;
   QBoxLayout* rows_ = nullptr;

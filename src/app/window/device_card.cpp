@@ -28,9 +28,10 @@ std::uint32_t maskOf(const hardware::VppOutput& vpp) {
 
 }  // namespace
 
-DeviceCard::DeviceCard(Controls& controls, const ProgrammerState& state, const Binder& binder,
-                       QWidget* parent)
-    : QWidget(parent), state_(state) {
+DeviceCard::DeviceCard(Controls& controls, const PortState& port, const LatchState& latches,
+                       const SelectionState& device, const AlgorithmState& chosen,
+                       const Binder& binder, QWidget* parent)
+    : QWidget(parent), port_(port), latches_(latches), device_(device), chosen_(chosen) {
   setObjectName("deviceCard");
   auto* const row = new QHBoxLayout(this);
   row->setContentsMargins(0, 2, 0, 2);
@@ -76,8 +77,8 @@ void DeviceCard::setRunning(bool running) {
 }
 
 void DeviceCard::showDevice() {
-  socket_->setChip(devices::chipPinsOf(state_.FamilyCode),
-                   QString::fromStdString(std::string(trimmed(state_.DeviceName))));
+  socket_->setChip(devices::chipPinsOf(device_.FamilyCode),
+                   QString::fromStdString(std::string(trimmed(device_.DeviceName))));
   showFacts();
 }
 
@@ -85,9 +86,9 @@ void DeviceCard::showFacts() {
   const QString facts = factsText();
   if (facts != facts_->text()) facts_->setText(facts);
   QString warning;
-  if (look_ && !state_.DeviceName.empty() && !levelsTimer_.isActive()) {
+  if (look_ && !device_.DeviceName.empty() && !levelsTimer_.isActive()) {
     const std::string inSocket = look_().chip;
-    const std::string wanted = chipOfDevice_(std::string(trimmed(state_.DeviceName)));
+    const std::string wanted = chipOfDevice_(std::string(trimmed(device_.DeviceName)));
     if (inSocket.empty()) {
       warning = "The socket is empty.";
     } else if (!wanted.empty() && inSocket != wanted) {
@@ -102,11 +103,11 @@ void DeviceCard::showFacts() {
 }
 
 QString DeviceCard::factsText() const {
-  if (state_.DeviceName.empty()) return "Choose the device: its chip appears here in its place.";
-  const devices::Family& family = devices::familyOf(state_.FamilyCode);
-  const devices::ChipPins pinout = devices::chipPinsOf(state_.FamilyCode);
+  if (device_.DeviceName.empty()) return "Choose the device: its chip appears here in its place.";
+  const devices::Family& family = devices::familyOf(device_.FamilyCode);
+  const devices::ChipPins pinout = devices::chipPinsOf(device_.FamilyCode);
   QStringList lines;
-  const int bytes = state_.DeviceSizeBytes;
+  const int bytes = device_.DeviceSizeBytes;
   lines << QString("%1 KB, %2 pins").arg(bytes / kBytesPerKB).arg(pinout.count());
   if (pinout.count() > 0) lines << QString("Pin 1 in socket pin %1").arg(pinout.socketPin(1));
   if (pinout.vppPin > 0) {
@@ -116,9 +117,9 @@ QString DeviceCard::factsText() const {
   } else {
     lines << "5 V only";
   }
-  const std::string voltage = devices::usualVoltage(state_.DeviceName);
+  const std::string voltage = devices::usualVoltage(device_.DeviceName);
   if (!voltage.empty()) lines << "Usual VPP: " + QString::fromStdString(voltage);
-  if (state_.algorithms == Algorithms::DataSheet) return lines.join('\n');
+  if (chosen_.algorithms == Algorithms::DataSheet) return lines.join('\n');
   for (const std::string_view remark :
        {devices::whyNoBlankCheck(family), devices::whyNoErase(family)}) {
     if (!remark.empty()) lines << QString::fromUtf8(remark.data(), static_cast<int>(remark.size()));
@@ -128,7 +129,7 @@ QString DeviceCard::factsText() const {
 
 std::optional<SocketLevels> DeviceCard::levels() const {
   if (look_) return look_().levels;
-  const auto vpp = hardware::vppOutput(state_.RegShadow0, state_.KestrelModel);
+  const auto vpp = hardware::vppOutput(latches_.RegShadow0, port_.KestrelModel);
   if (!vpp) return std::nullopt;
   return SocketLevels{.high = 0, .vpp = maskOf(*vpp)};
 }

@@ -25,7 +25,8 @@ struct SocketLook {
 /// cannot be done with it.
 class DeviceCard final : public QWidget {
  public:
-  DeviceCard(Controls& controls, const ProgrammerState& state, const Binder& binder,
+  DeviceCard(Controls& controls, const PortState& port, const LatchState& latches,
+             const SelectionState& device, const AlgorithmState& chosen, const Binder& binder,
              QWidget* parent);
 
   /// The socket can be looked at; `chipOfDevice` names the chip that belongs to a device.
@@ -42,7 +43,10 @@ class DeviceCard final : public QWidget {
   [[nodiscard]] QString factsText() const;
   [[nodiscard]] std::optional<SocketLevels> levels() const;
 
-  const ProgrammerState& state_;
+  const PortState& port_;
+  const LatchState& latches_;
+  const SelectionState& device_;
+  const AlgorithmState& chosen_;
   SocketView* socket_ = nullptr;
   QLabel* facts_ = nullptr;
   QLabel* warning_ = nullptr;

@@ -61,9 +61,9 @@ QSize hexPageSize(const QPlainTextEdit& view, const QFont& font, int lines) {
           static_cast<int>(std::ceil(lines * lineHeight + margins + 2))};
 }
 
-DisplayPanel::DisplayPanel(Controls& controls, const ProgrammerState& state, const Binder& binder,
-                           QWidget* parent)
-    : QWidget(parent), controls_(controls), state_(state), binder_(binder) {
+DisplayPanel::DisplayPanel(Controls& controls, const SelectionState& device,
+                           const BufferState& buffers, const Binder& binder, QWidget* parent)
+    : QWidget(parent), controls_(controls), device_(device), buffers_(buffers), binder_(binder) {
   compares_.setSingleShot(true);
   compares_.setInterval(kCompareRestMs);
   connect(&compares_, &QTimer::timeout, this, [this] { compareAgain(); });
@@ -72,7 +72,7 @@ DisplayPanel::DisplayPanel(Controls& controls, const ProgrammerState& state, con
   column->setSizeConstraint(QLayout::SetMinAndMaxSize);
   buildHeader(*column);
   buildPage(*column);
-  find_ = new BufferFind(state, state, this);
+  find_ = new BufferFind(buffers, device, this);
   find_->onFound([this](std::int32_t address, std::int32_t count) { showAddress(address, count); });
   find_->onClosed([this] { page_->setFocus(); });
   column->addWidget(find_);
@@ -199,9 +199,9 @@ void DisplayPanel::markDifferences() {
 }
 
 void DisplayPanel::showMap() {
-  const std::int32_t device = state_.DeviceSizeBytes;
-  const auto length = static_cast<std::size_t>(device > 0 ? device : state_.CodeLength);
-  map_->setMemory(std::span(state_.CodeBuffer).first(length));
+  const std::int32_t device = device_.DeviceSizeBytes;
+  const auto length = static_cast<std::size_t>(device > 0 ? device : buffers_.CodeLength);
+  map_->setMemory(std::span(buffers_.CodeBuffer).first(length));
 }
 
 // The heads in grey, the bytes that were looked for in the colour of a selection.
@@ -304,8 +304,9 @@ void DisplayPanel::letType(std::function<bool()> isCodeOnView, std::function<std
     binder_.mirror().refresh();
   };
   page.show = [this] { showMarks(); };
-  cursor_ = new HexCursor(*page_, std::move(page),
-                          [this](std::int32_t address) { return at(state_.CodeBuffer, address); });
+  cursor_ = new HexCursor(*page_, std::move(page), [this](std::int32_t address) {
+    return at(buffers_.CodeBuffer, address);
+  });
   cursor_->onType(std::move(type));
 }
 

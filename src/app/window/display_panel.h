@@ -26,8 +26,8 @@ inline constexpr int kPageLines = 17;  ///< an empty first line, then sixteen of
 /// The hex display: a page of 16 lines, its scroll bar, and what it shows.
 class DisplayPanel final : public QWidget {
  public:
-  DisplayPanel(Controls& controls, const ProgrammerState& state, const Binder& binder,
-               QWidget* parent);
+  DisplayPanel(Controls& controls, const SelectionState& device, const BufferState& buffers,
+               const Binder& binder, QWidget* parent);
 
   /// Bytes are typed into the code buffer while that is on view. `size`: addresses that can be
   /// changed.
@@ -83,7 +83,8 @@ class DisplayPanel final : public QWidget {
   bool turnPage(int key);
 
   Controls& controls_;
-  const ProgrammerState& state_;
+  const SelectionState& device_;
+  const BufferState& buffers_;
   const Binder& binder_;
   QWidget* header_ = nullptr;
   QPlainTextEdit* page_ = nullptr;

@@ -103,23 +103,25 @@ void MainWindow::buildContent() {
   auto* const middle = new QHBoxLayout(work);
   middle->setContentsMargins(0, 0, 0, 0);
   middle->setSpacing(0);
-  options_ = new OptionsPanel(controls_, parts_.form.state(), binder, icons, work);
+  const ProgrammerState& state = parts_.form.state();
+  options_ = new OptionsPanel(controls_, state, state, state, state, binder, icons, work);
   middle->addWidget(options_);
   auto* const right = new QVBoxLayout;
   middle->addLayout(right, 1);
-  commands_ = new CommandBar(controls_, parts_.form.state(), binder, icons, work);
+  commands_ = new CommandBar(controls_, state, state, binder, icons, work);
   right->addWidget(commands_);
-  outcome_ = new OutcomeLine(controls_, parts_.form.state(), work);
+  outcome_ = new OutcomeLine(
+      controls_, state, state, state, [this] { return parts_.form.hasBoard(); }, work);
   right->addWidget(outcome_);
   split_ = new QSplitter(Qt::Vertical, work);
   split_->setChildrenCollapsible(false);
-  display_ = new DisplayPanel(controls_, parts_.form.state(), binder, split_);
+  display_ = new DisplayPanel(controls_, state, state, binder, split_);
   log_ = new LogPanel(controls_, binder, parts_.dialogs, split_);
   split_->addWidget(display_);
   noticeBar_ = new NoticeBar(*display_->focusProxy(), work);
   notices_ = std::make_unique<Notices>(parts_.form, binder, *noticeBar_);
   right->addWidget(noticeBar_);
-  vppSign_ = new VppSign(parts_.form.state(), parts_.form.state(), &display_->header());
+  vppSign_ = new VppSign(state, state, &display_->header());
   split_->addWidget(log_);
   split_->setStretchFactor(0, 3);
   split_->setStretchFactor(1, 2);
@@ -220,9 +222,7 @@ void MainWindow::connectCommands() {
   runner.whenStarted([this] { commandStarted(); });
   runner.whenEnded([this] { commandEnded(); });
   binder.onPress([this](const Control& control) {
-    const bool isErase =
-        &control == &controls_.Erase_button || &control == &controls_.menuEraseCode;
-    if (isErase) editor_.keepBeforeErase();
+    if (commandKind(controls_, control) == CommandKind::EraseBuffer) editor_.keepBeforeErase();
     outcome_->begin(control);
   });
   outcome_->onCompare([this] { compareWithChip(); });
@@ -306,15 +306,11 @@ void MainWindow::pressed(const Control& control, const CommandResult& result) {
   outcome_->end(control, result, parts_.dialogs.asked());
   notices_->commandEnded(result);
   if (result.ending != Ending::Done) return;
-  const auto isOneOf = [&](std::initializer_list<const Control*> some) {
-    return std::ranges::find(some, &control) != some.end();
-  };
-  const auto isSetup = [&](const Button& entry) { return &entry == &control; };
-  const bool isFile =
-      isOneOf({&controls_.mnuFileOpenCode, &controls_.toolbarButton(1), &controls_.mnuFileSaveCode,
-               &controls_.mnuFileSaveCodeAs, &controls_.toolbarButton(2)});
-  if (isFile || std::ranges::any_of(controls_.LoadSetup, isSetup)) codeFileIsKnown();
-  const bool isOpened = isOneOf({&controls_.mnuFileOpenCode, &controls_.toolbarButton(1)});
+  const CommandKind command = commandKind(controls_, control);
+  const bool isOpened = command == CommandKind::OpenCode;
+  if (isOpened || command == CommandKind::SaveCode || command == CommandKind::LoadSetup) {
+    codeFileIsKnown();
+  }
   if (isOpened && !parts_.dialogs.wasFileCancelled()) files_->lookAtOpened();
 }
 

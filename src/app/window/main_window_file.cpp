@@ -124,10 +124,9 @@ bool MainWindow::mayReplace() {
 }
 
 bool MainWindow::replacesBuffer(const Control& control) const {
-  const auto isIt = [&](const Button& button) { return &button == &control; };
-  return isIt(controls_.Read_button) || isIt(controls_.menuReadCode) ||
-         isIt(controls_.mnuFileOpenCode) || isIt(controls_.toolbarButton(1)) ||
-         std::ranges::any_of(controls_.LoadSetup, isIt);
+  const CommandKind command = commandKind(controls_, control);
+  return command == CommandKind::Read || command == CommandKind::OpenCode ||
+         command == CommandKind::LoadSetup;
 }
 
 std::optional<ImageSource> MainWindow::imageSource() const {

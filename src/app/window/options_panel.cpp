@@ -43,9 +43,17 @@ QHBoxLayout* row(QBoxLayout& column) {
 
 }  // namespace
 
-OptionsPanel::OptionsPanel(Controls& controls, const ProgrammerState& state, const Binder& binder,
-                           IconSet& icons, QWidget* parent)
-    : QScrollArea(parent), controls_(controls), state_(state), binder_(binder), icons_(icons) {
+OptionsPanel::OptionsPanel(Controls& controls, const PortState& port, const LatchState& latches,
+                           const SelectionState& device, const AlgorithmState& chosen,
+                           const Binder& binder, IconSet& icons, QWidget* parent)
+    : QScrollArea(parent),
+      controls_(controls),
+      port_(port),
+      latches_(latches),
+      selection_(device),
+      chosen_(chosen),
+      binder_(binder),
+      icons_(icons) {
   setObjectName("optionsPanel");
   setFrameShape(QFrame::NoFrame);
   setWidgetResizable(true);
@@ -90,13 +98,13 @@ bool OptionsPanel::eventFilter(QObject* receiver, QEvent* event) {
 
 void OptionsPanel::buildDevice(QBoxLayout& column) {
   auto* const label = new StepLabel("&1  Device", widget());
-  device_ = new DeviceBox(controls_.Device, state_, binder_, widget());
+  device_ = new DeviceBox(controls_.Device, selection_, binder_, widget());
   device_->setToolTip("The chip in the socket. Type a part of its name, or what is printed on it.");
   device_->setAccessibleName("Device");
   label->setBuddy(device_);
   column.addWidget(label);
   column.addWidget(device_);
-  card_ = new DeviceCard(controls_, state_, binder_, widget());
+  card_ = new DeviceCard(controls_, port_, latches_, selection_, chosen_, binder_, widget());
   column.addWidget(card_);
 }
 
@@ -292,7 +300,7 @@ void OptionsPanel::buildHardware(QBoxLayout& column) {
   // Red too is a colour of this lamp: lit it says "NotReady".
   bindLamp(controls_.Ready_label, *ready, binder_, {});
   binder_.mirror().bind(controls_.Ready_label, *ready, [this, ready] {
-    ready->setToolTip(state_.BoardReady
+    ready->setToolTip(port_.BoardReady
                           ? "A board was found and is at rest"
                           : "No board was found: check its supply and cable, then Test Hardware");
   });

@@ -20,7 +20,8 @@ class ImageIdentity;
 /// the board.
 class OptionsPanel final : public QScrollArea {
  public:
-  OptionsPanel(Controls& controls, const ProgrammerState& state, const Binder& binder,
+  OptionsPanel(Controls& controls, const PortState& port, const LatchState& latches,
+               const SelectionState& device, const AlgorithmState& chosen, const Binder& binder,
                IconSet& icons, QWidget* parent);
 
   [[nodiscard]] DeviceBox& device() const { return *device_; }
@@ -49,7 +50,10 @@ class OptionsPanel final : public QScrollArea {
   void showHardwareColour();
 
   Controls& controls_;
-  const ProgrammerState& state_;
+  const PortState& port_;
+  const LatchState& latches_;
+  const SelectionState& selection_;
+  const AlgorithmState& chosen_;
   const Binder& binder_;
   IconSet& icons_;
   DeviceBox* device_ = nullptr;

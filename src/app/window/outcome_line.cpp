@@ -1,7 +1,6 @@
 #include "app/window/outcome_line.h"
 
 #include <QTextDocumentFragment>
-#include <array>
 #include <span>
 #include <utility>
 
@@ -16,13 +15,41 @@ constexpr int kLookMs = 100;
 constexpr double kMsPerSecond = 1000.0;
 constexpr qint64 kLongMs = 5'000;  // who waits longer may look elsewhere: the desktop tells
 constexpr const char* kCompare = "compare";
-constexpr const char* kHardwareTest = "Hardware test";
 constexpr const char* kOffered = "offered";
+
+/// Empty for what the line does not follow.
+QString nameOf(CommandKind command) {
+  switch (command) {
+    case CommandKind::Read:
+      return "Read";
+    case CommandKind::BlankCheck:
+      return "Blank check";
+    case CommandKind::Verify:
+      return "Verify";
+    case CommandKind::Program:
+      return "Program";
+    case CommandKind::EraseChip:
+      return "Erase chip";
+    case CommandKind::Display:
+      return "Display";
+    case CommandKind::TestHardware:
+      return "Hardware test";
+    default:
+      return {};
+  }
+}
 
 }  // namespace
 
-OutcomeLine::OutcomeLine(const Controls& controls, const ProgrammerState& state, QWidget* parent)
-    : QLabel(parent), controls_(controls), state_(state) {
+OutcomeLine::OutcomeLine(const Controls& controls, const LatchState& latches,
+                         const SelectionState& device, const BufferState& buffers,
+                         std::function<bool()> hasBoard, QWidget* parent)
+    : QLabel(parent),
+      controls_(controls),
+      latches_(latches),
+      device_(device),
+      buffers_(buffers),
+      hasBoard_(std::move(hasBoard)) {
   setObjectName("outcome");
   setAccessibleName("What happened");
   setTextFormat(Qt::RichText);
@@ -42,31 +69,8 @@ OutcomeLine::OutcomeLine(const Controls& controls, const ProgrammerState& state,
   connect(&timer_, &QTimer::timeout, this, [this] { showRunning(); });
 }
 
-QString OutcomeLine::nameOf(const Control& control) const {
-  const Controls& c = controls_;
-  const std::array<std::pair<const Control*, const char*>, 13> commands{{
-      {&c.Read_button, "Read"},
-      {&c.menuReadCode, "Read"},
-      {&c.Blank_button, "Blank check"},
-      {&c.menuBlankCheck, "Blank check"},
-      {&c.Verify_button, "Verify"},
-      {&c.menuVerifyCode, "Verify"},
-      {&c.Program_button, "Program"},
-      {&c.menuProgramCode, "Program"},
-      {&c.EraseFlash_button, "Erase chip"},
-      {&c.menuEraseFlash, "Erase chip"},
-      {&c.Display_button, "Display"},
-      {&c.TestHardware_button, kHardwareTest},
-      {&c.menuTestHardware, kHardwareTest},
-  }};
-  for (const auto& [pressed, name] : commands) {
-    if (pressed == &control) return name;
-  }
-  return {};
-}
-
 void OutcomeLine::begin(const Control& control) {
-  running_ = nameOf(control);
+  running_ = nameOf(commandKind(controls_, control));
   clock_.start();
   if (running_.isEmpty()) return;
   showRunning();
@@ -74,8 +78,8 @@ void OutcomeLine::begin(const Control& control) {
 }
 
 void OutcomeLine::showRunning() {
-  const std::int32_t address = state_.LinearAddress;
-  const bool isWalking = controls_.ProgressBar1.value() > 0 && address < state_.DeviceSizeBytes;
+  const std::int32_t address = latches_.LinearAddress;
+  const bool isWalking = controls_.ProgressBar1.value() > 0 && address < device_.DeviceSizeBytes;
   const QString where = isWalking ? " at " + addressText(address) : QString();
   showText(running_ + " is running" + where, Colour::ButtonText);
 }
@@ -83,25 +87,26 @@ void OutcomeLine::showRunning() {
 void OutcomeLine::end(const Control& control, const CommandResult& result, qint64 asked) {
   timer_.stop();
   lasted_ = clock_.isValid() ? clock_.elapsed() - asked : 0;
-  const QString command = nameOf(control);
+  const CommandKind command = commandKind(controls_, control);
+  const QString name = nameOf(command);
   const QString remark = QString::fromStdString(result.remark).toHtmlEscaped();
-  if (command.isEmpty()) {
+  if (name.isEmpty()) {
     if (!remark.isEmpty()) showText(remark, Colour::Red);
     return;
   }
   showEnd(command, result);
   if (lasted_ >= kLongMs && !isActiveWindow()) {
-    desktop_.send(result.ending == Ending::Done ? command + " is done" : command + " has ended",
+    desktop_.send(result.ending == Ending::Done ? name + " is done" : name + " has ended",
                   accessibleDescription());
   }
 }
 
-void OutcomeLine::showEnd(const QString& command, const CommandResult& result) {
+void OutcomeLine::showEnd(CommandKind command, const CommandResult& result) {
   const QString remark = QString::fromStdString(result.remark).toHtmlEscaped();
   switch (result.ending) {
     case Ending::Done:
-      if (running_ == kHardwareTest && state_.KestrelModel == 0) {
-        return showText(running_ + ": no board answers", Colour::Red);
+      if (command == CommandKind::TestHardware && !hasBoard_()) {
+        return showText(nameOf(command) + ": no board answers", Colour::Red);
       }
       if (!remark.isEmpty()) return showText(doneText(command) + ", but " + remark, Colour::Red);
       return showText(doneText(command), Colour::Green);
@@ -113,11 +118,12 @@ void OutcomeLine::showEnd(const QString& command, const CommandResult& result) {
   }
 }
 
-QString OutcomeLine::doneText(const QString& command) const {
-  const bool isVerified = command == "Program" && controls_.VerifyAfterProgramming.isTicked();
-  QString text = command + (isVerified ? ": done and verified" : ": done");
-  const QString sum = QString::fromStdString(state_.DeviceChecksumText);
-  const bool isWalk = command == "Read" || command == "Verify" || isVerified;
+QString OutcomeLine::doneText(CommandKind command) const {
+  const bool isVerified =
+      command == CommandKind::Program && controls_.VerifyAfterProgramming.isTicked();
+  QString text = nameOf(command) + (isVerified ? ": done and verified" : ": done");
+  const QString sum = QString::fromStdString(buffers_.DeviceChecksumText);
+  const bool isWalk = command == CommandKind::Read || command == CommandKind::Verify || isVerified;
   if (isWalk && !sum.isEmpty()) text += ", sum " + sum.toHtmlEscaped() + ", CRC-32 " + crcText();
   return text + QString(", %1 s").arg(static_cast<double>(lasted_) / kMsPerSecond, 0, 'f', 1);
 }
@@ -126,21 +132,22 @@ QString OutcomeLine::doneText(const QString& command) const {
 QString OutcomeLine::crcText() const {
   constexpr int kDigits = 8;
   constexpr int kHex = 16;
-  const auto length = static_cast<std::size_t>(state_.DeviceSizeBytes);
-  const std::uint32_t crc = images::crc32(std::span(state_.CodeBuffer).first(length));
+  const auto length = static_cast<std::size_t>(device_.DeviceSizeBytes);
+  const std::uint32_t crc = images::crc32(std::span(buffers_.CodeBuffer).first(length));
   return QString("%1").arg(crc, kDigits, kHex, QChar('0')).toUpper();
 }
 
-QString OutcomeLine::failedText(const QString& command, const CommandResult& result) const {
+QString OutcomeLine::failedText(CommandKind command, const CommandResult& result) const {
   QString reason = QString::fromStdString(result.reason).toHtmlEscaped();
   if (result.address) {
     reason += QString(" <a href=\"%1\">show %2</a>")
                   .arg(*result.address)
                   .arg(addressText(*result.address));
   }
-  const bool isOfChip = result.address && (command == "Verify" || command == "Program");
-  if (isOfChip) reason += QString(", <a href=\"%1\">compare all</a>").arg(kCompare);
-  return command + ": " + reason;
+  const bool isOfChip = command == CommandKind::Verify || command == CommandKind::Program;
+  if (result.address && isOfChip)
+    reason += QString(", <a href=\"%1\">compare all</a>").arg(kCompare);
+  return nameOf(command) + ": " + reason;
 }
 
 void OutcomeLine::showMessage(const QString& text) {

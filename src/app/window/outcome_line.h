@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 
+#include "app/state/command_kind.h"
 #include "app/state/controls.h"
 #include "app/state/ending.h"
 #include "app/state/programmer_state.h"
@@ -16,7 +17,8 @@ namespace kestrel::window {
 /// One line that shows which command runs and at which address, and afterwards what came of it.
 class OutcomeLine final : public QLabel {
  public:
-  OutcomeLine(const Controls& controls, const ProgrammerState& state, QWidget* parent);
+  OutcomeLine(const Controls& controls, const LatchState& latches, const SelectionState& device,
+              const BufferState& buffers, std::function<bool()> hasBoard, QWidget* parent);
 
   /// A click on the address of what failed.
   void onAddress(std::function<void(std::int32_t address)> go) { go_ = std::move(go); }
@@ -39,16 +41,18 @@ class OutcomeLine final : public QLabel {
   [[nodiscard]] qint64 lasted() const { return lasted_; }
 
  private:
-  [[nodiscard]] QString nameOf(const Control& control) const;
-  [[nodiscard]] QString doneText(const QString& command) const;
+  [[nodiscard]] QString doneText(CommandKind command) const;
   [[nodiscard]] QString crcText() const;
-  [[nodiscard]] QString failedText(const QString& command, const CommandResult& result) const;
+  [[nodiscard]] QString failedText(CommandKind command, const CommandResult& result) const;
   void showRunning();
-  void showEnd(const QString& command, const CommandResult& result);
+  void showEnd(CommandKind command, const CommandResult& result);
   void showText(const QString& richText, Colour colour);
 
   const Controls& controls_;
-  const ProgrammerState& state_;
+  const LatchState& latches_;
+  const SelectionState& device_;
+  const BufferState& buffers_;
+  std::function<bool()> hasBoard_;
   std::function<void(std::int32_t)> go_;
   std::function<void()> compare_;
   std::function<void()> offered_;
