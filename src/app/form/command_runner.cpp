@@ -90,7 +90,7 @@ bool CommandRunner::runStep(const Event& step, const Event& rest) {
     step();
     return true;
   } catch (...) {
-    if (rest && !stop_.isEnding()) rest();
+    if (!stop_.isEnding()) rest();
     (void)report(std::current_exception());
     return false;
   }

@@ -53,7 +53,7 @@ class CommandRunner {
   /// Runs a step of start-up: after a failure `rest` switches the board off, unless the program is
   /// to end, then it is reported, and false is returned. Once the program is to end no further step
   /// runs.
-  bool runStep(const Event& step, const Event& rest = {});
+  bool runStep(const Event& step, const Event& rest);
 
   /// What a selected chip's rest is beyond the board's idle state, at the end of every event.
   void setRest(Event rest) { rest_ = std::move(rest); }

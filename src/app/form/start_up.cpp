@@ -27,7 +27,7 @@ void frmMain::Form_Load() {
   u.board.registers.InitControlTables();
   u.findBoard();
   s.CrLf = "\r\n";
-  u.runner.runStep([&u] {
+  (void)u.step([&u] {
     u.board.lamps.DataFlowLampOff();
     u.board.lamps.ProgramLampOff();
     u.board.lamps.ErrorLampOff();
@@ -37,7 +37,7 @@ void frmMain::Form_Load() {
   u.controls.VScroll1.setValue(0);
   devices::BuildDeviceTable(s, s);
   devices::FillDeviceList(s, s.algorithms, u.controls.Device);
-  u.runner.runStep([&u] { u.board.bus.Reset(); });
+  (void)u.step([&u] { u.board.bus.Reset(); });
   u.reporting.PlaySoundEvent("INIT");
 }
 
@@ -52,12 +52,12 @@ void Units::findBoard() {
     testIfNoPort();
     board.registers.ApplyPortAndModel();
   };
-  const bool isFound = runner.runStep(load, [this] { restAfterFault(); });
+  const bool isFound = step(load);
   // Once the program is to end the ports stay as they are, for the board's last reset.
   if (!isFound && !machine.stop.isEnding()) {
     state.PortBase = state.StatusPort = state.ControlPort = 0;
-    runner.runStep(testIfNoPort);
-    runner.runStep([this] { board.registers.ApplyPortAndModel(); });
+    (void)step(testIfNoPort);
+    (void)step([this] { board.registers.ApplyPortAndModel(); });
   }
   // The start-up caption stays when nothing answers; a later hardware test words it without the
   // exclamation marks.
@@ -67,7 +67,12 @@ void Units::findBoard() {
   if (!whyNoBoard().empty()) captions.showNotReady();
 }
 
-// A board that was addressed already goes to rest before the fault is shown.
+// One step of the start-up. A board that was addressed already goes to rest before a fault is
+// shown.
+bool Units::step(const CommandRunner::Event& event) {
+  return runner.runStep(event, [this] { restAfterFault(); });
+}
+
 void Units::restAfterFault() {
   try {
     if (state.ControlPort != 0) runner.resetBoard();

@@ -121,6 +121,7 @@ struct Units {
 
   // Start-up and shut-down.
   void findBoard();
+  [[nodiscard]] bool step(const CommandRunner::Event& event);
   void restAfterFault();
   void reportPortInForce();
   [[nodiscard]] std::string whyNoBoard() const;
