@@ -38,7 +38,8 @@ class TerminalOperator final : public form::SeriesOperator {
   void chipDone(const form::SeriesChip& chip) override {
     count_.add(chip);
     session_.keepSimulatedChip();
-    if (report_ != nullptr) report_->add(chip, session_.deviceName(), form::dateAndTime());
+    if (report_ != nullptr)
+      report_->add(chip, session_.deviceName(), session_.form().dateAndTime());
     if (session_.json() != nullptr) {
       session_.json()->chip(chip, session_.deviceName());
     } else {

@@ -7,6 +7,7 @@
 #include "cli/exit_status.h"
 #include "cli/session.h"
 #include "devices/families.h"
+#include "images/identity.h"
 #include "images/image_file.h"
 #include "platform/file_names.h"
 #include "platform/file_target.h"
@@ -35,7 +36,7 @@ void Session::keepChip() {
   }
   std::vector<std::uint8_t> chip;
   endUnlessDone(p_.form.readAside(chip));
-  if (form::isBlank(chip) && !p_.arguments.quiet) {
+  if (images::isAll(chip, kErased) && !p_.arguments.quiet) {
     p_.out << "The chip is blank: there is nothing to keep" << std::endl;
   }
   endUnlessDone(form::keepContents(p_.form, *p_.arguments.backup, chip));

@@ -1,7 +1,6 @@
 #include "app/form/backup.h"
 
 #include <algorithm>
-#include <ctime>
 
 #include "app/state/text_format.h"
 #include "images/checksums.h"
@@ -23,24 +22,13 @@ std::filesystem::path freeName(const std::filesystem::path& folder, const std::s
 
 }  // namespace
 
-std::string dateAndTime() {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  ::localtime_r(&now, &local);
-  std::string text(32, '\0');
-  text.resize(std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%S", &local));
-  return text;
-}
-
-bool isBlank(const std::vector<std::uint8_t>& chip) { return images::isAll(chip, kErased); }
-
 CommandResult keepContents(frmMain& form, const std::filesystem::path& folder,
                            const std::vector<std::uint8_t>& chip) {
-  if (isBlank(chip)) return {};
+  if (images::isAll(chip, kErased)) return {};
   std::string device(trimmed(form.state().DeviceName));
   std::ranges::replace_if(
       device, [](char c) { return c == ' ' || c == '/'; }, '_');
-  std::string time = dateAndTime();
+  std::string time = form.dateAndTime();
   std::erase_if(time, [](char c) { return c == '-' || c == ':'; });
   const std::string sum = images::addressText(images::sum16(chip));
   return form.exportImage(freeName(folder, device + "-" + time + "-" + sum).string(), chip);

@@ -73,6 +73,11 @@ std::vector<std::string> frmMain::diagnosis() const {
   return units_->machine.portService.diagnosis();
 }
 
+std::string frmMain::dateAndTime() const {
+  const TimeOfDay& time = units_->machine.time;
+  return time.shortDate() + "T" + time.longTime();
+}
+
 bool frmMain::mayVoltageBeOn() const { return units_->machine.portService.mayVoltageBeOn(); }
 
 CommandResult frmMain::releaseSocket() {

@@ -63,6 +63,9 @@ class frmMain {
   /// simulated board.
   [[nodiscard]] std::vector<std::string> diagnosis() const;
 
+  /// The local date and time, for example 2026-11-21T17:05:09.
+  [[nodiscard]] std::string dateAndTime() const;
+
   /// True when a programming voltage could not be switched off.
   [[nodiscard]] bool mayVoltageBeOn() const;
 

@@ -214,7 +214,7 @@ void SeriesDialog::chipDone(const form::SeriesChip& chip) {
   count_->setText(toQString(good_.text()));
   if (table_) {
     const std::string device(trimmed(parts_.form.state().DeviceName));
-    table_->add(chip, device, form::dateAndTime());
+    table_->add(chip, device, parts_.form.dateAndTime());
   }
 }
 
