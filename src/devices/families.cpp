@@ -25,6 +25,7 @@ constexpr std::array kWriteBoth{EraseRoutine::Write24CXX, EraseRoutine::Write24C
 constexpr Family eprom(std::string_view code, ProgramRoutine program, VppPin vppPin,
                        TimingFactors timing = {}) {
   return {.code = code,
+          .kind = ChipKind::UvEprom,
           .bus = BusKind::Parallel,
           .timing = timing,
           .read = BusKind::Parallel,
@@ -51,6 +52,7 @@ constexpr Family eprom2732() {
 // The per-byte write and the chip erase of these are hooks that do nothing; this is intended.
 constexpr Family flash32(std::string_view code) {
   return {.code = code,
+          .kind = ChipKind::Flash,
           .bus = BusKind::Parallel,
           .addressMap = AddressMap::Plain,
           .read = BusKind::Parallel,
@@ -66,6 +68,7 @@ constexpr Family flash32(std::string_view code) {
 // Read and checked like the others; nothing programs or erases it.
 constexpr Family flashWithoutWriter(std::string_view code) {
   return {.code = code,
+          .kind = ChipKind::Flash,
           .bus = BusKind::Parallel,
           .read = BusKind::Parallel,
           .hasBlankCheck = true,
@@ -78,6 +81,7 @@ constexpr Family serialFamily(std::string_view code, ProgramRoutine program,
                               std::span<const EraseRoutine> erase, int addressBytes,
                               SerialWriter writer = {}) {
   return {.code = code,
+          .kind = ChipKind::SerialEeprom,
           .bus = BusKind::Serial,
           .read = BusKind::Serial,
           .verify = BusKind::Serial,
@@ -100,7 +104,7 @@ constexpr std::array kFamilies{
     eprom(    "P8", P27256_040, VppPin::Pin1),                             // 4 Mbit
     eprom(    "P9", P27080,     VppPin::Pin24, kFast),                     // 8 Mbit
     eprom(    "PM", None,       VppPin::None),                             // 27C080 OTP
-    Family{.code = "FA", .bus = BusKind::Parallel, .read = BusKind::Parallel,  // AT29C256
+    Family{.code = "FA", .kind = ChipKind::Flash, .bus = BusKind::Parallel, .read = BusKind::Parallel,  // AT29C256
            .hasBlankCheck = true, .hasDisplay = true, .display = DisplayAddress::SetadrFlash, .offersErase = true,
            .program = ProgramAT29C256, .erase = kFlashChipEraseAtmel,
            .flashCommands = FlashCommands::Atmel, .isProbedWhenSelected = true},
@@ -112,18 +116,18 @@ constexpr std::array kFamilies{
     flashWithoutWriter("FO"),                                              // CAT28F001
     flashWithoutWriter("FP"),                                              // CAT28F010
     flashWithoutWriter("FQ"),                                              // CAT28F020
-    Family{.code = "EN", .bus = BusKind::Parallel,                         // 28C256
+    Family{.code = "EN", .kind = ChipKind::Eeprom, .bus = BusKind::Parallel,                         // 28C256
            .addressMap = AddressMap::A18OnPin1A14OnPin3, .read = BusKind::Parallel,
            .hasBlankCheck = true, .hasDisplay = true, .display = DisplayAddress::SetadrXicor, .offersErase = true,
            .program = ProgramX28C256, .erase = kEraseX28C256},
-    Family{.code = "EO", .bus = BusKind::Parallel, .offersErase = true},   // CAT28C256
-    Family{.code = "EP", .bus = BusKind::Parallel, .offersErase = true},   // CAT28C257
+    Family{.code = "EO", .kind = ChipKind::Eeprom, .bus = BusKind::Parallel, .offersErase = true},   // CAT28C256
+    Family{.code = "EP", .kind = ChipKind::Eeprom, .bus = BusKind::Parallel, .offersErase = true},   // CAT28C257
     serialFamily("SA", Write24CXX, kWrite24CXX, 1),                        // 24C08
     serialFamily("SB", Write24CXX, kWriteBoth,  1),                        // 24C16
     serialFamily("SC", Write24C32, kWrite24C32, 2),                        // 24C32
-    Family{.code = "SE", .bus = BusKind::Serial, .read = BusKind::Serial,  // 24C256
+    Family{.code = "SE", .kind = ChipKind::SerialEeprom, .bus = BusKind::Serial, .read = BusKind::Serial,  // 24C256
            .offersErase = true, .addressBytes = 1},
-    Family{.code = "MJ", .hasDataMemory = true},                           // AT90S2313
+    Family{.code = "MJ", .kind = ChipKind::Microcontroller, .hasDataMemory = true},                           // AT90S2313
 };
 // clang-format on
 

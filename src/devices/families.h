@@ -12,6 +12,9 @@ namespace kestrel::devices {
 /// How the chip is reached: by its address and data pins, or by the two wires SCL and SDA.
 enum class BusKind { None, Parallel, Serial };
 
+/// What the chip is.
+enum class ChipKind { Unknown, UvEprom, Eeprom, Flash, SerialEeprom, Microcontroller };
+
 /// Where the address lines go that do not follow the plain map of socket pins.
 enum class AddressMap {
   Plain,               ///< A16 to A19 to latch 3 bits 0 to 3
@@ -76,6 +79,7 @@ struct SerialWriter {
 /// What a device family can do, and how. What a row does not name it does not have.
 struct Family {
   std::string_view code;  ///< FamilyLetter and FamilySubCode of the catalogue
+  ChipKind kind = ChipKind::Unknown;
   BusKind bus = BusKind::None;
   AddressMap addressMap = AddressMap::A18OnPin1;
   TimingFactors timing = {};

@@ -4,6 +4,30 @@
 
 namespace kestrel::devices {
 
+std::string_view kindOf(const Family& family) {
+  switch (family.kind) {
+    case ChipKind::UvEprom:
+      return "UV EPROM";
+    case ChipKind::Eeprom:
+      return "EEPROM";
+    case ChipKind::Flash:
+      return "parallel flash";
+    case ChipKind::SerialEeprom:
+      return "serial EEPROM";
+    case ChipKind::Microcontroller:
+      return "microcontroller";
+    case ChipKind::Unknown:
+      break;
+  }
+  return "not known";
+}
+
+std::string_view voltageLimit(const Family& family, std::int16_t vppClass) {
+  constexpr std::int16_t kTo21Volts = 2;
+  if (vppClass < kTo21Volts || family.takes21And25V) return {};
+  return "always programmed at 12.5 V on models 5 and 6";
+}
+
 std::string_view whyNoBlankCheck(const Family& family) {
   if (family.hasBlankCheck) return {};
   return family.bus == BusKind::Serial ? "a serial EEPROM has no blank check"
@@ -12,7 +36,8 @@ std::string_view whyNoBlankCheck(const Family& family) {
 
 std::string_view whyNoErase(const Family& family) {
   if (family.offersErase) return {};
-  return "an EPROM is erased under the lamp, not by the board";
+  return family.kind == ChipKind::UvEprom ? "an EPROM is erased under the lamp, not by the board"
+                                          : "there is no routine that erases this device";
 }
 
 std::string_view whyNoDisplay(const Family& family) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -9,6 +10,13 @@ namespace kestrel::devices {
 
 // What is to be said about a device where it cannot do what others can: one home for the window's
 // tips and the command line's errors.
+
+/// What the chips of the family are, in a word or two.
+[[nodiscard]] std::string_view kindOf(const Family& family);
+
+/// What the classic procedures make of a voltage class above what the family takes; empty when they
+/// apply what is chosen.
+[[nodiscard]] std::string_view voltageLimit(const Family& family, std::int16_t vppClass);
 
 /// Why the command is not offered for the family; empty when it is.
 [[nodiscard]] std::string_view whyNoBlankCheck(const Family& family);

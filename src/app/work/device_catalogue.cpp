@@ -94,12 +94,6 @@ std::string numberOf(const std::string& name) {
   return name;
 }
 
-const char* kindOf(const devices::Family& family) {
-  if (family.bus == devices::BusKind::Serial) return "serial EEPROM";
-  if (family.flashCommands != devices::FlashCommands::None) return "parallel flash";
-  return family.offersErase ? "EEPROM" : "UV EPROM";
-}
-
 std::string packageOf(const devices::ChipPins& pinout) {
   return pinout.count() == 0 ? "not known" : std::to_string(pinout.count()) + " pins";
 }
@@ -198,7 +192,7 @@ void DeviceCatalogue::print(const Device& device, Algorithms algorithms, std::os
   const devices::Family& family = devices::familyOf(device.family);
   const devices::ChipPins pinout = devices::chipPinsOf(device.family);
   out << device.name << '\n'
-      << "Family:    " << kindOf(family) << " (" << device.family << ")\n"
+      << "Family:    " << devices::kindOf(family) << " (" << device.family << ")\n"
       << "Size:      " << device.sizeKB * kBytesPerKB << " bytes\n"
       << "Package:   " << packageOf(pinout) << '\n'
       << "Socket:    " << devices::placeInSocket(pinout) << '\n'
@@ -210,9 +204,8 @@ void DeviceCatalogue::print(const Device& device, Algorithms algorithms, std::os
   if (isClassic && !limit.empty()) {
     out << "Classic:   " << limit << "\n           (not so with --algorithms datasheet)\n";
   }
-  if (device.voltages.find("21") != std::string::npos && !family.takes21And25V) {
-    out << "Remark:    always programmed at 12.5 V on models 5 and 6\n";
-  }
+  const std::string_view voltageLimit = devices::voltageLimit(family, device.vppClass);
+  if (!voltageLimit.empty()) out << "Remark:    " << voltageLimit << '\n';
   for (const auto remark : {devices::whyNoBlankCheck(family), devices::whyNoErase(family),
                             devices::whyNoDisplay(family)}) {
     if (isClassic && !remark.empty()) out << "Remark:    " << remark << '\n';
