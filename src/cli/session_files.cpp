@@ -4,6 +4,7 @@
 #include <span>
 
 #include "app/form/backup.h"
+#include "app/work/work_at_form.h"
 #include "cli/exit_status.h"
 #include "cli/session.h"
 #include "devices/families.h"
@@ -53,12 +54,9 @@ void Session::openCodeFile(const std::string& name) {
     answerWith(fullPath(name));
     press(controls().mnuFileOpenCode, {});
   };
-  open();
-  if (p_.arguments.padFF) {
-    // The buffer is erased behind the name of the file, which is then read into it once more.
+  work::openPadded(p_.arguments.padFF, open, [this] {
     press(controls().Erase_button, "--pad-ff: there is no buffer to fill");
-    open();
-  }
+  });
   printLengths(name);
   hintForRaw(name);
 }

@@ -5,6 +5,7 @@
 #include "app/state/programmer_state.h"
 #include "app/state/text_format.h"
 #include "display/hex_line.h"
+#include "images/identity.h"
 
 namespace kestrel::display {
 namespace {
@@ -13,11 +14,8 @@ constexpr std::size_t kMostRanges = 8;
 constexpr int kAddressDigits = 5;
 
 CellKind kindOf(std::span<const std::uint8_t> bytes) {
-  const auto areAll = [bytes](std::uint8_t value) {
-    return std::ranges::all_of(bytes, [value](std::uint8_t byte) { return byte == value; });
-  };
-  if (areAll(kErased)) return CellKind::Blank;
-  return areAll(0x00) ? CellKind::Zero : CellKind::Data;
+  if (images::isAll(bytes, kErased)) return CellKind::Blank;
+  return images::isAll(bytes, 0x00) ? CellKind::Zero : CellKind::Data;
 }
 
 const char* wordOf(CellKind kind) {

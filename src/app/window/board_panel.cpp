@@ -12,7 +12,6 @@
 #include <QScrollBar>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
-#include <algorithm>
 #include <utility>
 
 #include "app/state/programmer_state.h"

@@ -131,7 +131,11 @@ class MainWindow final : private WidgetServices, public QMainWindow {
   [[nodiscard]] QString codeFileName() const;
   [[nodiscard]] std::optional<ImageSource> imageSource() const;
   [[nodiscard]] bool maySaveOverFile();
+  /// `otherwise`: the button that goes on without saving.
   [[nodiscard]] bool mayLose(const char* otherwise);
+  enum class Answer { Cancel, GoOn, SaveAs };
+  [[nodiscard]] Answer askAboutBuffer(const char* name, const QString& what,
+                                      const QString& question, const char* goOn);
   [[nodiscard]] bool mayReplace();
   [[nodiscard]] bool replacesBuffer(const Control& control) const;
   void followFile();

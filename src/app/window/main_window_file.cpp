@@ -87,35 +87,37 @@ bool MainWindow::saveCodeAs() {
 bool MainWindow::maySaveOverFile() {
   if (!isOther(origin()) || codeFileName().isEmpty()) return true;
   const QString file = onOneLine(QFileInfo(codeFileName()).fileName());
-  QMessageBox box(QMessageBox::Question, "Kestrel",
-                  isUnsavedRead(origin()) ? "The buffer holds what was read from the chip."
-                                          : "The buffer has been erased.",
-                  QMessageBox::Cancel, this);
-  box.setObjectName("overwriteQuestion");
-  box.setTextFormat(Qt::PlainText);
-  box.setInformativeText("Write it over the file " + file + "?");
-  QAbstractButton* const overwrite = box.addButton("Over&write", QMessageBox::DestructiveRole);
-  QAbstractButton* const other = box.addButton("Save &As...", QMessageBox::ActionRole);
-  box.setDefaultButton(QMessageBox::Cancel);
-  box.exec();
-  if (box.clickedButton() == other) saveCodeAs();
-  return box.clickedButton() == overwrite;
+  const Answer answer =
+      askAboutBuffer("overwriteQuestion",
+                     isUnsavedRead(origin()) ? "The buffer holds what was read from the chip."
+                                             : "The buffer has been erased.",
+                     "Write it over the file " + file + "?", "Over&write");
+  if (answer == Answer::SaveAs) saveCodeAs();
+  return answer == Answer::GoOn;
 }
 
-// `otherwise`: the button that goes on without saving.
 bool MainWindow::mayLose(const char* otherwise) {
   if (!isUnsavedRead(origin()) && !isBufferChanged()) return true;
-  QMessageBox box(QMessageBox::Question, "Kestrel",
-                  isUnsavedRead(origin()) ? "What was read from the chip has not been saved."
-                                          : "The buffer was changed and has not been saved.",
-                  QMessageBox::Cancel, this);
-  box.setObjectName("unsavedQuestion");
-  QAbstractButton* const save = box.addButton("Save &As...", QMessageBox::AcceptRole);
-  QAbstractButton* const lose = box.addButton(otherwise, QMessageBox::DestructiveRole);
+  const Answer answer =
+      askAboutBuffer("unsavedQuestion",
+                     isUnsavedRead(origin()) ? "What was read from the chip has not been saved."
+                                             : "The buffer was changed and has not been saved.",
+                     "", otherwise);
+  return answer == Answer::SaveAs ? saveCodeAs() : answer == Answer::GoOn;
+}
+
+MainWindow::Answer MainWindow::askAboutBuffer(const char* name, const QString& what,
+                                              const QString& question, const char* goOn) {
+  QMessageBox box(QMessageBox::Question, "Kestrel", what, QMessageBox::Cancel, this);
+  box.setObjectName(name);
+  box.setTextFormat(Qt::PlainText);
+  box.setInformativeText(question);
+  QAbstractButton* const other = box.addButton("Save &As...", QMessageBox::AcceptRole);
+  QAbstractButton* const on = box.addButton(goOn, QMessageBox::DestructiveRole);
   box.setDefaultButton(QMessageBox::Cancel);
   box.exec();
-  if (box.clickedButton() == save) return saveCodeAs();
-  return box.clickedButton() == lose;
+  if (box.clickedButton() == other) return Answer::SaveAs;
+  return box.clickedButton() == on ? Answer::GoOn : Answer::Cancel;
 }
 
 // Reading, opening and importing end what can be taken back; an edited buffer would be gone.

@@ -168,11 +168,9 @@ void ProjectFiles::loadFile(Checked& project) {
   if (project.image) {
     parts_.images.load(std::move(*project.image));
   } else if (work.codeFile) {
-    parts_.openCode(*work.codeFile);
-    if (!work.padFF) return;
-    // The buffer is erased behind the name of the file, which is then read into it once more.
-    use([this] { parts_.form.controls().Erase_button.press(); });
-    parts_.openCode(*work.codeFile);
+    work::openPadded(
+        work.padFF, [&] { parts_.openCode(*work.codeFile); },
+        [this] { use([this] { parts_.form.controls().Erase_button.press(); }); });
   }
 }
 

@@ -134,4 +134,11 @@ ProjectItems itemsAtForm(form::frmMain& form) {
       {"repeat", std::to_string(c.ReadTimes.value())}};
 }
 
+void openPadded(bool padFF, const std::function<void()>& open, const std::function<void()>& erase) {
+  open();
+  if (!padFF) return;
+  erase();
+  open();
+}
+
 }  // namespace kestrel::work

@@ -29,4 +29,8 @@ void checkOffered(const Work& work, const SelectionState& device, Algorithms alg
 /// What is set at the form, as a project has it; the code file is the front end's.
 [[nodiscard]] ProjectItems itemsAtForm(form::frmMain& form);
 
+/// Opens a code file; with `padFF` what it does not fill is FFh: the buffer is erased behind the
+/// name of the file, which is then read into it once more.
+void openPadded(bool padFF, const std::function<void()>& open, const std::function<void()>& erase);
+
 }  // namespace kestrel::work
