@@ -9,7 +9,6 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "app/form/backup.h"
 #include "app/state/text_format.h"
 #include "app/window/file_of.h"
 #include "app/window/serial_fields.h"
