@@ -1,6 +1,7 @@
 #include "app/window/outcome_line.h"
 
 #include <QTextDocumentFragment>
+#include <algorithm>
 #include <span>
 #include <utility>
 
@@ -128,12 +129,14 @@ QString OutcomeLine::doneText(CommandKind command) const {
   return text + QString(", %1 s").arg(static_cast<double>(lasted_) / kMsPerSecond, 0, 'f', 1);
 }
 
-// The buffer holds what was read, or what the chip was found equal to.
+// The buffer holds what was read, or what the chip was found equal to: after a file shorter than
+// the chip that is the file's length.
 QString OutcomeLine::crcText() const {
   constexpr int kDigits = 8;
   constexpr int kHex = 16;
-  const auto length = static_cast<std::size_t>(device_.DeviceSizeBytes);
-  const std::uint32_t crc = images::crc32(std::span(buffers_.CodeBuffer).first(length));
+  const auto length = static_cast<std::size_t>(std::max(buffers_.CodeLength, 0));
+  const auto bytes = std::span(buffers_.CodeBuffer);
+  const std::uint32_t crc = images::crc32(bytes.first(std::min(length, bytes.size())));
   return QString("%1").arg(crc, kDigits, kHex, QChar('0')).toUpper();
 }
 
