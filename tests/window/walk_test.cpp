@@ -21,7 +21,8 @@ namespace {
 
 constexpr int kLookMs = 2;
 constexpr int kFewestLooks = 4;  // what a step leaves to the event loop is done by then
-constexpr int kRestMs = 1'500;   // what has not changed for so long is not about to
+constexpr int kRestMs = 3'000;   // what has not changed for so long is not about to,
+constexpr int kRestLooks = 50;   // nor when the processor was away: then by so many looks
 constexpr int kSettledMs = 60;
 
 /// Bytes as a walk writes them: "TEXT", 100 x FF or 100 counting; then changes such as , 1F = 00AA.
@@ -126,6 +127,7 @@ class Walk {
     if (now != last_ || looks_ < kFewestLooks) {
       last_ = now;
       unchanged_.start();
+      changedAt_ = looks_;
       return false;
     }
     QStringList found = said_ + changesFrom(before_, now);
@@ -139,6 +141,7 @@ class Walk {
     const bool isRight = found == step.expected;
     if (!unchanged_.hasExpired(isRight && !isSome ? 0 : isRight ? kSettledMs : kRestMs))
       return false;
+    if (!isRight && looks_ - changedAt_ < kRestLooks) return false;
     if (!isRight) {
       const QString told = step.text + "\nexpected\n  " + step.expected.join("\n  ") +
                            "\nfound\n  " + found.join("\n  ");
@@ -369,6 +372,7 @@ class Walk {
   Look last_;
   bool isTaken_ = false;  ///< a step whose changes have not been looked at
   int looks_ = 0;         ///< since the step was taken
+  int changedAt_ = 0;     ///< of them
   QElapsedTimer unchanged_;
   QStringList said_;  ///< by the step itself
   QEventLoop loop_;
